@@ -1,0 +1,145 @@
+#include "host/ExchangeDesk.h"
+
+#include <algorithm>
+
+#include "host/ResponseObject.h"
+
+namespace switchdesk {
+
+using platform::ObjectRef;
+using platform::Text;
+
+namespace {
+
+constexpr platform::TextView busy = u"BUSY", error = u"ERROR";
+
+bool IsRefusal(const Text& result) {
+    return result.empty() || result == busy || result == error;
+}
+
+Text Key(const char16_t* prefix, int& last) {
+    return prefix + platform::DecimalText(++last);
+}
+
+}  // namespace
+
+ExchangeDesk::ExchangeDesk(platform::EventLoop& loop, const Observation& observation)
+    : loop_(loop), observation_(observation) {}
+
+void ExchangeDesk::Add(Text name, SimulatedExchange exchange) {
+    exchanges_.push_back({std::move(name), std::move(exchange)});
+}
+
+SimulatedExchange* ExchangeDesk::Find(const Text& name) {
+    const auto found = std::find_if(exchanges_.begin(), exchanges_.end(),
+                                    [&](const Named& entry) { return entry.name == name; });
+    return found == exchanges_.end() ? nullptr : &found->exchange;
+}
+
+ExchangeDesk::Session* ExchangeDesk::FindLogin(const Text& key) {
+    const auto found = std::find_if(sessions_.begin(), sessions_.end(), [&](const Session& session) {
+        return session.isLogin && session.key == key;
+    });
+    return found == sessions_.end() ? nullptr : &*found;
+}
+
+bool ExchangeDesk::IsBusy(const Text& name) const {
+    return std::any_of(sessions_.begin(), sessions_.end(),
+                       [&](const Session& session) { return session.isLogin && session.exchange == name; });
+}
+
+Text ExchangeDesk::Open(Text key, const Text& name, bool isLogin, const ObjectRef& client) {
+    Session& session = sessions_.emplace_back(Session{key, name, isLogin, client, nullptr, nullptr});
+    // A client that dies can't log out: its login must not block the exchange for ever.
+    if (client)
+        session.clientWatch = client->WhenOwnerGone([this, key] {
+            observation_.log.Note("client of " + platform::ToUtf8(key) + " has gone");
+            Close(key);
+        });
+    return key;
+}
+
+void ExchangeDesk::Close(const Text& key) {
+    sessions_.remove_if([&](const Session& session) { return session.key == key; });
+}
+
+Text ExchangeDesk::Connect(const Text& name, const ObjectRef& client) {
+    if (!Find(name)) return {};
+    return Open(Key(u"C", lastConnection_), name, false, client);
+}
+
+bool ExchangeDesk::Forced(const ForcedReply& reply) {
+    if (reply.kind == ForcedReply::Kind::Raise)
+        throw platform::RuntimeError(reply.number, u"The host was told to fail here");
+    if (reply.kind == ForcedReply::Kind::Hang) Hang();
+    return reply.kind == ForcedReply::Kind::Text;
+}
+
+void ExchangeDesk::Hang() {
+    observation_.log.Note("hangs");
+    while (!leaving_) loop_.ServeOnce();
+    throw platform::RuntimeError(platform::ErrorNumber::ServerGone);
+}
+
+Text ExchangeDesk::Login(const Text& name, const ObjectRef& client) {
+    const ForcedReply& reply = observation_.misbehaviour.login;
+    const bool forced = Forced(reply);
+    if (forced && IsRefusal(reply.text)) return reply.text;
+    if (!Find(name)) return Text(error);
+    if (IsBusy(name)) return Text(busy);
+    const Text key = Open(forced ? reply.text : Key(u"L", lastLogin_), name, true, client);
+    if (observation_.misbehaviour.callbackDuring == "login") CallBack(client, {{}, 0, {}, key, {}});
+    return key;
+}
+
+Text ExchangeDesk::Send(const ObjectRef& record) {
+    const ForcedReply& reply = observation_.misbehaviour.send;
+    const bool forced = Forced(reply);
+    if (forced && IsRefusal(reply.text)) return reply.text;
+    const Request request = ReadRequest(record);
+    Session* session = FindLogin(request.loginId);
+    if (!session || session->exchange != request.exchange || session->answer) return Text(error);
+    const Text accepted = forced ? reply.text : Key(u"R", lastRequest_);
+    if (observation_.misbehaviour.callbackDuring == "send") {
+        Deliver(request);
+    } else if (observation_.misbehaviour.answers) {
+        // Never from in here: the client counts on SendRequest having returned before CallBack comes.
+        session->answer = loop_.After(observation_.misbehaviour.answerDelay, [this, request] {
+            observation_.misbehaviour.LeaveAt("waiting", observation_.log);
+            Deliver(request);
+            observation_.misbehaviour.LeaveAt("answered", observation_.log);
+        });
+    }
+    return accepted;
+}
+
+void ExchangeDesk::LogOut(const Text& name, const Text& key) {
+    sessions_.remove_if(
+        [&](const Session& session) { return session.key == key && session.exchange == name; });
+}
+
+void ExchangeDesk::Deliver(const Request& request) {
+    const Session* session = FindLogin(request.loginId);
+    SimulatedExchange* exchange = Find(request.exchange);
+    if (!session || !exchange) return;
+    const ObjectRef client = session->client;
+    const Answer answer{exchange->Perform(request.items), 0, request.tag, request.loginId, {}};
+    CallBack(client, answer);
+    if (observation_.misbehaviour.answersTwice) CallBack(client, answer);
+}
+
+void ExchangeDesk::CallBack(const ObjectRef& client, Answer answer) {
+    observation_.misbehaviour.Spoil(answer);
+    ObjectRef response = std::make_shared<ResponseObject>(observation_, answer);
+    observation_.log.Note("CallBack");
+    try {
+        platform::Call(client, "CallBack", platform::ByRef(response));
+        observation_.log.Note(response ? "CallBack returned, response kept" : "CallBack returned");
+    } catch (const platform::RuntimeError& failure) {
+        observation_.log.Note("CallBack raised error " + std::to_string(failure.Number()));
+        // Nobody will log out for an answer that can't be told.
+        Close(answer.loginId);
+    }
+}
+
+}  // namespace switchdesk

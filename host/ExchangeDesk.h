@@ -1,0 +1,71 @@
+// The exchanges, who is logged in at them, and the way of one request.
+#pragma once
+
+#include <list>
+#include <memory>
+#include <vector>
+
+#include "host/ObservedObject.h"
+#include "host/RequestRecord.h"
+#include "host/SimulatedExchange.h"
+#include "platform/runtime/EventLoop.h"
+
+namespace switchdesk {
+
+class ExchangeDesk {
+  public:
+    // `loop` and what `observation` refers to must outlive the desk.
+    ExchangeDesk(platform::EventLoop& loop, const Observation& observation);
+
+    // Names are compared exactly.
+    void Add(platform::Text name, SimulatedExchange exchange);
+
+    struct Named {
+        platform::Text name;
+        SimulatedExchange exchange;
+    };
+    const std::vector<Named>& Exchanges() const { return exchanges_; }
+
+    // The key of a connection, or an empty text for an exchange that isn't there.
+    platform::Text Connect(const platform::Text& name, const platform::ObjectRef& client);
+    // The key of a login; "BUSY" while another one is open at the exchange, "ERROR" for no such exchange.
+    platform::Text Login(const platform::Text& name, const platform::ObjectRef& client);
+    // Takes a request, whose answer goes to CallBack of the login's client later. "ERROR" for a request
+    // without a login of its own.
+    platform::Text Send(const platform::ObjectRef& record);
+    // Ends a login or a connection. A request of it that is under way gets no answer any more.
+    void LogOut(const platform::Text& name, const platform::Text& key);
+
+    // The host is about to end: a call that never answers is given up.
+    void Leave() { leaving_ = true; }
+
+  private:
+    struct Session {
+        platform::Text key, exchange;
+        bool isLogin = true;
+        platform::ObjectRef client;
+        std::shared_ptr<void> clientWatch;
+        platform::HandleRef answer;  // the request under way
+    };
+
+    SimulatedExchange* Find(const platform::Text& name);
+    Session* FindLogin(const platform::Text& key);
+    bool IsBusy(const platform::Text& name) const;
+    platform::Text Open(platform::Text key, const platform::Text& name, bool isLogin,
+                        const platform::ObjectRef& client);
+    void Close(const platform::Text& key);
+    // Carries out a reply that was forced on a call: True where its text is the call's result.
+    bool Forced(const ForcedReply& reply);
+    void Hang();
+    void Deliver(const Request& request);
+    void CallBack(const platform::ObjectRef& client, Answer answer);
+
+    platform::EventLoop& loop_;
+    Observation observation_;
+    std::vector<Named> exchanges_;
+    std::list<Session> sessions_;
+    int lastLogin_ = 0, lastConnection_ = 0, lastRequest_ = 0;
+    bool leaving_ = false;
+};
+
+}  // namespace switchdesk

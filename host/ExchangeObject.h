@@ -1,0 +1,22 @@
+// The exchange object: what clients log in at.
+#pragma once
+
+#include "host/ExchangeDesk.h"
+#include "host/ObservedObject.h"
+
+namespace switchdesk {
+
+// Members: ConnectToPbx, Login, SendRequest, LogOut. All objects of this class stand before the same desk.
+class ExchangeObject : public ObservedObject {
+  public:
+    ExchangeObject(const Observation& observation, ExchangeDesk& desk)
+        : ObservedObject(observation), desk_(desk) {}
+    const platform::ClassDescription& Class() const override;
+
+    ExchangeDesk& Desk() { return desk_; }
+
+  private:
+    ExchangeDesk& desk_;
+};
+
+}  // namespace switchdesk

@@ -1,0 +1,29 @@
+// What all objects share that the host shows to its clients: each call is logged, and may misbehave.
+#pragma once
+
+#include "host/CallLog.h"
+#include "host/Misbehaviour.h"
+#include "platform/runtime/Object.h"
+
+namespace switchdesk {
+
+// Both outlive every object.
+struct Observation {
+    CallLog& log;
+    Misbehaviour& misbehaviour;
+};
+
+class ObservedObject : public platform::Object {
+  public:
+    explicit ObservedObject(const Observation& observation) : observation_(observation) {}
+    platform::Value Invoke(std::string_view member, platform::InvokeKind kind,
+                           platform::Arguments& arguments) override;
+
+  private:
+    platform::Value Misbehave(const std::string& member, platform::InvokeKind kind,
+                              platform::Arguments& arguments);
+
+    Observation observation_;
+};
+
+}  // namespace switchdesk

@@ -1,0 +1,165 @@
+// The process: puts the pieces together, with a window or as a service of the bus.
+#include <cstdio>
+#include <iterator>
+#include <memory>
+
+#include "host/AddIn.h"
+#include "host/ExchangeObject.h"
+#include "host/HostObject.h"
+#include "host/MainWindow.h"
+#include "host/Options.h"
+#include "platform/automation/dbus/BusAutomation.h"
+#include "platform/data/sqlite/SqliteEngine.h"
+#include "platform/desktop/qt/QtDesktop.h"
+#include "platform/runtime/Guard.h"
+
+namespace switchdesk {
+
+namespace {
+
+using platform::Text;
+
+// A service that nobody creates an object in ends after this time.
+constexpr platform::Milliseconds unusedLimit{60000};
+constexpr platform::Milliseconds second{1000};
+
+platform::Application Describe() {
+    platform::Application application;
+    application.title = u"Switchdesk";
+    application.waits.busyTitle = application.waits.pendingTitle = u"Switchdesk";
+    application.waits.busyText = u"The clock add-in is busy. Go on trying?";
+    application.waits.pendingText = u"The clock add-in hasn't answered yet. Go on waiting?";
+    return application;
+}
+
+// Exchanges whose clocks differ, as they do.
+void AddExchanges(ExchangeDesk& desk, const Options& options, const platform::Clock& clock) {
+    static constexpr double habits[] = {7, -11, 3};
+    std::size_t next = 0;
+    for (const Text& name : options.exchanges) {
+        const double minutesAhead = habits[next++ % std::size(habits)];
+        desk.Add(name, SimulatedExchange(clock, options.minutesAhead.value_or(minutesAhead)));
+    }
+}
+
+class Host {
+  public:
+    Host(const Options& options, platform::QtDesktop& desktop, platform::Automation& automation);
+
+    void RunWithWindow();
+    void RunAsService();
+
+  private:
+    void Serve();
+    void ServeBesideWindow();
+    void Leave();
+
+    const Options& options_;
+    platform::EventLoop& loop_;
+    platform::Automation& automation_;
+    platform::SystemClock clock_;
+    CallLog log_;
+    Misbehaviour misbehaviour_;
+    Observation observation_;
+    Store store_;
+    ExchangeDesk desk_;
+    std::unique_ptr<MainWindow> window_;
+    std::unique_ptr<AddIn> addIn_;
+    std::shared_ptr<HostObject> hostObject_;
+    platform::HandleRef clockTick_, start_, unused_;
+};
+
+Host::Host(const Options& options, platform::QtDesktop& desktop, platform::Automation& automation)
+    : options_(options),
+      loop_(desktop.Loop()),
+      automation_(automation),
+      misbehaviour_(options.misbehaviour),
+      observation_{log_, misbehaviour_},
+      store_(options.store),
+      desk_(loop_, observation_) {
+    if (options.log) log_.AddSink(FileSink(*options.log));
+    if (options.verbose) log_.AddSink(StandardOutputSink());
+    AddExchanges(desk_, options, clock_);
+}
+
+void Host::Serve() {
+    automation_.ServeClass(options_.ExchangeClass(), [this] {
+        log_.Note("an exchange object is created");
+        return std::make_shared<ExchangeObject>(observation_, desk_);
+    });
+}
+
+// Where another host has the class already, this one does without: only stand-alone runs need it.
+void Host::ServeBesideWindow() {
+    try {
+        Serve();
+    } catch (const platform::RuntimeError& error) {
+        log_.Note("the exchange object's class can't be served: " + std::string(error.what()));
+        window_->ShowState(u"Another host serves stand-alone runs; this one serves its own add-in only.",
+                           false, {});
+    }
+}
+
+void Host::RunWithWindow() {
+    const auto open = [this](const Text& exchange) { addIn_->Open(exchange, hostObject_); };
+    window_ = std::make_unique<MainWindow>(
+        desk_, MainWindow::Actions{open, [this] { addIn_->Close(); }, [this] { Leave(); }});
+    addIn_ = std::make_unique<AddIn>(automation_, loop_, *window_, log_);
+    const auto unloaded = [this](std::int16_t id) { addIn_->ChildUnloaded(id); };
+    const auto exchange = std::make_shared<ExchangeObject>(observation_, desk_);
+    hostObject_ =
+        std::make_shared<HostObject>(observation_, HostObject::Parts{*window_, store_, exchange, unloaded});
+    window_->show();
+    ServeBesideWindow();
+    clockTick_ = loop_.Every(second, [this] { window_->ShowClocks(); });
+    if (options_.open)
+        start_ = loop_.After(platform::Milliseconds(0), [this, open] { open(*options_.open); });
+    loop_.Run();
+}
+
+// The add-in stores its position here as it goes: it is served until it has left.
+void Host::Leave() {
+    desk_.Leave();
+    clockTick_ = nullptr;
+    addIn_->Close();
+    addIn_->WhenLeft([this] { loop_.Quit(); });
+}
+
+void Host::RunAsService() {
+    automation_.WhenInUse([this](bool inUse) {
+        unused_ = nullptr;
+        if (inUse) return;
+        desk_.Leave();
+        loop_.Quit();
+    });
+    unused_ = loop_.After(unusedLimit, [this] { loop_.Quit(); });
+    Serve();
+    loop_.Run();
+}
+
+int Run(int argc, char** argv) {
+    const Options options = ParseOptions({argv + 1, argv + argc});
+    if (options.help) return std::fputs(HelpText().c_str(), stdout), 0;
+    const platform::Application application = Describe();
+    const auto engine = platform::MakeSqliteEngine();
+    const auto desktop = platform::OpenDesktop(argc, argv, application, *engine);
+    const auto automation =
+        platform::ConnectToSessionBus(desktop->Loop(), desktop->Waits(), application.waits);
+    Host host(options, *desktop, *automation);
+    options.service ? host.RunAsService() : host.RunWithWindow();
+    automation->Flush();
+    return 0;
+}
+
+}  // namespace
+
+}  // namespace switchdesk
+
+int main(int argc, char** argv) {
+    try {
+        return switchdesk::Run(argc, argv);
+    } catch (const platform::RuntimeError& error) {
+        std::fprintf(stderr, "switchdesk: %s\n", error.what());
+        return 1;
+    }
+}

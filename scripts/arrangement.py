@@ -1,0 +1,187 @@
+"""An installation of its own to run in: directory tree, settings, services, a private bus, a display.
+
+Everything lies in one folder and nothing outside it is touched. The processes that were started here end
+with the arrangement.
+"""
+import os
+import secrets
+import select
+import shutil
+import signal
+import subprocess
+import time
+from pathlib import Path
+
+SOURCES = Path(__file__).resolve().parent.parent
+MARKET = "10001"
+CLASS_NAMES = {
+    "Horalink10013.cOLELayer": ("ADDINS", "horalink", "-Embedding"),
+    f"SwitchDeskProj{MARKET}.cPBXOle": ("MORA32", "switchdesk", "--service"),
+}
+ACCESSIBILITY_LAUNCHER = Path("/usr/libexec/at-spi-bus-launcher")
+BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:abstract={socket}</listen>
+  <servicedir>{services}</servicedir>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="false"/>
+    <allow receive_sender="*"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
+
+
+def wait_for(condition, seconds, what):
+    """The first true value of `condition`, asked again and again; fails when the limit has passed."""
+    end = time.monotonic() + seconds
+    pause = select.poll()
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > end:
+            raise TimeoutError(f"waited {seconds} s for {what}")
+        pause.poll(50)
+
+
+class Arrangement:
+    """Lays everything out in `folder`; enter it to start the bus and, where there is none, a display."""
+
+    def __init__(self, build, folder, own_display=False):
+        self.build = Path(build).resolve()
+        self.folder = Path(folder).resolve()
+        self.root = self.folder / "VELMORA32" / MARKET
+        self.own_display = own_display or not (os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
+        self.processes = []
+        self.environment = dict(os.environ)
+
+    # --- the tree ---------------------------------------------------------------------------------
+
+    def lay_out(self):
+        shutil.rmtree(self.folder, ignore_errors=True)
+        for name in ("ADDINS/DATABASE", "ADDINS/HELP", "MORA32/DATABASE", "BACKGRND"):
+            (self.root / name).mkdir(parents=True)
+        shutil.copy(self.build / "data/Horalink.lng", self.root / "ADDINS/DATABASE")
+        shutil.copy(self.build / "data/Horalink.hlp", self.root / "ADDINS/HELP")
+        shutil.copy(self.build / "data/Common.LNG", self.root / "MORA32/DATABASE")
+        shutil.copy(self.build / "data/Register.mdb", self.root / "MORA32/DATABASE")
+        self._place(self.build / "src/horalink", self.root / "ADDINS/horalink")
+        self._place(self.build / "host/switchdesk", self.root / "MORA32/switchdesk")
+        for picture in (SOURCES / "data/backgrounds").glob("*.svg"):
+            shutil.copy(picture, self.root / "BACKGRND")
+        self._write_settings()
+        self._write_services()
+        for name in ("home", "runtime"):
+            (self.folder / name).mkdir(mode=0o700)
+        return self
+
+    @staticmethod
+    def _place(program, target):
+        """A program finds its market by the path it lies in, so a symbolic link would not do."""
+        try:
+            os.link(program, target)
+        except OSError:
+            shutil.copy(program, target)
+
+    def _write_settings(self):
+        settings = self.folder / "config" / "velmora" / "settings.ini"
+        settings.parent.mkdir(parents=True)
+        path = str(self.root).replace("/", "\\")
+        settings.write_text(f"[VELMORA32/{MARKET}]\nInstallPath={path}\\\n", encoding="utf-8")
+
+    def _write_services(self):
+        services = self.folder / "services"
+        services.mkdir()
+        for name, (directory, program, option) in CLASS_NAMES.items():
+            command = f"{self.root / directory / program} {option}"
+            (services / f"{name}.service").write_text(f"[D-BUS Service]\nName={name}\nExec={command}\n")
+        if ACCESSIBILITY_LAUNCHER.exists():
+            (services / "org.a11y.Bus.service").write_text(
+                f"[D-BUS Service]\nName=org.a11y.Bus\nExec={ACCESSIBILITY_LAUNCHER}\n")
+
+    # --- processes --------------------------------------------------------------------------------
+
+    def __enter__(self):
+        try:
+            self.environment.update(
+                HOME=str(self.folder / "home"),
+                XDG_CONFIG_HOME=str(self.folder / "config"),
+                XDG_DATA_HOME=str(self.folder / "home/data"),
+                XDG_CACHE_HOME=str(self.folder / "home/cache"),
+                XDG_RUNTIME_DIR=str(self.folder / "runtime"),
+                # The interpreter that Debian's bus bindings belong to.
+                PATH="/usr/bin:/bin:" + os.environ.get("PATH", ""))
+            if self.own_display:
+                self.environment.pop("WAYLAND_DISPLAY", None)
+                self.environment["LC_ALL"] = "C.UTF-8"
+                self._start_display()
+            self._start_bus()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            self.end(process)
+
+    def start(self, command, **options):
+        """Starts a program in the arrangement; it ends with it."""
+        process = subprocess.Popen([str(part) for part in command], env=self.environment,
+                                   start_new_session=True, **options)
+        self.processes.append(process)
+        return process
+
+    @staticmethod
+    def end(process):
+        """Ends a program and all that it started."""
+        try:
+            os.killpg(process.pid, signal.SIGTERM)
+        except ProcessLookupError:
+            pass
+        try:
+            process.wait(5)
+        except subprocess.TimeoutExpired:
+            os.killpg(process.pid, signal.SIGKILL)
+            process.wait()
+        for stream in (process.stdout, process.stderr):
+            if stream:
+                stream.close()
+
+    def _start_display(self):
+        reading, writing = os.pipe()
+        self.start(["Xvfb", "-displayfd", writing, "-screen", "0", "1280x900x24", "-nolisten", "tcp"],
+                   pass_fds=[writing], stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as pipe:
+            number = pipe.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start")
+        self.environment["DISPLAY"] = f":{number}"
+        if shutil.which("openbox"):
+            self.start(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def _start_bus(self):
+        configuration = self.folder / "bus.conf"
+        configuration.write_text(BUS_CONFIGURATION.format(
+            socket=f"horalink-{os.getpid()}-{secrets.token_hex(8)}", services=self.folder / "services"))
+        # A program that is to be read and clicked from outside offers its widgets to assistive programs.
+        self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+        with open(self.folder / "bus.log", "w", encoding="utf-8") as log:
+            bus = self.start(["dbus-daemon", f"--config-file={configuration}", "--nofork", "--print-address=1"],
+                             stdout=subprocess.PIPE, stderr=log, text=True)
+        address = bus.stdout.readline().strip()
+        if not address:
+            raise RuntimeError("dbus-daemon did not start")
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
+
+    @property
+    def add_in(self):
+        return self.root / "ADDINS/horalink"
+
+    @property
+    def host(self):
+        return self.root / "MORA32/switchdesk"

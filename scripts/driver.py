@@ -1,0 +1,156 @@
+"""Works a program as an operator does: finds its widgets by their accessible names, clicks them with real
+input events, and reads what its boxes say."""
+import os
+import subprocess
+from datetime import datetime
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi  # noqa: E402
+from gi.repository import GLib  # noqa: E402
+
+from arrangement import wait_for  # noqa: E402
+
+
+class Driver:
+    """Drives the programs of one arrangement. One for each process: the accessibility bus is connected once."""
+
+    def __init__(self, arrangement):
+        self.arrangement = arrangement
+        for name in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"):
+            os.environ[name] = arrangement.environment[name]
+        Atspi.init()
+        Atspi.set_timeout(2000, 4000)
+
+    # --- finding ----------------------------------------------------------------------------------
+
+    @staticmethod
+    def _children(node):
+        for index in range(node.get_child_count()):
+            child = node.get_child_at_index(index)
+            if child:
+                child.clear_cache()
+                yield child
+
+    def _walk(self, node):
+        yield node
+        for child in self._children(node):
+            yield from self._walk(child)
+
+    def windows(self, program):
+        """The windows of a program that are on the screen."""
+        desktop = Atspi.get_desktop(0)
+        desktop.clear_cache()
+        for application in self._children(desktop):
+            try:
+                if application.get_name() != program:
+                    continue
+                for window in self._children(application):
+                    if window.get_state_set().contains(Atspi.StateType.SHOWING):
+                        yield window
+            except GLib.Error:
+                continue  # it went away while it was looked at
+
+    def find(self, program, name, role=None, seconds=10, window=None):
+        """A widget by its accessible name, or the start of it, in any window or in that of a title."""
+        def look():
+            try:
+                for top in self.windows(program):
+                    if window is not None and top.get_name() != window:
+                        continue
+                    for node in self._walk(top):
+                        if node.get_name().strip().startswith(name) and role in (None, node.get_role_name()):
+                            return node
+            except GLib.Error:
+                return None
+            return None
+        return wait_for(look, seconds, f"'{name}' in {program}")
+
+    def window(self, program, title=None, seconds=10):
+        """A window by its title, or the first."""
+        def look():
+            try:
+                return next((top for top in self.windows(program) if title in (None, top.get_name())), None)
+            except GLib.Error:
+                return None
+        return wait_for(look, seconds, f"a window '{title}' of {program}")
+
+    def has_window(self, program, title):
+        try:
+            return any(top.get_name() == title for top in self.windows(program))
+        except GLib.Error:
+            return False
+
+    def texts(self, window):
+        """All texts of a window that stand on labels."""
+        return [node.get_name() for node in self._walk(window) if node.get_role_name() == "label"]
+
+    @staticmethod
+    def is_enabled(node):
+        node.clear_cache()
+        return node.get_state_set().contains(Atspi.StateType.ENABLED)
+
+    # --- acting -----------------------------------------------------------------------------------
+
+    @staticmethod
+    def _xdotool(*arguments):
+        subprocess.run(["xdotool", *map(str, arguments)], check=True, stdout=subprocess.DEVNULL)
+
+    def point_of(self, node):
+        """The middle of a widget on the screen."""
+        box = node.get_extents(Atspi.CoordType.SCREEN)
+        return box.x + box.width // 2, box.y + box.height // 2
+
+    def click(self, node):
+        wait_for(lambda: self.is_enabled(node), 10, f"'{node.get_name()}' to be enabled")
+        self._xdotool("mousemove", "--sync", *self.point_of(node), "click", 1)
+
+    def press(self, *keys):
+        self._xdotool("key", *keys)
+
+    # --- the message boxes ------------------------------------------------------------------------
+
+    def box(self, program, besides, seconds=15):
+        """The box that is open: a window whose title is none of `besides`."""
+        def look():
+            try:
+                return next((top for top in self.windows(program) if top.get_name() not in besides), None)
+            except GLib.Error:
+                return None
+        return wait_for(look, seconds, f"a box of {program}")
+
+    def close_box(self, program, box, button="OK"):
+        title = box.get_name()
+        self.click(self.find(program, button, "push button", window=title))
+        wait_for(lambda: not self.has_window(program, title), 10, f"the box '{title}' to close")
+
+    # --- reading ----------------------------------------------------------------------------------
+
+    @staticmethod
+    def value(node):
+        """The text of a box."""
+        node.clear_cache()
+        return Atspi.Text.get_text(node, 0, -1)
+
+    def date(self, program):
+        """The day that the calendar shows as chosen, year/month/day; nothing where none is."""
+        def look():
+            for top in self.windows(program):
+                for node in self._walk(top):
+                    try:
+                        return datetime.strptime(node.get_name(), "%A, %d %B %Y").strftime("%Y/%m/%d")
+                    except ValueError:
+                        continue
+            return None
+        return look()
+
+    def picture(self, path, window=None):
+        """Saves the whole screen, or what it shows of one window."""
+        command = ["import", "-silent", "-window", "root"]
+        if window is not None:
+            box = window.get_extents(Atspi.CoordType.SCREEN)
+            # The frame that the window manager draws lies outside.
+            command += ["-crop", f"{box.width + 2}x{box.height + 26}+{max(box.x - 1, 0)}+{max(box.y - 24, 0)}",
+                        "+repage"]
+        subprocess.run([*command, str(path)], check=True)

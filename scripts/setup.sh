@@ -1,0 +1,34 @@
+# What the commands at the root share: missing Debian packages, configuring, building. Sourced by them.
+
+build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev libsystemd-dev libsqlite3-dev
+                sqlite3 libgtest-dev)
+run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-atspi-2.0 python3 python3-dbus
+              python3-gi fonts-liberation)
+check_packages=(clang-format)
+
+# Installs those of the named packages that are missing.
+install_packages() {
+  local missing=()
+  local package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  echo "Installing: ${missing[*]}"
+  local root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "These packages are missing, and only root can install them: ${missing[*]}" >&2; exit 1; }
+    root=(sudo)
+  fi
+  "${root[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# Configures a folder; further arguments go to the configuring.
+configure_tree() {
+  local folder=$1
+  shift
+  mkdir -p "$folder"
+  cmake -S "$top" -B "$folder" -G Ninja "$@" >"$folder/configure.log" 2>&1 ||
+    { cat "$folder/configure.log" >&2; exit 1; }
+}

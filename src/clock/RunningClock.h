@@ -1,0 +1,30 @@
+// The display that follows the PC's clock.
+#pragma once
+
+#include "clock/Layout.h"
+#include "platform/runtime/Date.h"
+
+namespace horalink {
+
+class RunningClock {
+  public:
+    RunningClock(const DialogControls& controls, const platform::Clock& clock)
+        : controls_(controls), clock_(clock) {}
+
+    // Brings what tracks the PC to the PC's date and time; what is there already is left alone. Raises
+    // nothing: what fails is made good at the next tick.
+    void UpdateDisplay();
+
+    // Sets the calendar to the PC's date.
+    void SetToday();
+
+  private:
+    void FollowDate();
+    void FollowTime();
+    platform::DateParts Now() const { return PartsOf(clock_.Now()); }
+
+    const DialogControls& controls_;
+    const platform::Clock& clock_;
+};
+
+}  // namespace horalink

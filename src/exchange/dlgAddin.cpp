@@ -1,0 +1,250 @@
+#include "exchange/dlgAddin.h"
+
+#include <limits>
+
+#include "clock/WindowPlacement.h"
+#include "language/FormTexts.h"
+#include "language/LanguageMsgBox.h"
+#include "locator/comRegMora32.h"
+#include "pictures/comPicture.h"
+
+namespace horalink {
+
+using namespace platform;
+
+namespace {
+
+ClassDescription Describe() {
+    const Parameter object{"oResponse", ValueType::Object}, parent{"Parent", ValueType::Object},
+        text{"PBX", ValueType::String}, id{"ID", ValueType::Integer}, index{"Index", ValueType::Integer},
+        value{"Value", ValueType::Boolean};
+    const auto put = InvokeKind::PropertyPut;
+    const auto method = InvokeKind::Method;
+    return {
+        "dlgAddin",
+        {
+            {"IncrementCount", method, {}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments&) {
+                 self.IncrementCount();
+             })},
+            {"DecrementCount", method, {}, ValueType::Integer, Bind<dlgAddin>([](dlgAddin& self, Arguments&) {
+                 return self.DecrementCount();
+             })},
+            {"PBXName", put, {text}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
+                 self.PutPBXName(a[0].ToText());
+             })},
+            {"FrmMove", method, {parent}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
+                 self.FrmMove(a[0].ToObject());
+             })},
+            {"FrmPositionSave", method, {}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments&) {
+                 self.FrmPositionSave();
+             })},
+            {"Parent",
+             InvokeKind::PropertyPutObject,
+             {parent},
+             ValueType::None,
+             Bind<dlgAddin>([](dlgAddin& self, Arguments& a) { self.PutParent(a[0].ToObject()); })},
+            {"ID", put, {id}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
+                 self.PutID(a[0].ToInteger());
+             })},
+            {"CheckLoadError",
+             InvokeKind::PropertyGet,
+             {},
+             ValueType::Boolean,
+             Bind<dlgAddin>([](dlgAddin& self, Arguments&) { return self.CheckLoadError(); })},
+            {"CallBack", method, {object}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
+                 ObjectRef response = a[0].ToObject();
+                 self.CallBack(response);
+                 a[0] = response;
+             })},
+            {"BackGround", method, {index}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
+                 self.BackGround(a[0].ToInteger());
+             })},
+            {"TurnFlow", method, {value}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
+                 self.TurnFlow(a[0].ToBoolean());
+             })},
+        }};
+}
+
+}  // namespace
+
+dlgAddin::dlgAddin(const Services& services, ModuleData& data)
+    : services_(services),
+      data_(data),
+      form_(std::make_shared<forms::Form>(u"dlgAddin", services.scheduler, services.toolkit)),
+      controls_(LayOut(*form_)),
+      links_(MakeLinks()),
+      runningClock_(controls_, services.clock),
+      timeField_(controls_),
+      datePicking_(controls_, runningClock_, links_),
+      tracking_(controls_, runningClock_, links_),
+      contextHelp_(*form_, controls_) {
+    WireEvents();
+    WireTimeAndDate();
+    WireHelp();
+}
+
+dlgAddin::~dlgAddin() = default;
+
+const ClassDescription& dlgAddin::Class() const {
+    static const ClassDescription description = Describe();
+    return description;
+}
+
+void dlgAddin::WireEvents() {
+    form_->Loading = [this] { Form_Load(); };
+    form_->Unloading = [this](bool& cancel) { Form_Unload(cancel); };
+    controls_.tmrEvent->Tick = [this] { tmrEvent_Timer(); };
+    for (auto* button : controls_.cmdButton)
+        button->Click = [this, index = button->Index()] { cmdButton_Click(index); };
+}
+
+void dlgAddin::WireTimeAndDate() {
+    controls_.tmrClock->Tick = [this] { runningClock_.UpdateDisplay(); };
+    for (auto* box : controls_.txtTime) {
+        box->GotFocus = [this, index = box->Index()] { timeField_.txtTime_GotFocus(index); };
+        box->LostFocus = [this] { timeField_.txtTime_LostFocus(); };
+    }
+    controls_.updTime->Change = [this] { timeField_.updTime_Change(); };
+    controls_.updTime->UpClick = [this] { timeField_.updTime_Click(); };
+    controls_.updTime->DownClick = [this] { timeField_.updTime_Click(); };
+    controls_.Calendar->BeforeUpdate = [this](bool& cancel) { datePicking_.Calendar_BeforeUpdate(cancel); };
+    controls_.Calendar->AfterUpdate = [this] { datePicking_.Calendar_AfterUpdate(); };
+    controls_.Calendar->NewYear = [this] { datePicking_.Calendar_NewYear(); };
+    controls_.Calendar->NewMonth = [this] { datePicking_.Calendar_NewMonth(); };
+    controls_.chkTrack->Click = [this] { tracking_.chkTrack_Click(); };
+    controls_.chkTrackDate->Click = [this] { tracking_.chkTrackDate_Click(); };
+}
+
+// The frame of the buttons, the buttons, the calendar and the bare surface have no menu.
+void dlgAddin::WireHelp() {
+    const auto offer = [this](forms::Control* control) {
+        control->MouseUp = [this, control](forms::MouseButton button, std::int16_t, float, float) {
+            contextHelp_.Control_MouseUp(*control, button);
+        };
+    };
+    for (auto* control :
+         {controls_.lblBevel[0], controls_.lblBevel[1], controls_.lblColon[0], controls_.lblColon[1],
+          controls_.lblTime, controls_.lblTrack, controls_.lblTrackDate})
+        offer(control);
+    for (auto* box : controls_.txtTime) offer(box);
+    offer(controls_.chkTrack);
+    offer(controls_.chkTrackDate);
+    offer(controls_.updTime);
+    controls_.itmWhatsThis->Click = [this] { contextHelp_.itmWhatsThis_Click(); };
+    form_->KeyDown = [this](std::int16_t keyCode, std::int16_t) { Form_KeyDown(keyCode); };
+}
+
+DialogLinks dlgAddin::MakeLinks() {
+    return {[this](std::int16_t which, bool enabled) { EnableButtons(which, enabled); },
+            [this] { return !PBXName.empty(); },
+            [this] { ShowLanguageMsgBox(services_, data_, mode::general, box::yearOutOfRange); }};
+}
+
+void dlgAddin::Form_KeyDown(std::int16_t keyCode) {
+    constexpr std::int16_t f1 = 112;
+    if (keyCode == f1 && !data_.IsStandalone) Call(HostObject, "DisplayHelp", u"Horalink.hlp");
+}
+
+void dlgAddin::IncrementCount() {
+    if (RefCount == std::numeric_limits<std::int16_t>::max())
+        throw RuntimeError(ErrorNumber::Overflow, "IncrementCount");
+    ++RefCount;
+}
+
+std::int16_t dlgAddin::DecrementCount() {
+    if (RefCount == std::numeric_limits<std::int16_t>::min())
+        throw RuntimeError(ErrorNumber::Overflow, "DecrementCount");
+    return --RefCount;
+}
+
+void dlgAddin::Form_Load() {
+    try {
+        LoadSteps();
+    } catch (const RuntimeError&) {
+        LoadError = true;
+    }
+}
+
+void dlgAddin::LoadSteps() {
+    runningClock_.UpdateDisplay();
+    RefCount = 0;
+    LoadError = false;
+    const Text help = ResolveDirectory(services_.app.path, services_.settings, u"Addins", u"Help");
+    if (!help.empty()) services_.app.helpFile = help + u"Horalink" + u".HLP";
+    if (!data_.AddInLanguageDb) {
+        form_->Unload();
+        return;
+    }
+    if (!LoadFormText(services_.boxes, *form_, *data_.AddInLanguageDb) ||
+        !LoadControlsText(services_.boxes, *form_, *data_.AddInLanguageDb) ||
+        !datePicking_.InitCalendar(*form_, data_.MarketCode)) {
+        form_->Unload();
+        return;
+    }
+    if (data_.IsStandalone) {
+        DirectHost = services_.automation.CreateObject(u"SwitchDeskProj" + data_.MarketCode + u".cPBXOle");
+        PutPBXName(services_.app.command);
+    }
+    timeField_.Reset();
+}
+
+void dlgAddin::Form_Unload(bool&) {
+    ErrorState error;
+    waiting_.reset();
+    if (data_.IsStandalone)
+        Skip(error, [&] { Call(DirectHost, "LogOut", ByRef(PBXName), ByRef(ConnectResult)); });
+    if (data_.AddInLanguageDb) {
+        Skip(error, [&] { data_.AddInLanguageDb->Close(); });
+        data_.AddInLanguageDb = nullptr;
+    }
+    if (HostObject) Skip(error, [&] { Call(HostObject, "UnloadChild", ByRef(ChildID)); });
+}
+
+void dlgAddin::PutPBXName(const Text& name) {
+    ErrorState error;
+    PBXName = name;
+    if (name.empty()) {
+        EnableButtons(0, false);
+    } else if (data_.IsStandalone) {
+        Skip(error, [&] {
+            ConnectResult = Call(DirectHost, "ConnectToPbx", ByRef(PBXName), shared_from_this()).ToText();
+        });
+        if (!ConnectResult.empty()) EnableButtons(0, true);
+    } else {
+        EnableButtons(0, true);
+    }
+    Skip(error, [&] { ShowCaption(); });
+}
+
+void dlgAddin::ShowCaption() {
+    form_->Caption = data_.MessageTable[message::caption] + u" (" + PBXName + u")";
+}
+
+void dlgAddin::EnableButtons(std::int16_t which, bool enabled) {
+    if (which == 0) controls_.cmdButton[button::lookup]->Enabled = enabled;
+    if (which == 0 || which == 1) controls_.cmdButton[button::update]->Enabled = enabled;
+}
+
+void dlgAddin::cmdButton_Click(std::int16_t index) {
+    PendingAction = index;
+    controls_.tmrEvent->Enabled = true;
+}
+
+void dlgAddin::FrmMove(const ObjectRef& parent) {
+    if (!HostObject) RestorePlace(*form_, services_.screen, parent);
+}
+
+void dlgAddin::FrmPositionSave() {
+    SavePlace(*form_, HostObject);
+}
+
+void dlgAddin::BackGround(std::int16_t index) {
+    LoadFormPictures(services_, *form_, data_.AddInLanguageDb.get(), data_.CommonLanguageDb.get(), index,
+                     data_.BackgroundDirectory);
+}
+
+void dlgAddin::TurnFlow(bool value) {
+    Call(HostObject, value ? "TurnOnFlow" : "TurnOffFlow");
+}
+
+}  // namespace horalink

@@ -1,0 +1,15 @@
+// The fixed notice of a failure that no language database can word.
+#pragma once
+
+#include "platform/desktop/Desktop.h"
+#include "platform/runtime/RuntimeError.h"
+
+namespace horalink {
+
+// "description [number]".
+void ShowShortNotice(platform::MessageBoxes& boxes, const platform::RuntimeError& error);
+
+// "Error No: [number]", and the description in a second line.
+void ShowLongNotice(platform::MessageBoxes& boxes, const platform::RuntimeError& error);
+
+}  // namespace horalink

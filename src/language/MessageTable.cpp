@@ -1,0 +1,48 @@
+#include "language/MessageTable.h"
+
+#include "language/FatalNotice.h"
+
+namespace horalink {
+
+using namespace platform;
+
+namespace {
+
+// The count row of the query carries the ID −1, so that it sorts ahead of every text.
+Text CountAndTexts(TextView tableName) {
+    const Text name(tableName);
+    return u"SELECT * FROM " + name + u" UNION SELECT -1, COUNT(*) FROM " + name + u" ORDER BY ID";
+}
+
+void Read(std::vector<Text>& texts, Recordset& rows) {
+    const std::int16_t count = rows.Field(u"Caption").ToInteger();
+    if (count < 1) throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "the message table has no rows");
+    texts.assign(static_cast<std::size_t>(count), Text());
+    rows.MoveNext();
+    for (Text& text : texts) {
+        text = rows.Field(u"Caption").ToTextOrEmpty();
+        rows.MoveNext();
+    }
+}
+
+}  // namespace
+
+const Text& MessageTexts::operator[](std::size_t index) const {
+    if (index >= texts.size())
+        throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "message " + std::to_string(index));
+    return texts[index];
+}
+
+bool LoadMessageTable(MessageBoxes& boxes, MessageTexts& messages, TextView tableName, Database& database) {
+    try {
+        const auto rows = database.OpenRecordset(CountAndTexts(tableName), RecordsetType::ForwardOnly);
+        Read(messages.texts, *rows);
+        rows->Close();
+        return true;
+    } catch (const RuntimeError& error) {
+        ShowLongNotice(boxes, error);
+        return false;
+    }
+}
+
+}  // namespace horalink

@@ -1,0 +1,13 @@
+// The add-in's entry in the family's register.
+#pragma once
+
+#include "shell/ModuleData.h"
+
+namespace horalink {
+
+// Writes the version into the first row of the register that carries this name; without such a row
+// nothing is written. On failure shows the notice and returns false.
+bool UpdateAddInVersion(const Services& services, platform::TextView base, platform::TextView appName,
+                        platform::TextView version);
+
+}  // namespace horalink

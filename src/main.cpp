@@ -1,0 +1,103 @@
+// The only place that knows both sides: it gives the add-in its platform and starts it.
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "exchange/dlgAddin.h"
+#include "platform/automation/dbus/BusAutomation.h"
+#include "platform/data/sqlite/SqliteEngine.h"
+#include "platform/desktop/IniSettings.h"
+#include "platform/desktop/Paths.h"
+#include "platform/desktop/qt/QtDesktop.h"
+#include "shell/AddInMain.h"
+#include "shell/cOLELayer.h"
+
+namespace {
+
+using namespace platform;
+
+constexpr Milliseconds idleLimit{60000};
+
+Text CommandLine(int argc, char** argv) {
+    std::string line;
+    for (int i = 1; i < argc; ++i) line.append(i > 1 ? " " : "").append(argv[i]);
+    return FromUtf8(line);
+}
+
+Application Identity(int argc, char** argv) {
+    Application app;
+    app.major = 13;
+    app.minor = 0;
+    app.revision = 1;
+    app.path = PathText(std::filesystem::read_symlink("/proc/self/exe").parent_path());
+    app.command = CommandLine(argc, argv);
+    app.startMode = app.command == u"-Embedding" ? 1 : 0;
+    return app;
+}
+
+// Serves the class until the last object ends the process. A server that nobody uses ends by itself.
+void Serve(horalink::AddInMain& main, Automation& automation, EventLoop& loop) {
+    HandleRef idle;
+    const auto startIdling = [&] { idle = loop.After(idleLimit, [&] { main.End(); }); };
+    automation.WhenInUse([&](bool inUse) { inUse ? idle.reset() : startIdling(); });
+    startIdling();
+    automation.ServeClass(horalink::cOLELayer::className, [&] { return horalink::cOLELayer::Create(main); });
+    loop.Run();
+}
+
+// Runs until the dialog has gone; without one there is nothing to wait for.
+void RunDialog(horalink::AddInMain& main, EventLoop& loop) {
+    forms::Form& window = main.Dialog().Window();
+    window.Unloaded = [&] { loop.Quit(); };
+    if (window.IsLoaded()) loop.Run();
+}
+
+void Run(int argc, char** argv) {
+    Application app = Identity(argc, argv);
+    int qtArguments = 1;
+    const auto engine = MakeSqliteEngine();
+    const auto desktop = OpenDesktop(qtArguments, argv, app, *engine);
+    const auto automation = ConnectToSessionBus(desktop->Loop(), desktop->Waits(), app.waits);
+    const IniSettings settings(SettingsFile());
+    const SystemClock clock;
+    // A server that ends before it has begun to serve must not look like one that ended well: who started
+    // it would go on waiting.
+    int status = EXIT_FAILURE;
+    const horalink::Services services{
+        app,
+        clock,
+        desktop->Locale(),
+        settings,
+        *engine,
+        *automation,
+        desktop->Loop(),
+        desktop->Boxes(),
+        desktop->Waits(),
+        desktop->TheScreen(),
+        desktop->Toolkit(),
+        desktop->Pictures(),
+        [&] {
+            automation->Flush();
+            std::_Exit(status);
+        },
+    };
+    horalink::AddInMain main(services);
+    main.Main();
+    status = EXIT_SUCCESS;
+    if (main.Data().IsStandalone)
+        RunDialog(main, desktop->Loop());
+    else
+        Serve(main, *automation, desktop->Loop());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        Run(argc, argv);
+        return EXIT_SUCCESS;
+    } catch (const RuntimeError& error) {
+        std::fprintf(stderr, "horalink: %s\n", error.what());
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,141 @@
+#include "pictures/comPicture.h"
+
+#include <optional>
+
+#include "language/FatalNotice.h"
+
+namespace horalink {
+
+namespace {
+
+using namespace platform;
+
+constexpr std::int32_t noIndex = -1;
+
+std::string_view TypeName(const ObjectRef& control) {
+    return control->Class().name;
+}
+
+bool IsNotPanelControl(const ObjectRef& control) {
+    return TypeName(control) != "SSPanel" && TypeName(control) != "PictureBox";
+}
+
+bool PaintsItsOwnBackground(const ObjectRef& control) {
+    return TypeName(control) == "SSTree" || TypeName(control) == "SSListBar";
+}
+
+// A panel whose content changes is hidden meanwhile, and shown again whatever comes of the change.
+class HiddenPanel {
+  public:
+    explicit HiddenPanel(ObjectRef panel) : panel_(std::move(panel)) { Put(panel_, "Visible", false); }
+    ~HiddenPanel() {
+        ErrorState error;
+        Skip(error, [&] { Show(); });
+    }
+    void Show() {
+        if (panel_) Put(panel_, "Visible", true);
+        panel_ = nullptr;
+    }
+
+  private:
+    ObjectRef panel_;
+};
+
+// One run over the rows of a form.
+class Painter {
+  public:
+    Painter(const Services& services, forms::Form& form, std::int16_t index, TextView directory)
+        : services_(services), form_(form), index_(index), directory_(directory) {}
+
+    void PaintAll(Database& addInDb, const Collection& names) {
+        const Text query =
+            u"select ObjectName,Index,FileName,BasePanel,BasePanelIndex from tPicture"
+            u" where FormName = '" +
+            form_.Name() + u"'";
+        const auto rows = addInDb.OpenRecordset(query, RecordsetType::ForwardOnly);
+        for (; !rows->EndOfFile(); rows->MoveNext()) PaintRow(*rows, names);
+        rows->Close();
+    }
+
+  private:
+    ObjectRef ControlOf(const Recordset& row, TextView nameField, TextView indexField) const {
+        return form_.Item(row.Field(nameField).ToText(), row.Field(indexField).ToInteger());
+    }
+
+    void PaintRow(const Recordset& row, const Collection& names) {
+        const ObjectRef control = ControlOf(row, u"ObjectName", u"Index");
+        const Text defaultName = row.Field(u"FileName").ToText();
+        if (defaultName == u"-1") return;
+        const Text name = index_ == 0 ? defaultName : GetPictureFileName(names, defaultName);
+        if (services_.files.Dir(directory_ + name).empty()) return;
+        if (PaintsItsOwnBackground(control)) {
+            Put(control, "PictureBackground", services_.files.LoadPicture(directory_ + defaultName));
+            return;
+        }
+        const ObjectRef base = BaseOf(row);
+        std::optional<HiddenPanel> hidden;
+        if (base != form_.shared_from_this() && !IsNotPanelControl(base)) hidden.emplace(base);
+        Call(control, "Move", 0.0F, 0.0F, Get(base, "Width"), Get(base, "Height"));
+        Put(control, "Picture", services_.files.LoadPicture(directory_ + name));
+        if (hidden) hidden->Show();
+    }
+
+    ObjectRef BaseOf(const Recordset& row) const {
+        const bool isForm =
+            row.Field(u"BasePanelIndex").ToLong() == noIndex && row.Field(u"BasePanel").ToText() == u"me";
+        return isForm ? form_.shared_from_this() : ControlOf(row, u"BasePanel", u"BasePanelIndex");
+    }
+
+    const Services& services_;
+    forms::Form& form_;
+    std::int16_t index_;
+    Text directory_;
+};
+
+Database& Required(Database* database) {
+    if (!database) throw RuntimeError(ErrorNumber::ObjectNotSet);
+    return *database;
+}
+
+// A second name for a default name is dropped: the first that was read wins.
+void AddPictureFileName(Collection& names, const Text& fileName, const Text& defaultName) {
+    ErrorState error;
+    Skip(error, [&] { names.Add(fileName, defaultName); });
+}
+
+}  // namespace
+
+Text GetPictureFileName(const Collection& names, const Text& defaultName) {
+    try {
+        return names.Item(defaultName).ToText();
+    } catch (const RuntimeError&) {
+        return defaultName;
+    }
+}
+
+void LoadPictureFileNames(Database* commonDb, std::int16_t index, Collection& names) {
+    ErrorState error;
+    Skip(error, [&] {
+        const Text query = u"Select * From PictureFileName Where  ID = " + DecimalText(index);
+        const auto rows = Required(commonDb).OpenRecordset(query, RecordsetType::ForwardOnly);
+        for (; !rows->EndOfFile(); rows->MoveNext())
+            AddPictureFileName(names, rows->Field(u"FileName").ToText(),
+                               rows->Field(u"DefaultName").ToText());
+        rows->Close();
+    });
+}
+
+bool LoadFormPictures(const Services& services, forms::Form& form, Database* addInDb, Database* commonDb,
+                      std::int16_t index, TextView directory) {
+    try {
+        Collection names;
+        LoadPictureFileNames(commonDb, index, names);
+        Painter(services, form, index, directory).PaintAll(Required(addInDb), names);
+        return true;
+    } catch (const RuntimeError& error) {
+        ShowShortNotice(services.boxes, error);
+        return false;
+    }
+}
+
+}  // namespace horalink

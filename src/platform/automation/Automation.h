@@ -1,0 +1,53 @@
+// Objects of one process, created and called by another.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "platform/runtime/Object.h"
+
+namespace platform {
+
+// What a process does with the wait limits of an outgoing call. All is read when a limit is reached.
+struct WaitSettings {
+    std::int32_t busyTimeout = 10000;    // milliseconds that a busy callee is tried again
+    std::int32_t pendingTimeout = 5000;  // milliseconds that a call stays out before a box comes up
+    Text busyTitle, busyText;
+    Text pendingTitle, pendingText;
+};
+
+// A box that comes up while something is waited for. Dropping it closes it.
+class WaitBox {
+  public:
+    virtual ~WaitBox() = default;
+};
+
+class WaitBoxes {
+  public:
+    virtual ~WaitBoxes() = default;
+    // Shows a box without waiting for it. `answered` is called once, with true to give up and false to
+    // go on waiting; the box has closed by then.
+    virtual std::unique_ptr<WaitBox> Open(TextView title, TextView text,
+                                          std::function<void(bool)> answered) = 0;
+};
+
+class Automation {
+  public:
+    virtual ~Automation() = default;
+
+    // A new object of a class by its name; the process that serves the class is started on demand.
+    // Raises 429 where that fails for whatever reason.
+    virtual ObjectRef CreateObject(TextView className) = 0;
+
+    // Serves a class to other processes under its name. Raises 429 where the name is taken already.
+    virtual void ServeClass(std::string_view className, std::function<ObjectRef()> create) = 0;
+
+    // Sends out what has been answered or asked for and not left yet. For the moment before the end.
+    virtual void Flush() = 0;
+
+    // Called after a client created an object, and after the last object that other processes held went.
+    virtual void WhenInUse(std::function<void(bool inUse)> changed) = 0;
+};
+
+}  // namespace platform

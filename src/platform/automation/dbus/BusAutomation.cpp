@@ -1,0 +1,77 @@
+#include "platform/automation/dbus/BusAutomation.h"
+
+#include "platform/automation/Names.h"
+#include "platform/automation/dbus/BusErrors.h"
+#include "platform/automation/dbus/Dispatcher.h"
+#include "platform/automation/dbus/Session.h"
+
+namespace platform {
+
+namespace {
+
+RuntimeError CannotCreate(TextView className, TextView cause) {
+    return RuntimeError(ErrorNumber::CannotCreateObject, ToUtf8(className) + ": " + ToUtf8(cause));
+}
+
+ObjectRef CreatedObject(Session& session, sd_bus_message* answer) {
+    if (sd_bus_message_has_signature(answer, "(so)") <= 0)
+        throw RuntimeError(ErrorNumber::TypeMismatch, "the answer to a call has another signature");
+    return session.Received(ReadAddress(answer), sd_bus_message_get_sender(answer));
+}
+
+class BusAutomation : public Automation {
+  public:
+    BusAutomation(EventLoop& loop, WaitBoxes& boxes, const WaitSettings& settings)
+        : session_(std::make_shared<Session>(loop, boxes, settings)), dispatcher_(*session_) {}
+
+    ObjectRef CreateObject(TextView className) override;
+    void ServeClass(std::string_view className, std::function<ObjectRef()> create) override;
+    void Flush() override { session_->Bus().Flush(); }
+    void WhenInUse(std::function<void(bool)> changed) override {
+        session_->Own().WhenInUse(std::move(changed));
+    }
+
+  private:
+    ObjectRef Create(const std::string& className);
+
+    std::shared_ptr<Session> session_;
+    Dispatcher dispatcher_;
+};
+
+ObjectRef BusAutomation::CreateObject(TextView className) {
+    const std::string name = ToUtf8(className);
+    const bool isName =
+        name.find('\0') == std::string::npos && sd_bus_service_name_is_valid(name.c_str()) > 0;
+    if (!isName) throw CannotCreate(className, u"not the name of a class");
+    try {
+        if (ObjectRef object = Create(name)) return object;
+    } catch (const RuntimeError& error) {
+        throw CannotCreate(className, error.Description());
+    }
+    throw CannotCreate(className, u"the factory gave nothing");
+}
+
+ObjectRef BusAutomation::Create(const std::string& className) {
+    const MessageRef call =
+        session_->Bus().NewCall(className, bus::factoryPath, bus::factoryInterface, "CreateInstance");
+    Session& session = *session_;
+    const MessageRef answer = session.Calls().Call(
+        call, nullptr, [&session](sd_bus_message* late) { CreatedObject(session, late); });
+    return CreatedObject(session, answer.get());
+}
+
+void BusAutomation::ServeClass(std::string_view className, std::function<ObjectRef()> create) {
+    const std::string name(className);
+    if (sd_bus_service_name_is_valid(name.c_str()) <= 0) throw CannotCreate(FromUtf8(name), u"no valid name");
+    session_->Bus().OwnName(name);
+    dispatcher_.AddClass(name, std::move(create));
+}
+
+}  // namespace
+
+std::unique_ptr<Automation> ConnectToSessionBus(EventLoop& loop, WaitBoxes& boxes,
+                                                const WaitSettings& settings) {
+    return std::make_unique<BusAutomation>(loop, boxes, settings);
+}
+
+}  // namespace platform

@@ -1,0 +1,16 @@
+// Automation over the session bus.
+#pragma once
+
+#include <memory>
+
+#include "platform/automation/Automation.h"
+#include "platform/runtime/EventLoop.h"
+
+namespace platform {
+
+// Connects to the session bus of the environment. Raises 462 where there is none, or it can't be reached.
+// `settings` and the others must outlive the result.
+std::unique_ptr<Automation> ConnectToSessionBus(EventLoop& loop, WaitBoxes& boxes,
+                                                const WaitSettings& settings);
+
+}  // namespace platform

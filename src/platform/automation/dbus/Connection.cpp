@@ -1,0 +1,248 @@
+#include "platform/automation/dbus/Connection.h"
+
+#include <poll.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+
+#include "platform/automation/dbus/BusErrors.h"
+
+namespace platform {
+
+namespace {
+
+using std::chrono::steady_clock;
+
+// After so many steps at one go, timers and painting have their turn.
+constexpr int stepsPerRound = 64;
+constexpr Milliseconds flushLimit{1000};
+// For so long an answered wait keeps everything else back. A wait that hasn't gone on by then can't: another
+// loop runs on top of it, an open message box for one, and needs the messages that follow.
+constexpr Milliseconds handOverLimit{20};
+
+constexpr char peerInterface[] = "org.freedesktop.DBus.Peer";
+
+BusRef OpenSessionBus() {
+    sd_bus* bus = nullptr;
+    const int result = sd_bus_open_user(&bus);
+    if (result < 0) throw RuntimeError(ErrorNumber::ServerGone, std::strerror(-result));
+    return BusRef(bus);
+}
+
+std::string UniqueName(sd_bus* bus) {
+    const char* name = nullptr;
+    const int result = sd_bus_get_unique_name(bus, &name);
+    if (result < 0) throw RuntimeError(ErrorNumber::ServerGone, std::strerror(-result));
+    return name;
+}
+
+int IgnoreAnswer(sd_bus_message*, void*, sd_bus_error*) {
+    return 1;
+}
+
+}  // namespace
+
+Connection::Connection(EventLoop& loop) : loop_(loop), bus_(OpenSessionBus()), name_(UniqueName(bus_.get())) {
+    sd_bus_slot* filter = nullptr;
+    RequireSuccess(sd_bus_add_filter(bus_.get(), &filter, OnMessage, this));
+    filter_.reset(filter);
+    readable_ = loop_.WhenReadable(sd_bus_get_fd(bus_.get()), [this] { Pump(); });
+    ContinueIfHolding();
+}
+
+Connection::~Connection() {
+    Close();
+}
+
+void Connection::Close() {
+    lost_ = true;
+    readable_.reset();
+    writable_.reset();
+    continuation_.reset();
+    due_.clear();
+    outgoing_.clear();
+    sd_bus_close(bus_.get());
+}
+
+MessageRef Connection::NewCall(const std::string& destination, const std::string& path, const char* interface,
+                               const char* member) {
+    sd_bus_message* call = nullptr;
+    RequireSuccess(sd_bus_message_new_method_call(bus_.get(), &call, destination.c_str(), path.c_str(),
+                                                  interface, member));
+    return Adopted(call);
+}
+
+void Connection::Send(sd_bus_message* message) {
+    RequireSent(sd_bus_send(bus_.get(), message, nullptr));
+}
+
+void Connection::SendCall(sd_bus_message* call, std::function<void(const MessageRef&)> answered) {
+    outgoing_.push_back({this, nullptr, std::move(answered)});
+    OutgoingCall& outgoing = outgoing_.back();
+    sd_bus_slot* slot = nullptr;
+    const int result = sd_bus_call_async(bus_.get(), &slot, call, OnAnswer, &outgoing, UINT64_MAX);
+    outgoing.slot.reset(slot);
+    if (result < 0) outgoing_.pop_back();
+    RequireSent(result);
+}
+
+void Connection::RequireSent(int result) {
+    if (sd_bus_is_open(bus_.get()) <= 0)
+        Lose();
+    else
+        FollowWriteQueue();
+    RequireSuccess(result);
+}
+
+void Connection::OwnName(const std::string& name) {
+    const int result = sd_bus_request_name(bus_.get(), name.c_str(), 0);
+    ContinueIfHolding();
+    if (result < 0) throw RuntimeError(ErrorNumber::CannotCreateObject, name + ": " + std::strerror(-result));
+}
+
+SlotRef Connection::AddMatch(const std::string& rule, sd_bus_message_handler_t handler, void* context) {
+    sd_bus_slot* slot = nullptr;
+    RequireSent(sd_bus_add_match_async(bus_.get(), &slot, rule.c_str(), handler, IgnoreAnswer, context));
+    return SlotRef(slot);
+}
+
+void Connection::Defer(std::function<void()> call) {
+    due_.push_back(std::move(call));
+    Continue();
+}
+
+int Connection::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) noexcept {
+    // The library itself answers what concerns the connection alone.
+    if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0 ||
+        sd_bus_message_is_method_call(message, peerInterface, nullptr) > 0)
+        return 0;
+    auto* connection = static_cast<Connection*>(self);
+    connection->due_.push_back([connection, call = Shared(message)] { connection->called_(call); });
+    return 1;
+}
+
+int Connection::OnAnswer(sd_bus_message* message, void* context, sd_bus_error*) noexcept {
+    auto* outgoing = static_cast<OutgoingCall*>(context);
+    Connection* connection = outgoing->connection;
+    // Tells Lose that this call has its answer.
+    outgoing->slot.reset();
+    connection->due_.push_back(
+        [connection, outgoing, answer = Shared(message)] { connection->Answer(*outgoing, answer); });
+    return 1;
+}
+
+void Connection::Answer(OutgoingCall& outgoing, const MessageRef& answer) {
+    const auto answered = std::move(outgoing.answered);
+    outgoing_.remove_if([&](const OutgoingCall& call) { return &call == &outgoing; });
+    answered(answer);
+}
+
+void Connection::Pump() {
+    if (AnswerIsIn()) return AwaitHandOver();
+    for (int steps = 0; steps < stepsPerRound && !AnswerIsIn(); ++steps)
+        if (!Step()) return;
+    ContinueIfHolding();
+}
+
+bool Connection::Step() {
+    const bool progressed = due_.empty() && !lost_ && Receive();
+    if (due_.empty()) return progressed;
+    const auto call = std::move(due_.front());
+    due_.pop_front();
+    call();
+    return true;
+}
+
+// Lets the library handle one message, which leaves at most one thing to do in `due_`.
+bool Connection::Receive() {
+    const int result = sd_bus_process(bus_.get(), nullptr);
+    if (result < 0 || sd_bus_is_open(bus_.get()) <= 0) {
+        Lose();
+        return true;
+    }
+    FollowWriteQueue();
+    return result > 0;
+}
+
+// True where the routine that waits has to go on before anything else is acted on.
+bool Connection::AnswerIsIn() const {
+    return innermost_ && innermost_->done && !innermost_->overtaken;
+}
+
+void Connection::AwaitHandOver() {
+    if (innermost_->patience) return;
+    innermost_->patience = loop_.After(handOverLimit, [this, wait = innermost_] {
+        wait->overtaken = true;
+        Continue();
+    });
+}
+
+void Connection::Continue() {
+    if (continuation_) return;
+    continuation_ = loop_.After(Milliseconds(0), [this] {
+        const HandleRef served = std::move(continuation_);
+        Pump();
+    });
+}
+
+// The descriptor tells nothing of messages that the library has read already.
+void Connection::ContinueIfHolding() {
+    std::uint64_t held = 0;
+    if (!lost_) sd_bus_get_n_queued_read(bus_.get(), &held);
+    if (held > 0 || !due_.empty()) Continue();
+}
+
+void Connection::FollowWriteQueue() {
+    if (!HasUnsent())
+        writable_.reset();
+    else if (!writable_)
+        writable_ = loop_.WhenWritable(sd_bus_get_fd(bus_.get()), [this] { Pump(); });
+}
+
+void Connection::WaitUntil(const bool& done) {
+    const HandleRef hold = loop_.HoldInput();
+    Wait wait{done, innermost_, nullptr};
+    innermost_ = &wait;
+    const auto leave = [this, &wait](void*) { innermost_ = wait.outer; };
+    const std::unique_ptr<void, decltype(leave)> restore(&wait, leave);
+    Pump();
+    while (!done) {
+        loop_.ServeOnce();
+        if (!done) Pump();
+    }
+    ContinueIfHolding();
+}
+
+void Connection::Flush() {
+    const auto limit = steady_clock::now() + flushLimit;
+    while (HasUnsent()) {
+        const auto left = std::chrono::duration_cast<Milliseconds>(limit - steady_clock::now());
+        if (left.count() <= 0) break;
+        if (Receive()) continue;
+        pollfd descriptor{sd_bus_get_fd(bus_.get()), POLLOUT, 0};
+        poll(&descriptor, 1, static_cast<int>(left.count()));
+    }
+    // What came meanwhile was only noted.
+    ContinueIfHolding();
+}
+
+bool Connection::HasUnsent() const {
+    std::uint64_t held = 0;
+    return !lost_ && sd_bus_get_n_queued_write(bus_.get(), &held) >= 0 && held > 0;
+}
+
+void Connection::Lose() {
+    if (lost_) return;
+    lost_ = true;
+    // The watches end before the library closes the descriptor under them.
+    readable_.reset();
+    writable_.reset();
+    for (OutgoingCall& outgoing : outgoing_)
+        if (outgoing.slot) due_.push_back([this, &outgoing] { Answer(outgoing, nullptr); });
+    if (whenLost_) due_.push_back(whenLost_);
+    sd_bus_close(bus_.get());
+    Continue();
+}
+
+}  // namespace platform

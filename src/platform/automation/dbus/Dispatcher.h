@@ -1,0 +1,35 @@
+// Finds what serves an incoming call.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "platform/automation/dbus/IncomingCall.h"
+
+namespace platform {
+
+class Dispatcher {
+  public:
+    // Takes the calls of the session's connection.
+    explicit Dispatcher(Session& session);
+
+    // Creates objects of a class with `create` from now on.
+    void AddClass(std::string_view className, std::function<ObjectRef()> create);
+
+  private:
+    void Serve(const MessageRef& message);
+    void Route(IncomingCall& call);
+    void CreateInstance(IncomingCall& call);
+    const std::function<ObjectRef()>& CreatorFor(std::string_view destination) const;
+    void RouteToBranch(IncomingCall& call);
+    void RouteToFactory(IncomingCall& call);
+    void RouteToObject(IncomingCall& call, Object& object);
+    void RouteLateBound(IncomingCall& call, Object& object);
+
+    Session& session_;
+    std::map<std::string, std::function<ObjectRef()>, std::less<>> creators_;
+};
+
+}  // namespace platform

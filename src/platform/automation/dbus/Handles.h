@@ -1,0 +1,28 @@
+// Owners of the bus library's counted things.
+#pragma once
+
+#include <systemd/sd-bus.h>
+
+#include <memory>
+
+namespace platform {
+
+struct BusDeleter {
+    void operator()(sd_bus* bus) const { sd_bus_unref(bus); }
+    void operator()(sd_bus_slot* slot) const { sd_bus_slot_unref(slot); }
+};
+using BusRef = std::unique_ptr<sd_bus, BusDeleter>;
+using SlotRef = std::unique_ptr<sd_bus_slot, BusDeleter>;
+
+// Copyable, since messages travel inside of queued calls.
+using MessageRef = std::shared_ptr<sd_bus_message>;
+
+// Takes over a reference, or adds one.
+inline MessageRef Adopted(sd_bus_message* message) {
+    return MessageRef(message, sd_bus_message_unref);
+}
+inline MessageRef Shared(sd_bus_message* message) {
+    return Adopted(sd_bus_message_ref(message));
+}
+
+}  // namespace platform

@@ -1,0 +1,132 @@
+#include "platform/automation/dbus/IncomingCall.h"
+
+#include "platform/automation/Names.h"
+
+namespace platform {
+
+namespace {
+
+std::string_view OrEmpty(const char* text) {
+    return text ? text : std::string_view();
+}
+
+}  // namespace
+
+IncomingCall::IncomingCall(std::shared_ptr<Session> session, MessageRef message)
+    : session_(std::move(session)),
+      message_(std::move(message)),
+      path_(OrEmpty(sd_bus_message_get_path(message_.get()))),
+      interface_(OrEmpty(sd_bus_message_get_interface(message_.get()))),
+      member_(OrEmpty(sd_bus_message_get_member(message_.get()))),
+      sender_(OrEmpty(sd_bus_message_get_sender(message_.get()))),
+      given_(session_->Own()) {}
+
+std::string_view IncomingCall::Destination() const {
+    return OrEmpty(sd_bus_message_get_destination(message_.get()));
+}
+
+void IncomingCall::RequireSignature(const std::string& signature) const {
+    if (sd_bus_message_has_signature(message_.get(), signature.c_str()) <= 0)
+        throw InvalidArguments("wanted are arguments of signature \"" + signature + "\"");
+}
+
+ObjectRef IncomingCall::Borrowed(const Address& address) {
+    if (address.IsNothing()) return nullptr;
+    if (address.owner == session_->Bus().Name()) {
+        ObjectRef object = session_->OwnObject(address);
+        // It keeps its path until the answer, which may have to name it again.
+        given_.PathOf(object);
+        return object;
+    }
+    borrowed_.push_back(std::make_shared<RemoteObject>(session_, address));
+    return borrowed_.back();
+}
+
+Value IncomingCall::Variant() {
+    return ReadVariant(message_.get(), [this](const Address& address) { return Borrowed(address); });
+}
+
+Value IncomingCall::Typed(ValueType type) {
+    return ReadTyped(message_.get(), type, [this](const Address& address) { return Borrowed(address); });
+}
+
+Arguments IncomingCall::Variants() {
+    Arguments values;
+    ReadVariants(message_.get(), [&] { values.push_back(Variant()); });
+    return values;
+}
+
+sd_bus_message* IncomingCall::Answer() {
+    if (!answer_) {
+        sd_bus_message* answer = nullptr;
+        RequireSuccess(sd_bus_message_new_method_return(message_.get(), &answer));
+        answer_ = Adopted(answer);
+        returned_ = std::make_unique<Loan>(session_->Own());
+    }
+    return answer_.get();
+}
+
+void IncomingCall::ReturnVariant(const Value& value) {
+    AppendVariant(Answer(), value,
+                  [this](const ObjectRef& object) { return session_->AddressOf(object, *returned_); });
+}
+
+void IncomingCall::ReturnTyped(const Value& value, ValueType type) {
+    AppendTyped(Answer(), value, type,
+                [this](const ObjectRef& object) { return session_->AddressOf(object, *returned_); });
+}
+
+void IncomingCall::ReturnObject(const ObjectRef& object) {
+    sd_bus_message* answer = Answer();
+    AppendAddress(answer, session_->AddressOf(object, *returned_));
+}
+
+void IncomingCall::ReturnGiven(const Value& value) {
+    AppendVariant(Answer(), value,
+                  [this](const ObjectRef& object) { return session_->AddressOf(object, given_); });
+}
+
+void IncomingCall::Serve(const std::function<void(IncomingCall&)>& serve) {
+    try {
+        serve(*this);
+        Answer();
+    } catch (const BusError& error) {
+        Fail(error.Name(), error);
+    } catch (const RuntimeError& error) {
+        Fail(bus::errorName, error);
+    } catch (const std::exception& error) {
+        Fail(bus::errorName, RuntimeError(ErrorNumber::AutomationError, error.what()));
+    }
+    RetainBorrowed();
+    SendAnswer();
+}
+
+void IncomingCall::Fail(const char* name, const RuntimeError& error) {
+    returned_.reset();
+    answer_ = ErrorAnswer(message_.get(), name, error);
+}
+
+// By now the arguments that were made of the message are gone, and so are those of the member: who else
+// refers to a borrowed object wants to keep it.
+void IncomingCall::RetainBorrowed() {
+    for (const auto& object : borrowed_)
+        if (object.use_count() > 1) object->Retain();
+}
+
+void IncomingCall::SendAnswer() {
+    if (!WantsAnswer()) return;
+    Connection& connection = session_->Bus();
+    try {
+        connection.Send(answer_.get());
+    } catch (const RuntimeError& error) {
+        // A caller that still can be reached would wait for ever.
+        if (!connection.IsLost()) {
+            Fail(bus::errorName, error);
+            connection.Send(answer_.get());
+        }
+    }
+    // Counted for a caller that is gone, the objects go the way of all that it held.
+    if (returned_) returned_->GrantTo(sender_);
+}
+
+}  // namespace platform

@@ -1,0 +1,149 @@
+#include "platform/automation/dbus/RemoteObject.h"
+
+#include "platform/automation/Names.h"
+#include "platform/automation/dbus/BusErrors.h"
+#include "platform/automation/dbus/Session.h"
+
+namespace platform {
+
+namespace {
+
+std::shared_ptr<Session> Required(const std::weak_ptr<Session>& session) {
+    if (auto open = session.lock()) return open;
+    throw RuntimeError(ErrorNumber::ServerGone, "the connection to the bus is closed");
+}
+
+// What travels with a call, and has to stay as it is until the answer comes: the objects among the arguments
+// may be in use at the callee for so long.
+struct Sent {
+    explicit Sent(Session& session) : loan(session.Own()) {}
+    Loan loan;
+    std::vector<Address> addresses;
+    std::vector<ObjectRef> objects;
+};
+
+// The arguments as they were given, against which those of the answer are held.
+class AnswerReader {
+  public:
+    AnswerReader(Session& session, sd_bus_message* answer, const Sent& sent)
+        : session_(session), answer_(answer), sent_(sent), sender_(sd_bus_message_get_sender(answer)) {}
+
+    Value Result() {
+        return ReadVariant(answer_,
+                           [this](const Address& address) { return session_.Received(address, sender_); });
+    }
+
+    // Entries that the answer leaves out, or has as they were given, stay untouched.
+    void TakeBack(Arguments& arguments) {
+        Arguments taken = arguments;
+        std::size_t i = 0;
+        ReadVariants(answer_, [&] {
+            if (i == taken.size())
+                throw RuntimeError(ErrorNumber::TypeMismatch, "too many arguments came back");
+            Value after = Entry(i);
+            if (!(after == AsTravelled(taken[i]))) taken[i] = std::move(after);
+            ++i;
+        });
+        arguments = std::move(taken);
+    }
+
+  private:
+    // The callee counts a reference only where it has put in another object.
+    Value Entry(std::size_t i) {
+        return ReadVariant(answer_, [this, i](const Address& address) {
+            if (sent_.objects[i] && address == sent_.addresses[i]) return sent_.objects[i];
+            return session_.Received(address, sender_);
+        });
+    }
+
+    static Value AsTravelled(const Value& value) {
+        const float* single = std::get_if<float>(&value.Stored());
+        return single ? Value(static_cast<double>(*single)) : value;
+    }
+
+    Session& session_;
+    sd_bus_message* answer_;
+    const Sent& sent_;
+    std::string sender_;
+};
+
+void AppendArguments(Session& session, sd_bus_message* call, const Arguments& arguments, Sent& sent) {
+    sent.addresses.resize(arguments.size());
+    sent.objects.resize(arguments.size());
+    RequireSuccess(sd_bus_message_open_container(call, 'a', "v"));
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+        AppendVariant(call, arguments[i], [&](const ObjectRef& object) {
+            sent.objects[i] = object;
+            return sent.addresses[i] = session.AddressOf(object, sent.loan);
+        });
+    RequireSuccess(sd_bus_message_close_container(call));
+}
+
+MessageRef InvokeMessage(Session& session, const Address& address, std::string_view member, InvokeKind kind) {
+    MessageRef call = session.Bus().NewCall(address.owner, address.path, bus::objectInterface, "Invoke");
+    AppendText(call.get(), FromUtf8(member));
+    const auto kindOnWire = static_cast<std::uint16_t>(kind);
+    RequireSuccess(sd_bus_message_append_basic(call.get(), 'q', &kindOnWire));
+    return call;
+}
+
+Value TakeAnswer(Session& session, sd_bus_message* answer, const Sent& sent, Arguments& arguments) {
+    if (sd_bus_message_has_signature(answer, "vav") <= 0)
+        throw RuntimeError(ErrorNumber::TypeMismatch, "the answer to a call has another signature");
+    AnswerReader reader(session, answer, sent);
+    Value result = reader.Result();
+    reader.TakeBack(arguments);
+    return result;
+}
+
+}  // namespace
+
+RemoteObject::~RemoteObject() {
+    if (owns_) Notify("Release");
+}
+
+void RemoteObject::Retain() {
+    if (owns_) return;
+    Notify("Retain");
+    owns_ = true;
+}
+
+// Nobody waits for the answer: where the owner is gone, there is nothing left to count.
+void RemoteObject::Notify(const char* method) noexcept {
+    const auto session = session_.lock();
+    if (!session) return;
+    try {
+        const MessageRef call =
+            session->Bus().NewCall(address_.owner, address_.path, bus::objectInterface, method);
+        session->Bus().Send(call.get());
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+const ClassDescription& RemoteObject::Class() const {
+    static const ClassDescription description{"RemoteObject", {}};
+    return description;
+}
+
+Value RemoteObject::Invoke(std::string_view member, InvokeKind kind, Arguments& arguments) {
+    const auto session = Required(session_);
+    const MessageRef call = InvokeMessage(*session, address_, member, kind);
+    const auto sent = std::make_shared<Sent>(*session);
+    AppendArguments(*session, call.get(), arguments, *sent);
+    const auto given = arguments.size();
+    const MessageRef answer =
+        session->Calls().Call(call, sent, [&bus = *session, &travelled = *sent, given](sd_bus_message* late) {
+            // References that came with it go back as soon as nothing holds them here.
+            Arguments dropped(given);
+            TakeAnswer(bus, late, travelled, dropped);
+        });
+    return TakeAnswer(*session, answer.get(), *sent, arguments);
+}
+
+std::shared_ptr<void> RemoteObject::WhenOwnerGone(std::function<void()> gone) {
+    const auto session = session_.lock();
+    return session ? session->Others().Watch(address_.owner, std::move(gone)) : nullptr;
+}
+
+}  // namespace platform

@@ -1,0 +1,55 @@
+#include "platform/automation/dbus/Session.h"
+
+#include "platform/automation/dbus/RemoteObject.h"
+
+namespace platform {
+
+Session::Session(EventLoop& loop, WaitBoxes& boxes, const WaitSettings& settings)
+    : connection_(loop),
+      peers_(connection_),
+      exports_(loop, peers_),
+      caller_(connection_, loop, boxes, settings) {
+    connection_.WhenLost([this] { peers_.LoseAll(); });
+}
+
+Session::~Session() {
+    // Calls that are still out keep loans of the exports.
+    connection_.Close();
+}
+
+Address Session::AddressOf(const ObjectRef& object, Loan& loan) {
+    if (!object) return {"", "/"};
+    const auto* remote = dynamic_cast<const RemoteObject*>(object.get());
+    if (remote && remote->IsReachedBy(*this)) return remote->Where();
+    return {connection_.Name(), loan.PathOf(object)};
+}
+
+ObjectRef Session::OwnObject(const Address& address) const {
+    ObjectRef object = exports_.Find(address.path);
+    if (!object) throw RuntimeError(ErrorNumber::ServerGone, address.path);
+    return object;
+}
+
+ObjectRef Session::Received(const Address& address, const std::string& sender) {
+    if (address.IsNothing()) return nullptr;
+    if (address.owner == connection_.Name()) {
+        ObjectRef object = OwnObject(address);
+        // A call of this process to itself: no proxy will give back what was counted for it.
+        if (sender == connection_.Name()) exports_.Reclaim(address.path, sender);
+        return object;
+    }
+    auto object = std::make_shared<RemoteObject>(weak_from_this(), address);
+    // Only the owner counts. A third process that hands on a reference has counted nothing.
+    if (address.owner == sender)
+        object->Own();
+    else
+        object->Retain();
+    return object;
+}
+
+void Session::Settle() {
+    if (exports_.HasDepartures()) connection_.Flush();
+    exports_.Settle();
+}
+
+}  // namespace platform

@@ -1,0 +1,36 @@
+// Rows read straight off a statement, once.
+#pragma once
+
+#include "platform/data/Database.h"
+#include "platform/data/sqlite/Statement.h"
+
+namespace platform {
+
+class ForwardOnly : public Recordset {
+  public:
+    // `query` is in SQLite's dialect. Raises what a query can be wrong with, and 3260.
+    ForwardOnly(std::shared_ptr<SqliteConnection> connection, TextView query);
+
+    bool EndOfFile() const override;
+    Value Field(TextView name) const override;
+    void MoveNext() override;
+    // The rows that have been current so far.
+    std::int32_t RecordCount() const override;
+    void Edit() override;
+    void SetField(TextView name, const Value& value) override;
+    void Update() override;
+    void Close() override;
+
+  private:
+    // Raises 3420 for a set that is closed, or whose database is.
+    void RequireOpen() const;
+    void Advance();
+
+    std::shared_ptr<SqliteConnection> connection_;
+    std::unique_ptr<Statement> statement_;
+    ColumnNames names_;
+    bool atEnd_ = false;
+    std::int32_t visited_ = 0;
+};
+
+}  // namespace platform

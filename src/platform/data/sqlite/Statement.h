@@ -1,0 +1,70 @@
+// One prepared statement of a connection.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/data/sqlite/SqliteConnection.h"
+#include "platform/runtime/Value.h"
+
+struct sqlite3_stmt;
+
+namespace platform {
+
+// Every member raises 3420 once the connection is closed. Columns and parameters count from 0.
+class Statement {
+  public:
+    // `query` is in SQLite's dialect. Raises what a query can be wrong with.
+    Statement(std::shared_ptr<SqliteConnection> connection, TextView query);
+    ~Statement();
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    // Goes on to the next row; false behind the last one.
+    bool Step();
+
+    bool OnlyReads() const;
+    std::size_t ColumnCount() const;
+    Text ColumnName(std::size_t column) const;
+    // The table and the field that a column shows, or empty texts for what is worked out.
+    Text TableOf(std::size_t column) const;
+    Text OriginOf(std::size_t column) const;
+    // Raises 13 for binary data.
+    Value Column(std::size_t column) const;
+    bool IsBinary(std::size_t column) const;
+    std::int64_t WholeNumber(std::size_t column) const;
+
+    // Raises 13 for what no field can hold.
+    void Bind(std::size_t parameter, const Value& value);
+    void BindWholeNumber(std::size_t parameter, std::int64_t number);
+
+    // The connection closes.
+    void Finalize();
+
+  private:
+    sqlite3_stmt* Live() const;
+
+    std::shared_ptr<SqliteConnection> connection_;
+    sqlite3_stmt* statement_ = nullptr;
+};
+
+// A statement for a query that gives rows and changes nothing. Raises 3075 for any other.
+std::unique_ptr<Statement> ReadingStatement(const std::shared_ptr<SqliteConnection>& connection,
+                                            TextView query);
+
+// The failure for a field that no Value can hold.
+RuntimeError BinaryData();
+
+// The names of the columns from `first` on. They compare without regard to case.
+class ColumnNames {
+  public:
+    ColumnNames() = default;
+    explicit ColumnNames(const Statement& statement, std::size_t first = 0);
+    // The column, counted from `first`. Raises 3265.
+    std::size_t Find(TextView name) const;
+
+  private:
+    std::vector<Text> names_;
+};
+
+}  // namespace platform

@@ -1,0 +1,21 @@
+// The application object: what the process knows of itself.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/automation/Automation.h"
+#include "platform/runtime/Text.h"
+
+namespace platform {
+
+struct Application {
+    Text title;
+    Text helpFile;
+    Text path;                   // directory of the executable, with backslashes, without one at the end
+    Text command;                // the command line behind the program's name
+    std::int16_t startMode = 0;  // 1 where automation started the process
+    std::int16_t major = 0, minor = 0, revision = 0;
+    WaitSettings waits;
+};
+
+}  // namespace platform

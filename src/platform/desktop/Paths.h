@@ -1,0 +1,20 @@
+// Paths stay text with backslashes, upper case and all, until a file is opened. Here they become real.
+#pragma once
+
+#include <filesystem>
+
+#include "platform/runtime/Text.h"
+
+namespace platform {
+
+// The file that a path means: separators of either kind, ".." taken away by text, and each component
+// found without regard to case where the exact one is missing. What doesn't exist keeps its spelling.
+std::filesystem::path RealPath(TextView path);
+
+// A real path as the system writes it: absolute, with backslashes.
+Text PathText(const std::filesystem::path& path);
+
+// The name of the normal file at `path`, or an empty text where there is none.
+Text Dir(TextView path);
+
+}  // namespace platform

@@ -1,0 +1,80 @@
+#include "platform/desktop/qt/HelpWindow.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QScreen>
+#include <QTextDocumentFragment>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "platform/desktop/qt/QtText.h"
+#include "platform/forms/qt/Look.h"
+
+namespace platform {
+
+namespace {
+
+constexpr int textWidth = 320, margin = 12, gap = 4;
+
+void AddText(QVBoxLayout& layout, const QString& text, Qt::TextFormat format, bool bold) {
+    auto* label = new QLabel(text);
+    label->setTextFormat(format);
+    label->setWordWrap(true);
+    label->setFixedWidth(textWidth);
+    QFont font = label->font();
+    font.setBold(bold);
+    label->setFont(font);
+    // Known before the window is shown, the height tells where the window has room.
+    label->setFixedHeight(label->heightForWidth(textWidth));
+    layout.addWidget(label);
+}
+
+}  // namespace
+
+HelpWindow::HelpWindow(const HelpTopic& topic, QWidget& parent) : QFrame(&parent, Qt::Popup) {
+    const QString title = ToQt(topic.title), body = ToQt(topic.body);
+    setAttribute(Qt::WA_DeleteOnClose);
+    setObjectName(QStringLiteral("HelpWindow"));
+    setAccessibleName(title);
+    setAccessibleDescription(QTextDocumentFragment::fromHtml(body).toPlainText());
+    setFrameStyle(QFrame::Box | QFrame::Plain);
+    QPalette colors = palette();
+    colors.setColor(QPalette::Window, QColor(forms::look::paper));
+    colors.setColor(QPalette::WindowText, QColor(forms::look::ink));
+    setPalette(colors);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->setSpacing(margin / 2);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    if (!title.isEmpty()) AddText(*layout, title, Qt::PlainText, true);
+    AddText(*layout, body, Qt::RichText, false);
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationInactive) close();
+    });
+}
+
+void HelpWindow::Present() {
+    adjustSize();
+    move(PlaceBeside(*parentWidget()));
+    show();
+}
+
+QPoint HelpWindow::PlaceBeside(const QWidget& widget) const {
+    const QRect beside(widget.mapToGlobal(QPoint()), widget.size());
+    const QRect room = widget.screen()->availableGeometry();
+    const int below = beside.bottom() + gap, above = beside.top() - gap - height();
+    const int lowest = room.bottom() - height();
+    return {std::max(room.left(), std::min(beside.left(), room.right() - width())),
+            std::max(room.top(), below <= lowest ? below : std::min(above, lowest))};
+}
+
+void HelpWindow::mousePressEvent(QMouseEvent*) {
+    close();
+}
+
+void HelpWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) close();
+}
+
+}  // namespace platform

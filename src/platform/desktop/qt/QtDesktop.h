@@ -1,0 +1,36 @@
+// The desktop over Qt: one object that opens the display and gives out all that needs it.
+#pragma once
+
+#include <memory>
+
+#include "platform/automation/Automation.h"
+#include "platform/data/Database.h"
+#include "platform/desktop/Application.h"
+#include "platform/desktop/Desktop.h"
+#include "platform/desktop/PictureFiles.h"
+#include "platform/forms/Form.h"
+#include "platform/runtime/EventLoop.h"
+#include "platform/runtime/Format.h"
+
+namespace platform {
+
+class QtDesktop {
+  public:
+    virtual ~QtDesktop() = default;
+    virtual EventLoop& Loop() = 0;
+    virtual MessageBoxes& Boxes() = 0;
+    virtual WaitBoxes& Waits() = 0;
+    virtual Screen& TheScreen() = 0;
+    virtual const LocaleTexts& Locale() const = 0;
+    virtual forms::Toolkit& Toolkit() = 0;
+    virtual const PictureFiles& Pictures() const = 0;
+};
+
+// Opens the display of the environment. Raises 440 with a plain description where the environment names
+// none. One that can't be reached ends the process with one line on standard error: Qt leaves no way back.
+// `application` and `engine` must outlive the result: the title is the boxes' default, and the engine reads
+// the help files.
+std::unique_ptr<QtDesktop> OpenDesktop(int& argc, char** argv, const Application& application,
+                                       DatabaseEngine& engine);
+
+}  // namespace platform

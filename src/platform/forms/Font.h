@@ -1,0 +1,24 @@
+// The font object that a form or a control gives out.
+#pragma once
+
+#include "platform/forms/Property.h"
+
+namespace platform::forms {
+
+class Font : public Object {
+  public:
+    static constexpr float largestSize = 2160;
+
+    explicit Font(Watched& owner, Text name = u"MS Sans Serif", float size = 8.25F, bool bold = false)
+        : Name(owner, std::move(name)), Size(owner, size), Bold(owner, bold), Charset(owner, 0) {}
+    const ClassDescription& Class() const override;
+
+    Property<Text> Name;
+    Property<float> Size;  // points
+    // Raises 380 for a size that no font has.
+    void SetSize(float points);
+    Property<bool> Bold;
+    Property<std::int16_t> Charset;  // kept and read back; the view needs none
+};
+
+}  // namespace platform::forms

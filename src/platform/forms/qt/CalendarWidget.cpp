@@ -1,0 +1,297 @@
+#include "platform/forms/qt/CalendarWidget.h"
+
+#include <QAbstractEventDispatcher>
+#include <QKeyEvent>
+#include <QPainter>
+#include <algorithm>
+#include <optional>
+
+#include "platform/forms/qt/Look.h"
+
+namespace platform::forms {
+
+namespace {
+
+constexpr int weekdayRow = 0, rows = MonthPage::weeks + 1;
+constexpr int margin = 6, titleHeight = 30, monthsAYear = 12;
+constexpr std::int16_t selectorsShown = 1, yearAheadOfMonth = 2;
+constexpr std::int32_t cellsOfGrid = 2;
+
+// What a key chooses, seen from a day of the month on the page.
+std::optional<QDate> DateOfKey(int key, const QDate& from) {
+    switch (key) {
+        case Qt::Key_Left:
+            return from.addDays(-1);
+        case Qt::Key_Right:
+            return from.addDays(1);
+        case Qt::Key_Up:
+            return from.addDays(-MonthPage::columns);
+        case Qt::Key_Down:
+            return from.addDays(MonthPage::columns);
+        case Qt::Key_Home:
+            return from.addDays(1 - from.day());
+        case Qt::Key_End:
+            return from.addDays(from.daysInMonth() - from.day());
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+        case Qt::Key_Space:
+            return from;
+        default:
+            return {};
+    }
+}
+
+// The months that a key turns by, 0 for none.
+int MonthsOfKey(const QKeyEvent& event) {
+    const int months = event.modifiers() & (Qt::ControlModifier | Qt::ShiftModifier) ? monthsAYear : 1;
+    return event.key() == Qt::Key_PageUp ? -months : event.key() == Qt::Key_PageDown ? months : 0;
+}
+
+// Names of months in some languages are longer than the room that a large title font leaves.
+void DrawFitting(QPainter& painter, const QRect& room, const QString& text) {
+    QFont font = painter.font();
+    const int wanted = QFontMetrics(font).horizontalAdvance(text);
+    if (wanted > room.width()) {
+        font.setPixelSize(std::max(1, font.pixelSize() * room.width() / wanted));
+        painter.setFont(font);
+    }
+    painter.drawText(room, Qt::AlignCenter, text);
+}
+
+QFont Bold(QFont font) {
+    font.setBold(true);
+    return font;
+}
+
+}  // namespace
+
+CalendarWidget::CalendarWidget(Calendar& control, QWidget& parent)
+    : QWidget(&parent), TypedView(control), selectors_(*this, [this](int months) { return Turn(months); }) {
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+}
+
+int CalendarWidget::Today() const {
+    const Calendar& control = Typed();
+    if (!control.ShowOption) return 0;
+    const QDate today = QDate::currentDate();
+    return today.year() == control.Year() && today.month() == control.Month() ? today.day() : 0;
+}
+
+CalendarWidget::Shown CalendarWidget::Wanted() const {
+    const Calendar& control = Typed();
+    return {control.Day(),
+            control.Month(),
+            control.Year(),
+            Today(),
+            control.MarketStyle == yearAheadOfMonth,
+            control.gridcelleffect == cellsOfGrid,
+            control.showdateselectors == selectorsShown,
+            ToQt(*control.dayfont),
+            ToQt(*control.gridfont),
+            ToQt(*control.titlefont)};
+}
+
+void CalendarWidget::SyncOwn() {
+    Shown wanted = Wanted();
+    if (wanted == shown_) return;
+    shown_ = std::move(wanted);
+    selectors_.Show(shown_.selectors);
+    selectors_.Place(TitleRect(), shown_.yearFirst);
+    update();
+}
+
+QString CalendarWidget::SpokenName() const {
+    const Calendar& control = Typed();
+    const QDate date(control.Year(), control.Month(), control.Day());
+    return date.isValid() ? locale_.toString(date, QLocale::LongFormat)
+                          : Title() + QStringLiteral(" (no day)");
+}
+
+// The mark of today moves at midnight, at a change of the clock, and after a sleep of the computer. Looked
+// after whenever the program is awake anyway, it needs no wake-ups of its own.
+void CalendarWidget::FollowToday() {
+    if (Model() && Today() != shown_.today) Sync();
+}
+
+bool CalendarWidget::event(QEvent* event) {
+    switch (event->type()) {
+        case QEvent::Show:
+            beforeWaiting_ =
+                connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+                        [this] { FollowToday(); });
+            break;
+        case QEvent::Hide:
+            disconnect(beforeWaiting_);
+            break;
+        case QEvent::Leave:
+            PointAt(0);
+            break;
+        case QEvent::EnabledChange:
+            update();
+            break;
+        default:
+            break;
+    }
+    return QWidget::event(event);
+}
+
+void CalendarWidget::resizeEvent(QResizeEvent*) {
+    selectors_.Place(TitleRect(), shown_.yearFirst);
+}
+
+int CalendarWidget::CursorDay() const {
+    return DayExists(shown_.year, shown_.month, shown_.day) ? shown_.day : 1;
+}
+
+int CalendarWidget::DayAt(QPoint place) const {
+    const MonthPage page = Page();
+    for (int day = 1; day <= page.Days(); ++day)
+        if (DayRect(day).contains(place)) return day;
+    return 0;
+}
+
+void CalendarWidget::PointAt(int day) {
+    const int before = std::exchange(under_, day);
+    if (before == day || !shown_.selectors) return;
+    for (const int changed : {before, day})
+        if (changed != 0) update(DayRect(changed));
+}
+
+// The model has the last word: it refuses while the date isn't the operator's to choose.
+void CalendarWidget::Choose(const QDate& date) {
+    if (!IsOperable()) return;
+    const auto alive = KeepWindow();
+    DateParts parts;
+    date.getDate(&parts.year, &parts.month, &parts.day);
+    Guard([&] { Typed().ChooseDate(parts); });
+}
+
+bool CalendarWidget::Turn(int months) {
+    if (!IsOperable()) return false;
+    const auto alive = KeepWindow();
+    const int wanted = Typed().Year() * monthsAYear + Typed().Month() - 1 + months;
+    const auto year = static_cast<std::int16_t>(wanted / monthsAYear);
+    const auto month = static_cast<std::int16_t>(wanted % monthsAYear + 1);
+    Guard([&] { Typed().TurnTo(year, month); });
+    return IsOperable();
+}
+
+void CalendarWidget::keyPressEvent(QKeyEvent* event) {
+    if (!Model()) return;
+    if (const int months = MonthsOfKey(*event); months != 0)
+        Turn(months);
+    else if (const auto date = DateOfKey(event->key(), {shown_.year, shown_.month, CursorDay()}))
+        Choose(*date);
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void CalendarWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !Model()) return;
+    if (const int day = DayAt(event->position().toPoint()); day != 0)
+        Choose({shown_.year, shown_.month, day});
+}
+
+void CalendarWidget::mouseMoveEvent(QMouseEvent* event) {
+    PointAt(DayAt(event->position().toPoint()));
+}
+
+QString CalendarWidget::MonthName() const {
+    QString month = locale_.standaloneMonthName(Typed().Month());
+    if (!month.isEmpty()) month[0] = month[0].toUpper();
+    return month;
+}
+
+QString CalendarWidget::Title() const {
+    const QString year = QString::number(Typed().Year());
+    return Typed().MarketStyle == yearAheadOfMonth ? year + u' ' + MonthName() : MonthName() + u' ' + year;
+}
+
+QRect CalendarWidget::TitleRect() const {
+    return {margin, 0, width() - 2 * margin, titleHeight};
+}
+
+QRect CalendarWidget::GridRect() const {
+    return rect().adjusted(margin, titleHeight, -margin, -margin);
+}
+
+// Cells share out the width and height without gaps, whatever the size.
+QRect CalendarWidget::CellRect(int row, int column) const {
+    const QRect grid = GridRect();
+    const auto corner = [&](int r, int c) {
+        return grid.topLeft() + QPoint(grid.width() * c / MonthPage::columns, grid.height() * r / rows);
+    };
+    return {corner(row, column), corner(row + 1, column + 1) - QPoint(1, 1)};
+}
+
+QRect CalendarWidget::DayRect(int day) const {
+    const PageCell cell = Page().CellOf(day);
+    return CellRect(weekdayRow + 1 + cell.week, cell.column);
+}
+
+void CalendarWidget::PaintTitle(QPainter& painter) const {
+    painter.setFont(shown_.titleFont);
+    painter.setPen(QColor(isEnabled() ? look::ink : look::inkDisabled));
+    if (!shown_.selectors) return DrawFitting(painter, TitleRect(), Title());
+    DrawFitting(painter, selectors_.YearText(), QString::number(shown_.year));
+    painter.setFont(shown_.titleFont);
+    DrawFitting(painter, selectors_.MonthText(), MonthName());
+}
+
+void CalendarWidget::PaintWeekdays(QPainter& painter) const {
+    const MonthPage page = Page();
+    painter.setFont(shown_.dayFont);
+    painter.setPen(QColor(look::inkSoft));
+    for (int column = 0; column < MonthPage::columns; ++column) {
+        const QRect cell = CellRect(weekdayRow, column);
+        const QString name = locale_.standaloneDayName(page.WeekdayOf(column), QLocale::ShortFormat);
+        const bool fits = painter.fontMetrics().horizontalAdvance(name) <= cell.width();
+        painter.drawText(
+            cell, Qt::AlignCenter,
+            fits ? name : locale_.standaloneDayName(page.WeekdayOf(column), QLocale::NarrowFormat));
+    }
+}
+
+// Where cells are drawn, each has a thin line at its left and upper side; without, one line stands below
+// the names of the days.
+void CalendarWidget::PaintGrid(QPainter& painter) const {
+    const QRect grid = GridRect();
+    const int top = CellRect(weekdayRow + 1, 0).top();
+    const QColor line(look::grid);
+    painter.fillRect(QRect(grid.left(), top - 1, grid.width(), 1), line);
+    if (!shown_.grid) return;
+    for (int row = weekdayRow + 2; row <= rows; ++row)
+        painter.fillRect(QRect(grid.left(), CellRect(row, 0).top() - 1, grid.width(), 1), line);
+    for (int column = 0; column <= MonthPage::columns; ++column)
+        painter.fillRect(QRect(CellRect(0, column).left() - 1, top, 1, grid.bottom() - top + 1), line);
+}
+
+void CalendarWidget::PaintDay(QPainter& painter, int day) const {
+    const QRect cell = DayRect(day), inside = cell.adjusted(1, 1, -2, -2);
+    const bool chosen = day == shown_.day, today = day == shown_.today;
+    if (chosen)
+        DrawBox(painter, inside, look::accent, look::accent);
+    else if (day == under_ && shown_.selectors)
+        DrawBox(painter, inside, QColor::fromRgba(look::tint), Qt::transparent);
+    if (today)
+        DrawBox(painter, chosen ? inside.adjusted(1, 1, -1, -1) : inside, Qt::transparent,
+                chosen ? look::paper : look::accent);
+    if (hasFocus() && !chosen && day == CursorDay()) DrawFocus(painter, inside);
+    painter.setFont(chosen || today ? Bold(shown_.gridFont) : shown_.gridFont);
+    painter.setPen(QColor(chosen ? look::paper : isEnabled() ? look::ink : look::inkDisabled));
+    painter.drawText(cell.adjusted(0, 0, -1, -1), Qt::AlignCenter, QString::number(day));
+}
+
+void CalendarWidget::paintEvent(QPaintEvent*) {
+    if (!Model()) return;
+    QPainter painter(this);
+    DrawBox(painter, rect(), look::paper, look::lineSoft);
+    PaintTitle(painter);
+    PaintWeekdays(painter);
+    PaintGrid(painter);
+    for (int day = 1; day <= Page().Days(); ++day) PaintDay(painter, day);
+    if (hasFocus()) DrawFocus(painter, rect());
+}
+
+}  // namespace platform::forms

@@ -1,0 +1,68 @@
+#include "platform/forms/qt/CheckWidget.h"
+
+#include <QPainter>
+#include <QStyle>
+
+#include "platform/desktop/qt/QtText.h"
+#include "platform/forms/qt/Look.h"
+
+namespace platform::forms {
+
+namespace {
+
+constexpr int indicatorSide = 13, captionGap = 5;
+
+void DrawTick(QPainter& painter, const QRect& box, const QColor& color) {
+    const QPointF corner = QRectF(box).topLeft();
+    const QPointF points[] = {corner + QPointF(3.2, 6.8), corner + QPointF(5.6, 9.2),
+                              corner + QPointF(9.9, 3.9)};
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, 1.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(points, 3);
+}
+
+}  // namespace
+
+CheckWidget::CheckWidget(CheckBox& control, QWidget& parent) : QCheckBox(&parent), TypedView(control) {
+    setAttribute(Qt::WA_Hover);
+    connect(this, &QCheckBox::clicked, this, [this](bool on) {
+        const auto alive = KeepWindow();
+        if (IsOperable()) Guard([&] { Typed().SetValue(on ? 1 : 0); });
+        Sync();  // the model has the last word
+    });
+}
+
+void CheckWidget::SyncOwn() {
+    const CheckBox& control = Typed();
+    if (const QString caption = platform::ToQt(control.Caption()); caption != text()) setText(caption);
+    setFont(ToQt(*control.Font));
+    setChecked(control.Value() != 0);
+    if (backColor_ == control.BackColor()) return;
+    backColor_ = control.BackColor;
+    update();
+}
+
+QString CheckWidget::SpokenName() const {
+    return SpokenCaption(Typed().Caption());
+}
+
+// The back colour is the frame of the indicator: filled around it, a box that is hardly larger than its
+// indicator would show two stray strips of it.
+void CheckWidget::PaintIndicator(QPainter& painter, const QRect& box) const {
+    const QColor frame = hasFocus() ? QColor(look::accent) : ToQt(backColor_).darker(115);
+    const QColor fill = !isEnabled() ? look::faceDisabled : isDown() ? look::facePressed : look::paper;
+    DrawBox(painter, box, fill, frame, 2);
+    if (isChecked()) DrawTick(painter, box, isEnabled() ? look::accent : look::inkDisabled);
+}
+
+void CheckWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QRect box(0, (height() - indicatorSide) / 2, indicatorSide, indicatorSide);
+    PaintIndicator(painter, box);
+    const QRect room = rect().adjusted(indicatorSide + captionGap, 0, 0, 0);
+    if (room.width() > 0)
+        style()->drawItemText(&painter, room, Qt::AlignVCenter | Qt::TextShowMnemonic, palette(), isEnabled(),
+                              text(), QPalette::WindowText);
+}
+
+}  // namespace platform::forms

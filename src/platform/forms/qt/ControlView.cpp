@@ -1,0 +1,92 @@
+#include "platform/forms/qt/ControlView.h"
+
+#include <QMouseEvent>
+
+#include "platform/desktop/qt/QtText.h"
+#include "platform/forms/qt/CalendarWidget.h"
+#include "platform/forms/qt/CheckWidget.h"
+#include "platform/forms/qt/EditWidget.h"
+#include "platform/forms/qt/ImageWidget.h"
+#include "platform/forms/qt/KeyCodes.h"
+#include "platform/forms/qt/LabelWidget.h"
+#include "platform/forms/qt/PushWidget.h"
+#include "platform/forms/qt/SpinWidget.h"
+#include "platform/forms/qt/Twips.h"
+
+namespace platform::forms {
+
+namespace {
+
+template <class Type, class WidgetType>
+ControlView* MakeIf(Control& control, QWidget& parent) {
+    auto* typed = dynamic_cast<Type*>(&control);
+    return typed ? new WidgetType(*typed, parent) : nullptr;
+}
+
+std::int16_t ButtonOf(Qt::MouseButton button) {
+    switch (button) {
+        case Qt::LeftButton:
+            return static_cast<std::int16_t>(MouseButton::Left);
+        case Qt::RightButton:
+            return static_cast<std::int16_t>(MouseButton::Right);
+        case Qt::MiddleButton:
+            return static_cast<std::int16_t>(MouseButton::Middle);
+        default:
+            return 0;
+    }
+}
+
+}  // namespace
+
+bool HasWindow(const Control& control) {
+    return !dynamic_cast<const Label*>(&control) && !dynamic_cast<const Image*>(&control);
+}
+
+ControlView* MakeControlView(Control& control, QWidget& parent) {
+    using Maker = ControlView* (*)(Control&, QWidget&);
+    static constexpr Maker makers[] = {
+        MakeIf<CommandButton, PushWidget>, MakeIf<TextBox, EditWidget>, MakeIf<Label, LabelWidget>,
+        MakeIf<CheckBox, CheckWidget>,     MakeIf<UpDown, SpinWidget>,  MakeIf<Calendar, CalendarWidget>,
+        MakeIf<Image, ImageWidget>,
+    };
+    for (const Maker make : makers)
+        if (ControlView* view = make(control, parent)) return view;
+    return nullptr;
+}
+
+void ControlView::Sync() {
+    if (!control_) return;
+    SyncCommon();
+    SyncOwn();
+}
+
+void ControlView::SyncCommon() {
+    QWidget& widget = Widget();
+    widget.setGeometry(ToPixels(control_->Left), ToPixels(control_->Top), ToPixels(control_->Width),
+                       ToPixels(control_->Height));
+    widget.setEnabled(control_->Enabled);
+    if (widget.isHidden() == control_->Visible()) widget.setVisible(control_->Visible);
+    const QString tip = platform::ToQt(control_->ToolTipText()).trimmed();
+    if (widget.toolTip() != tip) widget.setToolTip(tip);
+    const QString spoken = tip.isEmpty() ? SpokenName() : tip;
+    if (widget.accessibleName() != spoken) widget.setAccessibleName(spoken);
+}
+
+QString ControlView::SpokenName() const {
+    const QString name = platform::ToQt(control_->Name());
+    return control_->Index() < 0 ? name : QStringLiteral("%1 %2").arg(name).arg(control_->Index());
+}
+
+QString ControlView::SpokenCaption(const Text& caption) const {
+    const QString spoken = platform::ToQt(caption).remove(u'&').trimmed();
+    return spoken.isEmpty() ? ControlView::SpokenName() : spoken;
+}
+
+void ControlView::MouseReleased(const QMouseEvent& event) {
+    const std::int16_t button = ButtonOf(event.button());
+    if (button == 0 || !IsOperable()) return;
+    Raise(control_->MouseUp, static_cast<MouseButton>(button), ShiftOf(event.modifiers()),
+          ToTwips(event.position().x()), ToTwips(event.position().y()));
+}
+
+}  // namespace platform::forms

@@ -1,0 +1,229 @@
+#include "platform/forms/qt/FormWindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QCursor>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QWindow>
+#include <algorithm>
+#include <vector>
+
+#include "platform/desktop/qt/QtText.h"
+#include "platform/forms/qt/ControlView.h"
+#include "platform/forms/qt/Drawing.h"
+#include "platform/forms/qt/KeyCodes.h"
+#include "platform/forms/qt/Look.h"
+#include "platform/forms/qt/Twips.h"
+
+namespace platform::forms {
+
+namespace {
+
+bool IsInput(QEvent::Type type) {
+    switch (type) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::Wheel:
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::ShortcutOverride:
+        case QEvent::ContextMenu:
+        case QEvent::TabletPress:
+        case QEvent::TabletMove:
+        case QEvent::TabletRelease:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+            return true;
+        default:
+            return false;
+    }
+}
+
+ControlView* ViewOf(QObject* widget) {
+    return dynamic_cast<ControlView*>(widget);
+}
+
+// The widget of the control that a widget is or belongs to.
+QWidget* ControlWidgetOf(QWidget* widget) {
+    while (widget && !ViewOf(widget)) widget = widget->parentWidget();
+    return widget;
+}
+
+}  // namespace
+
+FormWindow::FormWindow(Form& form, const QtHelp& help) : form_(&form), help_(help) {
+    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                   Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint);
+    setObjectName(platform::ToQt(form.Name()));
+    MakeControls(false);
+    MakeControls(true);
+    SetTabOrder();
+    winId();  // the filter below needs the native window
+    windowHandle()->installEventFilter(this);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { FocusMoved(now); });
+}
+
+// Qt stacks siblings in the order in which they are made.
+void FormWindow::MakeControls(bool withWindow) {
+    for (const auto& control : form_->Controls()) {
+        if (HasWindow(*control) != withWindow) continue;
+        ControlView* view = MakeControlView(*control, *this);
+        if (!view) continue;
+        views_[control.get()] = view;
+        view->Widget().setObjectName(platform::ToQt(control->Name()));
+        view->Widget().installEventFilter(this);
+        view->Sync();
+    }
+}
+
+void FormWindow::SetTabOrder() {
+    std::vector<ControlView*> order;
+    for (const auto& [control, view] : views_)
+        if (control->TabIndex >= 0 && view->Widget().focusPolicy() != Qt::NoFocus) order.push_back(view);
+    std::sort(order.begin(), order.end(), [](const ControlView* left, const ControlView* right) {
+        return left->Model()->TabIndex < right->Model()->TabIndex;
+    });
+    QWidget* before = nullptr;
+    for (ControlView* view : order) {
+        if (before) QWidget::setTabOrder(before, &view->Widget());
+        before = &view->Widget();
+    }
+}
+
+void FormWindow::ShareLife() {
+    for (const auto& [control, view] : views_) view->ShareLife(weak_from_this());
+}
+
+void FormWindow::Sync() {
+    if (caption_ != form_->Caption()) {
+        caption_ = form_->Caption;
+        // Qt takes "[*]" out of a title, unless it is written twice.
+        setWindowTitle(platform::ToQt(caption_).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
+    }
+    if (icon_ != form_->Icon()) {
+        icon_ = form_->Icon;
+        setWindowIcon(WindowIcon(icon_));
+    }
+    setFont(ToQt(*form_->Font));
+    if (QPalette colors = palette(); colors.color(QPalette::Window) != ToQt(form_->BackColor())) {
+        colors.setColor(QPalette::Window, ToQt(form_->BackColor()));
+        setPalette(colors);
+    }
+    SyncPlace();
+    SyncVisible();
+}
+
+void FormWindow::SyncPlace() {
+    setFixedSize(ToPixels(form_->Width), ToPixels(form_->Height));
+    const QPoint place(ToPixels(form_->Left), ToPixels(form_->Top));
+    if (place != pos()) move(place);
+}
+
+void FormWindow::SyncVisible() {
+    if (isVisible() == form_->Visible()) return;
+    setVisible(form_->Visible());
+    if (!isVisible()) ClosePopUps();
+    if (isVisible()) TakeFocus();
+}
+
+void FormWindow::SyncControl(Control& control) {
+    if (const auto found = views_.find(&control); found != views_.end()) found->second->Sync();
+}
+
+void FormWindow::TakeFocus() {
+    raise();
+    activateWindow();
+}
+
+// Not QMenu::exec, which would wait here: the host's calls and the clock go on under an open menu.
+void FormWindow::PopUp(const Menu& menu) {
+    ClosePopUps();
+    auto* shown = new QMenu(this);
+    shown->setAttribute(Qt::WA_DeleteOnClose);
+    for (const Menu* item : menu.Items) {
+        if (item->Caption().empty() || !item->Visible) continue;
+        QAction* action = shown->addAction(platform::ToQt(item->Caption()));
+        action->setEnabled(item->Enabled);
+        connect(action, &QAction::triggered, this, [this, item] {
+            const auto alive = weak_from_this().lock();
+            if (form_ && form_->Enabled) Raise(item->Click);
+        });
+    }
+    shown->popup(QCursor::pos());
+}
+
+void FormWindow::ShowTopic(const Control& control) {
+    const auto found = views_.find(&control);
+    if (found != views_.end()) help_.Show(found->second->Widget(), control.WhatsThisHelpID);
+}
+
+void FormWindow::ClosePopUps() {
+    for (QWidget* child : findChildren<QWidget*>())
+        if (child->windowType() == Qt::Popup) child->close();
+}
+
+void FormWindow::Detach() {
+    form_ = nullptr;
+    ClosePopUps();
+    for (const auto& [control, view] : views_) view->Detach();
+    views_.clear();
+    hide();
+}
+
+// An event of the model may take the form away. The rest of the input that raised it has no one to go to
+// then.
+bool FormWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (!form_) return false;
+    const auto alive = weak_from_this().lock();
+    if (watched == windowHandle()) {
+        if (IsRefused(*event)) return true;
+        if (event->type() == QEvent::KeyPress) KeyPressed(static_cast<const QKeyEvent&>(*event));
+    } else if (event->type() == QEvent::MouseButtonRelease) {
+        if (ControlView* view = ViewOf(watched)) view->MouseReleased(static_cast<const QMouseEvent&>(*event));
+    }
+    return !form_;
+}
+
+bool FormWindow::IsRefused(QEvent& event) const {
+    if (form_->Enabled || !IsInput(event.type())) return false;
+    event.ignore();
+    return true;
+}
+
+void FormWindow::KeyPressed(const QKeyEvent& event) {
+    if (const std::int16_t code = KeyCodeOf(event); code != 0)
+        Raise(form_->KeyDown, code, ShiftOf(event.modifiers()));
+}
+
+// A window or box that comes in front takes the focus from Qt's view, but not from the form's: its control
+// has it still when the operator comes back, and hears nothing of the interruption.
+void FormWindow::FocusMoved(QWidget* now) {
+    if (!form_ || (now && now->window() != this) || (!now && !isActiveWindow())) return;
+    QWidget* next = ControlWidgetOf(now);
+    if (next == focused_) return;
+    ControlView* left = ViewOf(focused_);
+    ControlView* entered = ViewOf(next);
+    focused_ = next;
+    const auto alive = weak_from_this().lock();
+    if (left && left->Model()) Raise(left->Model()->LostFocus);
+    if (focused_ == next && entered && entered->Model()) Raise(entered->Model()->GotFocus);
+}
+
+void FormWindow::closeEvent(QCloseEvent* event) {
+    const auto alive = weak_from_this().lock();
+    event->ignore();  // the form decides, and takes the window away itself
+    if (form_ && form_->Enabled) Guard([this] { form_->Unload(); });
+}
+
+// Counts a place that differs from the model's by a whole pixel only, as the model may hold parts of one.
+void FormWindow::moveEvent(QMoveEvent*) {
+    if (!form_ || !isVisible()) return;
+    if (pos() == QPoint(ToPixels(form_->Left), ToPixels(form_->Top))) return;
+    Guard([this] { form_->MovedByOperator(ToTwips(pos().x()), ToTwips(pos().y())); });
+}
+
+}  // namespace platform::forms

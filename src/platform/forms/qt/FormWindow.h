@@ -1,0 +1,59 @@
+// The window of a form.
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+#include <map>
+#include <memory>
+
+#include "platform/desktop/qt/QtHelp.h"
+#include "platform/forms/Form.h"
+
+class QKeyEvent;
+
+namespace platform::forms {
+
+class ControlView;
+
+// A dialog of fixed size. Input for a form that isn't enabled is refused at the window, before any widget
+// sees it, so that its controls keep their look and the focus its place.
+class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindow> {
+  public:
+    FormWindow(Form& form, const QtHelp& help);
+    // Lets the widgets keep the window for the length of an event. For after the construction.
+    void ShareLife();
+
+    void Sync();
+    void SyncControl(Control& control);
+    void TakeFocus();
+    // Offers the items of a menu beside the pointer, and returns at once.
+    void PopUp(const Menu& menu);
+    void ShowTopic(const Control& control);
+    // The form is gone: hides, and reaches for it no more.
+    void Detach();
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+
+  private:
+    void MakeControls(bool withWindow);
+    void SetTabOrder();
+    void SyncPlace();
+    void SyncVisible();
+    bool IsRefused(QEvent& event) const;
+    void KeyPressed(const QKeyEvent& event);
+    void FocusMoved(QWidget* now);
+    void ClosePopUps();
+
+    Form* form_;
+    const QtHelp& help_;
+    std::map<const Control*, ControlView*> views_;
+    QPointer<QWidget> focused_;  // the control that the model knows as the one with the focus
+    PictureRef icon_;
+    Text caption_;
+};
+
+}  // namespace platform::forms

@@ -1,0 +1,48 @@
+#include "platform/forms/qt/LabelWidget.h"
+
+#include <QPainter>
+
+#include "platform/desktop/qt/QtText.h"
+#include "platform/forms/qt/Look.h"
+
+namespace platform::forms {
+
+void LabelWidget::SyncOwn() {
+    const Label& control = Typed();
+    Shown next{platform::ToQt(control.Caption()),
+               ToQt(*control.Font),
+               control.Border,
+               control.Opaque,
+               control.Align,
+               control.BackColor,
+               control.ForeColor};
+    if (next == shown_) return;
+    shown_ = std::move(next);
+    update();
+}
+
+QString LabelWidget::SpokenName() const {
+    return SpokenCaption(Typed().Caption());
+}
+
+// What a transparent frame encloses is a shade lighter than the form around it.
+QColor LabelWidget::Fill() const {
+    if (shown_.opaque) return ToQt(shown_.backColor);
+    return shown_.border ? QColor::fromRgba(look::veil) : QColor(Qt::transparent);
+}
+
+void LabelWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    if (shown_.border)
+        DrawBox(painter, rect(), Fill(), shown_.opaque ? look::lineField : look::lineSoft);
+    else
+        painter.fillRect(rect(), Fill());
+    painter.setFont(shown_.font);
+    painter.setPen(isEnabled() ? ToQt(shown_.foreColor) : QColor(look::inkDisabled));
+    // One pixel down, the line stands level with that of a borderless text box in the same place.
+    painter.drawText(rect().adjusted(0, 1, 0, 0),
+                     static_cast<int>(ToQt(shown_.align)) | Qt::TextWordWrap | Qt::TextShowMnemonic,
+                     shown_.caption);
+}
+
+}  // namespace platform::forms

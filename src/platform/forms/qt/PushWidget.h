@@ -1,0 +1,30 @@
+// A command button.
+#pragma once
+
+#include <QPushButton>
+
+#include "platform/forms/qt/ControlView.h"
+#include "platform/forms/qt/Drawing.h"
+
+namespace platform::forms {
+
+// Shows its picture, or its caption where it has none.
+class PushWidget : public QPushButton, public TypedView<CommandButton> {
+  public:
+    PushWidget(CommandButton& control, QWidget& parent);
+    QWidget& Widget() override { return *this; }
+
+  protected:
+    void SyncOwn() override;
+    QString SpokenName() const override;
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    Drawing& Shown();
+    void PaintFace(QPainter& painter);
+
+    Drawing picture_, disabledPicture_;
+    PictureRef shown_, shownDisabled_;
+};
+
+}  // namespace platform::forms

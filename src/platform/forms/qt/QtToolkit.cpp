@@ -1,0 +1,34 @@
+#include "platform/forms/qt/QtToolkit.h"
+
+#include "platform/forms/qt/FormWindow.h"
+
+namespace platform::forms {
+
+namespace {
+
+class QtView : public View {
+  public:
+    QtView(Form& form, const QtHelp& help)
+        : window_(new FormWindow(form, help), [](FormWindow* window) { window->deleteLater(); }) {
+        window_->ShareLife();
+    }
+    ~QtView() override { window_->Detach(); }
+    void FormChanged() override { window_->Sync(); }
+    void ControlChanged(Control& control) override { window_->SyncControl(control); }
+    void SetFocus() override { window_->TakeFocus(); }
+    void PopupMenu(Menu& menu) override { window_->PopUp(menu); }
+    void ShowWhatsThis(Control& control) override { window_->ShowTopic(control); }
+
+  private:
+    // An event that takes the view away keeps the window until it is over, also where it waits in a loop of
+    // its own meanwhile; and Qt, which delivers the event, until its own loop has the word again.
+    std::shared_ptr<FormWindow> window_;
+};
+
+}  // namespace
+
+std::unique_ptr<View> QtToolkit::MakeView(Form& form) {
+    return std::make_unique<QtView>(form, help_);
+}
+
+}  // namespace platform::forms

@@ -1,0 +1,33 @@
+// Text forms of dates and numbers.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/runtime/Date.h"
+#include "platform/runtime/Text.h"
+
+namespace platform {
+
+// What a format needs of the machine's locale.
+class LocaleTexts {
+  public:
+    virtual ~LocaleTexts() = default;
+    virtual Text LongDate(Date date) const = 0;
+    virtual Text LongTime(Date time) const = 0;
+    // `weekday` 1 for Sunday up to 7 for Saturday.
+    virtual Text DayName(int weekday) const = 0;
+    virtual Text ShortDayName(int weekday) const = 0;
+};
+
+// A date by "Long Date", "Long Time" or a pattern of the codes yyyy, mm, dd, ddd, aaaa, hh, nn, ss;
+// "mm" directly behind "hh" is the minute. Every other character stands for itself.
+Text FormatDate(Date date, TextView pattern, const LocaleTexts& locale);
+
+// A whole number with at least two digits.
+Text TwoDigits(int number);
+
+// A date value as text that is read back in every locale: month/day/year, hours:minutes:seconds;
+// the time alone for day 0, the date alone for midnight.
+Text GeneralDateText(Date date);
+
+}  // namespace platform

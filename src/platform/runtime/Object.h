@@ -1,0 +1,237 @@
+// What is reached by name: members with kind and arguments, described once in a table.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "platform/runtime/Value.h"
+
+namespace platform {
+
+// What a caller wants of a member; the values go over the bus as they stand.
+enum class InvokeKind : std::uint16_t { Method = 1, PropertyGet = 2, PropertyPut = 4, PropertyPutObject = 8 };
+
+// Arguments in the order of declaration. A write has the new value last, an indexed property its index
+// first. All are references: a callee may change an entry, and the caller finds the new value in it.
+using Arguments = std::vector<Value>;
+
+enum class ValueType { None, Variant, String, Integer, Long, Boolean, Single, Double, Date, Object };
+
+struct Parameter {
+    std::string_view name;
+    ValueType type = ValueType::Variant;
+    bool optional = false;  // left out, it arrives as Missing
+};
+
+// One slot of a class. `invoke` gets exactly as many arguments as there are parameters, each converted
+// to its type.
+struct Member {
+    std::string_view name;
+    InvokeKind kind = InvokeKind::Method;
+    std::vector<Parameter> parameters;
+    ValueType result = ValueType::None;
+    std::function<Value(Object&, Arguments&)> invoke;
+};
+
+struct TypeLibrary {
+    std::string_view name, guid, version;
+};
+
+// A class: its type name and its members in the order of their slots. A public class has a library and
+// GUIDs, and shows an interface of its own on the bus.
+struct ClassDescription {
+    std::string_view name;
+    std::vector<Member> members;
+    const TypeLibrary* library = nullptr;
+    std::string_view classGuid = {}, interfaceGuid = {};
+};
+
+// Member names compare without regard to case.
+bool SameMemberName(std::string_view left, std::string_view right);
+
+// The slot that a call of this kind reaches, or null. Reading and calling reach either of the two, and so
+// do the two kinds of writing.
+const Member* FindMember(const ClassDescription& description, std::string_view name, InvokeKind kind);
+
+// Converts to a declared type; Missing stays. Raises what the conversions of Value raise.
+Value Converted(const Value& value, ValueType type);
+
+class Object : public std::enable_shared_from_this<Object> {
+  public:
+    Object() = default;
+    Object(const Object&) = delete;
+    Object& operator=(const Object&) = delete;
+    virtual ~Object() = default;
+
+    virtual const ClassDescription& Class() const = 0;
+
+    // Calls a member by its name. Raises 438 for a member that isn't there, 450 for a wrong number of
+    // arguments, the conversions' errors, and what the member raises.
+    virtual Value Invoke(std::string_view member, InvokeKind kind, Arguments& arguments);
+
+    // Runs when the last client of an object that lives in this process has let go of it.
+    virtual void LastClientGone() {}
+
+    // Calls `gone` once if the process that owns the object leaves. Keep the result for as long as the
+    // call is wanted. An object of this process never leaves, and gives nothing.
+    virtual std::shared_ptr<void> WhenOwnerGone(std::function<void()> gone);
+};
+
+// Calls one slot as Invoke does, once it is found.
+Value InvokeMember(Object& object, const Member& member, Arguments& arguments);
+
+// --- late-bound calls -------------------------------------------------------------------------------
+
+// An argument by reference: after the call the variable holds what the callee made of it.
+template <class Variable>
+struct ByReference {
+    Variable& variable;
+};
+template <class Variable>
+ByReference<Variable> ByRef(Variable& variable) {
+    return {variable};
+}
+
+namespace detail {
+
+template <class T>
+Value ArgumentOf(const T& value) {
+    return Value(value);
+}
+template <class T>
+Value ArgumentOf(const ByReference<T>& reference) {
+    return Value(reference.variable);
+}
+
+inline void Assign(Text& variable, const Value& value) {
+    variable = value.ToText();
+}
+inline void Assign(std::int16_t& variable, const Value& value) {
+    variable = value.ToInteger();
+}
+inline void Assign(std::int32_t& variable, const Value& value) {
+    variable = value.ToLong();
+}
+inline void Assign(float& variable, const Value& value) {
+    variable = value.ToSingle();
+}
+inline void Assign(bool& variable, const Value& value) {
+    variable = value.ToBoolean();
+}
+inline void Assign(Value& variable, const Value& value) {
+    variable = value;
+}
+template <class Class>
+void Assign(std::shared_ptr<Class>& variable, const Value& value) {
+    const ObjectRef object = value.ToObject();
+    auto cast = std::dynamic_pointer_cast<Class>(object);
+    if (object && !cast) throw RuntimeError(ErrorNumber::TypeMismatch);
+    variable = std::move(cast);
+}
+
+template <class T>
+void TakeBack(const T&, const Value&, const Value&) {}
+template <class T>
+void TakeBack(const ByReference<T>& reference, const Value& before, const Value& after) {
+    if (!(before == after)) Assign(reference.variable, after);
+}
+
+template <class... Parameters>
+Value InvokeLate(const ObjectRef& object, std::string_view member, InvokeKind kind,
+                 const Parameters&... parameters) {
+    if (!object) throw RuntimeError(ErrorNumber::ObjectNotSet);
+    const Arguments given{ArgumentOf(parameters)...};
+    Arguments arguments = given;
+    Value result = object->Invoke(member, kind, arguments);
+    arguments.resize(given.size());
+    [[maybe_unused]] std::size_t i = 0;
+    ((TakeBack(parameters, given[i], arguments[i]), ++i), ...);
+    return result;
+}
+
+}  // namespace detail
+
+// Each raises 91 where `object` is nothing, and what Invoke raises.
+template <class... Parameters>
+Value Call(const ObjectRef& object, std::string_view method, const Parameters&... parameters) {
+    return detail::InvokeLate(object, method, InvokeKind::Method, parameters...);
+}
+template <class... Parameters>
+Value Get(const ObjectRef& object, std::string_view property, const Parameters&... index) {
+    return detail::InvokeLate(object, property, InvokeKind::PropertyGet, index...);
+}
+template <class... Parameters>
+void Put(const ObjectRef& object, std::string_view property, const Parameters&... indexAndValue) {
+    detail::InvokeLate(object, property, InvokeKind::PropertyPut, indexAndValue...);
+}
+
+// --- pieces of member tables ------------------------------------------------------------------------
+
+template <class T>
+constexpr ValueType TypeOf() {
+    if constexpr (std::is_same_v<T, Text>)
+        return ValueType::String;
+    else if constexpr (std::is_same_v<T, std::int16_t>)
+        return ValueType::Integer;
+    else if constexpr (std::is_same_v<T, std::int32_t>)
+        return ValueType::Long;
+    else if constexpr (std::is_same_v<T, bool>)
+        return ValueType::Boolean;
+    else if constexpr (std::is_same_v<T, float>)
+        return ValueType::Single;
+    else if constexpr (std::is_same_v<T, double>)
+        return ValueType::Double;
+    else if constexpr (std::is_same_v<T, Date>)
+        return ValueType::Date;
+    else
+        return ValueType::Object;
+}
+
+namespace detail {
+template <class Class, class Type>
+Class* ClassOf(Type Class::*);
+template <class Class, class Type>
+Type FieldTypeOf(Type Class::*);
+}  // namespace detail
+
+// The read and the write form of a plain field of a class: Read<&cListRequest::Tag>("Tag").
+template <auto Field>
+Member Read(std::string_view name) {
+    using Class = std::remove_pointer_t<decltype(detail::ClassOf(Field))>;
+    using Type = decltype(detail::FieldTypeOf(Field));
+    return {name, InvokeKind::PropertyGet, {}, TypeOf<Type>(), [](Object& self, Arguments&) {
+                return Value(static_cast<Class&>(self).*Field);
+            }};
+}
+template <auto Field>
+Member Write(std::string_view name) {
+    using Class = std::remove_pointer_t<decltype(detail::ClassOf(Field))>;
+    using Type = decltype(detail::FieldTypeOf(Field));
+    return {name,
+            InvokeKind::PropertyPut,
+            {{"Value", TypeOf<Type>()}},
+            ValueType::None,
+            [](Object& self, Arguments& arguments) {
+                detail::Assign(static_cast<Class&>(self).*Field, arguments[0]);
+                return Value();
+            }};
+}
+
+// A member of a class by a callable of (Class&, Arguments&) with or without a result.
+template <class Class, class Callable>
+std::function<Value(Object&, Arguments&)> Bind(Callable callable) {
+    return [callable](Object& self, Arguments& arguments) -> Value {
+        if constexpr (std::is_void_v<std::invoke_result_t<Callable, Class&, Arguments&>>) {
+            callable(static_cast<Class&>(self), arguments);
+            return Value();
+        } else {
+            return Value(callable(static_cast<Class&>(self), arguments));
+        }
+    };
+}
+
+}  // namespace platform

@@ -1,0 +1,74 @@
+// Run-time errors: the one exception that carries a failure, and the state that a skipped one leaves.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+
+#include "platform/runtime/Text.h"
+
+namespace platform {
+
+// Numbers of run-time errors that the platform raises.
+enum class ErrorNumber : std::int32_t {
+    InvalidProcedureCall = 5,
+    Overflow = 6,
+    SubscriptOutOfRange = 9,
+    TypeMismatch = 13,
+    FileNotFound = 53,
+    ObjectNotSet = 91,
+    InvalidUseOfNull = 94,
+    ObjectUnloaded = 364,
+    InvalidPropertyValue = 380,
+    ReadOnlyProperty = 383,
+    ObjectRequired = 424,
+    CannotCreateObject = 429,
+    NoSuchMember = 438,
+    AutomationError = 440,
+    WrongArgumentCount = 450,
+    DuplicateKey = 457,
+    ServerGone = 462,
+    InvalidPicture = 481,
+};
+
+class RuntimeError : public std::exception {
+  public:
+    // With the platform's own wording for `number`; `detail`, where given, tells what it concerns.
+    explicit RuntimeError(ErrorNumber number, std::string_view detail = {});
+    RuntimeError(std::int32_t number, Text description);
+
+    std::int32_t Number() const { return number_; }
+    const Text& Description() const { return description_; }
+    const char* what() const noexcept override { return utf8_.c_str(); }
+
+  private:
+    std::int32_t number_;
+    Text description_;
+    std::string utf8_;
+};
+
+// The error state of a routine that is marked to skip: set by a skipped failure until it is cleared.
+class ErrorState {
+  public:
+    bool IsSet() const { return number_ != 0; }
+    std::int32_t Number() const { return number_; }
+    const Text& Description() const { return description_; }
+    void Set(const RuntimeError& error);
+    void Clear();
+
+  private:
+    std::int32_t number_ = 0;
+    Text description_;
+};
+
+// Runs one statement. A run-time error abandons it, is noted in `state`, and the caller goes on.
+template <class Statement>
+void Skip(ErrorState& state, Statement&& statement) {
+    try {
+        statement();
+    } catch (const RuntimeError& error) {
+        state.Set(error);
+    }
+}
+
+}  // namespace platform

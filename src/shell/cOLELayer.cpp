@@ -1,0 +1,102 @@
+#include "shell/cOLELayer.h"
+
+#include "exchange/dlgAddin.h"
+#include "shell/TypeLibrary.h"
+
+namespace horalink {
+
+using namespace platform;
+
+namespace {
+
+ClassDescription Describe() {
+    const Parameter pbx{"PBX", ValueType::String}, parent{"Parent", ValueType::Object},
+        id{"ID", ValueType::Integer}, visible{"Visible", ValueType::Boolean},
+        index{"Index", ValueType::Integer};
+    return {
+        "cOLELayer",
+        {
+            {"RegisterPBX",
+             InvokeKind::Method,
+             {pbx, parent, id},
+             ValueType::Boolean,
+             Bind<cOLELayer>([](cOLELayer& layer, Arguments& a) {
+                 return layer.RegisterPBX(a[0].ToText(), a[1].ToObject(), a[2].ToInteger());
+             })},
+            {"Visible",
+             InvokeKind::PropertyPut,
+             {visible},
+             ValueType::None,
+             Bind<cOLELayer>([](cOLELayer& layer, Arguments& a) { layer.PutVisible(a[0].ToBoolean()); })},
+            {"Visible",
+             InvokeKind::PropertyGet,
+             {},
+             ValueType::Boolean,
+             Bind<cOLELayer>([](cOLELayer& layer, Arguments&) { return layer.Visible(); })},
+            {"SetBackGround",
+             InvokeKind::Method,
+             {index},
+             ValueType::None,
+             Bind<cOLELayer>([](cOLELayer& layer, Arguments& a) { layer.SetBackGround(a[0].ToInteger()); })},
+        },
+        &typeLibrary,
+        "{21A5C7B5-2A66-41D0-8298-C64D75E00ED2}",
+        "{99B2190B-7900-4057-8B17-977CCB7DA003}"};
+}
+
+// Each exchange that the add-in works on leaves its mark in the application's title, once.
+void MarkTitle(Text& title, const Text& pbx) {
+    const Text mark = u"(" + pbx + u")";
+    if (title.find(mark) == Text::npos) title += u" " + mark;
+}
+
+}  // namespace
+
+const ClassDescription& cOLELayer::Class() const {
+    static const ClassDescription description = Describe();
+    return description;
+}
+
+std::shared_ptr<cOLELayer> cOLELayer::Create(AddInMain& main) {
+    main.LoadAddIn();
+    main.Dialog().IncrementCount();
+    return std::make_shared<cOLELayer>(main);
+}
+
+bool cOLELayer::RegisterPBX(const Text& pbx, const ObjectRef& parent, std::int16_t id) {
+    dlgAddin& dialog = main_.Dialog();
+    // Ahead of Parent: the dialog is placed only while it has no host.
+    dialog.FrmMove(parent);
+    dialog.PutParent(parent);
+    dialog.PutPBXName(pbx);
+    if (!pbx.empty()) MarkTitle(main_.App().title, pbx);
+    dialog.PutID(id);
+    return dialog.CheckLoadError();
+}
+
+void cOLELayer::PutVisible(bool visible) {
+    forms::Form& window = main_.Dialog().Window();
+    window.SetVisible(visible);
+    window.SetFocus();
+}
+
+bool cOLELayer::Visible() {
+    return main_.Dialog().Window().Visible();
+}
+
+void cOLELayer::SetBackGround(std::int16_t index) {
+    main_.Dialog().BackGround(index);
+}
+
+void cOLELayer::Class_Terminate() {
+    dlgAddin& dialog = main_.Dialog();
+    if (dialog.DecrementCount() > 0) return;
+    dialog.FrmPositionSave();
+    // The host is leaving: without it the unload that follows calls nobody back.
+    dialog.PutParent(nullptr);
+    dialog.Window().Unload();
+    main_.DropDialog();
+    main_.End();
+}
+
+}  // namespace horalink

@@ -1,0 +1,35 @@
+// The add-in's public face: the class that the host creates by name.
+#pragma once
+
+#include "platform/runtime/Object.h"
+#include "shell/AddInMain.h"
+
+namespace horalink {
+
+// Holds nothing of its own: every member passes on to the one dialog of the process, which counts the
+// living objects. The last one to go ends the process.
+class cOLELayer : public platform::Object {
+  public:
+    // The name under which a host creates the class.
+    static constexpr std::string_view className = "Horalink10013.cOLELayer";
+
+    // A new object: brings up the dialog, and counts itself. Raises what loading raises.
+    static std::shared_ptr<cOLELayer> Create(AddInMain& main);
+    explicit cOLELayer(AddInMain& main) : main_(main) {}
+
+    const platform::ClassDescription& Class() const override;
+    void LastClientGone() override { Class_Terminate(); }
+
+    // True where the dialog failed to load.
+    bool RegisterPBX(const platform::Text& pbx, const platform::ObjectRef& parent, std::int16_t id);
+    void PutVisible(bool visible);
+    bool Visible();
+    void SetBackGround(std::int16_t index);
+
+  private:
+    void Class_Terminate();
+
+    AddInMain& main_;
+};
+
+}  // namespace horalink

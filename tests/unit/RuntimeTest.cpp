@@ -1,0 +1,197 @@
+#include <gtest/gtest.h>
+
+#include "platform/runtime/Collection.h"
+#include "platform/runtime/Format.h"
+#include "platform/runtime/Object.h"
+
+using namespace platform;
+
+namespace {
+
+template <class Call>
+std::int32_t ErrorOf(Call call) {
+    try {
+        call();
+    } catch (const RuntimeError& error) {
+        return error.Number();
+    }
+    return 0;
+}
+
+TEST(TextTest, Utf8GoesThereAndBackAndBrokenInputIsReplaced) {
+    for (const std::string text : {"", "plain", "Größe", "電話", "\xF0\x9F\x95\x90"})
+        EXPECT_EQ(ToUtf8(FromUtf8(text)), text);
+    EXPECT_EQ(FromUtf8("a\xFFz"), u"a\uFFFDz");
+    EXPECT_EQ(FromUtf8("\xC3"), u"\uFFFD");
+    EXPECT_EQ(FromUtf8("\xC0\xAF"), u"\uFFFD\uFFFD") << "overlong";
+    EXPECT_EQ(ToUtf8(Text(1, char16_t(0xD800))), "\xEF\xBF\xBD");
+}
+
+TEST(TextTest, PositionsCountFromOneAndStayInside) {
+    EXPECT_EQ(Mid(u"12:30:45", 4, 2), u"30");
+    EXPECT_EQ(Mid(u"12", 4, 2), u"");
+    EXPECT_EQ(Right(u"abc", 5), u"abc");
+    EXPECT_EQ(Trim(u"  a b\t "), u"a b\t");
+    EXPECT_EQ(UpperCase(u"addins é я"), u"ADDINS É Я");
+    EXPECT_TRUE(EqualsIgnoringCase(u"Я", u"я"));
+}
+
+TEST(ValueTest, NumbersConvertAndRoundToEven) {
+    EXPECT_EQ(Value(2.5).ToInteger(), 2);
+    EXPECT_EQ(Value(3.5).ToInteger(), 4);
+    EXPECT_EQ(Value(true).ToInteger(), -1);
+    EXPECT_EQ(Value(u" 42 ").ToLong(), 42);
+    EXPECT_EQ(Value().ToText(), u"");
+    EXPECT_EQ(Value(3150.0F).ToText(), u"3150");
+    EXPECT_EQ(Value(0.5F).ToText(), u"0.5");
+    EXPECT_TRUE(Value(std::int16_t{7}).ToBoolean());
+    EXPECT_FALSE(Value(u"false").ToBoolean());
+}
+
+TEST(ValueTest, ConversionsRaiseTheirNumbers) {
+    const std::vector<std::pair<std::function<void()>, int>> cases = {
+        {[] { Value(40000).ToInteger(); }, 6},     {[] { Value(-32769).ToInteger(); }, 6},
+        {[] { Value(3e10).ToLong(); }, 6},         {[] { Value(1e300).ToSingle(); }, 6},
+        {[] { Value(1e9).ToDate(); }, 6},          {[] { Value(u"12a").ToLong(); }, 13},
+        {[] { Value(u"").ToDouble(); }, 13},       {[] { Value(u"inf").ToDouble(); }, 13},
+        {[] { Value(ObjectRef()).ToText(); }, 13}, {[] { Value(Missing{}).ToText(); }, 13},
+        {[] { Value(Null{}).ToText(); }, 94},      {[] { Value(Null{}).ToLong(); }, 94},
+        {[] { Value(u"text").ToObject(); }, 424},
+    };
+    for (std::size_t i = 0; i < cases.size(); ++i) EXPECT_EQ(ErrorOf(cases[i].first), cases[i].second) << i;
+    EXPECT_EQ(Value(Null{}).ToTextOrEmpty(), u"");
+}
+
+TEST(DateTest, TextsOfEveryForm) {
+    const std::vector<std::pair<const char16_t*, DateParts>> cases = {
+        {u"11/18/2026", {2026, 11, 18}},
+        {u"2/29/2024", {2024, 2, 29}},
+        {u"01/02/26", {2026, 1, 2}},
+        {u"01/02/99", {1999, 1, 2}},
+        {u"12:05:30 AM", {1899, 12, 30, 0, 5, 30}},
+        {u"12:05:30 PM", {1899, 12, 30, 12, 5, 30}},
+        {u"11:59:59 pm", {1899, 12, 30, 23, 59, 59}},
+        {u"23:00", {1899, 12, 30, 23, 0, 0}},
+        {u" 11/18/2026 01:02:03 PM ", {2026, 11, 18, 13, 2, 3}},
+    };
+    for (const auto& [text, parts] : cases) EXPECT_EQ(DateOfText(text), MakeDate(parts)) << ToUtf8(text);
+}
+
+TEST(DateTest, WhatIsNoDateIsRefused) {
+    for (const char16_t* text :
+         {u"", u"/", u"11/18", u"18/11/2026", u"2/29/2026", u"11/18/2026/5", u"24:00:00", u"12:60:00",
+          u"13:00 PM", u"::", u"1:2:3:4", u"noon", u"11/18/2026 x", u"5"})
+        EXPECT_EQ(ErrorOf([&] { DateOfText(text); }), 13) << ToUtf8(text);
+    EXPECT_EQ(ErrorOf([] { MakeDate({2026, 2, 29}); }), 5);
+}
+
+TEST(DateTest, PartsSurviveOnBothSidesOfTheEpoch) {
+    for (const DateParts& parts : {DateParts{1901, 1, 1, 23, 59, 59}, DateParts{1899, 12, 29, 6, 0, 1},
+                                   DateParts{1899, 12, 30, 0, 0, 0}, DateParts{2099, 12, 31, 12, 34, 56}}) {
+        const DateParts back = PartsOf(MakeDate(parts));
+        EXPECT_EQ(MakeDate(back), MakeDate(parts));
+        EXPECT_EQ(back.second, parts.second);
+        EXPECT_EQ(back.day, parts.day);
+    }
+    EXPECT_EQ(Weekday(MakeDate({2026, 11, 15})), 1);
+    EXPECT_EQ(Weekday(MakeDate({2026, 11, 14})), 7);
+    EXPECT_EQ(PartsOf(Date{46344.9999999}).day, PartsOf(Date{46345}).day) << "rounds into the next day";
+}
+
+class NamedDays : public LocaleTexts {
+  public:
+    Text LongDate(Date) const override { return u"LD"; }
+    Text LongTime(Date) const override { return u"LT"; }
+    Text DayName(int) const override { return u"Wednesday"; }
+    Text ShortDayName(int) const override { return u"Wed"; }
+};
+
+TEST(FormatTest, Patterns) {
+    const Date date = MakeDate({2026, 3, 4, 13, 2, 3});
+    const std::vector<std::pair<const char16_t*, const char16_t*>> cases = {
+        {u"yyyy/mm/dd (ddd)", u"2026/03/04 (Wed)"},
+        {u"mmdd", u"0304"},
+        {u"hhmmss", u"130203"},
+        {u"hh:nn:ss", u"13:02:03"},
+        {u"(aaaa)", u"(Wednesday)"},
+        {u"Long Date", u"LD"},
+        {u"Long Time", u"LT"},
+        {u"", u""},
+    };
+    for (const auto& [pattern, text] : cases) EXPECT_EQ(FormatDate(date, pattern, NamedDays()), text);
+    EXPECT_EQ(GeneralDateText(date), u"03/04/2026 13:02:03");
+}
+
+TEST(CollectionTest, KeysIgnoreCaseAndTheFirstWins) {
+    Collection names;
+    names.Add(u"first", u"Back.PNG");
+    EXPECT_EQ(ErrorOf([&] { names.Add(u"second", u"back.png"); }), 457);
+    EXPECT_EQ(names.Item(u"BACK.PNG").ToText(), u"first");
+    EXPECT_EQ(ErrorOf([&] { names.Item(u"other"); }), 5);
+}
+
+// A class with one member of each shape.
+class Sample : public Object {
+  public:
+    const ClassDescription& Class() const override {
+        static const ClassDescription description{
+            "Sample",
+            {Read<&Sample::number>("Number"),
+             Write<&Sample::number>("Number"),
+             Read<&Sample::number>("Fixed"),
+             {"Join",
+              InvokeKind::Method,
+              {{"A", ValueType::String}, {"B", ValueType::String, true}},
+              ValueType::String,
+              Bind<Sample>([](Sample&, Arguments& a) {
+                  const Text joined = a[0].ToText() + (a[1].IsMissing() ? Text(u"-") : a[1].ToText());
+                  a[0] = joined;
+                  return joined;
+              })}}};
+        return description;
+    }
+    std::int16_t number = 5;
+};
+
+TEST(ObjectTest, MembersAreFoundByNameAndKindWithoutRegardToCase) {
+    const auto sample = std::make_shared<Sample>();
+    EXPECT_EQ(Get(sample, "NUMBER").ToInteger(), 5);
+    EXPECT_EQ(Call(sample, "number").ToInteger(), 5) << "a call reads";
+    Put(sample, "Number", u"12");
+    EXPECT_EQ(sample->number, 12);
+    EXPECT_EQ(Get(sample, "join", u"a").ToText(), u"a-");
+}
+
+TEST(ObjectTest, FailuresByNumber) {
+    const auto sample = std::make_shared<Sample>();
+    EXPECT_EQ(ErrorOf([&] { Get(sample, "Nothing"); }), 438);
+    EXPECT_EQ(ErrorOf([&] { Put(sample, "Fixed", 1); }), 383);
+    EXPECT_EQ(ErrorOf([&] { Call(sample, "Join"); }), 450);
+    EXPECT_EQ(ErrorOf([&] { Call(sample, "Join", u"a", u"b", u"c"); }), 450);
+    EXPECT_EQ(ErrorOf([&] { Call(sample, "Join", Missing{}); }), 450);
+    EXPECT_EQ(ErrorOf([&] { Put(sample, "Number", 40000); }), 6);
+    EXPECT_EQ(ErrorOf([&] { Call(ObjectRef(), "Join"); }), 91);
+    EXPECT_EQ(sample->number, 5) << "a refused write changes nothing";
+}
+
+TEST(ObjectTest, OnlyWhatChangedComesBackByReference) {
+    const auto sample = std::make_shared<Sample>();
+    Text first = u"a", second = u"b";
+    Call(sample, "Join", ByRef(first), ByRef(second));
+    EXPECT_EQ(first, u"ab");
+    EXPECT_EQ(second, u"b");
+    Arguments arguments{Value(std::int32_t{1}), Value(std::int32_t{2})};
+    sample->Invoke("Join", InvokeKind::Method, arguments);
+    EXPECT_EQ(arguments[1], Value(std::int32_t{2})) << "keeps the kind that was given";
+}
+
+TEST(ErrorStateTest, SkippedFailureStaysUntilCleared) {
+    ErrorState state;
+    Skip(state, [] { throw RuntimeError(ErrorNumber::Overflow); });
+    Skip(state, [] {});
+    EXPECT_EQ(state.Number(), 6);
+    state.Clear();
+    EXPECT_FALSE(state.IsSet());
+}
+
+}  // namespace
