@@ -62,9 +62,20 @@ class Arrangement:
 
     def lay_out(self):
         shutil.rmtree(self.folder, ignore_errors=True)
+        self.folder.mkdir(parents=True)
+        self._write_services()
+        for name in ("home", "runtime"):
+            (self.folder / name).mkdir(mode=0o700)
+        self.install()
+        return self
+
+    def install(self):
+        """The programs with their data and settings; anew, where they have been installed before."""
+        shutil.rmtree(self.root, ignore_errors=True)
         for name in ("ADDINS/DATABASE", "ADDINS/HELP", "MORA32/DATABASE", "BACKGRND"):
             (self.root / name).mkdir(parents=True)
         shutil.copy(self.build / "data/Horalink.lng", self.root / "ADDINS/DATABASE")
+        shutil.copy(self.build / "data/Horalink.hlp", self.root / "ADDINS/HELP")
         shutil.copy(self.build / "data/Horalink.hlp", self.root / "ADDINS/HELP")
         shutil.copy(self.build / "data/Common.LNG", self.root / "MORA32/DATABASE")
         shutil.copy(self.build / "data/Register.mdb", self.root / "MORA32/DATABASE")
@@ -73,10 +84,6 @@ class Arrangement:
         for picture in (SOURCES / "data/backgrounds").glob("*.svg"):
             shutil.copy(picture, self.root / "BACKGRND")
         self._write_settings()
-        self._write_services()
-        for name in ("home", "runtime"):
-            (self.folder / name).mkdir(mode=0o700)
-        return self
 
     @staticmethod
     def _place(program, target):
@@ -88,7 +95,7 @@ class Arrangement:
 
     def _write_settings(self):
         settings = self.folder / "config" / "velmora" / "settings.ini"
-        settings.parent.mkdir(parents=True)
+        settings.parent.mkdir(parents=True, exist_ok=True)
         path = str(self.root).replace("/", "\\")
         settings.write_text(f"[VELMORA32/{MARKET}]\nInstallPath={path}\\\n", encoding="utf-8")
 
@@ -118,7 +125,9 @@ class Arrangement:
                 self.environment.pop("WAYLAND_DISPLAY", None)
                 self.environment["LC_ALL"] = "C.UTF-8"
                 self._start_display()
-            self._start_bus()
+            # A program that is to be read and clicked from outside offers its widgets to assistive programs.
+            self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+            self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.start_bus("bus", self.environment)
         except BaseException:
             self.__exit__()
             raise
@@ -128,9 +137,9 @@ class Arrangement:
         for process in reversed(self.processes):
             self.end(process)
 
-    def start(self, command, **options):
+    def start(self, command, environment=None, **options):
         """Starts a program in the arrangement; it ends with it."""
-        process = subprocess.Popen([str(part) for part in command], env=self.environment,
+        process = subprocess.Popen([str(part) for part in command], env=environment or self.environment,
                                    start_new_session=True, **options)
         self.processes.append(process)
         return process
@@ -164,19 +173,18 @@ class Arrangement:
         if shutil.which("openbox"):
             self.start(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
-    def _start_bus(self):
-        configuration = self.folder / "bus.conf"
+    def start_bus(self, name, environment):
+        """A bus that starts its services in an environment; returns its address."""
+        configuration = self.folder / f"{name}.conf"
         configuration.write_text(BUS_CONFIGURATION.format(
             socket=f"horalink-{os.getpid()}-{secrets.token_hex(8)}", services=self.folder / "services"))
-        # A program that is to be read and clicked from outside offers its widgets to assistive programs.
-        self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
-        with open(self.folder / "bus.log", "w", encoding="utf-8") as log:
-            bus = self.start(["dbus-daemon", f"--config-file={configuration}", "--nofork", "--print-address=1"],
-                             stdout=subprocess.PIPE, stderr=log, text=True)
+        command = ["dbus-daemon", f"--config-file={configuration}", "--nofork", "--print-address=1"]
+        with open(self.folder / f"{name}.log", "w", encoding="utf-8") as log:
+            bus = self.start(command, environment, stdout=subprocess.PIPE, stderr=log, text=True)
         address = bus.stdout.readline().strip()
         if not address:
             raise RuntimeError("dbus-daemon did not start")
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
+        return address
 
     @property
     def add_in(self):

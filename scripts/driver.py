@@ -1,6 +1,7 @@
 """Works a program as an operator does: finds its widgets by their accessible names, clicks them with real
 input events, and reads what its boxes say."""
 import os
+import re
 import subprocess
 from datetime import datetime
 
@@ -11,6 +12,8 @@ from gi.repository import Atspi  # noqa: E402
 from gi.repository import GLib  # noqa: E402
 
 from arrangement import wait_for  # noqa: E402
+
+LIMIT = 25  # seconds for what comes at once on an idle machine
 
 
 class Driver:
@@ -52,7 +55,7 @@ class Driver:
             except GLib.Error:
                 continue  # it went away while it was looked at
 
-    def find(self, program, name, role=None, seconds=10, window=None):
+    def find(self, program, name, role=None, seconds=LIMIT, window=None):
         """A widget by its accessible name, or the start of it, in any window or in that of a title."""
         def look():
             try:
@@ -67,7 +70,7 @@ class Driver:
             return None
         return wait_for(look, seconds, f"'{name}' in {program}")
 
-    def window(self, program, title=None, seconds=10):
+    def window(self, program, title=None, seconds=LIMIT):
         """A window by its title, or the first."""
         def look():
             try:
@@ -76,11 +79,15 @@ class Driver:
                 return None
         return wait_for(look, seconds, f"a window '{title}' of {program}")
 
-    def has_window(self, program, title):
+    def titles(self, program):
+        """The titles of a program's windows."""
         try:
-            return any(top.get_name() == title for top in self.windows(program))
+            return [top.get_name() for top in self.windows(program)]
         except GLib.Error:
-            return False
+            return []
+
+    def has_window(self, program, title):
+        return title in self.titles(program)
 
     def texts(self, window):
         """All texts of a window that stand on labels."""
@@ -102,16 +109,24 @@ class Driver:
         box = node.get_extents(Atspi.CoordType.SCREEN)
         return box.x + box.width // 2, box.y + box.height // 2
 
+    def raise_window(self, title):
+        """Brings a window to the front, for the clicks that follow."""
+        self._xdotool("search", "--onlyvisible", "--name", "^" + re.escape(title) + "$", "windowactivate", "--sync")
+
     def click(self, node):
-        wait_for(lambda: self.is_enabled(node), 10, f"'{node.get_name()}' to be enabled")
+        wait_for(lambda: self.is_enabled(node), LIMIT, f"'{node.get_name()}' to be enabled")
         self._xdotool("mousemove", "--sync", *self.point_of(node), "click", 1)
+
+    def click_twice(self, node):
+        """Two clicks at once, as an impatient operator's."""
+        self._xdotool("mousemove", "--sync", *self.point_of(node), "click", "--repeat", 2, "--delay", 10, 1)
 
     def press(self, *keys):
         self._xdotool("key", *keys)
 
     # --- the message boxes ------------------------------------------------------------------------
 
-    def box(self, program, besides, seconds=15):
+    def box(self, program, besides, seconds=LIMIT):
         """The box that is open: a window whose title is none of `besides`."""
         def look():
             try:
@@ -123,7 +138,7 @@ class Driver:
     def close_box(self, program, box, button="OK"):
         title = box.get_name()
         self.click(self.find(program, button, "push button", window=title))
-        wait_for(lambda: not self.has_window(program, title), 10, f"the box '{title}' to close")
+        wait_for(lambda: not self.has_window(program, title), LIMIT, f"the box '{title}' to close")
 
     # --- reading ----------------------------------------------------------------------------------
 

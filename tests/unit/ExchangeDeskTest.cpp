@@ -312,6 +312,18 @@ struct NoView : HostView {
     void ShowState(const Text&, bool, const Text&) override {}
 };
 
+TEST_F(Host, MisbehavesForTheFirstLoginsOnly) {
+    Misbehave("raise=Login");
+    Misbehave("errcode=7");
+    Misbehave("logins=2");
+    EXPECT_THROW(Login(), platform::RuntimeError);
+    EXPECT_THROW(Login(), platform::RuntimeError);
+    EXPECT_EQ(misbehaviour.errCode, 7);
+    EXPECT_EQ(Login(), u"L1");
+    EXPECT_EQ(misbehaviour.errCode, std::nullopt);
+    EXPECT_FALSE(TakeMisbehaviour("logins", "-1", misbehaviour));
+}
+
 TEST_F(Host, ShowsAndStores) {
     const auto directory = std::filesystem::path(testing::TempDir()) / "switchdesk-store";
     std::filesystem::remove_all(directory);

@@ -60,6 +60,11 @@ void HelpWindow::Present() {
     show();
 }
 
+// The layout settles the size only when the window is shown.
+void HelpWindow::resizeEvent(QResizeEvent*) {
+    move(PlaceBeside(*parentWidget()));
+}
+
 QPoint HelpWindow::PlaceBeside(const QWidget& widget) const {
     const QRect beside(widget.mapToGlobal(QPoint()), widget.size());
     const QRect room = widget.screen()->availableGeometry();

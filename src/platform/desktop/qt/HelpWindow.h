@@ -16,6 +16,7 @@ class HelpWindow : public QFrame {
     void Present();
 
   protected:
+    void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
