@@ -115,11 +115,20 @@ class Driver:
 
     def click(self, node):
         wait_for(lambda: self.is_enabled(node), LIMIT, f"'{node.get_name()}' to be enabled")
-        self._xdotool("mousemove", "--sync", *self.point_of(node), "click", 1)
+        self._xdotool("mousemove", *self.settled_point(node), "click", 1)
+
+    def settled_point(self, node):
+        """The middle of a widget whose window the window manager has done placing."""
+        seen = []
+
+        def look():
+            seen.append(self.point_of(node))
+            return seen[-1] if seen[-1:] == seen[-2:-1] else None
+        return wait_for(look, LIMIT, f"'{node.get_name()}' to stand still")
 
     def click_twice(self, node):
         """Two clicks at once, as an impatient operator's."""
-        self._xdotool("mousemove", "--sync", *self.point_of(node), "click", "--repeat", 2, "--delay", 10, 1)
+        self._xdotool("mousemove", *self.point_of(node), "click", "--repeat", 2, "--delay", 10, 1)
 
     def press(self, *keys):
         self._xdotool("key", *keys)
@@ -136,9 +145,16 @@ class Driver:
         return wait_for(look, seconds, f"a box of {program}")
 
     def close_box(self, program, box, button="OK"):
-        title = box.get_name()
-        self.click(self.find(program, button, "push button", window=title))
-        wait_for(lambda: not self.has_window(program, title), LIMIT, f"the box '{title}' to close")
+        title, attempts = box.get_name(), 0
+        while self.has_window(program, title):
+            self.click(self.find(program, button, "push button", window=title))
+            try:
+                wait_for(lambda: not self.has_window(program, title), LIMIT / 5, f"the box '{title}' to close")
+            except TimeoutError:
+                # A window that came up under the pointer may have taken the click; but only so often.
+                attempts += 1
+                if attempts == 5:
+                    raise
 
     # --- reading ----------------------------------------------------------------------------------
 

@@ -14,7 +14,8 @@ from pathlib import Path
 
 import dbus.bus
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "scripts"))
+SOURCES = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(SOURCES / "scripts"))
 from arrangement import Arrangement, wait_for  # noqa: E402
 from driver import LIMIT, Driver  # noqa: E402
 
@@ -160,8 +161,7 @@ class EndToEndTest(unittest.TestCase):
     def close_box(self, title, button="OK", seconds=LIMIT):
         """Presses a button of the box that comes up; returns the box's text."""
         text = self.box_text(title, seconds)
-        driver.click(driver.find(ADD_IN, button, "push button", window=title))
-        self.wait_for(lambda: title not in driver.titles(ADD_IN), f"the box '{title}' to close")
+        driver.close_box(ADD_IN, driver.window(ADD_IN, title), button)
         return text
 
     def look_up(self):

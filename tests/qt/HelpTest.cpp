@@ -121,7 +121,8 @@ TEST_F(HelpTest, TopicStaysOnTheScreen) {
     for (const QPoint corner : {QPoint(-50, -50), QPoint(screen.width() - 60, screen.height() - 40)}) {
         sample.Window()->move(corner);
         const QRect place = ShowTopic().frameGeometry();
-        EXPECT_TRUE(QRect(QPoint(), screen).contains(place)) << place.x() << " " << place.y();
+        EXPECT_TRUE(QRect(QPoint(), screen).contains(place))
+            << place.x() << " " << place.y() << " " << place.width() << " " << place.height();
         TopicWindow()->close();
     }
 }
