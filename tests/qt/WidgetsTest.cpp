@@ -83,6 +83,17 @@ TEST_F(WidgetsTest, EqualValuesPaintNothing) {
     EXPECT_TRUE(Until([&] { return label.count > 0 && calendar.count > 0; }));
 }
 
+TEST_F(WidgetsTest, FocusIsSeenOnEveryWidget) {
+    for (const char* name : {"cmdButton", "txtMinute", "txtHalf", "chkTrack", "updTime", "Calendar"}) {
+        QWidget& widget = sample.WidgetOf(name);
+        QApplication::focusWidget()->clearFocus();
+        const QImage without = Grab(name);
+        widget.setFocus(Qt::TabFocusReason);
+        EXPECT_TRUE(widget.hasFocus()) << name;
+        EXPECT_NE(Grab(name), without) << name;
+    }
+}
+
 TEST_F(WidgetsTest, AccessibleNames) {
     const auto spoken = [this](const char* name) {
         return sample.WidgetOf(name).accessibleName().toStdString();

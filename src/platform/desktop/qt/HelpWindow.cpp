@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QScreen>
 #include <QTextDocumentFragment>
 #include <QVBoxLayout>
@@ -32,17 +33,12 @@ void AddText(QVBoxLayout& layout, const QString& text, Qt::TextFormat format, bo
 
 }  // namespace
 
-HelpWindow::HelpWindow(const HelpTopic& topic, QWidget& parent) : QFrame(&parent, Qt::Popup) {
+HelpWindow::HelpWindow(const HelpTopic& topic, QWidget& parent) : QWidget(&parent, Qt::Popup) {
     const QString title = ToQt(topic.title), body = ToQt(topic.body);
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(QStringLiteral("HelpWindow"));
     setAccessibleName(title);
     setAccessibleDescription(QTextDocumentFragment::fromHtml(body).toPlainText());
-    setFrameStyle(QFrame::Box | QFrame::Plain);
-    QPalette colors = palette();
-    colors.setColor(QPalette::Window, QColor(forms::look::paper));
-    colors.setColor(QPalette::WindowText, QColor(forms::look::ink));
-    setPalette(colors);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(margin, margin, margin, margin);
     layout->setSpacing(margin / 2);
@@ -76,6 +72,11 @@ QPoint HelpWindow::PlaceBeside(const QWidget& widget) const {
 
 void HelpWindow::mousePressEvent(QMouseEvent*) {
     close();
+}
+
+void HelpWindow::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    forms::DrawBox(painter, rect(), forms::look::paper, forms::look::line, 0);
 }
 
 void HelpWindow::keyPressEvent(QKeyEvent* event) {

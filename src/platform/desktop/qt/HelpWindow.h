@@ -1,14 +1,14 @@
 // The small window that a help topic is shown in.
 #pragma once
 
-#include <QFrame>
+#include <QWidget>
 
 #include "platform/desktop/HelpFile.h"
 
 namespace platform {
 
 // Goes with a click anywhere, with Escape, when another program comes in front, and with its parent.
-class HelpWindow : public QFrame {
+class HelpWindow : public QWidget {
   public:
     HelpWindow(const HelpTopic& topic, QWidget& parent);
 
@@ -19,6 +19,7 @@ class HelpWindow : public QFrame {
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
   private:
     QPoint PlaceBeside(const QWidget& widget) const;

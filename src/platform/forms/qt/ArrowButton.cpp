@@ -6,7 +6,7 @@
 namespace platform::forms {
 
 // The base class answers the keyboard; its own repeating goes on under a box, so the mouse is answered here.
-ArrowButton::ArrowButton(Arrow arrow, std::function<bool()> step, QWidget& parent)
+ArrowButton::ArrowButton(Arrow arrow, const std::function<bool()>& step, QWidget& parent)
     : QAbstractButton(&parent), arrow_(arrow), repeater_([this, step] { return !isDown() || step(); }) {
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
@@ -43,7 +43,7 @@ void ArrowButton::paintEvent(QPaintEvent*) {
     if (isDown())
         DrawBox(painter, face, look::facePressed, look::facePressed);
     else if (isEnabled() && underMouse())
-        DrawBox(painter, face, look::tint, Qt::transparent);
+        DrawBox(painter, face, QColor::fromRgba(look::tint), Qt::transparent);
     DrawArrow(painter, rect(), arrow_, isEnabled() ? look::ink : look::inkDisabled);
     if (hasFocus()) DrawFocus(painter, face);
 }

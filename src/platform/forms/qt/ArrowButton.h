@@ -11,7 +11,7 @@ namespace platform::forms {
 class ArrowButton : public QAbstractButton {
   public:
     // `step` tells whether holding the button may go on.
-    ArrowButton(Arrow arrow, std::function<bool()> step, QWidget& parent);
+    ArrowButton(Arrow arrow, const std::function<bool()>& step, QWidget& parent);
 
   protected:
     bool event(QEvent* event) override;

@@ -1,6 +1,8 @@
 #include "platform/forms/qt/CalendarSelectors.h"
 
 #include <QCoreApplication>
+#include <algorithm>
+#include <utility>
 
 #include "platform/forms/qt/ArrowButton.h"
 

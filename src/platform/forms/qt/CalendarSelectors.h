@@ -5,6 +5,8 @@
 #include <functional>
 #include <vector>
 
+class QWidget;
+
 namespace platform::forms {
 
 class ArrowButton;

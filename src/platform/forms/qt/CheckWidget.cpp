@@ -49,9 +49,10 @@ QString CheckWidget::SpokenName() const {
 // The back colour is the frame of the indicator: filled around it, a box that is hardly larger than its
 // indicator would show two stray strips of it.
 void CheckWidget::PaintIndicator(QPainter& painter, const QRect& box) const {
-    const QColor frame = hasFocus() ? QColor(look::accent) : ToQt(backColor_).darker(115);
+    const QColor frame = ToQt(backColor_).darker(115);
     const QColor fill = !isEnabled() ? look::faceDisabled : isDown() ? look::facePressed : look::paper;
     DrawBox(painter, box, fill, frame, 2);
+    if (hasFocus()) DrawFocus(painter, box, 2);
     if (isChecked()) DrawTick(painter, box, isEnabled() ? look::accent : look::inkDisabled);
 }
 

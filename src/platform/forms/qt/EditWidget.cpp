@@ -22,7 +22,11 @@ constexpr int ownMargin = 2;
 EditWidget::EditWidget(TextBox& control, QWidget& parent) : QLineEdit(&parent), TypedView(control) {
     setFrame(false);
     setContextMenuPolicy(Qt::NoContextMenu);
+    // The ground is painted here, below the text.
     setAutoFillBackground(false);
+    QPalette colors = palette();
+    colors.setColor(QPalette::Base, Qt::transparent);
+    setPalette(colors);
     connect(this, &QLineEdit::textEdited, this, &EditWidget::FollowOperator);
     connect(this, &QLineEdit::selectionChanged, this, &EditWidget::FollowOperator);
     connect(this, &QLineEdit::cursorPositionChanged, this, &EditWidget::FollowOperator);
@@ -113,19 +117,18 @@ void EditWidget::StepIfOperable(Direction direction) {
 }
 
 // A box without a border is too small for a ring; without a selection nothing else would tell of the focus.
-void EditWidget::PaintFocusUnderText() {
+void EditWidget::PaintBackground() {
     QPainter painter(this);
+    if (Typed().Border)
+        return DrawBox(painter, rect(), look::paper, hasFocus() ? look::accent : look::lineField);
+    painter.fillRect(rect(), QColor(look::paper));
+    if (!hasFocus() || hasSelectedText()) return;
     painter.fillRect(rect(), QColor::fromRgba(look::tint));
     painter.fillRect(QRect(0, height() - 1, width(), 1), QColor(look::accent));
 }
 
 void EditWidget::paintEvent(QPaintEvent* event) {
-    if (Model() && Typed().Border) {
-        QPainter painter(this);
-        DrawBox(painter, rect(), look::paper, hasFocus() ? look::accent : look::lineField);
-    } else if (hasFocus()) {
-        PaintFocusUnderText();
-    }
+    if (Model()) PaintBackground();
     QLineEdit::paintEvent(event);
 }
 

@@ -34,7 +34,7 @@ class EditWidget : public QLineEdit, public TypedView<TextBox> {
     bool IsSection() const { return Model() && Typed().Spin; }
     bool LeavesSelection() const { return focusedByPress_ || IsSection(); }
     void StepIfOperable(Direction direction);
-    void PaintFocusUnderText();
+    void PaintBackground();
 
     bool syncing_ = false;
     bool focusedByPress_ = false;

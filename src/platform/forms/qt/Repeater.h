@@ -19,7 +19,7 @@ class Repeater {
     bool IsRunning() const { return running_; }
 
   private:
-    void Step(int pause);
+    void Step(int wait);  // milliseconds until the next
 
     std::function<bool()> step_;
     QTimer timer_;

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QWheelEvent>
 #include <cstdlib>
+#include <utility>
 
 #include "platform/forms/qt/Look.h"
 

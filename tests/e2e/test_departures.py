@@ -1,0 +1,123 @@
+"""Hosts that die in every state of a request, and objects that come and go."""
+import unittest
+
+import stage
+from client import Client
+from stage import (ADD_IN, CLOCK_READ, LOGIN_FAILED, LOOKUP, SWITCHDESK, EndToEndTest, Host, dialog_title, pids)
+from stage import open_stage as setUpModule  # noqa: F401
+
+LEAVES = "# leaves the bus"
+# The host's options, the line of its log at which it is killed or kills itself, and the box that the operator
+# sees in the end, where the dialog lives on.
+STATES = [
+    ("logging in", ["--login=hang"], "# hangs", LOGIN_FAILED),
+    ("entering the login", ["--leave=login"], LEAVES, LOGIN_FAILED),
+    ("sending", ["--send=hang"], "# hangs", None),
+    ("entering the send", ["--leave=send"], LEAVES, None),
+    ("waiting", ["--answer=never"], 'ShowMessage("PBX clock request: R1"', None),
+    ("instead of the answer", ["--leave=waiting"], LEAVES, None),
+    ("reading the answer", ["--leave=callback"], LEAVES, None),
+    ("showing the results", ["--leave=show-results"], LEAVES, CLOCK_READ),
+    ("logging out", ["--leave=logout"], LEAVES, CLOCK_READ),
+    ("answered", ["--leave=answered"], LEAVES, CLOCK_READ),
+]
+
+
+class DyingHosts(EndToEndTest):
+    def die(self, host, line):
+        host.wait_for_line(line)
+        host.kill()
+
+    def test_the_add_in_goes_with_its_last_client(self):
+        for state, options, line, _ in STATES:
+            with self.case(state):
+                host = Host(self, *options).open()
+                self.press(LOOKUP)
+                self.die(host, line)
+                self.wait_until_gone()
+
+    def test_the_add_in_goes_without_a_request(self):
+        for state, bring in (("idle", lambda: None),
+                             ("armed", lambda: self.press(LOOKUP)),
+                             ("showing", lambda: self.press(LOOKUP) or self.box_text(CLOCK_READ)),
+                             ("hidden", lambda: self.press(stage.CLOSE))):
+            with self.case(state):
+                host = Host(self).open()
+                bring()
+                host.kill()
+                self.wait_until_gone()
+
+    def test_the_dialog_is_usable_for_who_remains(self):
+        for state, options, line, box in STATES:
+            with self.case(state):
+                client = Client().created()
+                host = Host(self, *options).open()
+                self.press(LOOKUP)
+                self.die(host, line)
+                self.assert_lives_on(client, box)
+
+    def test_the_dialog_is_usable_after_a_death_without_a_request(self):
+        for state, bring, box in (("idle", lambda: None, None),
+                                  ("armed", lambda: self.press(LOOKUP), LOGIN_FAILED),
+                                  ("showing", lambda: self.press(LOOKUP) or self.box_text(CLOCK_READ), CLOCK_READ)):
+            with self.case(state):
+                client = Client().created()
+                host = Host(self).open()
+                bring()
+                host.kill()
+                self.assert_lives_on(client, box)
+
+    def assert_lives_on(self, client, box):
+        (process,) = pids(ADD_IN)
+        if box:
+            self.close_box(box)
+        next_host = Host(self).open()
+        stage.driver.raise_window(dialog_title())
+        self.assert_usable()
+        self.assertEqual(pids(ADD_IN), [process])
+        next_host.kill()
+        self.assertIn(dialog_title(), stage.driver.titles(ADD_IN))
+        client.leave()
+        self.wait_until_gone()
+
+
+class SharedDialog(EndToEndTest):
+    def close_add_in(self, exchange):
+        window = f"Switchdesk \u2013 {exchange}"
+        stage.driver.raise_window(window)
+        stage.driver.click(stage.driver.find(SWITCHDESK, "Close add-in", "push button", window=window))
+
+    def test_last_of_two_hosts_ends_the_process(self):
+        first = Host(self).open()
+        second = Host(self, exchange="Warehouse").open()
+        self.assertEqual(len(pids(ADD_IN)), 1)
+        stage.driver.raise_window(dialog_title("Warehouse"))
+        self.look_up()
+        self.assertIn('Login("Warehouse", <object>) -> "L1"', second.lines())
+        self.assertEqual(first.exchange_lines(), [])
+        self.close_add_in("Main Office")
+        first.wait_for_line("# lets go of the add-in")
+        stage.driver.raise_window(dialog_title("Warehouse"))
+        self.assert_usable()
+        self.close_add_in("Warehouse")
+        second.wait_for_line("# add-in has left")
+        self.wait_until_gone()
+        self.assertFalse(any(line.startswith("REGComData") for line in first.lines()))
+        saved = [line for line in second.lines() if line.startswith("REGComData")]
+        self.assertRegex(saved[0], r'^REGComData\("Horalink", "MOVE", "-?[\d.]+,-?[\d.]+"\) -> Nothing$')
+        self.assertEqual(len(saved), 1)
+
+    def test_objects_of_one_client(self):
+        first, second = Client().created(), Client().created()
+        self.assertEqual(len(pids(ADD_IN)), 1)
+        second.call("Visible", 4, True)
+        self.assertTrue(first.visible())
+        first.leave()
+        self.assertTrue(second.visible())
+        second.release()
+        self.wait_until_gone()
+        second.leave()
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,118 @@
+"""Starts: what a good one leaves behind, and what a failed one shows and tells who asked for it."""
+import sqlite3
+import unittest
+
+import stage
+from client import FACTORY, NAME, Client
+from stage import (ADD_IN, EXCHANGE, NOTICE, SWITCHDESK, EndToEndTest, Host, change_database, database_file,
+                   dialog_title, pids, run)
+from stage import open_stage as setUpModule  # noqa: F401
+
+# What is done to an installation, and what the notice says: something that names it, and the number.
+DAMAGES = [
+    ("no common texts", lambda: database_file("Common.LNG").unlink(), r"COMMON\.LNG|Common\.LNG", 3024),
+    ("no texts", lambda: database_file("Horalink.lng").unlink(), r"Horalink\.lng", 3024),
+    ("common texts that are no database", lambda: spoil("Common.LNG"), r"Common\.LNG", 3343),
+    ("texts that are no database", lambda: spoil("Horalink.lng"), r"Horalink\.lng", 3343),
+    ("no table of the application", lambda: change_database("Horalink.lng", "DROP TABLE tProject"), "tProject", 3078),
+    ("no row for the application", lambda: change_database("Horalink.lng", "DELETE FROM tProject"), "record", 3021),
+    ("no title", lambda: change_database("Horalink.lng", "ALTER TABLE tProject RENAME Title TO Name"), "Title", 3265),
+    ("no short texts", lambda: change_database("Horalink.lng", "DROP TABLE tMessages"), "tMessages", 3078),
+    ("empty short texts", lambda: change_database("Horalink.lng", "DELETE FROM tMessages"), "message", 9),
+    ("no register", lambda: database_file("Register.mdb").unlink(), r"Register\.mdb", 3024),
+    ("a register that is no database", lambda: spoil("Register.mdb"), r"Register\.mdb", 3343),
+    ("no table in the register", lambda: change_database("Register.mdb", "DROP TABLE Registry"), "Registry", 3078),
+]
+
+
+def spoil(name):
+    database_file(name).write_text("This is no database. " * 200)
+
+
+class GoodStarts(EndToEndTest):
+    def test_version_is_recorded(self):
+        Host(self).open()
+        register = sqlite3.connect(database_file("Register.mdb"))
+        self.addCleanup(register.close)
+        rows = register.execute("SELECT Version FROM Registry WHERE AppName = 'Horalink.mra'").fetchall()
+        self.assertEqual(rows, [("13.0.1",)])
+
+    def test_register_without_a_row_is_left_alone(self):
+        change_database("Register.mdb", "DELETE FROM Registry")
+        Host(self).open()
+        self.assert_usable()
+
+
+class FailedStarts(EndToEndTest):
+    def test_one_notice_and_the_creation_fails(self):
+        for name, damage, what, number in DAMAGES:
+            with self.case(name):
+                damage()
+                host = Host(self)
+                text = self.close_box(NOTICE)
+                self.assertRegex(text, what)
+                self.assertIn(f"[{number}]", text)
+                host.wait_for_line("# add-in raised error 429")
+                self.wait_until_gone()
+                stage.driver.find(SWITCHDESK, "The clock add-in can't be started (error 429)")
+
+    def test_second_object_fails_where_the_register_has_gone(self):
+        """The end of a start that fails takes the objects with it that are there already."""
+        host = Host(self).open()
+        database_file("Register.mdb").unlink()
+        second = Host(self, exchange="Warehouse")
+        self.close_box(NOTICE)
+        second.wait_for_line("# add-in raised error 429")
+        host.wait_for_line("# add-in has left")
+        self.wait_until_gone()
+
+    def test_form_without_texts_leaves_one_notice_and_no_window(self):
+        change_database("Horalink.lng", "DROP TABLE tForms")
+        client = Client()
+        self.assertIn("tForms", self.close_box(NOTICE))
+        client.created()
+        self.assertEqual(stage.driver.titles(ADD_IN), [])
+        client.leave()
+        self.wait_until_gone()
+
+
+class WithoutSurroundings(EndToEndTest):
+    def environment(self, **changes):
+        environment = {**stage.arrangement.environment, **changes}
+        return {name: value for name, value in environment.items() if value is not None}
+
+    def test_one_line_and_a_status(self):
+        for name, value, why in (("DISPLAY", None, "no display"), ("DISPLAY", "", "no display"),
+                                 ("DISPLAY", ":4711", ":4711"), ("DBUS_SESSION_BUS_ADDRESS", "unix:path=/none", "server"),
+                                 ("DBUS_SESSION_BUS_ADDRESS", "nonsense", "server")):
+            for argument in (EXCHANGE, "-Embedding"):
+                with self.case(f"{name}={value} {argument}"):
+                    done = run([stage.arrangement.add_in, argument], environment=self.environment(**{name: value}))
+                    self.assertGreater(done.returncode, 0)
+                    self.assertRegex(done.stderr, rf"^\S*horalink: [^\n]*{why}[^\n]*\n$")
+
+    def test_creation_fails_at_once_where_the_bus_has_no_display(self):
+        for name, display in (("none", None), ("shut", ":4711")):
+            with self.case(name):
+                environment = self.environment(DISPLAY=display)
+                address = stage.arrangement.start_bus(f"bus-{name}", environment)
+                environment = self.environment(DBUS_SESSION_BUS_ADDRESS=address)
+                created = run(["busctl", "--user", "--timeout=20", "call", NAME, "/Factory", FACTORY,
+                               "CreateInstance"], environment=environment)
+                self.assertRegex(created.stderr, "exited with status 1")
+                host = Host(self, environment=environment)
+                host.wait_for_line("# add-in raised error 429")
+                told = (stage.arrangement.folder / f"bus-{name}.log").read_text()
+                self.assertIn("display", told)
+
+    def test_class_that_is_served_already(self):
+        Host(self).open()
+        done = run([stage.arrangement.add_in, "-Embedding"])
+        self.assertGreater(done.returncode, 0)
+        self.assertRegex(done.stderr, r"^\S*horalink: [^\n]+\n$")
+        self.assertEqual(len(pids(ADD_IN)), 1)
+        self.assertIn(dialog_title(), stage.driver.titles(ADD_IN))
+
+
+if __name__ == "__main__":
+    unittest.main()
