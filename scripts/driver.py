@@ -4,6 +4,7 @@ import os
 import re
 import subprocess
 from datetime import datetime
+from pathlib import Path
 
 import gi
 
@@ -41,13 +42,22 @@ class Driver:
         for child in self._children(node):
             yield from self._walk(child)
 
+    @staticmethod
+    def _program_of(application):
+        """Its name, without asking it: a program that stands still would not answer."""
+        try:
+            return Path(f"/proc/{application.get_process_id()}/comm").read_text(encoding="utf-8").strip()
+        except OSError:
+            return None
+
     def windows(self, program):
         """The windows of a program that are on the screen."""
         desktop = Atspi.get_desktop(0)
         desktop.clear_cache()
-        for application in self._children(desktop):
+        for index in range(desktop.get_child_count()):
+            application = desktop.get_child_at_index(index)
             try:
-                if application.get_name() != program:
+                if application is None or self._program_of(application) != program:
                     continue
                 for window in self._children(application):
                     if window.get_state_set().contains(Atspi.StateType.SHOWING):

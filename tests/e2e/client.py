@@ -4,9 +4,9 @@ import dbus.lowlevel
 from dbus.mainloop.glib import DBusGMainLoop
 from gi.repository import GLib
 
+from stage import ADD_IN_CLASS as NAME
 from stage import LIMIT, connect
 
-NAME = "Horalink10013.cOLELayer"
 FACTORY, OBJECT, TYPED = "org.velmora.Automation1.Factory", "org.velmora.Automation1.Object", "Horalink10013._cOLELayer"
 
 
@@ -15,15 +15,19 @@ def reference(owner, path):
 
 
 class Client:
-    """Calls the add-in over a connection of its own and holds one object of it."""
+    """Calls the add-in over a connection of its own and holds one object of it, to the end of a test at most."""
 
-    def __init__(self):
+    def __init__(self, test):
         self.bus = connect(DBusGMainLoop())
+        test.clients.append(self)
         self.creation = self.send(NAME, "/Factory", FACTORY, "CreateInstance")
 
     def created(self):
         """Waits until the object is there."""
-        self.owner, self.path = self.answer(self.creation)[0]
+        (created, *error) = self.answer(self.creation)
+        if error:
+            raise AssertionError(f"the creation failed: {created} {error}")
+        self.owner, self.path = created
         return self
 
     def send(self, destination, path, interface, member, signature="", *arguments):
@@ -56,4 +60,6 @@ class Client:
         return self.ask(self.owner, self.path, OBJECT, "Release")
 
     def leave(self):
-        self.bus.close()
+        if self.bus:
+            self.bus.close()
+        self.bus = None

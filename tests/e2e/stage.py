@@ -28,19 +28,24 @@ LOGIN_FAILED = "Login Failed"
 WAIT_BOX = "Horalink – Waiting for an Answer"
 NOTICE = "System Fatal Notice"
 
+ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.cPBXOle"
+
 # The accessibility library can be connected once in a process, so there is one stage in each.
 arrangement = None
 driver = None
+bus = None
 
 
 def open_stage():
     """Serves a module as its setUpModule."""
-    global arrangement, driver
+    global arrangement, driver, bus
     folder = BUILD / "tests/e2e" / Path(sys.argv[0]).stem
     arrangement = Arrangement(BUILD, folder, own_display=True).lay_out()
     arrangement.__enter__()
     unittest.addModuleCleanup(arrangement.__exit__)
     driver = Driver(arrangement)
+    bus = connect()
+    unittest.addModuleCleanup(bus.close)
 
 
 def dialog_title(exchange=EXCHANGE):
@@ -63,22 +68,31 @@ def running():
     return found
 
 
+def is_deserted():
+    """No program runs, and the bus knows it: what is asked of a name that still seems to be there gets lost."""
+    return not running() and not any(bus.name_has_owner(name) for name in (ADD_IN_CLASS, EXCHANGE_CLASS))
+
+
 def pids(program):
     return [pid for pid, name in running().items() if name == program]
 
 
+def database_file(name):
+    return next(arrangement.root.glob(f"*/DATABASE/{name}"))
+
+
 def change_database(name, *statements):
     """Changes a database of the installation, before the add-in is started."""
-    database = sqlite3.connect(next(arrangement.root.glob(f"*/DATABASE/{name}")))
+    database = sqlite3.connect(database_file(name))
     with database:
         for statement in statements:
             database.execute(statement)
     database.close()
 
 
-def connect():
+def connect(main_loop=None):
     """A client of the bus that shares no connection with any other."""
-    return dbus.bus.BusConnection(arrangement.environment["DBUS_SESSION_BUS_ADDRESS"])
+    return dbus.bus.BusConnection(arrangement.environment["DBUS_SESSION_BUS_ADDRESS"], mainloop=main_loop)
 
 
 class EndToEndTest(unittest.TestCase):
@@ -93,6 +107,7 @@ class EndToEndTest(unittest.TestCase):
     def begin(self):
         arrangement.install()
         self.started = []
+        self.clients = []
 
     @contextlib.contextmanager
     def case(self, name):
@@ -111,13 +126,15 @@ class EndToEndTest(unittest.TestCase):
 
     def leave_nothing_behind(self):
         """Ends what the test started; what that leaves without a client has to end by itself."""
+        for client in self.clients:
+            client.leave()
         for process in reversed(self.started):
             arrangement.end(process)
             if process in arrangement.processes:
                 arrangement.processes.remove(process)
         self.started.clear()
         try:
-            self.wait_for(lambda: not running(), "all programs to end")
+            self.wait_for(is_deserted, "all programs to end")
         except TimeoutError:
             left = running()
             for pid in left:
@@ -182,10 +199,11 @@ class Host:
     number = 0
     MEMBERS = ("oPBX", "Login", "SendRequest", "LogOut", "ShowMessage", "ShowResults", "ShowCode")
 
-    def __init__(self, test, *options, exchange=EXCHANGE):
+    def __init__(self, test, *options, exchange=EXCHANGE, environment=None):
         Host.number += 1
         self.log = arrangement.folder / f"host-{Host.number}.log"
-        self.process = test.start([arrangement.host, "--log", self.log, "--open", exchange, *options])
+        opening = ["--open", exchange] if exchange else []
+        self.process = test.start([arrangement.host, "--log", self.log, *opening, *options], environment=environment)
         self.test, self.exchange = test, exchange
         self.mark = 0
 

@@ -1,89 +1,207 @@
-"""Clients that share no code with the add-in: the example host, busctl, and messages that make no sense."""
+"""Clients that share no code with the add-in: the example host, busctl, and one that sends nonsense."""
+import json
 import subprocess
+import sys
 import unittest
+import xml.etree.ElementTree as xml
 
 import dbus
 
 import stage
-from stage import ADD_IN, LOOKUP, EndToEndTest, pids
+from client import FACTORY, NAME, OBJECT, TYPED, Client, reference
+from stage import ADD_IN, CLOSE, LOOKUP, EndToEndTest, dialog_title, pids
 from stage import open_stage as setUpModule  # noqa: F401
 
 ERROR = "org.velmora.Automation1.Error"
-OBJECT = "org.velmora.Automation1.Object"
+BUS_ERROR = "org.freedesktop.DBus.Error."
+NOTHING = ("", "/")  # for busctl
+EXAMPLE_HOST = stage.SOURCES / "examples/host.py"
+# What the example host prints of a lookup: the calls of the add-in, in order, with those that read the answer.
+LOOKUP_LINES = [
+    "oPBX()", 'Login("Example", <object>)', 'ShowMessage("PBX clock request: KEY")',
+    "oPBX()", "SendRequest(<object>)", 'ShowMessage("PBX clock request: ACCEPTED")',
+    "Count()",
+    "CMD(0)", "FirstData(0)", "SecondData(0)", "ExtraData(0)",
+    "CMD(1)", "FirstData(1)", "SecondData(1)", "ExtraData(1)",
+    "CMD(2)", "FirstData(2)", "SecondData(2)", "ExtraData(2)",
+    "ErrCode()", "Tag()", "ErrCode()", "Message()", 'Message("OK")',
+    'ShowResults("PBX Clock (Example)", <object>)', "Message()", 'ShowMessage("OK")', "ErrCode()", "ShowCode(0)",
+    "LoginID()", "oPBX()", 'LogOut("Example", "KEY")',
+]
 
 
 class ExampleHost(EndToEndTest):
-    def test_serves_a_lookup_and_leaves(self):
-        example = self.start(["/usr/bin/python3", stage.SOURCES / "examples/host.py", "--once"], stdout=subprocess.PIPE, text=True)
-        self.assertTrue(self.dialog("Example"))
-        self.press(LOOKUP)
-        printed = example.stdout.read().splitlines()
-        self.assertEqual(example.wait(), 0)
-        calls = [line.split("(")[0] for line in printed if "(" in line]
-        members = [call for call in calls if call in ("Login", "SendRequest", "ShowResults", "ShowCode", "LogOut")]
-        self.assertEqual(members, ["Login", "SendRequest", "ShowResults", "ShowCode", "LogOut"])
+    def open_example(self, *options):
+        self.output = stage.arrangement.folder / "example.txt"
+        with open(self.output, "w", encoding="utf-8") as output:
+            process = self.start([sys.executable, EXAMPLE_HOST, *options], stdout=output, stderr=subprocess.STDOUT)
+        self.dialog("Example")
+        return process
+
+    def lines(self):
+        return self.output.read_text(encoding="utf-8").splitlines()
+
+    def wait_for_end(self, process):
+        self.wait_for(lambda: process.poll() is not None, "the example host to end")
+        self.assertEqual(process.returncode, 0, self.lines())
         self.wait_until_gone()
+
+    def test_lookup_and_the_end_of_the_window(self):
+        process = self.open_example()
+        self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
+        stage.driver.raise_window(dialog_title("Example"))
+        stage.driver.press("alt+F4")
+        self.wait_for_end(process)
+        lines = self.lines()
+        self.assertEqual(lines[0], 'GetComData("Horalink", "MOVE", "")')
+        self.assertEqual(lines[1:1 + len(LOOKUP_LINES)], LOOKUP_LINES)
+        self.assertEqual(lines[1 + len(LOOKUP_LINES)], "UnloadChild(1)")
+
+    def test_once(self):
+        process = self.open_example("--once")
+        self.press(LOOKUP)
+        self.wait_for_end(process)
+        self.assertEqual(self.lines()[1:1 + len(LOOKUP_LINES)], LOOKUP_LINES)
+        self.assertRegex(self.lines()[-1], r'^REGComData\("Horalink", "MOVE", "-?[\d.]+,-?[\d.]+"\)$')
+
+    def test_without_an_add_in_it_says_so_in_one_line(self):
+        stage.arrangement.add_in.unlink()
+        done = stage.run([sys.executable, EXAMPLE_HOST])
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(len(done.stderr.splitlines()), 1, done.stderr)
+        self.assertIn("429", done.stderr)
 
 
 class Busctl(EndToEndTest):
-    """Each call of busctl is a connection of its own, so another client keeps the object."""
-
-    def setUp(self):
-        super().setUp()
-        self.bus = stage.connect()
-        self.addCleanup(self.bus.close)
-        self.owner, self.path = self.bus.get_object("Horalink10013.cOLELayer", "/Factory").CreateInstance(
-            dbus_interface="org.velmora.Automation1.Factory")
-
     def busctl(self, *arguments):
         done = stage.run(["busctl", "--user", *arguments])
         self.assertEqual(done.returncode, 0, done.stderr)
-        return done.stdout
+        return done.stdout.strip()
 
-    def test_both_interfaces_serve_the_class(self):
-        typed = "Horalink10013._cOLELayer"
-        registered = self.busctl("call", self.owner, self.path, typed, "RegisterPBX", "s(so)n", "North", "", "/", "1")
-        self.assertEqual(registered.strip(), "b false")
-        self.busctl("set-property", self.owner, self.path, typed, "Visible", "b", "true")
-        self.assertTrue(self.dialog("North"))
-        late = self.busctl("call", self.owner, self.path, OBJECT, "Invoke", "sqav", "Visible", "2", "0")
-        self.assertEqual(late.strip(), "vav b true 0")
+    def invoke(self, member, kind, *arguments):
+        return self.busctl("call", NAME, self.client.path, OBJECT, "Invoke", "sqav", member, kind, *arguments)
 
-    def test_introspection_in_slot_order_with_the_guids(self):
-        xml = self.busctl("call", self.owner, self.path, "org.freedesktop.DBus.Introspectable", "Introspect")
-        places = [xml.find(f'name=\\"{name}\\"') for name in ("RegisterPBX", "Visible", "SetBackGround")]
-        self.assertEqual(places, sorted(places))
-        for guid in ("{21A5C7B5-2A66-41D0-8298-C64D75E00ED2}", "{99B2190B-7900-4057-8B17-977CCB7DA003}",
-                     "{3213E8C5-0679-49E0-83FC-808506AA9FEB}", "Horalink10013"):
-            self.assertIn(guid, xml)
+    def typed(self, command, member, *arguments):
+        return self.busctl(command, NAME, self.client.path, TYPED, member, *arguments)
+
+    def hold(self):
+        """busctl leaves with each command, and the object would leave with it."""
+        self.client = Client(self).created()
+
+    def test_creation_and_the_end_with_the_client(self):
+        created = self.busctl("call", NAME, "/Factory", FACTORY, "CreateInstance")
+        self.assertRegex(created, r'^\(so\) ":1\.\d+" "/\S+"$')
+        self.wait_until_gone()
+
+    def test_late_bound_interface(self):
+        self.hold()
+        registered = self.invoke("RegisterPBX", "1", "3", "s", "Main Office", "(so)", *NOTHING, "n", "1")
+        self.assertEqual(registered, 'vav b false 3 s "Main Office" (so) "" "/" n 1')
+        self.assertEqual(self.invoke("visible", "2", "0"), "vav b false 0")
+        self.invoke("Visible", "4", "1", "b", "true")
+        self.dialog()
+        self.assertEqual(self.invoke("Visible", "2", "0"), "vav b true 0")
+
+    def test_typed_interface(self):
+        self.hold()
+        self.assertEqual(self.typed("call", "RegisterPBX", "s(so)n", "Warehouse", *NOTHING, "1"), "b false")
+        self.typed("set-property", "Visible", "b", "true")
+        self.dialog("Warehouse")
+        self.assertEqual(self.typed("get-property", "Visible"), "b true")
+        self.assertEqual(self.typed("call", "SetBackGround", "n", "1"), "")
+        self.typed("set-property", "Visible", "b", "false")
+        self.assertEqual(self.typed("get-property", "Visible"), "b false")
+
+    def test_introspection_in_the_order_of_the_slots(self):
+        self.hold()
+        answer = self.busctl("--json=short", "call", NAME, self.client.path, "org.freedesktop.DBus.Introspectable",
+                             "Introspect")
+        interfaces = {node.get("name"): node for node in xml.fromstring(json.loads(answer)["data"][0]).iter("interface")}
+        self.assertIn(OBJECT, interfaces)
+        typed = interfaces[TYPED]
+        members = [node.get("name") for node in typed if node.tag in ("method", "property")]
+        self.assertEqual(members, ["RegisterPBX", "Visible", "SetBackGround"])
+        arguments = [(node.get("name"), node.get("type"), node.get("direction"))
+                     for node in typed.find("method[@name='RegisterPBX']").iter("arg")]
+        self.assertEqual([(kind, way) for _, kind, way in arguments],
+                         [("s", "in"), ("(so)", "in"), ("n", "in"), ("b", "out")])
+        self.assertEqual([name for name, _, way in arguments if way == "in"], ["PBX", "Parent", "ID"])
+        self.assertEqual(typed.find("property[@name='Visible']").attrib,
+                         {"name": "Visible", "type": "b", "access": "readwrite"})
+        values = [node.get("value") for node in typed.findall("annotation")]
+        for value in ("{21A5C7B5-2A66-41D0-8298-C64D75E00ED2}", "{99B2190B-7900-4057-8B17-977CCB7DA003}",
+                      "{3213E8C5-0679-49E0-83FC-808506AA9FEB}", "Horalink10013", "1.0"):
+            self.assertIn(value, values)
 
 
 class Nonsense(EndToEndTest):
-    def test_is_answered_with_an_error_and_a_description_and_the_process_goes_on(self):
-        bus = stage.connect()
-        self.addCleanup(bus.close)
-        owner, path = bus.get_object("Horalink10013.cOLELayer", "/Factory").CreateInstance(
-            dbus_interface="org.velmora.Automation1.Factory")
-        deep = dbus.Int32(1, variant_level=20)
+    def test_malformed_messages_get_an_error_and_the_process_goes_on(self):
+        client = Client(self).created()
+        (process,) = pids(ADD_IN)
+        big = "x" * 10_000_000
+        invoke = (client.path, OBJECT, "Invoke", "sqav")
+        # What is sent, and the error's name and number.
         cases = [
-            ("unknown member", path, "Invoke", "sqav", ("Nothing", 2, []), ERROR),
-            ("index out of 16 bits", path, "Invoke", "sqav", ("SetBackGround", 1, [dbus.Int32(40000)]), ERROR),
-            ("wrong count", path, "Invoke", "sqav", ("SetBackGround", 1, []), ERROR),
-            ("wrong type", path, "Invoke", "sqav", ("SetBackGround", 1, [dbus.Array([1], signature="i")]), ERROR),
-            ("deep nesting", path, "Invoke", "sqav", ("SetBackGround", 1, [deep]), ERROR),
-            ("unknown kind", path, "Invoke", "sqav", ("Visible", 3, []), ERROR),
-            ("wrong signature", path, "Invoke", "s", ("Visible",), "org.freedesktop.DBus.Error.InvalidArgs"),
-            ("unknown method", path, "Remove", "", (), "org.freedesktop.DBus.Error.UnknownMethod"),
-            ("unknown path", "/Object/4711", "Invoke", "sqav", ("Visible", 2, []), "org.freedesktop.DBus.Error.UnknownObject"),
-            ("10 MB", path, "Invoke", "sqav", ("x" * 10_000_000, 2, []), ERROR),
+            ("too few values", (client.path, OBJECT, "Invoke", "s", "Visible"), BUS_ERROR + "InvalidArgs", 13),
+            ("other types", (client.path, OBJECT, "Invoke", "sqas", "Visible", 2, ["1"]), BUS_ERROR + "InvalidArgs", 13),
+            ("nothing at all", (client.path, OBJECT, "Invoke"), BUS_ERROR + "InvalidArgs", 13),
+            ("unknown member", (*invoke, "Invisible", 1, []), ERROR, 438),
+            ("no member", (*invoke, "", 1, []), ERROR, 438),
+            ("10 MB of member", (*invoke, big, 1, []), ERROR, 438),
+            ("unknown kind", (*invoke, "Visible", 3, []), ERROR, 5),
+            ("too many arguments", (*invoke, "SetBackGround", 1, [1, 2]), ERROR, 450),
+            ("index above 16 bits", (*invoke, "SetBackGround", 1, [dbus.Int32(32768)]), ERROR, 6),
+            ("index below 16 bits", (*invoke, "SetBackGround", 1, [dbus.Int64(-2**62)]), ERROR, 6),
+            ("index that is no number", (*invoke, "SetBackGround", 1, [big]), ERROR, 13),
+            ("index that isn't finite", (*invoke, "SetBackGround", 1, [float("nan")]), ERROR, 6),
+            ("deep nesting", (*invoke, "SetBackGround", 1, [dbus.Int16(1, variant_level=60)]), ERROR, 13),
+            ("an array", (*invoke, "SetBackGround", 1, [dbus.Array([1], signature="i")]), ERROR, 13),
+            ("no object", (*invoke, "RegisterPBX", 1, ["", "host", 1]), ERROR, 424),
+            ("unknown method", (client.path, OBJECT, "Evoke"), BUS_ERROR + "UnknownMethod", 438),
+            ("unknown interface", (client.path, "com.example.Other", "Invoke"), BUS_ERROR + "UnknownInterface", 438),
+            ("unknown path", ("/Object/4711", OBJECT, "Retain"), BUS_ERROR + "UnknownObject", 462),
+            ("path of nothing", ("/", OBJECT, "Retain"), BUS_ERROR + "UnknownInterface", 438),
+            ("typed with other types", (client.path, TYPED, "SetBackGround", "s", big), BUS_ERROR + "InvalidArgs", 13),
+            ("unknown typed member", (client.path, TYPED, "Invisible"), BUS_ERROR + "UnknownMethod", 438),
+            ("unknown property", (client.path, "org.freedesktop.DBus.Properties", "Get", "ss", TYPED, "Age"),
+             BUS_ERROR + "UnknownProperty", 438),
         ]
-        for name, target, method, signature, arguments, error in cases:
+        for name, message, error, number in cases:
             with self.subTest(name):
-                with self.assertRaises(dbus.DBusException) as raised:
-                    bus.call_blocking(owner, target, OBJECT, method, signature, arguments)
-                self.assertEqual(raised.exception.get_dbus_name(), error)
-                self.assertTrue(raised.exception.get_dbus_message())
-        self.assertEqual(len(pids(ADD_IN)), 1)
+                answer = client.ask(client.owner, *message)
+                self.assertEqual([answer[0], answer[2:]], [error, [number]], str(answer)[:300])
+                self.assertTrue(answer[1])
+                self.assertFalse(client.visible())
+                self.assertEqual(pids(ADD_IN), [process])
+
+    def test_references_given_back_too_often(self):
+        holder, other = Client(self).created(), Client(self).created()
+        answer = other.ask(holder.owner, holder.path, OBJECT, "Release")
+        self.assertEqual([answer[0], answer[2]], [ERROR, 5])
+        self.assertFalse(holder.visible())
+        holder.leave()
+        self.assertFalse(other.visible())
+
+    def test_ten_megabytes_of_name(self):
+        client = Client(self).created()
+        (process,) = pids(ADD_IN)
+        for name in ("x" * 10_000_000, "Main Office"):
+            self.assertFalse(client.call("RegisterPBX", 1, name, reference("", "/"), dbus.Int16(1))[0])
+            client.call("Visible", 4, True)
+        self.dialog()
+        self.assertEqual(pids(ADD_IN), [process])
+
+    def test_host_object_that_is_not_there(self):
+        client = Client(self).created()
+        for parent in ((":1.99999", "/Object/1"), ("org.freedesktop.DBus", "/nowhere"), (client.owner, "/nowhere")):
+            with self.subTest(parent):
+                client.call("RegisterPBX", 1, "Main Office", reference(*parent), dbus.Int16(1))
+                client.call("Visible", 4, True)
+                self.dialog()
+                self.press(LOOKUP)
+                self.assertIn("could not be reached", self.close_box(stage.LOGIN_FAILED))
+                self.press(CLOSE)
+                self.wait_for(lambda: not client.visible(), "the dialog to hide")
 
 
 if __name__ == "__main__":

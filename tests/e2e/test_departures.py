@@ -1,4 +1,6 @@
 """Hosts that die in every state of a request, and objects that come and go."""
+import os
+import signal
 import unittest
 
 import stage
@@ -36,34 +38,40 @@ class DyingHosts(EndToEndTest):
                 self.die(host, line)
                 self.wait_until_gone()
 
+    def arm(self, host):
+        """A press whose tick finds a host that doesn't answer any more."""
+        os.kill(host.process.pid, signal.SIGSTOP)
+        self.press(LOOKUP)
+
+    def show(self, _):
+        self.press(LOOKUP)
+        self.box_text(CLOCK_READ)
+
     def test_the_add_in_goes_without_a_request(self):
-        for state, bring in (("idle", lambda: None),
-                             ("armed", lambda: self.press(LOOKUP)),
-                             ("showing", lambda: self.press(LOOKUP) or self.box_text(CLOCK_READ)),
-                             ("hidden", lambda: self.press(stage.CLOSE))):
+        for state, bring in (("idle", lambda host: None), ("armed", self.arm), ("showing", self.show),
+                             ("hidden", lambda host: self.press(stage.CLOSE))):
             with self.case(state):
                 host = Host(self).open()
-                bring()
+                bring(host)
                 host.kill()
                 self.wait_until_gone()
 
     def test_the_dialog_is_usable_for_who_remains(self):
         for state, options, line, box in STATES:
             with self.case(state):
-                client = Client().created()
+                client = Client(self).created()
                 host = Host(self, *options).open()
                 self.press(LOOKUP)
                 self.die(host, line)
                 self.assert_lives_on(client, box)
 
     def test_the_dialog_is_usable_after_a_death_without_a_request(self):
-        for state, bring, box in (("idle", lambda: None, None),
-                                  ("armed", lambda: self.press(LOOKUP), LOGIN_FAILED),
-                                  ("showing", lambda: self.press(LOOKUP) or self.box_text(CLOCK_READ), CLOCK_READ)):
+        for state, bring, box in (("idle", lambda host: None, None), ("armed", self.arm, LOGIN_FAILED),
+                                  ("showing", self.show, CLOCK_READ)):
             with self.case(state):
-                client = Client().created()
+                client = Client(self).created()
                 host = Host(self).open()
-                bring()
+                bring(host)
                 host.kill()
                 self.assert_lives_on(client, box)
 
@@ -108,7 +116,7 @@ class SharedDialog(EndToEndTest):
         self.assertEqual(len(saved), 1)
 
     def test_objects_of_one_client(self):
-        first, second = Client().created(), Client().created()
+        first, second = Client(self).created(), Client(self).created()
         self.assertEqual(len(pids(ADD_IN)), 1)
         second.call("Visible", 4, True)
         self.assertTrue(first.visible())

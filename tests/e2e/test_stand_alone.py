@@ -6,10 +6,9 @@ import unittest
 
 import stage
 from stage import (ADD_IN, CLOCK_READ, CLOSE, EXCHANGE, LOGIN_FAILED, LOOKUP, SWITCHDESK, UPDATE, WAIT_BOX,
-                   EndToEndTest, Host, connect, dialog_title, pids, run)
+                   EndToEndTest, Host, dialog_title, pids, run)
 from stage import open_stage as setUpModule  # noqa: F401
 
-EXCHANGE_CLASS = "SwitchDeskProj10001.cPBXOle"
 GOOD = ["Login", "SendRequest", "LogOut"]
 
 
@@ -17,9 +16,7 @@ class StandAloneTest(EndToEndTest):
     def serve(self, *options):
         """A host with a window that serves the class, and that misbehaves as told."""
         host = Host(self, *options, exchange=None)
-        bus = connect()
-        self.wait_for(lambda: bus.name_has_owner(EXCHANGE_CLASS), EXCHANGE_CLASS)
-        bus.close()
+        self.wait_for(lambda: stage.bus.name_has_owner(stage.EXCHANGE_CLASS), stage.EXCHANGE_CLASS)
         return host
 
     def start_add_in(self, exchange=EXCHANGE):

@@ -68,7 +68,7 @@ class FailedStarts(EndToEndTest):
 
     def test_form_without_texts_leaves_one_notice_and_no_window(self):
         change_database("Horalink.lng", "DROP TABLE tForms")
-        client = Client()
+        client = Client(self)
         self.assertIn("tForms", self.close_box(NOTICE))
         client.created()
         self.assertEqual(stage.driver.titles(ADD_IN), [])
