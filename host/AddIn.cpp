@@ -44,12 +44,29 @@ void AddIn::Show(const Text& exchange, const platform::ObjectRef& host) {
     ++childId_;
     const bool failed = platform::Call(layer, "RegisterPBX", exchange, host, childId_).ToBoolean();
     log_.Note("RegisterPBX(" + LogText(exchange) + ") returned " + LogText(failed));
+    DressAddIn(layer);
     platform::Put(layer, "Visible", true);
     log_.Note("Visible is written");
     if (layer != layer_) return;
     view_.ShowState(failed ? u"The clock add-in is open, but its dialog could not be set up completely."
                            : u"The clock add-in is open for " + exchange + u".",
                     true, exchange);
+}
+
+void AddIn::SetBackground(std::int16_t set) {
+    background_ = set;
+    const platform::ObjectRef layer = layer_;
+    if (!layer) return;
+    try {
+        DressAddIn(layer);
+    } catch (const platform::RuntimeError& error) {
+        view_.ShowMessage(u"The background can't be changed: " + error.Description());
+    }
+}
+
+void AddIn::DressAddIn(const platform::ObjectRef& layer) {
+    platform::Call(layer, "SetBackGround", background_);
+    log_.Note("SetBackGround(" + LogText(background_) + ") returned");
 }
 
 void AddIn::Close() {

@@ -16,6 +16,8 @@ class AddIn {
     // Creates the add-in where there is none, and shows it for an exchange. What goes wrong is told to
     // the view.
     void Open(const platform::Text& exchange, const platform::ObjectRef& host);
+    // Puts a background set on the add-in: on the one that is open, and on each that is opened.
+    void SetBackground(std::int16_t set);
     // Lets go of the add-in. It stores its position and ends by itself afterwards.
     void Close();
     // The add-in told that its dialog has gone.
@@ -26,6 +28,7 @@ class AddIn {
 
   private:
     void Show(const platform::Text& exchange, const platform::ObjectRef& host);
+    void DressAddIn(const platform::ObjectRef& layer);
     void OwnerGone();
 
     platform::Automation& automation_;
@@ -35,7 +38,7 @@ class AddIn {
     platform::ObjectRef layer_;
     std::shared_ptr<void> watch_;  // from the creation to the end of the add-in's process
     platform::Text exchange_;
-    std::int16_t childId_ = 0;
+    std::int16_t childId_ = 0, background_ = 0;
     std::function<void()> left_;
     platform::HandleRef release_, limit_;
 };

@@ -1,15 +1,18 @@
 #include "host/MainWindow.h"
 
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTableWidget>
 #include <QTime>
 
+#include "host/HelpPage.h"
 #include "host/WindowParts.h"
 #include "platform/runtime/Format.h"
 #include "platform/runtime/Guard.h"
@@ -31,8 +34,8 @@ QString ClockText(platform::Date now) {
 
 }  // namespace
 
-MainWindow::MainWindow(const ExchangeDesk& desk, Actions actions)
-    : desk_(desk), actions_(std::move(actions)) {
+MainWindow::MainWindow(const ExchangeDesk& desk, const Family& family, Actions actions)
+    : desk_(desk), family_(family), actions_(std::move(actions)) {
     setObjectName("switchdesk");
     setWindowTitle("Switchdesk");
     setStyleSheet(WindowStyle());
@@ -43,6 +46,8 @@ MainWindow::MainWindow(const ExchangeDesk& desk, Actions actions)
     columns->addWidget(MakeExchangePane());
     columns->addWidget(MakeAnswerPane(), 1);
     setCentralWidget(content);
+    backgrounds_ = menuBar()->addMenu("&View")->addMenu("&Background of the add-in");
+    chosenBackground_ = new QActionGroup(this);
     state_ = new QLabel("Choose an exchange and open the clock add-in for it.");
     state_->setObjectName("state");
     state_->setTextFormat(Qt::PlainText);
@@ -102,6 +107,25 @@ QWidget* MainWindow::MakeAnswerPane() {
     return pane;
 }
 
+void MainWindow::OfferBackgrounds(std::int16_t chosen) {
+    try {
+        for (const BackgroundSet& set : family_.BackgroundSets()) AddBackground(set, set.number == chosen);
+    } catch (const platform::RuntimeError& error) {
+        ShowMessage(u"The backgrounds can't be read: " + error.Description());
+    }
+    backgrounds_->setEnabled(!backgrounds_->isEmpty());
+}
+
+void MainWindow::AddBackground(const BackgroundSet& set, bool chosen) {
+    QAction* action =
+        backgrounds_->addAction(QString::fromStdU16String(set.name), this, [this, number = set.number] {
+            platform::Guard([&] { actions_.background(number); });
+        });
+    action->setActionGroup(chosenBackground_);
+    action->setCheckable(true);
+    action->setChecked(chosen);
+}
+
 void MainWindow::FillExchanges() {
     exchanges_->setRowCount(static_cast<int>(desk_.Exchanges().size()));
     int row = 0;
@@ -157,7 +181,13 @@ void MainWindow::ShowCode(const Text& code) {
 }
 
 void MainWindow::ShowHelp(const Text& file) {
-    ShowMessage(u"The add-in asks for the help file " + file);
+    try {
+        const platform::HelpTopic page = family_.OpeningPage(file);
+        if (!help_) help_ = new HelpPage(*this);
+        help_->Show(page);
+    } catch (const platform::RuntimeError& error) {
+        ShowMessage(u"The help can't be shown: " + error.Description());
+    }
 }
 
 void MainWindow::ShowFlow(bool on) {

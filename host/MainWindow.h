@@ -5,14 +5,19 @@
 #include <functional>
 
 #include "host/ExchangeDesk.h"
+#include "host/Family.h"
 #include "host/HostView.h"
 
+class QActionGroup;
 class QLabel;
+class QMenu;
 class QPlainTextEdit;
 class QPushButton;
 class QTableWidget;
 
 namespace switchdesk {
+
+class HelpPage;
 
 class MainWindow : public QMainWindow, public HostView {
   public:
@@ -20,9 +25,13 @@ class MainWindow : public QMainWindow, public HostView {
         std::function<void(const platform::Text& exchange)> open;
         std::function<void()> close;
         std::function<void()> leave;  // the window has been closed
+        std::function<void(std::int16_t set)> background;
     };
-    // `desk` must outlive the window.
-    MainWindow(const ExchangeDesk& desk, Actions actions);
+    // `desk` and `family` must outlive the window.
+    MainWindow(const ExchangeDesk& desk, const Family& family, Actions actions);
+
+    // Fills the menu of backgrounds, with a mark at the one that is in use.
+    void OfferBackgrounds(std::int16_t chosen);
 
     // Brings the clock times of the exchanges up to date.
     void ShowClocks();
@@ -40,14 +49,19 @@ class MainWindow : public QMainWindow, public HostView {
   private:
     QWidget* MakeExchangePane();
     QWidget* MakeAnswerPane();
+    void AddBackground(const BackgroundSet& set, bool chosen);
     void FillExchanges();
     void OpenSelected();
     void Select(const platform::Text& exchange);
     void EnableButtons();
 
     const ExchangeDesk& desk_;
+    const Family& family_;
     Actions actions_;
     bool addInOpen_ = false;
+    QMenu* backgrounds_;
+    QActionGroup* chosenBackground_;
+    HelpPage* help_ = nullptr;
     QTableWidget* exchanges_;
     QTableWidget* results_;
     QPlainTextEdit* messages_;

@@ -109,6 +109,10 @@ bool TakeLogins(std::string_view value, Misbehaviour& misbehaviour) {
     return Parse(value, misbehaviour.logins.emplace()) && *misbehaviour.logins >= 0;
 }
 
+bool TakeBusy(std::string_view value, Misbehaviour& misbehaviour) {
+    return Parse(value, misbehaviour.busyLogins) && misbehaviour.busyLogins >= 0;
+}
+
 }  // namespace
 
 std::string LowerCase(std::string_view name) {
@@ -133,6 +137,7 @@ bool TakeMisbehaviour(std::string_view name, std::string_view value, Misbehaviou
     if (name == "leave") return TakeLeave(value, misbehaviour);
     if (name == "callback-during") return TakeCallbackDuring(value, misbehaviour);
     if (name == "logins") return TakeLogins(value, misbehaviour);
+    if (name == "busy") return TakeBusy(value, misbehaviour);
     return false;
 }
 
@@ -159,7 +164,14 @@ object or an answer.
                           member, such as show-results, logout or regcomdata
   --callback-during=CALL  calls CallBack from inside login or send
   --logins=N              all this for the first N logins only
+  --busy=N                refuses Login N times as busy; a client comes again every 200 milliseconds
 )";
+}
+
+bool Misbehaviour::RefusesAsBusy(std::string_view member) {
+    if (member != "login" || busyLogins == 0) return false;
+    --busyLogins;
+    return true;
 }
 
 void Misbehaviour::BeginCall(std::string_view member) {

@@ -41,6 +41,10 @@ struct Misbehaviour {
     std::string leaveAt;         // a member's name, "waiting" or "answered"
     std::string callbackDuring;  // "login" or "send"
     std::optional<int> logins;   // how many are still to go wrong; all of them without a value
+    int busyLogins = 0;          // how often Login is still to be refused as busy
+
+    // Whether a call of a member is refused as busy. Such calls come again and don't count otherwise.
+    bool RefusesAsBusy(std::string_view member);
 
     // Tells that a member is called. The first login behind those that are to go wrong mends everything.
     void BeginCall(std::string_view member);

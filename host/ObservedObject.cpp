@@ -1,5 +1,7 @@
 #include "host/ObservedObject.h"
 
+#include "platform/automation/Automation.h"
+
 namespace switchdesk {
 
 using platform::Arguments;
@@ -38,6 +40,9 @@ Value ObservedObject::Invoke(std::string_view name, InvokeKind kind, Arguments& 
         Value result = Misbehave(shown, kind, arguments);
         entry.End(CallText(shown, plainRead, before, arguments), " -> " + LogText(result));
         return result;
+    } catch (const platform::BusyError&) {
+        entry.End(CallText(shown, plainRead, before, before), " -> busy");
+        throw;
     } catch (const platform::RuntimeError& error) {
         entry.End(CallText(shown, plainRead, before, before), ErrorText(error));
         throw;
@@ -47,6 +52,7 @@ Value ObservedObject::Invoke(std::string_view name, InvokeKind kind, Arguments& 
 Value ObservedObject::Misbehave(const std::string& member, InvokeKind kind, Arguments& arguments) {
     Misbehaviour& misbehaviour = observation_.misbehaviour;
     const std::string lower = LowerCase(member);
+    if (misbehaviour.RefusesAsBusy(lower)) throw platform::BusyError();
     misbehaviour.BeginCall(lower);
     misbehaviour.LeaveAt(lower, observation_.log);
     if (misbehaviour.lacking.contains(lower))

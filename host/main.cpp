@@ -10,6 +10,8 @@
 #include "host/Options.h"
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/data/sqlite/SqliteEngine.h"
+#include "platform/desktop/Paths.h"
+#include "platform/desktop/ProgramFile.h"
 #include "platform/desktop/qt/QtDesktop.h"
 #include "platform/runtime/Guard.h"
 
@@ -22,6 +24,12 @@ using platform::Text;
 // A service that nobody creates an object in ends after this time.
 constexpr platform::Milliseconds unusedLimit{60000};
 constexpr platform::Milliseconds second{1000};
+// The host's own values in the store.
+const Text storeSection = u"Switchdesk", backgroundKey = u"BACKGROUND";
+
+Text ProgramDirectory() {
+    return platform::PathText(platform::ProgramFile().parent_path());
+}
 
 platform::Application Describe() {
     platform::Application application;
@@ -44,7 +52,8 @@ void AddExchanges(ExchangeDesk& desk, const Options& options, const platform::Cl
 
 class Host {
   public:
-    Host(const Options& options, platform::QtDesktop& desktop, platform::Automation& automation);
+    Host(const Options& options, platform::QtDesktop& desktop, platform::Automation& automation,
+         platform::DatabaseEngine& engine);
 
     void RunWithWindow();
     void RunAsService();
@@ -52,6 +61,8 @@ class Host {
   private:
     void Serve();
     void ServeBesideWindow();
+    std::int16_t ChosenBackground() const;
+    void ChooseBackground(std::int16_t set);
     void Leave();
 
     const Options& options_;
@@ -62,6 +73,7 @@ class Host {
     Misbehaviour misbehaviour_;
     Observation observation_;
     Store store_;
+    Family family_;
     ExchangeDesk desk_;
     std::unique_ptr<MainWindow> window_;
     std::unique_ptr<AddIn> addIn_;
@@ -69,13 +81,15 @@ class Host {
     platform::HandleRef clockTick_, start_, unused_;
 };
 
-Host::Host(const Options& options, platform::QtDesktop& desktop, platform::Automation& automation)
+Host::Host(const Options& options, platform::QtDesktop& desktop, platform::Automation& automation,
+           platform::DatabaseEngine& engine)
     : options_(options),
       loop_(desktop.Loop()),
       automation_(automation),
       misbehaviour_(options.misbehaviour),
       observation_{log_, misbehaviour_},
       store_(options.store),
+      family_(engine, ProgramDirectory()),
       desk_(loop_, observation_) {
     if (options.log) log_.AddSink(FileSink(*options.log));
     if (options.verbose) log_.AddSink(StandardOutputSink());
@@ -103,8 +117,12 @@ void Host::ServeBesideWindow() {
 void Host::RunWithWindow() {
     const auto open = [this](const Text& exchange) { addIn_->Open(exchange, hostObject_); };
     window_ = std::make_unique<MainWindow>(
-        desk_, MainWindow::Actions{open, [this] { addIn_->Close(); }, [this] { Leave(); }});
+        desk_, family_,
+        MainWindow::Actions{open, [this] { addIn_->Close(); }, [this] { Leave(); },
+                            [this](std::int16_t set) { ChooseBackground(set); }});
     addIn_ = std::make_unique<AddIn>(automation_, loop_, *window_, log_);
+    addIn_->SetBackground(ChosenBackground());
+    window_->OfferBackgrounds(ChosenBackground());
     const auto unloaded = [this](std::int16_t id) { addIn_->ChildUnloaded(id); };
     const auto exchange = std::make_shared<ExchangeObject>(observation_, desk_);
     hostObject_ =
@@ -115,6 +133,21 @@ void Host::RunWithWindow() {
     if (options_.open)
         start_ = loop_.After(platform::Milliseconds(0), [this, open] { open(*options_.open); });
     loop_.Run();
+}
+
+// Anything that is no number counts as the set of the default pictures.
+std::int16_t Host::ChosenBackground() const {
+    platform::ErrorState noNumber;
+    std::int16_t set = 0;
+    platform::Skip(noNumber, [&] {
+        set = platform::Value(store_.Get(storeSection, backgroundKey).value_or(Text())).ToInteger();
+    });
+    return set;
+}
+
+void Host::ChooseBackground(std::int16_t set) {
+    addIn_->SetBackground(set);
+    store_.Set(storeSection, backgroundKey, platform::DecimalText(set));
 }
 
 // The add-in stores its position here as it goes: it is served until it has left.
@@ -145,7 +178,7 @@ int Run(int argc, char** argv) {
     const auto desktop = platform::OpenDesktop(argc, argv, application, *engine);
     const auto automation =
         platform::ConnectToSessionBus(desktop->Loop(), desktop->Waits(), application.waits);
-    Host host(options, *desktop, *automation);
+    Host host(options, *desktop, *automation, *engine);
     options.service ? host.RunAsService() : host.RunWithWindow();
     automation->Flush();
     return 0;

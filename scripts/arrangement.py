@@ -48,15 +48,20 @@ def wait_for(condition, seconds, what):
 
 
 class Arrangement:
-    """Lays everything out in `folder`; enter it to start the bus and, where there is none, a display."""
+    """Lays everything out in `folder`; enter it to start the bus and, where there is none, a display.
 
-    def __init__(self, build, folder, own_display=False):
+    Readable programs offer their widgets to assistive programs, by which they are read and clicked from outside.
+    """
+
+    def __init__(self, build, folder, own_display=False, readable=True):
         self.build = Path(build).resolve()
         self.folder = Path(folder).resolve()
         self.root = self.folder / "VELMORA32" / MARKET
         self.own_display = own_display or not (os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
         self.processes = []
         self.environment = dict(os.environ)
+        if readable:
+            self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
 
     # --- the tree ---------------------------------------------------------------------------------
 
@@ -76,22 +81,13 @@ class Arrangement:
             (self.root / name).mkdir(parents=True)
         shutil.copy(self.build / "data/Horalink.lng", self.root / "ADDINS/DATABASE")
         shutil.copy(self.build / "data/Horalink.hlp", self.root / "ADDINS/HELP")
-        shutil.copy(self.build / "data/Horalink.hlp", self.root / "ADDINS/HELP")
         shutil.copy(self.build / "data/Common.LNG", self.root / "MORA32/DATABASE")
         shutil.copy(self.build / "data/Register.mdb", self.root / "MORA32/DATABASE")
-        self._place(self.build / "src/horalink", self.root / "ADDINS/horalink")
-        self._place(self.build / "host/switchdesk", self.root / "MORA32/switchdesk")
+        (self.root / "ADDINS/horalink").symlink_to(self.build / "src/horalink")
+        (self.root / "MORA32/switchdesk").symlink_to(self.build / "host/switchdesk")
         for picture in (SOURCES / "data/backgrounds").glob("*.svg"):
             shutil.copy(picture, self.root / "BACKGRND")
         self._write_settings()
-
-    @staticmethod
-    def _place(program, target):
-        """A program finds its market by the path it lies in, so a symbolic link would not do."""
-        try:
-            os.link(program, target)
-        except OSError:
-            shutil.copy(program, target)
 
     def _write_settings(self):
         settings = self.folder / "config" / "velmora" / "settings.ini"
@@ -125,8 +121,6 @@ class Arrangement:
                 self.environment.pop("WAYLAND_DISPLAY", None)
                 self.environment["LC_ALL"] = "C.UTF-8"
                 self._start_display()
-            # A program that is to be read and clicked from outside offers its widgets to assistive programs.
-            self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.start_bus("bus", self.environment)
         except BaseException:
             self.__exit__()

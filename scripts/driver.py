@@ -1,5 +1,7 @@
 """Works a program as an operator does: finds its widgets by their accessible names, clicks them with real
 input events, and reads what its boxes say."""
+import calendar
+import contextlib
 import os
 import re
 import subprocess
@@ -15,6 +17,11 @@ from gi.repository import GLib  # noqa: E402
 from arrangement import wait_for  # noqa: E402
 
 LIMIT = 25  # seconds for what comes at once on an idle machine
+LARGEST_FRAME = 30  # pixels that a window manager draws at a side of a window
+MIDDLE = (0.5, 0.5)
+CALENDAR_TITLE, CALENDAR_MARGIN = 30, 6
+CALENDAR_NAME = re.compile(r"(\w+day, \d+ )?[A-Z][a-z]+ \d{4}")
+UPPER, LOWER = (0.5, 0.25), (0.5, 0.75)  # the arrows of a spin control
 
 
 class Driver:
@@ -37,10 +44,11 @@ class Driver:
                 child.clear_cache()
                 yield child
 
-    def _walk(self, node):
+    def nodes(self, node):
+        """A widget and all that lie in it."""
         yield node
         for child in self._children(node):
-            yield from self._walk(child)
+            yield from self.nodes(child)
 
     @staticmethod
     def _program_of(application):
@@ -72,7 +80,7 @@ class Driver:
                 for top in self.windows(program):
                     if window is not None and top.get_name() != window:
                         continue
-                    for node in self._walk(top):
+                    for node in self.nodes(top):
                         if node.get_name().strip().startswith(name) and role in (None, node.get_role_name()):
                             return node
             except GLib.Error:
@@ -101,12 +109,25 @@ class Driver:
 
     def texts(self, window):
         """All texts of a window that stand on labels."""
-        return [node.get_name() for node in self._walk(window) if node.get_role_name() == "label"]
+        return [node.get_name() for node in self.nodes(window) if node.get_role_name() == "label"]
 
     @staticmethod
     def is_enabled(node):
         node.clear_cache()
         return node.get_state_set().contains(Atspi.StateType.ENABLED)
+
+    @staticmethod
+    def is_focused(node):
+        node.clear_cache()
+        return node.get_state_set().contains(Atspi.StateType.FOCUSED)
+
+    def focused_name(self, program):
+        """The name of the widget that has the keyboard, if one of the program's has it."""
+        try:
+            return next((node.get_name() for top in self.windows(program) for node in self.nodes(top)
+                         if node.get_state_set().contains(Atspi.StateType.FOCUSED)), None)
+        except GLib.Error:
+            return None
 
     # --- acting -----------------------------------------------------------------------------------
 
@@ -114,34 +135,78 @@ class Driver:
     def _xdotool(*arguments):
         subprocess.run(["xdotool", *map(str, arguments)], check=True, stdout=subprocess.DEVNULL)
 
-    def point_of(self, node):
-        """The middle of a widget on the screen."""
+    @staticmethod
+    def point_of(node, place=MIDDLE):
+        """A place of a widget, in parts of its width and height, on the screen."""
         box = node.get_extents(Atspi.CoordType.SCREEN)
-        return box.x + box.width // 2, box.y + box.height // 2
+        return box.x + int(box.width * place[0]), box.y + int(box.height * place[1])
 
     def raise_window(self, title):
         """Brings a window to the front, for the clicks that follow."""
         self._xdotool("search", "--onlyvisible", "--name", "^" + re.escape(title) + "$", "windowactivate", "--sync")
 
-    def click(self, node):
+    def move_window(self, title, left, top):
+        self._xdotool("search", "--onlyvisible", "--name", "^" + re.escape(title) + "$", "windowmove", left, top)
+
+    def click(self, node, place=MIDDLE, button=1):
         wait_for(lambda: self.is_enabled(node), LIMIT, f"'{node.get_name()}' to be enabled")
-        self._xdotool("mousemove", *self.settled_point(node), "click", 1)
-
-    def settled_point(self, node):
-        """The middle of a widget whose window the window manager has done placing."""
-        seen = []
-
-        def look():
-            seen.append(self.point_of(node))
-            return seen[-1] if seen[-1:] == seen[-2:-1] else None
-        return wait_for(look, LIMIT, f"'{node.get_name()}' to stand still")
+        self.aim(node, place)
+        self._xdotool("click", button)
 
     def click_twice(self, node):
         """Two clicks at once, as an impatient operator's."""
-        self._xdotool("mousemove", *self.point_of(node), "click", "--repeat", 2, "--delay", 10, 1)
+        self.aim(node)
+        self._xdotool("click", "--repeat", 2, "--delay", 10, 1)
+
+    @contextlib.contextmanager
+    def held(self, node, place=MIDDLE):
+        """The left button is down on a widget for as long as this lasts."""
+        self.aim(node, place)
+        self._xdotool("mousedown", 1)
+        try:
+            yield
+        finally:
+            self._xdotool("mouseup", 1)
+
+    def turn_wheel(self, node, up):
+        """One notch of the wheel over a widget."""
+        self.click(node, button=4 if up else 5)
+
+    def aim(self, node, place=MIDDLE):
+        """Moves the pointer to a widget. A program speaks of a window as shown when it has asked for it; until
+        the screen shows it, and where the window manager puts it, a click would go to what lies below."""
+        window = self._window_of(node)
+
+        def look():
+            self._xdotool("mousemove", *self.point_of(node, place))
+            inside = window.get_extents(Atspi.CoordType.SCREEN)
+            left, top, width, height = self._under_pointer()
+            margins = (inside.x - left, inside.y - top, left + width - inside.x - inside.width,
+                       top + height - inside.y - inside.height)
+            return all(0 <= margin <= LARGEST_FRAME for margin in margins)
+        wait_for(look, LIMIT, f"'{node.get_name()}' to lie open")
+
+    @staticmethod
+    def _window_of(node):
+        while node.get_parent().get_role() != Atspi.Role.APPLICATION:
+            node = node.get_parent()
+        return node
+
+    @staticmethod
+    def _under_pointer():
+        """Place and size of the window that a click would go to, with its frame."""
+        def ask(*command):
+            told = subprocess.run(["xdotool", *command], check=False, stdout=subprocess.PIPE,
+                                  stderr=subprocess.DEVNULL, text=True).stdout
+            return dict(line.split("=") for line in told.split())
+        told = ask("getwindowgeometry", "--shell", ask("getmouselocation", "--shell")["WINDOW"])
+        return tuple(int(told.get(name, 0)) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
     def press(self, *keys):
         self._xdotool("key", *keys)
+
+    def press_often(self, key, times):
+        self._xdotool("key", "--delay", 5, "--repeat", times, key)
 
     # --- the message boxes ------------------------------------------------------------------------
 
@@ -174,17 +239,52 @@ class Driver:
         node.clear_cache()
         return Atspi.Text.get_text(node, 0, -1)
 
+    @staticmethod
+    def place(node):
+        """Left, top, width and height on the screen."""
+        box = node.get_extents(Atspi.CoordType.SCREEN)
+        return box.x, box.y, box.width, box.height
+
+    @staticmethod
+    def colour(x, y):
+        """What the screen shows at a point."""
+        return subprocess.run(["import", "-silent", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "rgb:-"],
+                              check=True, stdout=subprocess.PIPE).stdout
+
     def date(self, program):
         """The day that the calendar shows as chosen, year/month/day; nothing where none is."""
         def look():
             for top in self.windows(program):
-                for node in self._walk(top):
+                for node in self.nodes(top):
                     try:
                         return datetime.strptime(node.get_name(), "%A, %d %B %Y").strftime("%Y/%m/%d")
                     except ValueError:
                         continue
             return None
         return look()
+
+    def click_day(self, program, year, month, day):
+        """Chooses a day of the month that the calendar shows."""
+        node = self.calendar(program)
+        first, _ = calendar.monthrange(year, month)  # weeks begin with Monday, as in the locale of the tests
+        row, column = divmod(first + day - 1, 7)
+        box = node.get_extents(Atspi.CoordType.SCREEN)
+        # Below the title come the names of the days and six weeks, all of one height, inside a margin.
+        height = (box.height - CALENDAR_TITLE - CALENDAR_MARGIN) / 7
+        x = CALENDAR_MARGIN + (column + 0.5) * (box.width - 2 * CALENDAR_MARGIN) / 7
+        y = CALENDAR_TITLE + (row + 1.5) * height
+        self.click(node, (x / box.width, y / box.height))
+
+    def calendar(self, program):
+        """The calendar, which is called after the day or the month that it shows."""
+        def look():
+            try:
+                return next((node for top in self.windows(program) for node in self.nodes(top)
+                             if CALENDAR_NAME.fullmatch(node.get_name()) and
+                             node.get_role_name() not in ("push button", "label")), None)
+            except GLib.Error:
+                return None
+        return wait_for(look, LIMIT, "the calendar")
 
     def picture(self, path, window=None):
         """Saves the whole screen, or what it shows of one window."""

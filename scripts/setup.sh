@@ -1,10 +1,12 @@
 # What the commands at the root share: missing Debian packages, configuring, building. Sourced by them.
 
-build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev libsystemd-dev libsqlite3-dev
-                sqlite3 libgtest-dev)
+build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev libfontconfig-dev libsystemd-dev libsqlite3-dev
+                libgtest-dev)
 run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-atspi-2.0 python3 python3-dbus
               python3-gi fonts-liberation)
 check_packages=(clang-format)
+fuzz_packages=(clang libclang-rt-14-dev)
+bench_packages=(libbenchmark-dev libxcb1-dev libxcb-damage0-dev)
 
 # Installs those of the named packages that are missing.
 install_packages() {
@@ -31,4 +33,11 @@ configure_tree() {
   mkdir -p "$folder"
   cmake -S "$top" -B "$folder" -G Ninja "$@" >"$folder/configure.log" 2>&1 ||
     { cat "$folder/configure.log" >&2; exit 1; }
+}
+
+# The fuzzers, in build/fuzz.
+build_fuzzers() {
+  install_packages "${build_packages[@]}" "${fuzz_packages[@]}"
+  configure_tree "$top/build/fuzz" -DCMAKE_CXX_COMPILER=clang++ -DHORALINK_FUZZ=ON -DHORALINK_SANITIZE=ON
+  cmake --build "$top/build/fuzz" --target fuzzers
 }

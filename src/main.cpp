@@ -8,6 +8,7 @@
 #include "platform/data/sqlite/SqliteEngine.h"
 #include "platform/desktop/IniSettings.h"
 #include "platform/desktop/Paths.h"
+#include "platform/desktop/ProgramFile.h"
 #include "platform/desktop/qt/QtDesktop.h"
 #include "shell/AddInMain.h"
 #include "shell/cOLELayer.h"
@@ -29,7 +30,7 @@ Application Identity(int argc, char** argv) {
     app.major = 13;
     app.minor = 0;
     app.revision = 1;
-    app.path = PathText(std::filesystem::read_symlink("/proc/self/exe").parent_path());
+    app.path = PathText(ProgramFile().parent_path());
     app.command = CommandLine(argc, argv);
     app.startMode = app.command == u"-Embedding" ? 1 : 0;
     return app;

@@ -10,7 +10,7 @@ using platform::DecimalText;
 using platform::Text;
 
 void Show(platform::MessageBoxes& boxes, Text prompt) {
-    boxes.Show({std::move(prompt), platform::buttons::critical, Text(u"System Fatal Notice"), {}, 0});
+    boxes.Show({std::move(prompt), platform::buttons::critical, Text(noticeTitle), {}, 0});
 }
 
 }  // namespace

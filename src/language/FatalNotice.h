@@ -6,6 +6,8 @@
 
 namespace horalink {
 
+inline constexpr platform::TextView noticeTitle = u"System Fatal Notice";
+
 // "description [number]".
 void ShowShortNotice(platform::MessageBoxes& boxes, const platform::RuntimeError& error);
 

@@ -1,5 +1,7 @@
 #include "language/MsgBoxButtons.h"
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 
 #include "language/TextTokens.h"
@@ -41,12 +43,20 @@ constexpr Constant constants[] = {
     {u"vbMsgBoxRtlReading", buttons::rightToLeft},
 };
 
+const Constant* Find(TextView name) {
+    return std::find_if(std::begin(constants), std::end(constants),
+                        [&](const Constant& constant) { return constant.name == name; });
+}
+
 }  // namespace
 
+bool IsMsgBoxConstant(TextView name) {
+    return Find(name) != std::end(constants);
+}
+
 std::int32_t MsgBoxConstantValue(TextView name) {
-    for (const Constant& constant : constants)
-        if (constant.name == name) return constant.value;
-    return 0;
+    const Constant* constant = Find(name);
+    return constant == std::end(constants) ? 0 : constant->value;
 }
 
 std::int32_t ParseMsgBoxButtons(TextView text) {

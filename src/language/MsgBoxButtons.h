@@ -14,4 +14,7 @@ std::int32_t ParseMsgBoxButtons(platform::TextView text);
 // The value of one name, exactly as written; 0 for one that isn't known.
 std::int32_t MsgBoxConstantValue(platform::TextView name);
 
+// Tells a name whose value is 0 from one that isn't known.
+bool IsMsgBoxConstant(platform::TextView name);
+
 }  // namespace horalink

@@ -1,98 +1,70 @@
 // The connection itself: names, creation, flushing, loss.
-#include "StrangerTest.h"
+#include "BusTest.h"
 
 namespace platform::test {
 namespace {
 
-using ConnectionTest = StrangerTest;
+using ConnectionTest = BusTest;
+
+const auto nothing = [] { return nullptr; };
 
 TEST_F(ConnectionTest, WithoutABusThereIsNoConnection) {
-    const std::string address = getenv("DBUS_SESSION_BUS_ADDRESS");
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/socket", 1);
     EXPECT_EQ(ErrorOf([&] { Connect(); }), 462);
-    setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
 }
 
-TEST_F(ConnectionTest, NameThatIsTaken) {
-    EXPECT_EQ(ErrorOf([&] { client->ServeClass("Test.cScripted", [] { return nullptr; }); }), 429);
-    EXPECT_EQ(ErrorOf([&] { server->ServeClass("Test.cScripted", [] { return nullptr; }); }), 429);
-    EXPECT_EQ(ErrorOf([&] { server->ServeClass("no name", [] { return nullptr; }); }), 429);
+TEST_F(ConnectionTest, ANameThatIsTakenOrNoneCannotBeServed) {
+    EXPECT_EQ(ErrorOf([&] { client->ServeClass("Test.cScripted", nothing); }), 429);
+    EXPECT_EQ(ErrorOf([&] { server->ServeClass("Test.cScripted", nothing); }), 429);
+    EXPECT_EQ(ErrorOf([&] { server->ServeClass("no name", nothing); }), 429);
 }
 
 TEST_F(ConnectionTest, CreationFailsWith429AndTheCause) {
     create = []() -> ObjectRef { throw RuntimeError(53, u"file missing"); };
-    try {
-        client->CreateObject(u"Test.cScripted");
-        ADD_FAILURE();
-    } catch (const RuntimeError& error) {
-        EXPECT_EQ(error.Number(), 429);
-        EXPECT_NE(error.Description().find(u"file missing"), Text::npos);
-    }
-    create = [] { return nullptr; };
-    const TextView names[] = {u"Test.cScripted",
-                              u"Test.cNobody",
-                              u"plain",
-                              u"",
-                              u"Bad name",
-                              u"7.c",
-                              TextView(u"Test.c\0x", 8),
-                              u"SwitchDeskProj-\u00FC.cPBXOle"};
-    for (const TextView name : names)
+    const RuntimeError error = Raised([&] { client->CreateObject(u"Test.cScripted"); });
+    EXPECT_EQ(error.Number(), 429);
+    EXPECT_NE(error.Description().find(u"file missing"), Text::npos);
+    create = nothing;
+    for (const TextView name : {TextView(u"Test.cScripted"), TextView(u"Test.cNobody"), TextView(u"plain"),
+                                TextView(u""), TextView(u"Bad name"), TextView(u"7.c"),
+                                TextView(u"Test.c\0x", 8), TextView(u"SwitchDeskProj-\u00FC.cPBXOle")})
         EXPECT_EQ(ErrorOf([&] { client->CreateObject(name); }), 429) << ToUtf8(name);
 }
 
-TEST_F(ConnectionTest, SeveralClassesOfOneProcess) {
-    const auto named = [](const char16_t* name) {
-        return [name] {
-            return std::make_shared<ScriptedObject>(
-                std::vector<Member>{Method("Name", 0, [name](Arguments&) { return Value(name); })});
-        };
-    };
-    create = named(u"scripted");
+TEST_F(ConnectionTest, AProcessServesSeveralClassesByTheirNames) {
     // With one class alone, the connection's own name will do.
-    const Reference reference = CreateForStranger(std::vector<Member>{});
-    create = named(u"scripted");
-    EXPECT_EQ(
-        stranger.Call(reference.owner, bus::factoryPath, bus::factoryInterface, "CreateInstance", "").error,
-        "");
-    server->ServeClass("Test.cOther", named(u"other"));
-    EXPECT_TRUE(Call(client->CreateObject(u"Test.cOther"), "Name") == Value(u"other"));
-    EXPECT_TRUE(Call(client->CreateObject(u"Test.cScripted"), "Name") == Value(u"scripted"));
-    EXPECT_EQ(
-        stranger.Call(reference.owner, bus::factoryPath, bus::factoryInterface, "CreateInstance", "").number,
-        429);
+    const Reference own{CreateForStranger(Scripted()).owner, bus::factoryPath};
+    const auto createByOwnName = [&] { return stranger.Call(own, bus::factoryInterface, "CreateInstance"); };
+    create = [] { return Scripted({Named(u"scripted")}); };
+    EXPECT_EQ(createByOwnName().error, "");
+    server->ServeClass("Test.cOther", [] { return Scripted({Named(u"other")}); });
+    EXPECT_EQ(Call(client->CreateObject(u"Test.cOther"), "Name"), Value(u"other"));
+    EXPECT_EQ(Call(client->CreateObject(u"Test.cScripted"), "Name"), Value(u"scripted"));
+    EXPECT_EQ(createByOwnName().number, 429);
 }
 
 TEST_F(ConnectionTest, CreationWithoutAnswerMakesNothing) {
     bool made = false;
-    create = [&]() -> ObjectRef {
-        made = true;
-        return nullptr;
-    };
-    stranger.Notify(
-        stranger.NewCall("Test.cScripted", bus::factoryPath, bus::factoryInterface, "CreateInstance"));
+    create = [&] { return made = true, nullptr; };
+    stranger.Notify(stranger.NewCall(factory, bus::factoryInterface, "CreateInstance"));
     // Calls are served in their order: what follows is answered behind it.
-    create = nullptr;
-    stranger.Call("Test.cScripted", "/", "org.freedesktop.DBus.Introspectable", "Introspect", "");
+    stranger.Call(factory, "org.freedesktop.DBus.Introspectable", "Introspect");
     EXPECT_FALSE(made);
 }
 
-TEST_F(ConnectionTest, CreatorMayCallOut) {
-    ObjectRef host = StrangersObject();
-    stranger.whenCalled = [&](const MessageRef& call) { stranger.ReturnResult(call, "s", "asked"); };
+TEST_F(ConnectionTest, ACreatorMayCallOut) {
+    const ObjectRef host = StrangersObject();
+    AnswerAll("asked");
     Text told;
     const auto second = Connect();
-    second->ServeClass("Test.cAsking", [&]() -> ObjectRef {
-        told = Call(host, "Ask").ToText();
-        return std::make_shared<ScriptedObject>(std::vector<Member>{});
-    });
+    second->ServeClass("Test.cAsking", [&] { return told = Call(host, "Ask").ToText(), Scripted(); });
     EXPECT_NE(server->CreateObject(u"Test.cAsking"), nullptr);
     EXPECT_EQ(told, u"asked");
 }
 
 TEST_F(ConnectionTest, LossEndsWaitsAndGivesBackReferences) {
     const ObjectRef host = StrangersObject();
-    const auto object = std::make_shared<ScriptedObject>(std::vector<Member>{});
+    const auto object = Scripted();
     int gone = 0, ownerGone = 0;
     object->whenLastClientGone = [&] { ++gone; };
     std::vector<bool> told;
@@ -106,7 +78,7 @@ TEST_F(ConnectionTest, LossEndsWaitsAndGivesBackReferences) {
     // Everything that comes later fails at once.
     EXPECT_EQ(ErrorOf([&] { Call(held, "Anything"); }), 462);
     EXPECT_EQ(ErrorOf([&] { client->CreateObject(u"Test.cScripted"); }), 429);
-    EXPECT_EQ(ErrorOf([&] { client->ServeClass("Test.cLater", [] { return nullptr; }); }), 429);
+    EXPECT_EQ(ErrorOf([&] { client->ServeClass("Test.cLater", nothing); }), 429);
     client->Flush();
     loop.ServeReady();
 }
@@ -114,7 +86,7 @@ TEST_F(ConnectionTest, LossEndsWaitsAndGivesBackReferences) {
 TEST_F(ConnectionTest, LossEndsABusyRetry) {
     const ObjectRef host = StrangersObject();
     stranger.whenCalled = [&](const MessageRef& call) {
-        stranger.ReturnError(call, bus::busyErrorName, "later");
+        sd_bus_reply_method_errorf(call.get(), bus::busyErrorName, "later");
     };
     const auto stopping = loop.Every(Milliseconds(1), [&] {
         if (!stranger.calls.empty()) bus.Stop();
@@ -125,20 +97,14 @@ TEST_F(ConnectionTest, LossEndsABusyRetry) {
 TEST_F(ConnectionTest, FlushSendsWhatWaitsAndKeepsCallsForLater) {
     // While the daemon stands still, so much is sent that it can't all leave.
     bool called = false;
-    const Reference reference =
-        CreateForStranger({Method("Big", 0, [](Arguments&) { return Value(Text(512 << 10, u'x')); }),
-                           Method("Poke", 0, [&](Arguments&) {
-                               called = true;
-                               return Value();
-                           })});
-    const MessageRef big = stranger.NewCall(reference.owner, reference.path, bus::objectInterface, "Invoke");
-    sd_bus_message_append(big.get(), "sqav", "Big", 1, 0);
-    const auto answer = stranger.Send(big);
+    const Reference object =
+        CreateForStranger({Method("Big", 0, [](Arguments&) { return Text(512 << 10, u'x'); }),
+                           Method("Poke", 0, [&](Arguments&) { called = true; })});
+    const auto answer = stranger.Send(stranger.NewInvoke(object, "Big"));
     stranger.RoundTrip();
-    bus.Narrow();
     bus.Freeze();
     loop.ServeReady();
-    NotifyOf(reference, "Poke");
+    Poke(object);
     bus.Thaw();
     server->Flush();
     EXPECT_FALSE(called);
@@ -147,42 +113,38 @@ TEST_F(ConnectionTest, FlushSendsWhatWaitsAndKeepsCallsForLater) {
 
 TEST_F(ConnectionTest, FlushDoesNotHangOnADaemonThatStandsStill) {
     const ObjectRef host = StrangersObject();
-    bus.Narrow();
     bus.Freeze();
     const auto timer = loop.After(Milliseconds(0), [&] {
         client->Flush();
         bus.Thaw();
     });
-    stranger.whenCalled = [&](const MessageRef& call) { stranger.ReturnResult(call, "s", "arrived"); };
-    EXPECT_TRUE(Call(host, "Take", Text(512 << 10, u'x')) == Value(u"arrived"));
+    AnswerAll("arrived");
+    EXPECT_EQ(Call(host, "Take", Text(512 << 10, u'x')), Value(u"arrived"));
 }
 
-TEST_F(ConnectionTest, CallThatArrivesWhileANameIsAskedFor) {
+TEST_F(ConnectionTest, ACallThatArrivesWhileANameIsAskedForIsServed) {
     // The library takes it in along with the daemon's answer, and the descriptor tells nothing of it.
     bool called = false;
-    const Reference reference = CreateForStranger({Method("Poke", 0, [&](Arguments&) {
-        called = true;
-        return Value();
-    })});
-    NotifyOf(reference, "Poke");
+    Poke(CreateForStranger({Method("Poke", 0, [&](Arguments&) { called = true; })}));
     stranger.RoundTrip();
-    server->ServeClass("Test.cLater", [] { return nullptr; });
+    server->ServeClass("Test.cLater", nothing);
     EXPECT_FALSE(called);
     EXPECT_TRUE(loop.ServeUntil([&] { return called; }));
 }
 
 TEST_F(ConnectionTest, PingIsServedOnEveryPath) {
-    const Reference reference = CreateForStranger(std::vector<Member>{});
-    for (const char* path : {"/", reference.path.c_str(), "/nowhere"})
-        EXPECT_EQ(stranger.Call(reference.owner, path, "org.freedesktop.DBus.Peer", "Ping", "").error, "");
+    const Reference object = CreateForStranger(Scripted());
+    for (const std::string path : {"/", object.path.c_str(), "/nowhere"})
+        EXPECT_EQ(stranger.Call(Reference{object.owner, path}, "org.freedesktop.DBus.Peer", "Ping").error,
+                  "");
 }
 
 TEST_F(ConnectionTest, ManyCallsLeaveTimersTheirTurn) {
-    const Reference reference = CreateForStranger({Method("Poke", 0, [](Arguments&) { return Value(); })});
-    for (int i = 0; i < 1000; ++i) NotifyOf(reference, "Poke");
+    const Reference object = CreateForStranger({Method("Poke", 0, [](Arguments&) {})});
+    for (int i = 0; i < 1000; ++i) Poke(object);
     bool timerRan = false;
     const auto timer = loop.After(Milliseconds(0), [&] { timerRan = true; });
-    EXPECT_EQ(Invoke(reference, "Poke").error, "");
+    EXPECT_EQ(stranger.Invoke(object, "Poke").error, "");
     EXPECT_TRUE(timerRan);
 }
 

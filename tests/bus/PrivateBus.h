@@ -1,34 +1,74 @@
 // A bus of the test's own, with a daemon that knows nothing of the machine.
 #pragma once
 
-#include <sys/types.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#include <string>
+#include "../unit/TemporaryDirectory.h"
 
 namespace platform::test {
 
 class PrivateBus {
   public:
     // Starts the daemon and makes it the session bus of the environment.
-    PrivateBus();
-    ~PrivateBus();
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
+    PrivateBus() {
+        const std::string path = directory_.Path(), address = "unix:path=" + path + "/socket";
+        directory_.Write(
+            "bus.conf", "<busconfig><type>session</type><listen>" + address + "</listen><servicedir>" + path +
+                            "</servicedir><policy context='default'><allow send_destination='*'/>" +
+                            "<allow receive_sender='*'/><allow own='*'/></policy>" + Limit("message_size") +
+                            Limit("incoming_bytes") + Limit("outgoing_bytes") + "</busconfig>");
+        const std::string command = "exec " DBUS_DAEMON " --nofork --print-address --config-file=" + path +
+                                    "/bus.conf 2>" + path + "/log";
+        int output[2];
+        if (pipe(output) != 0) throw std::runtime_error("no pipe");
+        daemon_ = fork();
+        if (daemon_ == 0) {
+            dup2(output[1], STDOUT_FILENO);
+            execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+            _exit(127);
+        }
+        close(output[1]);
+        // The address comes once the daemon listens.
+        char first = 0;
+        const bool listens = read(output[0], &first, 1) == 1;
+        close(output[0]);
+        if (!listens) throw std::runtime_error("the bus daemon did not start");
+        setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+    }
+    ~PrivateBus() { Stop(); }
 
     // Has the daemon start `command` for a name. Only once someone has connected: until then the signal to
     // read its directories anew would end the daemon.
-    void AddService(const std::string& name, const std::string& command);
-    void Stop();
-    // Keeps the daemon from reading and writing, and lets it go on.
-    void Freeze();
-    void Thaw();
-
-    // Leaves all connections of this process room for little at a time, so that a text of half a megabyte
-    // can't leave at once.
-    static void Narrow();
+    void AddService(const std::string& name, const std::string& command) {
+        directory_.Write(name + ".service", "[D-BUS Service]\nName=" + name + "\nExec=" + command + "\n");
+        kill(daemon_, SIGHUP);
+    }
+    void Stop() {
+        if (daemon_ == 0) return;
+        kill(daemon_, SIGKILL);
+        waitpid(daemon_, nullptr, 0);
+        daemon_ = 0;
+    }
+    // Keeps the daemon from reading and writing, and leaves all connections of this process room for little
+    // at a time, so that a text of half a megabyte can't leave at once.
+    void Freeze() {
+        const int size = 4096;
+        for (int descriptor = 3; descriptor < 64; ++descriptor)
+            setsockopt(descriptor, SOL_SOCKET, SO_SNDBUF, &size, sizeof size);
+        kill(daemon_, SIGSTOP);
+        waitpid(daemon_, nullptr, WUNTRACED);
+    }
+    void Thaw() { kill(daemon_, SIGCONT); }
 
   private:
-    std::string directory_;
+    static std::string Limit(const std::string& name) {
+        return "<limit name='max_" + name + "'>100000000</limit>";
+    }
+
+    TemporaryDirectory directory_;
     pid_t daemon_ = 0;
 };
 

@@ -1,83 +1,150 @@
 // A stranger on the bus: messages by hand.
 #pragma once
 
-#include <functional>
 #include <string>
-#include <vector>
 
 #include "PollLoop.h"
+#include "platform/automation/Names.h"
 #include "platform/automation/dbus/Handles.h"
 
 namespace platform::test {
 
-// What a call was answered with.
+// Where an object is, as a stranger learns it.
+struct Reference {
+    std::string owner, path;
+};
+
+// What a call was answered with; `error` and `number` are those of an error answer.
 struct Answer {
     MessageRef message;
-    // Of an error answer, otherwise empty.
     std::string error;
     std::int32_t number = 0;
 };
 
 class RawPeer {
   public:
-    explicit RawPeer(PollLoop& loop);
-    ~RawPeer();
-    RawPeer(const RawPeer&) = delete;
-    RawPeer& operator=(const RawPeer&) = delete;
+    explicit RawPeer(PollLoop& loop) : loop_(loop) {
+        sd_bus* bus = nullptr;
+        if (sd_bus_open_user(&bus) < 0) throw std::runtime_error("no bus");
+        bus_.reset(bus);
+        sd_bus_add_filter(bus, nullptr, OnMessage, this);
+        readable_ = loop.WhenReadable(sd_bus_get_fd(bus), [this] { Process(); });
+    }
+    ~RawPeer() { Leave(); }
 
-    const std::string& Name() const { return name_; }
+    const char* Name() const {
+        const char* name = "";
+        sd_bus_get_unique_name(bus_.get(), &name);
+        return name;
+    }
     sd_bus* Bus() const { return bus_.get(); }
 
-    // Calls and serves the loop until the answer is there. `types` and what follows as for the bus library.
+    // `types` and what follows as for the bus library.
     template <class... Parts>
-    Answer Call(const std::string& destination, const std::string& path, const char* interface,
-                const char* member, const char* types, Parts... parts) {
-        const MessageRef call = NewCall(destination, path, interface, member);
-        sd_bus_message_append(call.get(), types, parts...);
-        return Await(call);
+    MessageRef NewCall(const Reference& to, const char* interface, const char* member, const char* types = "",
+                       Parts... parts) {
+        sd_bus_message* call = nullptr;
+        if (sd_bus_message_new_method_call(Bus(), &call, to.owner.c_str(), to.path.c_str(), interface,
+                                           member) < 0)
+            throw std::runtime_error("no call");
+        sd_bus_message_append(call, types, parts...);
+        return Adopted(call);
     }
-    MessageRef NewCall(const std::string& destination, const std::string& path, const char* interface,
-                       const char* member);
-    Answer Await(const MessageRef& call);
+    // A late-bound call with `count` arguments, each given with its type.
+    template <class... Parts>
+    MessageRef NewInvoke(const Reference& to, const char* member, int count = 0, Parts... parts) {
+        return NewCall(to, bus::objectInterface, "Invoke", "sqav", member, 1, count, parts...);
+    }
+    template <class... Parts>
+    Answer Call(Parts... parts) {
+        return Await(NewCall(parts...));
+    }
+    template <class... Parts>
+    Answer Invoke(Parts... parts) {
+        return Await(NewInvoke(parts...));
+    }
+
     // Sends a call; the result gets its answer once the loop is served.
     struct Pending {
         SlotRef slot;
         MessageRef message;
     };
-    std::unique_ptr<Pending> Send(const MessageRef& call);
-    // Comes back when the daemon has handed on all that was sent before.
-    void RoundTrip();
+    std::unique_ptr<Pending> Send(const MessageRef& call) {
+        auto pending = std::make_unique<Pending>();
+        const auto keep = [](sd_bus_message* message, void* place, sd_bus_error*) {
+            static_cast<Pending*>(place)->message = Shared(message);
+            return 1;
+        };
+        sd_bus_slot* slot = nullptr;
+        sd_bus_call_async(Bus(), &slot, call.get(), keep, pending.get(), UINT64_MAX);
+        pending->slot.reset(slot);
+        return pending;
+    }
+    Answer Await(const MessageRef& call) {
+        const auto pending = Send(call);
+        loop_.ServeUntil([&] { return Process(), pending->message != nullptr; });
+        if (!pending->message) throw std::runtime_error("no answer");
+        Answer answer{pending->message, {}, 0};
+        if (const sd_bus_error* error = sd_bus_message_get_error(pending->message.get())) {
+            answer.error = error->name;
+            sd_bus_message_rewind(pending->message.get(), true);
+            sd_bus_message_read(pending->message.get(), "si", nullptr, &answer.number);
+        }
+        return answer;
+    }
     // Sends a call that wants no answer.
-    void Notify(const MessageRef& call);
+    void Notify(const MessageRef& call) {
+        sd_bus_message_set_expect_reply(call.get(), 0);
+        sd_bus_send(Bus(), call.get(), nullptr);
+    }
+    // Comes back when the daemon has handed on all that was sent before: it answers ahead of handing on what
+    // its queues of the same round hold, but the second answer is behind that.
+    void RoundTrip() {
+        for (int i = 0; i < 2; ++i)
+            sd_bus_call_method(Bus(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId", nullptr,
+                               nullptr, "");
+    }
 
     // What to do with every call but those of the bus's own interfaces; by default they are kept unanswered.
     std::function<void(const MessageRef&)> whenCalled;
     std::vector<MessageRef> calls;
-    // How many calls of a member came.
-    std::size_t CallsOf(std::string_view member) const;
+    long CallsOf(std::string_view member) const {
+        return std::count_if(calls.begin(), calls.end(), [&](const MessageRef& call) {
+            return sd_bus_message_get_member(call.get()) == member;
+        });
+    }
 
-    void ReturnNothing(const MessageRef& call);
-    void ReturnError(const MessageRef& call, const char* name, const char* text);
-    // Answers a late-bound call with a result and the arguments "av" without entries.
+    template <class... Parts>
+    void Return(const MessageRef& call, const char* types, Parts... parts) {
+        sd_bus_reply_method_return(call.get(), types, parts...);
+    }
+    // Answers a late-bound call, with no changed arguments.
     template <class... Parts>
     void ReturnResult(const MessageRef& call, const char* type, Parts... parts) {
-        const MessageRef answer = NewReturn(call);
-        sd_bus_message_append(answer.get(), "v", type, parts...);
-        sd_bus_message_append(answer.get(), "av", 0);
-        sd_bus_send(bus_.get(), answer.get(), nullptr);
+        Return(call, "vav", type, parts..., 0);
     }
-    MessageRef NewReturn(const MessageRef& call);
 
     // Leaves the bus without giving anything back.
-    void Leave();
+    void Leave() {
+        readable_.reset();
+        sd_bus_close(Bus());
+    }
 
   private:
-    static int OnMessage(sd_bus_message* message, void* self, sd_bus_error*);
-    void Process();
+    static int OnMessage(sd_bus_message* message, void* context, sd_bus_error*) {
+        if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) return 0;
+        auto* self = static_cast<RawPeer*>(context);
+        const auto call = self->calls.emplace_back(Shared(message));
+        if (self->whenCalled) self->whenCalled(call);
+        return 1;
+    }
+    void Process() {
+        while (sd_bus_process(Bus(), nullptr) > 0) continue;
+        if (sd_bus_is_open(Bus()) <= 0) readable_.reset();
+    }
 
     PollLoop& loop_;
     BusRef bus_;
-    std::string name_;
     HandleRef readable_;
 };
 

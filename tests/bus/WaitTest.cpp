@@ -1,182 +1,158 @@
 // What goes on while an outgoing call waits for its answer.
-#include "StrangerTest.h"
+#include "BusTest.h"
 
 namespace platform::test {
 namespace {
 
-class WaitTest : public StrangerTest {
-  protected:
+struct WaitTest : BusTest {
     WaitTest() {
-        settings.pendingTimeout = 60000;
-        settings.pendingTitle = u"pending";
-        settings.pendingText = u"no answer";
-        settings.busyTitle = u"busy";
-        settings.busyText = u"refused";
+        settings = {10000, 60000, u"busy", u"refused", u"pending", u"no answer"};
         host = StrangersObject();
     }
-
     // Has the stranger refuse so many calls, and answer those behind them.
-    void RefuseFirst(std::size_t count) {
+    void RefuseFirst(long count) {
         stranger.whenCalled = [this, count](const MessageRef& call) {
             if (stranger.CallsOf("Invoke") <= count)
-                stranger.ReturnError(call, bus::busyErrorName, "later");
+                sd_bus_reply_method_errorf(call.get(), bus::busyErrorName, "later");
             else
                 stranger.ReturnResult(call, "s", "taken");
         };
     }
-
+    std::int32_t ErrorOfCall() {
+        return ErrorOf([&] { Call(host, "Anything"); });
+    }
+    // What a call borrows, kept by the stranger, so that it can be called after the answer.
+    Reference Retained(const MessageRef& call) {
+        const Reference taken = ReferenceIn(call);
+        stranger.Notify(stranger.NewCall(taken, bus::objectInterface, "Retain"));
+        return taken;
+    }
     ObjectRef host;
 };
 
 TEST_F(WaitTest, ServesCallsOfTheCalleeMeanwhile) {
     // The server calls the client's object back, and that calls the server again.
     ObjectRef object;
-    const auto mine = std::make_shared<ScriptedObject>(
-        std::vector<Member>{Method("Back", 0, [&](Arguments&) { return Call(object, "Deep"); })});
-    object =
-        Created({Method("Run", 1, [](Arguments& arguments) { return Call(arguments[0].ToObject(), "Back"); }),
-                 Method("Deep", 0, [](Arguments&) { return Value(u"deep"); })});
-    EXPECT_TRUE(Call(object, "Run", mine) == Value(u"deep"));
+    const auto mine = Scripted({Method("Back", 0, [&](Arguments&) { return Call(object, "Name"); })});
+    object = Created(
+        {Method("Run", 1, [](Arguments& a) { return Call(a[0].ToObject(), "Back"); }), Named(u"deep")});
+    EXPECT_EQ(Call(object, "Run", mine), Value(u"deep"));
 }
 
 TEST_F(WaitTest, HoldsInputBackForTheCallOnly) {
-    std::vector<int> holds;
-    const auto timer = loop.After(Milliseconds(0), [&] { holds.push_back(loop.Holds()); });
+    long holds = -1;
+    const auto timer = loop.After(Milliseconds(0), [&] { holds = loop.Holds(); });
     stranger.whenCalled = [&](const MessageRef& call) {
-        if (holds.empty()) loop.ServeUntil([&] { return !holds.empty(); });
+        loop.ServeUntil([&] { return holds >= 0; });
         stranger.ReturnResult(call, "s", "");
     };
     Call(host, "Anything");
-    EXPECT_EQ(holds, std::vector<int>{1});
+    EXPECT_EQ(holds, 1);
     EXPECT_EQ(loop.Holds(), 0);
 }
 
-class OrderTest : public WaitTest, public ::testing::WithParamInterface<bool> {};
-
 // Both messages lie ready when the client looks: what came first has to take effect first.
-TEST_P(OrderTest, AnswerAndCallTakeEffectInTheirOrder) {
-    const bool answerFirst = GetParam();
-    std::vector<std::string> events;
-    const auto mine = std::make_shared<ScriptedObject>(std::vector<Member>{Method("Back", 0, [&](Arguments&) {
-        events.push_back("called");
-        return Value();
-    })});
-    stranger.whenCalled = [&](const MessageRef& call) {
-        const Reference taken = ArgumentIn(call);
-        // Kept by the stranger, so that it can be called after the answer.
-        stranger.Notify(stranger.NewCall(taken.owner, taken.path, bus::objectInterface, "Retain"));
-        if (answerFirst) stranger.ReturnResult(call, "s", "");
-        NotifyOf(taken, "Back");
-        if (!answerFirst) stranger.ReturnResult(call, "s", "");
-        stranger.RoundTrip();
-    };
-    Call(host, "Take", mine);
-    events.push_back("returned");
-    EXPECT_TRUE(loop.ServeUntil([&] { return events.size() == 2; }));
-    EXPECT_EQ(events.front(), answerFirst ? "returned" : "called");
+TEST_F(WaitTest, AnswerAndCallTakeEffectInTheirOrder) {
+    for (const bool answerFirst : {false, true}) {
+        std::vector<std::string> events;
+        const auto mine = Scripted({Method("Poke", 0, [&](Arguments&) { events.push_back("called"); })});
+        stranger.whenCalled = [&](const MessageRef& call) {
+            const Reference taken = Retained(call);
+            if (answerFirst) stranger.ReturnResult(call, "s", "");
+            Poke(taken);
+            if (!answerFirst) stranger.ReturnResult(call, "s", "");
+            stranger.RoundTrip();
+        };
+        Call(host, "Take", mine);
+        events.push_back("returned");
+        EXPECT_TRUE(loop.ServeUntil([&] { return events.size() == 2; }));
+        EXPECT_EQ(events.front(), answerFirst ? "returned" : "called");
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(BothWays, OrderTest, ::testing::Bool());
-
-TEST_F(WaitTest, LoopOnTopOfAnAnsweredWaitIsServed) {
+TEST_F(WaitTest, ALoopOnTopOfAnAnsweredWaitIsServed) {
     // A message box that a timer opens while a call is out is a loop of its own. It gets its calls although
     // the routine beneath it has its answer and can't go on.
     bool called = false, opened = false;
-    const auto mine = std::make_shared<ScriptedObject>(std::vector<Member>{Method("Poke", 0, [&](Arguments&) {
-        called = true;
-        return Value();
-    })});
+    const auto mine = Scripted({Method("Poke", 0, [&](Arguments&) { called = true; })});
     const auto box = loop.Every(Milliseconds(1), [&] {
         if (opened || stranger.calls.empty()) return;
         opened = true;
-        const Reference poked = ArgumentIn(stranger.calls[0]);
-        stranger.Notify(stranger.NewCall(poked.owner, poked.path, bus::objectInterface, "Retain"));
+        const Reference poked = Retained(stranger.calls[0]);
         stranger.ReturnResult(stranger.calls[0], "s", "");
-        NotifyOf(poked, "Poke");
+        Poke(poked);
         loop.ServeUntil([&] { return called; });
     });
     Call(host, "Take", mine);
     EXPECT_TRUE(called);
 }
 
-TEST_F(WaitTest, BusyCalleeIsTriedAgain) {
-    RefuseFirst(2);
-    EXPECT_TRUE(Call(host, "Anything") == Value(u"taken"));
-    EXPECT_EQ(stranger.CallsOf("Invoke"), 3u);
-    EXPECT_TRUE(boxes.opened.empty());
+TEST_F(WaitTest, ABusyCalleeIsTriedAgainUntilTheOperatorGivesUp) {
+    const struct {
+        int limit;
+        long refusals;
+        std::optional<bool> giveUp;
+        std::int32_t error;
+        std::size_t boxes;
+        long calls;
+    } cases[] = {{10000, 2, {}, 0, 0, 3},       // soon enough
+                 {150, 1000, true, 462, 1, 2},  // given up in the box
+                 {150, 5, false, 0, 2, 6},      // refused at 0, 200 (box), 400, 600 (box), 800
+                 {0, 2, {}, 0, 1, 3}};          // the box closes when the callee takes the call
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.refusals);
+        stranger.calls.clear();
+        boxes.opened.clear();
+        settings.busyTimeout = c.limit;
+        RefuseFirst(c.refusals);
+        boxes.decide = nullptr;
+        if (c.giveUp) boxes.decide = [&] { return *c.giveUp; };
+        EXPECT_EQ(ErrorOfCall(), c.error);
+        EXPECT_EQ(boxes.opened.size(), c.boxes);
+        EXPECT_EQ(boxes.open, 0);
+        EXPECT_EQ(stranger.CallsOf("Invoke"), c.calls);
+        if (c.boxes > 0) {
+            EXPECT_EQ(boxes.opened[0].title + boxes.opened[0].text, u"busyrefused");
+        }
+    }
 }
 
-TEST_F(WaitTest, BusyBoxGivesUp) {
-    settings.busyTimeout = 150;
-    RefuseFirst(1000);
-    boxes.decide = [] { return true; };
-    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462);
-    ASSERT_EQ(boxes.opened.size(), 1u);
-    EXPECT_EQ(boxes.opened[0].title, u"busy");
-    EXPECT_EQ(boxes.opened[0].text, u"refused");
-    EXPECT_EQ(boxes.nowOpen, 0);
-    EXPECT_EQ(stranger.CallsOf("Invoke"), 2u);
-}
-
-TEST_F(WaitTest, BusyBoxGoesOnAndTheLimitStartsAnew) {
-    settings.busyTimeout = 150;
-    RefuseFirst(5);
-    boxes.decide = [] { return false; };
-    EXPECT_TRUE(Call(host, "Anything") == Value(u"taken"));
-    // Refused at 0, 200 (box), 400, 600 (box), 800.
-    EXPECT_EQ(boxes.opened.size(), 2u);
-}
-
-TEST_F(WaitTest, BusyBoxClosesWhenTheCalleeTakesTheCall) {
-    settings.busyTimeout = 0;
-    RefuseFirst(2);
-    EXPECT_TRUE(Call(host, "Anything") == Value(u"taken"));
-    EXPECT_EQ(boxes.opened.size(), 1u);
-    EXPECT_EQ(boxes.nowOpen, 0);
-}
-
-TEST_F(WaitTest, PendingBoxClosesWhenTheAnswerComes) {
+TEST_F(WaitTest, ThePendingBoxClosesWhenTheAnswerComes) {
     settings.pendingTimeout = 20;
     const auto answering = loop.Every(Milliseconds(5), [&] {
-        if (boxes.nowOpen > 0 && !stranger.calls.empty()) {
-            stranger.ReturnResult(stranger.calls.back(), "s", "late");
-            stranger.calls.clear();
-        }
+        if (boxes.open == 0 || stranger.calls.empty()) return;
+        stranger.ReturnResult(stranger.calls.back(), "s", "late");
+        stranger.calls.clear();
     });
-    EXPECT_TRUE(Call(host, "Anything") == Value(u"late"));
+    EXPECT_EQ(Call(host, "Anything"), Value(u"late"));
     ASSERT_EQ(boxes.opened.size(), 1u);
-    EXPECT_EQ(boxes.opened[0].title, u"pending");
-    EXPECT_EQ(boxes.opened[0].text, u"no answer");
-    EXPECT_EQ(boxes.nowOpen, 0);
+    EXPECT_EQ(boxes.opened[0].title + boxes.opened[0].text, u"pendingno answer");
+    EXPECT_EQ(boxes.open, 0);
     // An answer of the operator that crossed the callee's changes nothing any more.
     boxes.opened[0].answer(true);
 }
 
-TEST_F(WaitTest, PendingBoxComesAgainAfterGoingOn) {
+TEST_F(WaitTest, ThePendingBoxComesAgainAfterGoingOn) {
     settings.pendingTimeout = 20;
     boxes.decide = [&] { return boxes.opened.size() == 3; };
-    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462);
+    EXPECT_EQ(ErrorOfCall(), 462);
     EXPECT_EQ(boxes.opened.size(), 3u);
-    EXPECT_EQ(boxes.nowOpen, 0);
+    EXPECT_EQ(boxes.open, 0);
 }
 
-TEST_F(WaitTest, LateAnswerIsDroppedAndItsReferencesGoBack) {
+TEST_F(WaitTest, ALateAnswerIsDroppedAndItsReferencesGoBack) {
     settings.pendingTimeout = 20;
     boxes.decide = [] { return true; };
-    std::weak_ptr<Object> argument;
-    {
-        const ObjectRef given = std::make_shared<ScriptedObject>(
-            std::vector<Member>{Method("Name", 0, [](Arguments&) { return Value(u"here"); })});
-        argument = given;
-        EXPECT_EQ(ErrorOf([&] { Call(host, "Take", given); }), 462);
-    }
+    auto given = Scripted({Named(u"here")});
+    const std::weak_ptr<Object> argument = given;
+    EXPECT_EQ(ErrorOf([&] { Call(host, "Take", given); }), 462);
+    given = nullptr;
     // The callee may still use what it borrowed.
     EXPECT_FALSE(argument.expired());
     ASSERT_EQ(stranger.calls.size(), 1u);
     const MessageRef call = stranger.calls[0];
-    EXPECT_EQ(Invoke(ArgumentIn(call), "Name").error, "");
-
-    stranger.ReturnResult(call, "(so)", stranger.Name().c_str(), "/Result");
+    EXPECT_EQ(stranger.Invoke(ReferenceIn(call), "Name").error, "");
+    stranger.ReturnResult(call, "(so)", stranger.Name(), "/Result");
     EXPECT_TRUE(loop.ServeUntil([&] { return stranger.CallsOf("Release") == 1; }));
     EXPECT_STREQ(sd_bus_message_get_path(stranger.calls.back().get()), "/Result");
     EXPECT_TRUE(argument.expired());
@@ -187,118 +163,90 @@ TEST_F(WaitTest, CreatingGivesUpWith429) {
     boxes.decide = [] { return true; };
     EXPECT_EQ(ErrorOf([&] { client->CreateObject(u"Test.cStranger"); }), 429);
     // The object that was made all the same goes back.
-    const MessageRef answer = stranger.NewReturn(stranger.calls.back());
-    sd_bus_message_append(answer.get(), "(so)", stranger.Name().c_str(), "/Made");
-    sd_bus_send(stranger.Bus(), answer.get(), nullptr);
+    stranger.Return(stranger.calls.back(), "(so)", stranger.Name(), "/Made");
     EXPECT_TRUE(loop.ServeUntil([&] { return stranger.CallsOf("Release") == 1; }));
 }
 
 TEST_F(WaitTest, InnerAndOuterWaitEndEachWithItsOwnAnswer) {
     // The stranger holds the outer call, calls the client, and answers the inner call behind the outer one.
-    std::vector<std::string> events;
+    std::vector<Text> events;
     MessageRef outer;
-    const auto mine = std::make_shared<ScriptedObject>(std::vector<Member>{Method("Back", 0, [&](Arguments&) {
-        const Value inner = Call(host, "Inner");
-        events.push_back("inner " + ToUtf8(inner.ToText()));
-        return Value();
-    })});
+    const auto mine =
+        Scripted({Method("Poke", 0, [&](Arguments&) { events.push_back(Call(host, "Inner").ToText()); })});
     stranger.whenCalled = [&](const MessageRef& call) {
-        if (!outer) {
-            outer = call;
-            NotifyOf(ArgumentIn(call), "Back");
-            return;
-        }
-        stranger.ReturnResult(outer, "s", "one");
-        stranger.ReturnResult(call, "s", "two");
+        if (!outer) return Poke(ReferenceIn(outer = call));
+        stranger.ReturnResult(outer, "s", "outer");
+        stranger.ReturnResult(call, "s", "inner");
     };
-    const Value result = Call(host, "Outer", mine);
-    events.push_back("outer " + ToUtf8(result.ToText()));
-    EXPECT_EQ(events, (std::vector<std::string>{"inner two", "outer one"}));
+    events.push_back(Call(host, "Outer", mine).ToText());
+    EXPECT_EQ(events, (std::vector<Text>{u"inner", u"outer"}));
 }
 
-TEST_F(WaitTest, EndPassesThroughAWait) {
+TEST_F(WaitTest, EndPassesThroughAWaitAndLeavesNothingBehind) {
     struct End {};
     settings.pendingTimeout = 20;
     const auto timer = loop.After(Milliseconds(0), [] { throw End(); });
     EXPECT_THROW(Call(host, "Anything"), End);
     EXPECT_EQ(loop.Holds(), 0);
-    // The wait that was left leaves nothing behind: no box, and nothing that holds others up.
-    stranger.whenCalled = [&](const MessageRef& call) { stranger.ReturnResult(call, "s", "next"); };
+    AnswerAll("next");
     settings.pendingTimeout = 60000;
-    EXPECT_TRUE(Call(host, "Anything") == Value(u"next"));
+    EXPECT_EQ(Call(host, "Anything"), Value(u"next"));
     bool limitPassed = false;
     const auto limit = loop.After(Milliseconds(30), [&] { limitPassed = true; });
     EXPECT_TRUE(loop.ServeUntil([&] { return limitPassed; }));
     EXPECT_TRUE(boxes.opened.empty());
 }
 
-struct ErrorCase {
-    const char* name;
-    std::int32_t number;
-};
-
 TEST_F(WaitTest, ErrorsOfTheBusBecomeNumbers) {
-    const ErrorCase cases[] = {
-        {SD_BUS_ERROR_SERVICE_UNKNOWN, 462},
-        {SD_BUS_ERROR_NAME_HAS_NO_OWNER, 462},
-        {SD_BUS_ERROR_NO_REPLY, 462},
-        {SD_BUS_ERROR_DISCONNECTED, 462},
-        {SD_BUS_ERROR_TIMEOUT, 462},
-        {"org.freedesktop.DBus.Error.Spawn.ExecFailed", 462},
-        {SD_BUS_ERROR_UNKNOWN_OBJECT, 462},
-        {SD_BUS_ERROR_UNKNOWN_METHOD, 438},
-        {SD_BUS_ERROR_UNKNOWN_INTERFACE, 438},
-        {SD_BUS_ERROR_INVALID_ARGS, 13},
-        {SD_BUS_ERROR_ACCESS_DENIED, 440},
-        {"org.example.Failed", 440},
-        {"org.velmora.Automation1.Error", 440},
-        {"org.velmora.Automation1.Error.Other", 440},
-    };
-    for (const ErrorCase& one : cases) {
-        stranger.whenCalled = [&](const MessageRef& call) { stranger.ReturnError(call, one.name, "why"); };
-        try {
-            Call(host, "Anything");
-            ADD_FAILURE() << one.name;
-        } catch (const RuntimeError& error) {
-            EXPECT_EQ(error.Number(), one.number) << one.name;
-            EXPECT_EQ(error.Description(), u"why") << one.name;
+    const std::pair<std::int32_t, std::vector<const char*>> cases[] = {
+        {462,
+         {SD_BUS_ERROR_SERVICE_UNKNOWN, SD_BUS_ERROR_NAME_HAS_NO_OWNER, SD_BUS_ERROR_NO_REPLY,
+          SD_BUS_ERROR_DISCONNECTED, SD_BUS_ERROR_TIMEOUT, SD_BUS_ERROR_UNKNOWN_OBJECT,
+          "org.freedesktop.DBus.Error.Spawn.ExecFailed"}},
+        {438, {SD_BUS_ERROR_UNKNOWN_METHOD, SD_BUS_ERROR_UNKNOWN_INTERFACE}},
+        {13, {SD_BUS_ERROR_INVALID_ARGS}},
+        {440,
+         {SD_BUS_ERROR_ACCESS_DENIED, "org.example.Failed", "org.velmora.Automation1.Error",
+          "org.velmora.Automation1.Error.Other"}}};
+    for (const auto& [number, names] : cases)
+        for (const char* name : names) {
+            stranger.whenCalled = [name](const MessageRef& call) {
+                sd_bus_reply_method_errorf(call.get(), name, "why");
+            };
+            const RuntimeError error = Raised([&] { Call(host, "Anything"); });
+            EXPECT_EQ(error.Number(), number) << name;
+            EXPECT_EQ(error.Description(), u"why") << name;
         }
-    }
 }
 
-TEST_F(WaitTest, RuntimeErrorComesWithNumberAndDescription) {
-    const ObjectRef object = Created(
-        {Method("Fail", 0, [](Arguments&) -> Value { throw RuntimeError(-2147221504, u"b\u00F6se\uFFFF"); }),
-         Method("Break", 0, [](Arguments&) -> Value { throw std::runtime_error("broken"); })});
-    try {
-        Call(object, "Fail");
-        ADD_FAILURE();
-    } catch (const RuntimeError& error) {
-        EXPECT_EQ(error.Number(), -2147221504);
-        EXPECT_EQ(error.Description(), u"b\u00F6se\uFFFD");
-    }
+TEST_F(WaitTest, ARuntimeErrorComesWithNumberAndDescription) {
+    const ObjectRef object =
+        Created({Method("Fail", 0, [](Arguments&) { throw RuntimeError(-2147221504, u"b\u00F6se\uFFFF"); }),
+                 Method("Break", 0, [](Arguments&) { throw std::runtime_error("broken"); })});
+    const RuntimeError error = Raised([&] { Call(object, "Fail"); });
+    EXPECT_EQ(error.Number(), -2147221504);
+    EXPECT_EQ(error.Description(), u"b\u00F6se\uFFFD");
     EXPECT_EQ(ErrorOf([&] { Call(object, "Break"); }), 440);
 }
 
-TEST_F(WaitTest, AnswersOfAnotherShape) {
-    stranger.whenCalled = [&](const MessageRef& call) { stranger.ReturnNothing(call); };
-    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 13);
+TEST_F(WaitTest, AnswersOfAnotherShapeAreMismatches) {
+    stranger.whenCalled = [&](const MessageRef& call) { stranger.Return(call, ""); };
+    EXPECT_EQ(ErrorOfCall(), 13);
     stranger.whenCalled = [&](const MessageRef& call) { stranger.ReturnResult(call, "as", 0); };
-    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 13);
+    EXPECT_EQ(ErrorOfCall(), 13);
     // A list that is shorter leaves the rest as it was.
-    stranger.whenCalled = [&](const MessageRef& call) { stranger.ReturnResult(call, "s", "short"); };
+    AnswerAll("short");
     Text text = u"as it was";
-    EXPECT_TRUE(Call(host, "Anything", ByRef(text)) == Value(u"short"));
+    EXPECT_EQ(Call(host, "Anything", ByRef(text)), Value(u"short"));
     EXPECT_EQ(text, u"as it was");
 }
 
-TEST_F(WaitTest, CalleeThatLeavesEndsTheWait) {
-    stranger.whenCalled = [&](const MessageRef&) {};
+TEST_F(WaitTest, ACalleeThatLeavesEndsTheWait) {
     const auto leaving = loop.Every(Milliseconds(1), [&] {
         if (!stranger.calls.empty()) stranger.Leave();
     });
-    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462);
-    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462);
+    EXPECT_EQ(ErrorOfCall(), 462);
+    EXPECT_EQ(ErrorOfCall(), 462);
 }
 
 }  // namespace

@@ -59,7 +59,8 @@ def running():
         if not entry.name.isdigit():
             continue
         try:
-            program = os.readlink(entry / "exe").removesuffix(" (deleted)")
+            # The path that it was started by; the installation may have but a link there.
+            program = (entry / "cmdline").read_bytes().partition(b"\0")[0].decode(errors="replace")
             alive = (entry / "stat").read_text().rpartition(")")[2].split()[0] != "Z"
         except OSError:
             continue

@@ -133,11 +133,11 @@ TEST_F(HelpTest, WhatIsMissingIsSaid) {
         std::int32_t topic;
         const char* said;
     } cases[] = {
-        {PathText(file_), 4, "no help on this"},
-        {u"", 3, "no help on this"},
-        {PathText(directory_.Path() / "missing.hlp"), 3, "can't be shown"},
+        {PathText(file_), 4, "help topic 4"},
+        {u"", 3, "not found"},
+        {PathText(directory_.Path() / "missing.hlp"), 3, "missing.hlp"},
         {PathText(directory_.Write("other.hlp", "no <database> at all, but long enough to be read as one")),
-         3, "can't be shown"},
+         3, "not a database"},
     };
     for (const auto& [file, topic, said] : cases) {
         TheApplication().helpFile = file;

@@ -1,9 +1,9 @@
+#include "exchange/Answers.h"
+
 #include <gtest/gtest.h>
 
-#include <array>
-
+#include "ErrorOf.h"
 #include "Fakes.h"
-#include "exchange/Answers.h"
 #include "exchange/ClockCommands.h"
 
 using namespace horalink;
@@ -15,141 +15,108 @@ using Items = std::vector<std::array<const char16_t*, 3>>;  // FirstData, Second
 
 std::shared_ptr<cListRequest> Answer(const Items& items) {
     auto answer = std::make_shared<cListRequest>();
-    for (const auto& [fd, sd, ed] : items) answer->AddToList(u"02", fd, sd, ed);
+    for (const auto& [first, second, extra] : items) answer->AddToList(u"02", first, second, extra);
     return answer;
 }
 
-Text Errors(const Items& items) {
-    return UpdateErrors(*Answer(items), [] { return Text(u"no way"); });
+// The text, or "error" and its number.
+Text Result(const std::function<Text()>& make) {
+    Text text;
+    const auto error = ErrorOf([&] { text = make(); });
+    return error ? u"error " + DecimalText(error) : text;
 }
 
-Text Lookup(const Items& items, TextView market = u"10001") {
-    try {
-        return ClockText(*Answer(items), market, fakes::FakeLocale());
-    } catch (const RuntimeError& error) {
-        return u"error " + DecimalText(error.Number());
-    }
-}
-
-TEST(UpdateAnswerTest, ItemsByClass) {
-    const std::vector<std::pair<const char16_t*, const char16_t*>> cases = {
-        {u"OK", nullptr},
-        {u"LNK_OK", nullptr},
-        {u"LNK_STN_STATION", nullptr},
-        {u"LNK_STN_ZOLANIP", nullptr},
-        {u"DIGIT ERROR", u"DIGIT ERROR"},
-        {u"SEE CM 12", u"SEE CM 12"},
-        {u"NONE", u"NONE"},
-        {u"COMMAND=", u"COMMAND="},
-        {u"LNK_TIMEOUT", u"no way"},
-        {u"LNK_NO_IPPBX", u"no way"},
-        {u"LNK_NONE", u"no way"},
-        {u"LNK_PKG", u"no way"},
-        {u"gibberish", u"no way"},
-        {u"", u"no way"},
-    };
-    for (const auto& [text, tail] : cases) {
-        const Text expected = tail ? u"\r\nCM = 02, FD = 1, SD = 111803 " + Text(tail) : Text();
-        EXPECT_EQ(Errors({{u"1", u"111803", text}}), expected) << ToUtf8(text);
-    }
-}
-
-TEST(UpdateAnswerTest, LinesStandInTheOrderOfTheItems) {
-    EXPECT_EQ(Errors({}), u"");
-    EXPECT_EQ(Errors({{u"0", u"2026", u"WRONG"}, {u"1", u"x", u"OK"}, {u"2", u"1", u"?"}}),
-              u"\r\nCM = 02, FD = 0, SD = 2026 WRONG\r\nCM = 02, FD = 2, SD = 1 no way");
+TEST(UpdateAnswerTest, AnItemIsGoodOrALineInItsPlace) {
+    const std::pair<Items, Text> cases[] = {
+        {{}, u""},
+        {{{u"1", u"x", u"OK"}, {u"1", u"x", u"LNK_OK"}, {u"1", u"x", u"LNK_STN_ZOLANIP"}}, u""},
+        {{{u"1", u"x", u"DIGIT ERROR"}}, u"\r\nCM = 02, FD = 1, SD = x DIGIT ERROR"},
+        {{{u"1", u"x", u"COMMAND="}}, u"\r\nCM = 02, FD = 1, SD = x COMMAND="},
+        {{{u"1", u"x", u"LNK_TIMEOUT"}}, u"\r\nCM = 02, FD = 1, SD = x no way"},
+        {{{u"1", u"x", u"LNK_NO_IPPBX"}}, u"\r\nCM = 02, FD = 1, SD = x no way"},
+        {{{u"1", u"x", u"LNK_PKG"}}, u"\r\nCM = 02, FD = 1, SD = x no way"},
+        {{{u"1", u"x", u""}}, u"\r\nCM = 02, FD = 1, SD = x no way"},
+        {{{u"0", u"2026", u"SEE CM 12"}, {u"1", u"x", u"OK"}, {u"2", u"1", u"gibberish"}},
+         u"\r\nCM = 02, FD = 0, SD = 2026 SEE CM 12\r\nCM = 02, FD = 2, SD = 1 no way"}};
+    for (const auto& [items, text] : cases)
+        EXPECT_EQ(UpdateErrors(*Answer(items), [] { return Text(u"no way"); }), text) << ToUtf8(text);
 }
 
 TEST(LookupAnswerTest, TheMarketDecidesTheForm) {
-    const Items items = {{u"0", u"2026", u""}, {u"1", u"11/18 (WED)", u""}, {u"2", u"13:02:03", u""}};
+    const auto answer = Answer({{u"0", u"2026", u""}, {u"1", u"11/18 (WED)", u""}, {u"2", u"13:02:03", u""}});
     for (const char16_t* market : {u"10001", u"2", u"9", u"", u"X", u"\u0663"})
-        EXPECT_EQ(Lookup(items, market), u"2026/11/18 (d4)\r\n13:02:03") << ToUtf8(market);
+        EXPECT_EQ(ClockText(*answer, market, fakes::FakeLocale()), u"2026/11/18 (d4)\r\n13:02:03")
+            << ToUtf8(market);
     for (const char16_t* market : {u"3", u"80001"})
-        EXPECT_EQ(Lookup(items, market), u"long date(day 4)\r\nlong time") << ToUtf8(market);
+        EXPECT_EQ(ClockText(*answer, market, fakes::FakeLocale()), u"long date(day 4)\r\nlong time");
 }
 
 TEST(LookupAnswerTest, MissingAndMalformedItems) {
-    const std::vector<std::pair<Items, const char16_t*>> cases = {
+    const std::array<const char16_t*, 3> year{u"0", u"2026", u""}, day{u"1", u"11/18", u""};
+    const std::pair<Items, const char16_t*> cases[] = {
         {{}, u"error 13"},
-        {{{u"0", u"2026", u""}, {u"1", u"11/18", u""}}, u"2026/11/18 (d4)\r\n00:00:00"},
-        {{{u"0", u"2026", u""}, {u"2", u"13:02:03", u""}}, u"error 13"},
-        {{{u"0", u"2026", u""}, {u"1", u"13/18", u""}}, u"error 13"},
-        {{{u"0", u"2026", u""}, {u"1", u"02/29", u""}}, u"error 13"},
-        {{{u"0", u"2026", u""}, {u"1", u"11/18", u""}, {u"2", u"25:00:00", u""}}, u"error 13"},
-        {{{u"0", u"2026", u""}, {u"1", u"11/18", u""}, {u"2", u"", u""}}, u"error 13"},
-        {{{u"0", u"LNK_TIMEOUT", u""}, {u"1", u"11/18", u""}}, u"error 13"},
-        {{{u"0", u"2026", u""}, {u"1", u"11/18", u""}, {u"7", u"DATA ERROR", u""}}, u"error 13"},
-        {{{u"0", u"1999", u""}, {u"0", u"2026", u""}, {u"7", u"other", u""}, {u"1", u"11/18", u""}},
-         u"2026/11/18 (d4)\r\n00:00:00"},
-        {{{u"0", u"2026", u""}, {u"1", u"11/18", u""}, {u"2", u"01:02 and 03", u""}},
-         u"2026/11/18 (d4)\r\n01:02:03"},
-    };
-    for (std::size_t i = 0; i < cases.size(); ++i) EXPECT_EQ(Lookup(cases[i].first), cases[i].second) << i;
+        {{year, day}, u"2026/11/18 (d4)\r\n00:00:00"},
+        {{year, {u"2", u"13:02:03", u""}}, u"error 13"},
+        {{year, {u"1", u"13/18", u""}}, u"error 13"},
+        {{year, {u"1", u"02/29", u""}}, u"error 13"},
+        {{year, day, {u"2", u"25:00:00", u""}}, u"error 13"},
+        {{year, day, {u"2", u"", u""}}, u"error 13"},
+        {{{u"0", u"LNK_TIMEOUT", u""}, day}, u"error 13"},
+        {{year, day, {u"7", u"DATA ERROR", u""}}, u"error 13"},
+        {{{u"0", u"1999", u""}, year, {u"7", u"other", u""}, day}, u"2026/11/18 (d4)\r\n00:00:00"},
+        {{year, day, {u"2", u"01:02 and 03", u""}}, u"2026/11/18 (d4)\r\n01:02:03"}};
+    for (const auto& [items, text] : cases)
+        EXPECT_EQ(
+            Result([&, given = items] { return ClockText(*Answer(given), u"10001", fakes::FakeLocale()); }),
+            text);
 }
 
 struct CommandTest : testing::Test {
-    void SetTime(const char16_t* hour, const char16_t* minute, const char16_t* second, const char16_t* half) {
-        const std::array texts{hour, minute, second, half};
-        for (std::size_t i = 0; i < 4; ++i) controls.txtTime[i]->Text = texts[i];
-    }
-    void SetDate(std::int16_t year, std::int16_t month, std::int16_t day) {
-        controls.Calendar->SetDay(day);
-        controls.Calendar->SetMonth(month);
-        controls.Calendar->SetYear(year);
-    }
-    Text Item(std::int16_t i) const {
-        return UpdateClockRequest(controls, locale)->Item(cListRequest::SecondData, i);
-    }
-    fakes::FakeScheduler scheduler;
-    fakes::NoToolkit toolkit;
-    fakes::FakeLocale locale;
+    fakes::FakeTime<Scheduler> scheduler;
+    fakes::FakeToolkit toolkit;
     forms::Form form{u"form", scheduler, toolkit};
     DialogControls controls = LayOut(form);
 };
 
 TEST_F(CommandTest, TheUpdateCarriesDateAndTimeInTwentyFourHours) {
-    SetDate(2026, 11, 18);
     const struct {
+        std::array<std::int16_t, 3> date;
         std::array<const char16_t*, 4> time;
-        const char16_t* text;
-    } times[] = {
-        {{u"01", u"02", u"03", u"PM"}, u"130203"}, {{u"12", u"00", u"00", u"AM"}, u"000000"},
-        {{u"12", u"00", u"00", u"PM"}, u"120000"}, {{u"12", u"05", u"30", u"AM"}, u"000530"},
-        {{u"11", u"59", u"59", u"PM"}, u"235959"},
-    };
-    for (const auto& [time, text] : times) {
-        SetTime(time[0], time[1], time[2], time[3]);
-        EXPECT_EQ(Item(2), text);
+        Text values;
+    } cases[] = {{{2026, 11, 18}, {u"01", u"02", u"03", u"PM"}, u"2026 111803 130203"},
+                 {{2026, 11, 15}, {u"12", u"00", u"00", u"AM"}, u"2026 111500 000000"},
+                 {{2026, 12, 31}, {u"12", u"00", u"00", u"PM"}, u"2026 123104 120000"},
+                 {{2026, 11, 18}, {u"12", u"05", u"30", u"AM"}, u"2026 111803 000530"},
+                 {{2026, 11, 18}, {u"11", u"59", u"59", u"PM"}, u"2026 111803 235959"},
+                 {{2026, 2, 30}, {u"01", u"02", u"03", u"PM"}, u"error 13"},
+                 {{2026, 2, 0}, {u"01", u"02", u"03", u"PM"}, u"error 13"},
+                 {{2026, 2, 28}, {u"", u"02", u"03", u"PM"}, u"error 13"}};
+    for (const auto& [date, time, values] : cases) {
+        controls.Calendar->SetDay(date[2]);
+        controls.Calendar->SetMonth(date[1]);
+        controls.Calendar->SetYear(date[0]);
+        for (std::size_t i = 0; i < 4; ++i) controls.txtTime[i]->Text = time[i];
+        EXPECT_EQ(Result([&] {
+                      const auto request = UpdateClockRequest(controls, fakes::FakeLocale());
+                      EXPECT_EQ(request->Tag, u"UPDATE_CLOCK");
+                      const auto value = [&](std::int16_t i) {
+                          return request->Item(cListRequest::SecondData, i);
+                      };
+                      return value(0) + u" " + value(1) + u" " + value(2);
+                  }),
+                  values);
     }
-    EXPECT_EQ(Item(0), u"2026");
-    EXPECT_EQ(Item(1), u"111803");
-    SetDate(2026, 11, 15);
-    EXPECT_EQ(Item(1), u"111500");
-    SetDate(2026, 12, 31);
-    EXPECT_EQ(Item(1), u"123104");
 }
 
-TEST_F(CommandTest, NoRequestWithoutADateOrATime) {
-    SetDate(2026, 2, 30);
-    EXPECT_THROW(Item(0), RuntimeError);
-    SetDate(2026, 2, 0);
-    EXPECT_THROW(Item(0), RuntimeError);
-    SetDate(2026, 2, 28);
-    SetTime(u"", u"02", u"03", u"PM");
-    EXPECT_THROW(Item(0), RuntimeError);
-}
-
-TEST_F(CommandTest, BothCarryTheThreeItemsAndTheirTag) {
-    for (const auto& [request, tag] : {std::pair(UpdateClockRequest(controls, locale), u"UPDATE_CLOCK"),
-                                       std::pair(LookupClockRequest(), u"LOOKUP_CLOCK")}) {
-        ASSERT_EQ(request->Count(), 3);
-        EXPECT_EQ(request->Tag, tag);
-        for (std::int16_t i = 0; i < 3; ++i) {
-            EXPECT_EQ(request->Item(cListRequest::CMD, i), u"02");
-            EXPECT_EQ(request->Item(cListRequest::FirstData, i), DecimalText(i));
-        }
+TEST_F(CommandTest, TheLookupAsksForTheThreeItems) {
+    const auto request = LookupClockRequest();
+    ASSERT_EQ(request->Count(), 3);
+    EXPECT_EQ(request->Tag, u"LOOKUP_CLOCK");
+    for (std::int16_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(request->Item(cListRequest::CMD, i), u"02");
+        EXPECT_EQ(request->Item(cListRequest::FirstData, i), DecimalText(i));
+        EXPECT_EQ(request->Item(cListRequest::SecondData, i), u"");
     }
-    EXPECT_EQ(LookupClockRequest()->Item(cListRequest::SecondData, 0), u"");
 }
 
 }  // namespace

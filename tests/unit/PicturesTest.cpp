@@ -5,124 +5,114 @@
 
 using namespace horalink;
 using namespace platform;
-using fakes::Row;
 
 namespace {
 
 // A control of a type that hides while its content changes, or paints its own background.
-class TypedControl : public forms::Control {
-  public:
+struct TypedControl : forms::Control {
     TypedControl(forms::Form& form, Text name, std::string_view type)
-        : Control(form, std::move(name), -1), description_{type, CommonMembers()} {
-        description_.members.push_back({"PictureBackground",
-                                        InvokeKind::PropertyPut,
-                                        {{"Value"}},
-                                        ValueType::None,
-                                        Bind<TypedControl>([](TypedControl& self, Arguments& a) {
-                                            self.background =
-                                                std::dynamic_pointer_cast<forms::Picture>(a[0].ToObject());
-                                        })});
+        : Control(form, std::move(name), -1), description{type, CommonMembers()} {
+        description.members.push_back(
+            {"PictureBackground",
+             InvokeKind::PropertyPut,
+             {{"Value"}},
+             ValueType::None,
+             [this](Object&, Arguments& a) {
+                 return background = std::dynamic_pointer_cast<forms::Picture>(a[0].ToObject()), Value();
+             }});
     }
-    const ClassDescription& Class() const override { return description_; }
+    const ClassDescription& Class() const override { return description; }
     void Changed() override { history.push_back(Visible); }
     std::vector<bool> history;
     forms::PictureRef background;
-
-  private:
-    ClassDescription description_;
+    ClassDescription description;
 };
 
 struct PicturesTest : testing::Test {
     PicturesTest() {
-        form.Width = 7110;
-        form.Height = 4365;
+        form->Width = 7110;
+        form->Height = 4365;
         computer.files.files = {{u"D\\one.png", "one"}, {u"D\\two.png", "two"}, {u"D\\bad.png", ""}};
     }
-    void Rows(std::vector<std::tuple<const char16_t*, const char16_t*, const char16_t*, int>> rows) {
-        auto& stored = computer.language->answers[query];
-        stored.clear();
-        for (const auto& [object, file, base, baseIndex] : rows)
-            stored.push_back({{u"ObjectName", Value(object)},
-                              {u"Index", Value(-1)},
-                              {u"FileName", Value(file)},
-                              {u"BasePanel", Value(base)},
-                              {u"BasePanelIndex", Value(baseIndex)}});
-    }
-    void Names(std::int16_t set, fakes::Rows rows) {
-        computer.common->answers[u"Select * From PictureFileName Where  ID = " + DecimalText(set)] =
-            std::move(rows);
-    }
-    bool Load(std::int16_t set) {
-        return LoadFormPictures(computer.services, form, computer.language.get(), computer.common.get(), set,
+    struct Picture {
+        const char16_t *object, *file, *base = u"me";
+        int baseIndex = -1;
+    };
+    bool Load(std::int16_t set, std::vector<Picture> pictures) {
+        auto& rows = computer.language->answers
+                         [u"select ObjectName,Index,FileName,BasePanel,BasePanelIndex "
+                          u"from tPicture where FormName = 'form'"];
+        rows.clear();
+        for (const auto& [object, file, base, baseIndex] : pictures)
+            rows.push_back({{u"ObjectName", object},
+                            {u"Index", -1},
+                            {u"FileName", file},
+                            {u"BasePanel", base},
+                            {u"BasePanelIndex", baseIndex}});
+        computer.boxes.shown.clear();
+        return LoadFormPictures(computer.services, *form, computer.language.get(), computer.common.get(), set,
                                 u"D\\");
     }
+    void Names(std::int16_t set, std::vector<std::pair<const char16_t*, const char16_t*>> names) {
+        auto& rows =
+            computer.common->answers[u"Select * From PictureFileName Where  ID = " + DecimalText(set)];
+        for (const auto& [key, file] : names) rows.push_back({{u"DefaultName", key}, {u"FileName", file}});
+    }
     std::string Shown() const { return image.Picture() ? image.Picture()->Content() : ""; }
+    std::shared_ptr<TypedControl> Add(const char16_t* name, std::string_view type) {
+        auto control = std::make_shared<TypedControl>(*form, name, type);
+        form->Adopt(control);
+        return control;
+    }
 
-    static constexpr const char16_t* query =
-        u"select ObjectName,Index,FileName,BasePanel,BasePanelIndex from tPicture where FormName = 'form'";
     fakes::Computer computer;
-    std::shared_ptr<forms::Form> owner =
+    std::shared_ptr<forms::Form> form =
         std::make_shared<forms::Form>(u"form", computer.scheduler, computer.toolkit);
-    forms::Form& form = *owner;
-    forms::Image& image = form.Add<forms::Image>(u"image");
+    forms::Image& image = form->Add<forms::Image>(u"image");
 };
 
 TEST_F(PicturesTest, ASetReplacesDefaultNamesAndZeroNever) {
-    Rows({{u"image", u"one.png", u"me", -1}});
-    Names(0, {{{u"DefaultName", Value(u"one.png")}, {u"FileName", Value(u"two.png")}}});
-    Names(3, {{{u"DefaultName", Value(u"ONE.PNG")}, {u"FileName", Value(u"two.png")}},
-              {{u"DefaultName", Value(u"one.png")}, {u"FileName", Value(u"bad.png")}}});
-    EXPECT_TRUE(Load(0));
-    EXPECT_EQ(Shown(), "one");
+    Names(0, {{u"one.png", u"two.png"}});
+    Names(3, {{u"ONE.PNG", u"two.png"}, {u"one.png", u"bad.png"}});
+    Names(5, {{u"one.png", u"missing.png"}});
+    const std::pair<std::int16_t, const char*> cases[] = {{0, "one"},
+                                                          {3, "two"},  // the first row of a key wins
+                                                          {4, "one"},  // a set that can't be read falls back
+                                                          {5, ""}};  // the default file is not tried instead
+    for (const auto& [set, content] : cases) {
+        image.Picture = nullptr;
+        EXPECT_TRUE(Load(set, {{u"image", u"one.png"}}));
+        EXPECT_EQ(Shown(), content) << set;
+        EXPECT_TRUE(computer.boxes.shown.empty());
+    }
     EXPECT_EQ(image.Width(), 7110);
-    EXPECT_TRUE(Load(3));
-    EXPECT_EQ(Shown(), "two") << "the first row of a key wins";
-    EXPECT_TRUE(Load(4)) << "a set that can't be read falls back";
-    EXPECT_EQ(Shown(), "one");
-    Names(5, {{{u"DefaultName", Value(u"one.png")}, {u"FileName", Value(u"missing.png")}}});
-    image.Picture = nullptr;
-    EXPECT_TRUE(Load(5));
-    EXPECT_EQ(Shown(), "") << "the default file is not tried instead";
-    EXPECT_TRUE(computer.boxes.shown.empty());
 }
 
 TEST_F(PicturesTest, FailuresShowOneNoticeAndStop) {
-    const std::vector<std::tuple<const char16_t*, const char16_t*, const char16_t*, int>> faults = {
-        {u"none", u"-1", u"me", -1},
-        {u"image", u"bad.png", u"me", -1},
-        {u"image", u"one.png", u"me", 2},
-        {u"image", u"one.png", u"Me", -1}};
-    for (const auto& fault : faults) {
-        Rows({fault, {u"image", u"one.png", u"me", -1}});
-        computer.boxes.shown.clear();
-        EXPECT_FALSE(Load(0));
+    for (const Picture& fault :
+         {Picture{u"none", u"-1"}, Picture{u"image", u"bad.png"}, Picture{u"image", u"one.png", u"me", 2},
+          Picture{u"image", u"one.png", u"Me"}}) {
+        EXPECT_FALSE(Load(0, {fault, {u"image", u"one.png"}}));
         EXPECT_EQ(computer.boxes.shown.size(), 1U);
         EXPECT_EQ(Shown(), "");
     }
-    computer.language->answers.erase(query);
-    EXPECT_FALSE(Load(0));
 }
 
 TEST_F(PicturesTest, APanelIsHiddenForTheChangeAndShownAgainAlsoAfterAFailure) {
-    const auto panel = std::make_shared<TypedControl>(form, u"panel", "SSPanel");
-    form.Adopt(panel);
+    const auto panel = Add(u"panel", "SSPanel");
     panel->Place(0, 0, 300, 200);
     panel->history.clear();
-    Rows({{u"image", u"one.png", u"panel", -1}});
-    EXPECT_TRUE(Load(0));
-    EXPECT_EQ(panel->history, (std::vector<bool>{false, true}));
+    EXPECT_TRUE(Load(0, {{u"image", u"one.png", u"panel"}}));
+    EXPECT_EQ(panel->history, (std::vector{false, true}));
     EXPECT_EQ(image.Width(), 300);
-    Rows({{u"image", u"bad.png", u"panel", -1}});
-    EXPECT_FALSE(Load(0));
+    EXPECT_FALSE(Load(0, {{u"image", u"bad.png", u"panel"}}));
     EXPECT_TRUE(panel->Visible());
 }
 
 TEST_F(PicturesTest, ATreeTakesTheFileAsItsRowNamesIt) {
-    const auto tree = std::make_shared<TypedControl>(form, u"tree", "SSTree");
-    form.Adopt(tree);
-    Rows({{u"tree", u"one.png", u"me", -1}});
-    Names(3, {{{u"DefaultName", Value(u"one.png")}, {u"FileName", Value(u"two.png")}}});
-    EXPECT_TRUE(Load(3));
+    const auto tree = Add(u"tree", "SSTree");
+    Names(3, {{u"one.png", u"two.png"}});
+    EXPECT_TRUE(Load(3, {{u"tree", u"one.png"}}));
     EXPECT_EQ(tree->background->Content(), "one");
     EXPECT_EQ(tree->Width(), 0);
 }

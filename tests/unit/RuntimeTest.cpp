@@ -1,22 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "ErrorOf.h"
+#include "Fakes.h"
 #include "platform/runtime/Collection.h"
-#include "platform/runtime/Format.h"
-#include "platform/runtime/Object.h"
 
 using namespace platform;
 
 namespace {
-
-template <class Call>
-std::int32_t ErrorOf(Call call) {
-    try {
-        call();
-    } catch (const RuntimeError& error) {
-        return error.Number();
-    }
-    return 0;
-}
 
 TEST(TextTest, Utf8GoesThereAndBackAndBrokenInputIsReplaced) {
     for (const std::string text : {"", "plain", "Größe", "電話", "\xF0\x9F\x95\x90"})
@@ -36,7 +26,7 @@ TEST(TextTest, PositionsCountFromOneAndStayInside) {
     EXPECT_TRUE(EqualsIgnoringCase(u"Я", u"я"));
 }
 
-TEST(ValueTest, NumbersConvertAndRoundToEven) {
+TEST(ValueTest, ConvertsAndRoundsToEven) {
     EXPECT_EQ(Value(2.5).ToInteger(), 2);
     EXPECT_EQ(Value(3.5).ToInteger(), 4);
     EXPECT_EQ(Value(true).ToInteger(), -1);
@@ -46,24 +36,23 @@ TEST(ValueTest, NumbersConvertAndRoundToEven) {
     EXPECT_EQ(Value(0.5F).ToText(), u"0.5");
     EXPECT_TRUE(Value(std::int16_t{7}).ToBoolean());
     EXPECT_FALSE(Value(u"false").ToBoolean());
+    EXPECT_EQ(Value(Null{}).ToTextOrEmpty(), u"");
 }
 
 TEST(ValueTest, ConversionsRaiseTheirNumbers) {
-    const std::vector<std::pair<std::function<void()>, int>> cases = {
+    const std::pair<std::function<void()>, int> cases[] = {
         {[] { Value(40000).ToInteger(); }, 6},     {[] { Value(-32769).ToInteger(); }, 6},
         {[] { Value(3e10).ToLong(); }, 6},         {[] { Value(1e300).ToSingle(); }, 6},
         {[] { Value(1e9).ToDate(); }, 6},          {[] { Value(u"12a").ToLong(); }, 13},
         {[] { Value(u"").ToDouble(); }, 13},       {[] { Value(u"inf").ToDouble(); }, 13},
         {[] { Value(ObjectRef()).ToText(); }, 13}, {[] { Value(Missing{}).ToText(); }, 13},
         {[] { Value(Null{}).ToText(); }, 94},      {[] { Value(Null{}).ToLong(); }, 94},
-        {[] { Value(u"text").ToObject(); }, 424},
-    };
-    for (std::size_t i = 0; i < cases.size(); ++i) EXPECT_EQ(ErrorOf(cases[i].first), cases[i].second) << i;
-    EXPECT_EQ(Value(Null{}).ToTextOrEmpty(), u"");
+        {[] { Value(u"text").ToObject(); }, 424}};
+    for (const auto& [convert, number] : cases) EXPECT_EQ(ErrorOf(convert), number);
 }
 
 TEST(DateTest, TextsOfEveryForm) {
-    const std::vector<std::pair<const char16_t*, DateParts>> cases = {
+    const std::pair<const char16_t*, DateParts> cases[] = {
         {u"11/18/2026", {2026, 11, 18}},
         {u"2/29/2024", {2024, 2, 29}},
         {u"01/02/26", {2026, 1, 2}},
@@ -72,12 +61,8 @@ TEST(DateTest, TextsOfEveryForm) {
         {u"12:05:30 PM", {1899, 12, 30, 12, 5, 30}},
         {u"11:59:59 pm", {1899, 12, 30, 23, 59, 59}},
         {u"23:00", {1899, 12, 30, 23, 0, 0}},
-        {u" 11/18/2026 01:02:03 PM ", {2026, 11, 18, 13, 2, 3}},
-    };
+        {u" 11/18/2026 01:02:03 PM ", {2026, 11, 18, 13, 2, 3}}};
     for (const auto& [text, parts] : cases) EXPECT_EQ(DateOfText(text), MakeDate(parts)) << ToUtf8(text);
-}
-
-TEST(DateTest, WhatIsNoDateIsRefused) {
     for (const char16_t* text :
          {u"", u"/", u"11/18", u"18/11/2026", u"2/29/2026", u"11/18/2026/5", u"24:00:00", u"12:60:00",
           u"13:00 PM", u"::", u"1:2:3:4", u"noon", u"11/18/2026 x", u"5"})
@@ -98,27 +83,17 @@ TEST(DateTest, PartsSurviveOnBothSidesOfTheEpoch) {
     EXPECT_EQ(PartsOf(Date{46344.9999999}).day, PartsOf(Date{46345}).day) << "rounds into the next day";
 }
 
-class NamedDays : public LocaleTexts {
-  public:
-    Text LongDate(Date) const override { return u"LD"; }
-    Text LongTime(Date) const override { return u"LT"; }
-    Text DayName(int) const override { return u"Wednesday"; }
-    Text ShortDayName(int) const override { return u"Wed"; }
-};
-
 TEST(FormatTest, Patterns) {
     const Date date = MakeDate({2026, 3, 4, 13, 2, 3});
-    const std::vector<std::pair<const char16_t*, const char16_t*>> cases = {
-        {u"yyyy/mm/dd (ddd)", u"2026/03/04 (Wed)"},
-        {u"mmdd", u"0304"},
-        {u"hhmmss", u"130203"},
-        {u"hh:nn:ss", u"13:02:03"},
-        {u"(aaaa)", u"(Wednesday)"},
-        {u"Long Date", u"LD"},
-        {u"Long Time", u"LT"},
-        {u"", u""},
-    };
-    for (const auto& [pattern, text] : cases) EXPECT_EQ(FormatDate(date, pattern, NamedDays()), text);
+    const std::pair<const char16_t*, const char16_t*> cases[] = {{u"yyyy/mm/dd (ddd)", u"2026/03/04 (d4)"},
+                                                                 {u"mmdd", u"0304"},
+                                                                 {u"hhmmss", u"130203"},
+                                                                 {u"hh:nn:ss", u"13:02:03"},
+                                                                 {u"(aaaa)", u"(day 4)"},
+                                                                 {u"Long Date", u"long date"},
+                                                                 {u"Long Time", u"long time"},
+                                                                 {u"", u""}};
+    for (const auto& [pattern, text] : cases) EXPECT_EQ(FormatDate(date, pattern, fakes::FakeLocale()), text);
     EXPECT_EQ(GeneralDateText(date), u"03/04/2026 13:02:03");
 }
 
@@ -131,8 +106,7 @@ TEST(CollectionTest, KeysIgnoreCaseAndTheFirstWins) {
 }
 
 // A class with one member of each shape.
-class Sample : public Object {
-  public:
+struct Sample : Object {
     const ClassDescription& Class() const override {
         static const ClassDescription description{
             "Sample",
@@ -145,16 +119,18 @@ class Sample : public Object {
               ValueType::String,
               Bind<Sample>([](Sample&, Arguments& a) {
                   const Text joined = a[0].ToText() + (a[1].IsMissing() ? Text(u"-") : a[1].ToText());
-                  a[0] = joined;
-                  return joined;
+                  return a[0] = joined, joined;
               })}}};
         return description;
     }
     std::int16_t number = 5;
 };
 
-TEST(ObjectTest, MembersAreFoundByNameAndKindWithoutRegardToCase) {
-    const auto sample = std::make_shared<Sample>();
+struct ObjectTest : testing::Test {
+    std::shared_ptr<Sample> sample = std::make_shared<Sample>();
+};
+
+TEST_F(ObjectTest, MembersAreFoundByNameAndKindWithoutRegardToCase) {
     EXPECT_EQ(Get(sample, "NUMBER").ToInteger(), 5);
     EXPECT_EQ(Call(sample, "number").ToInteger(), 5) << "a call reads";
     Put(sample, "Number", u"12");
@@ -162,8 +138,7 @@ TEST(ObjectTest, MembersAreFoundByNameAndKindWithoutRegardToCase) {
     EXPECT_EQ(Get(sample, "join", u"a").ToText(), u"a-");
 }
 
-TEST(ObjectTest, FailuresByNumber) {
-    const auto sample = std::make_shared<Sample>();
+TEST_F(ObjectTest, FailuresByNumber) {
     EXPECT_EQ(ErrorOf([&] { Get(sample, "Nothing"); }), 438);
     EXPECT_EQ(ErrorOf([&] { Put(sample, "Fixed", 1); }), 383);
     EXPECT_EQ(ErrorOf([&] { Call(sample, "Join"); }), 450);
@@ -174,8 +149,7 @@ TEST(ObjectTest, FailuresByNumber) {
     EXPECT_EQ(sample->number, 5) << "a refused write changes nothing";
 }
 
-TEST(ObjectTest, OnlyWhatChangedComesBackByReference) {
-    const auto sample = std::make_shared<Sample>();
+TEST_F(ObjectTest, OnlyWhatChangedComesBackByReference) {
     Text first = u"a", second = u"b";
     Call(sample, "Join", ByRef(first), ByRef(second));
     EXPECT_EQ(first, u"ab");

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "ErrorOf.h"
 #include "TemporaryDirectory.h"
 #include "platform/data/Database.h"
 #include "platform/desktop/Paths.h"
@@ -16,60 +17,31 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr auto dynaset = RecordsetType::Dynaset;
-constexpr auto forwardOnly = RecordsetType::ForwardOnly;
-constexpr auto everyoneReads = static_cast<fs::perms>(0555);
+constexpr auto dynaset = RecordsetType::Dynaset, forwardOnly = RecordsetType::ForwardOnly;
+constexpr TextView horalink = u"SELECT * FROM Registry WHERE AppName = \"Horalink.mra\"";
 
 // SQLite by its own calls, as another program would use the file.
-class OtherProgram {
-  public:
-    explicit OtherProgram(const fs::path& file) { sqlite3_open(file.c_str(), &handle_); }
-    ~OtherProgram() { sqlite3_close(handle_); }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
-
+struct OtherProgram {
+    explicit OtherProgram(const fs::path& file) { sqlite3_open(file.c_str(), &handle); }
+    ~OtherProgram() { sqlite3_close(handle); }
     void Run(const char* statements) {
-        ASSERT_EQ(sqlite3_exec(handle_, statements, nullptr, nullptr, nullptr), SQLITE_OK)
-            << statements << ": " << sqlite3_errmsg(handle_);
+        ASSERT_EQ(sqlite3_exec(handle, statements, nullptr, nullptr, nullptr), SQLITE_OK)
+            << statements << ": " << sqlite3_errmsg(handle);
     }
-
-  private:
-    sqlite3* handle_ = nullptr;
+    sqlite3* handle = nullptr;
 };
-
-// The number of the error that a call raises, 0 for none.
-template <class Call>
-std::int32_t NumberOf(Call call) {
-    try {
-        call();
-    } catch (const RuntimeError& error) {
-        EXPECT_FALSE(error.Description().empty());
-        return error.Number();
-    }
-    return 0;
-}
-
-std::int32_t Number(DataError error) {
-    return static_cast<std::int32_t>(error);
-}
 
 // For its life this process is a user without rights; a superuser may read and write everything.
-class PlainUser {
-  public:
-    PlainUser() { EXPECT_TRUE(!superuser_ || seteuid(65534) == 0); }
-    ~PlainUser() { EXPECT_TRUE(!superuser_ || seteuid(0) == 0); }
-    PlainUser(const PlainUser&) = delete;
-    PlainUser& operator=(const PlainUser&) = delete;
-
-  private:
-    const bool superuser_ = geteuid() == 0;
+struct PlainUser {
+    PlainUser() { EXPECT_TRUE(!superuser || seteuid(65534) == 0); }
+    ~PlainUser() { EXPECT_TRUE(!superuser || seteuid(0) == 0); }
+    const bool superuser = geteuid() == 0;
 };
 
-class SqliteTest : public testing::Test {
-  protected:
-    SqliteTest() : file_(directory_.Path() / "Test.mdb") {
-        fs::permissions(directory_.Path(), everyoneReads | fs::perms::owner_all);
-        OtherProgram(file_).Run(
+struct SqliteTest : testing::Test {
+    SqliteTest() {
+        Allow(directory.Path(), 0755);
+        RunElsewhere(
             "create table Registry (AppName text, Version text, Count integer, [Index] integer);"
             "insert into Registry values ('Other.mra', '1.0', 1, -1), ('Horalink.mra', '2.0', 2, 0),"
             " ('Horalink.mra', '3.0', 3, 1);"
@@ -79,20 +51,40 @@ class SqliteTest : public testing::Test {
             "insert into Kinds values ('whole', 2147483647), ('least', -2147483648), ('large', 2147483648),"
             " ('real', 0.5), ('text', 'Größe 𝄞'), ('null', null), ('binary', x'00'), ('empty', '');");
     }
+    ~SqliteTest() override { Allow(directory.Path(), 0755); }
 
-    DatabaseRef Open(bool readOnly = false) { return engine_->OpenDatabase(PathText(file_), readOnly); }
-    void RunElsewhere(const char* statements) { OtherProgram(file_).Run(statements); }
-    Value Single(TextView query) { return Open()->OpenRecordset(query, forwardOnly)->Field(u"Result"); }
+    static void Allow(const fs::path& path, int mode) { fs::permissions(path, static_cast<fs::perms>(mode)); }
+    DatabaseRef Open(bool readOnly = false) { return engine->OpenDatabase(PathText(file), readOnly); }
+    std::unique_ptr<Recordset> Rows(TextView query = horalink, RecordsetType type = dynaset) {
+        return Open()->OpenRecordset(query, type);
+    }
+    void RunElsewhere(const char* statements) { OtherProgram(file).Run(statements); }
+    // The first column of the first row.
+    Value Single(const Text& query) {
+        return Rows(u"select (" + query + u") as Result", forwardOnly)->Field(u"Result");
+    }
+    static std::int32_t Change(Recordset& rows, TextView field, const Value& value) {
+        return ErrorOf([&] {
+            rows.Edit();
+            rows.SetField(field, value);
+            rows.Update();
+        });
+    }
+    // The descriptors of this process that stand for the file.
+    std::ptrdiff_t OpenDescriptors() {
+        return std::count_if(fs::directory_iterator("/proc/self/fd"), {}, [&](const auto& entry) {
+            std::error_code error;
+            return fs::read_symlink(entry.path(), error) == file;
+        });
+    }
 
-    TemporaryDirectory directory_;
-    fs::path file_;
-    std::unique_ptr<DatabaseEngine> engine_ = MakeSqliteEngine();
+    TemporaryDirectory directory;
+    const fs::path file = directory.Path() / "Test.mdb";
+    std::unique_ptr<DatabaseEngine> engine = MakeSqliteEngine();
 };
 
-constexpr TextView horalink = u"SELECT * FROM Registry WHERE AppName = \"Horalink.mra\"";
-
 TEST_F(SqliteTest, ReadsRowsInOrder) {
-    const auto rows = Open()->OpenRecordset(u"select Caption,ID from tMessages order by ID", forwardOnly);
+    const auto rows = Rows(u"select Caption,ID from tMessages order by ID", forwardOnly);
     EXPECT_EQ(rows->Field(u"Caption"), Value(u"zero"));
     rows->MoveNext();
     EXPECT_EQ(rows->Field(u"CAPTION"), Value(u"one"));
@@ -103,13 +95,13 @@ TEST_F(SqliteTest, ReadsRowsInOrder) {
     rows->MoveNext();
     EXPECT_TRUE(rows->EndOfFile());
     EXPECT_EQ(rows->RecordCount(), 3);
-    EXPECT_EQ(NumberOf([&] { rows->Field(u"Caption"); }), 3021);
-    EXPECT_EQ(NumberOf([&] { rows->MoveNext(); }), 3021);
+    EXPECT_EQ(ErrorOf([&] { rows->Field(u"Caption"); }), 3021);
+    EXPECT_EQ(ErrorOf([&] { rows->MoveNext(); }), 3021);
 }
 
 TEST_F(SqliteTest, BringsTheCountAlongWithTheRows) {
-    const auto rows = Open()->OpenRecordset(
-        u"SELECT * FROM tMessages UNION SELECT -1, COUNT(*) FROM tMessages ORDER BY ID", forwardOnly);
+    const auto rows =
+        Rows(u"SELECT * FROM tMessages UNION SELECT -1, COUNT(*) FROM tMessages ORDER BY ID", forwardOnly);
     EXPECT_EQ(rows->Field(u"Caption").ToInteger(), 3);
     for (const TextView expected : {u"zero", u"one", u""}) {
         rows->MoveNext();
@@ -117,142 +109,106 @@ TEST_F(SqliteTest, BringsTheCountAlongWithTheRows) {
     }
 }
 
-TEST_F(SqliteTest, FindsTheFieldIndexByItsPlainName) {
-    const auto rows =
-        Open()->OpenRecordset(u"select AppName,Index from Registry where Index = -1", forwardOnly);
-    EXPECT_EQ(rows->Field(u"Index"), Value(std::int32_t{-1}));
-    EXPECT_EQ(rows->Field(u"AppName"), Value(u"Other.mra"));
-}
-
 TEST_F(SqliteTest, GivesEachKindOfValue) {
-    const std::pair<TextView, Value> kinds[] = {
-        {u"whole", std::int32_t{2147483647}},
-        {u"least", std::numeric_limits<std::int32_t>::min()},
-        {u"large", 2147483648.0},
-        {u"real", 0.5},
-        {u"text", u"Größe 𝄞"},
-        {u"null", Null()},
-        {u"empty", u""},
-    };
-    for (const auto& [name, expected] : kinds) {
-        const Text query =
-            Text(u"select Value as Result from Kinds where Name = '").append(name).append(u"'");
-        EXPECT_EQ(Single(query), expected) << ToUtf8(name);
-    }
-}
-
-TEST_F(SqliteTest, RefusesBinaryDataWhereItIsRead) {
+    const std::pair<TextView, Value> kinds[] = {{u"whole", std::int32_t{2147483647}},
+                                                {u"least", std::numeric_limits<std::int32_t>::min()},
+                                                {u"large", 2147483648.0},
+                                                {u"real", 0.5},
+                                                {u"text", u"Größe 𝄞"},
+                                                {u"null", Null()},
+                                                {u"empty", u""}};
+    for (const auto& [name, value] : kinds)
+        EXPECT_EQ(Single(Text(u"select Value from Kinds where Name = '").append(name) + u"'"), value);
     for (const auto type : {forwardOnly, dynaset}) {
-        const auto rows = Open()->OpenRecordset(u"select * from Kinds where Name = 'binary'", type);
+        const auto rows = Rows(u"select Name,Value from Kinds where Name = 'binary'", type);
         EXPECT_EQ(rows->Field(u"Name"), Value(u"binary"));
-        EXPECT_EQ(NumberOf([&] { rows->Field(u"Value"); }), 13);
+        EXPECT_EQ(ErrorOf([&] { rows->Field(u"Value"); }), 13) << "refused where it is read";
+        EXPECT_EQ(ErrorOf([&] { rows->Field(u"Caption"); }), 3265);
+        EXPECT_EQ(ErrorOf([&] { rows->Field(u""); }), 3265);
     }
+    const auto row = Rows(u"select AppName,Index from Registry where Index = -1", forwardOnly);
+    EXPECT_EQ(row->Field(u"Index"), Value(std::int32_t{-1})) << "by its plain name";
+    EXPECT_EQ(row->Field(u"AppName"), Value(u"Other.mra"));
 }
 
-struct Refusal {
-    const char16_t* query;
-    DataError number;
-    const char* named;  // in the description
-};
-
-class RefusedQueryTest : public SqliteTest, public testing::WithParamInterface<Refusal> {};
-
-TEST_P(RefusedQueryTest, RaisesItsNumber) {
-    const auto database = Open();
-    for (const auto type : {forwardOnly, dynaset}) {
-        try {
-            database->OpenRecordset(GetParam().query, type);
-            FAIL() << "accepted: " << ToUtf8(GetParam().query);
-        } catch (const RuntimeError& error) {
-            EXPECT_EQ(error.Number(), Number(GetParam().number)) << error.what();
-            EXPECT_NE(ToUtf8(error.Description()).find(GetParam().named), std::string::npos) << error.what();
+TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
+    const struct {
+        const char16_t* query;
+        DataError number;
+        const char16_t* named;  // in the description
+    } cases[] = {{u"select * from tProject", DataError::NoSuchTable,
+                  u"The table 'tProject' was not found in Test.mdb"},
+                 {u"select Title from Registry", DataError::NoSuchQueryField, u"'Title'"},
+                 {u"select Index from Kinds", DataError::NoSuchQueryField, u"'Index'"},
+                 {u"select [Title] from Kinds", DataError::NoSuchQueryField, u"'Title'"},
+                 {u"select * from Kinds order by ID", DataError::NoSuchQueryField, u"'ID'"},
+                 {u"SELECT * FROM Kinds UNION SELECT -1, COUNT(*) FROM Kinds ORDER BY ID",
+                  DataError::NoSuchQueryField, u"sorted"},
+                 {u"SELECT * FROM Registry UNION SELECT -1, COUNT(*) FROM Registry ORDER BY ID",
+                  DataError::UnionColumns, u"union"},
+                 {u"select * from Kinds where Name = 'it's'", DataError::QuerySyntax, u"s"},
+                 {u"select * from Kinds where", DataError::QuerySyntax, u"incomplete"},
+                 {u"select * from Kinds; select 1", DataError::QuerySyntax, u"behind"},
+                 {u"", DataError::QuerySyntax, u"empty"},
+                 {u"delete from Kinds", DataError::QuerySyntax, u"delete"},
+                 {u"vacuum", DataError::QuerySyntax, u"no rows"}};
+    for (const auto& [query, number, named] : cases)
+        for (const auto type : {forwardOnly, dynaset}) {
+            const RuntimeError error = Raised([&, text = query] { Rows(text, type); });
+            EXPECT_EQ(error.Number(), static_cast<std::int32_t>(number)) << error.what();
+            EXPECT_NE(error.Description().find(named), Text::npos) << error.what();
         }
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Queries, RefusedQueryTest,
-    testing::Values(Refusal{u"select * from tProject", DataError::NoSuchTable,
-                            "The table 'tProject' was not found in Test.mdb"},
-                    Refusal{u"select Title from Registry", DataError::NoSuchQueryField, "'Title'"},
-                    Refusal{u"select Index from Kinds", DataError::NoSuchQueryField, "'Index'"},
-                    Refusal{u"select [Title] from Kinds", DataError::NoSuchQueryField, "'Title'"},
-                    Refusal{u"select * from Kinds order by ID", DataError::NoSuchQueryField, "'ID'"},
-                    Refusal{u"SELECT * FROM Kinds UNION SELECT -1, COUNT(*) FROM Kinds ORDER BY ID",
-                            DataError::NoSuchQueryField, "sorted"},
-                    Refusal{u"SELECT * FROM Registry UNION SELECT -1, COUNT(*) FROM Registry ORDER BY ID",
-                            DataError::UnionColumns, "union"},
-                    Refusal{u"select * from Kinds where Name = 'it's'", DataError::QuerySyntax, "s"},
-                    Refusal{u"select * from Kinds where", DataError::QuerySyntax, "incomplete"},
-                    Refusal{u"select * from Kinds; select 1", DataError::QuerySyntax, "behind"},
-                    Refusal{u"", DataError::QuerySyntax, "empty"},
-                    Refusal{u"delete from Kinds", DataError::QuerySyntax, "delete"},
-                    Refusal{u"vacuum", DataError::QuerySyntax, "no rows"}));
-
-TEST_F(SqliteTest, MissingFieldOfARecordSet) {
-    for (const auto type : {forwardOnly, dynaset}) {
-        const auto rows = Open()->OpenRecordset(u"select ID from tMessages", type);
-        EXPECT_EQ(NumberOf([&] { rows->Field(u"Caption"); }), 3265);
-        EXPECT_EQ(NumberOf([&] { rows->Field(u""); }), 3265);
-    }
 }
 
 TEST_F(SqliteTest, ChangesTheCurrentRowAlone) {
-    const auto database = Open();
-    const auto rows = database->OpenRecordset(horalink, dynaset);
+    const auto rows = Rows();
     ASSERT_GT(rows->RecordCount(), 0);
     rows->Edit();
-    rows->SetField(u"version", Value(u"13.0.1"));
-    EXPECT_EQ(rows->Field(u"Version"), Value(u"2.0"));
+    rows->SetField(u"version", u"13.0.1");
+    EXPECT_EQ(rows->Field(u"Version"), Value(u"2.0")) << "before Update";
     rows->Update();
+    EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020) << "the edit has ended";
     EXPECT_EQ(rows->Field(u"Version"), Value(u"13.0.1"));
     EXPECT_EQ(rows->Field(u"Count"), Value(std::int32_t{2}));
     rows->MoveNext();
     EXPECT_EQ(rows->Field(u"Version"), Value(u"3.0"));
-    EXPECT_EQ(Single(u"select group_concat(AppName || Version || Count || [Index]) as Result from Registry"),
+    EXPECT_EQ(Single(u"select group_concat(AppName || Version || Count || [Index]) from Registry"),
               Value(u"Other.mra1.01-1,Horalink.mra13.0.120,Horalink.mra3.031"));
 }
 
 TEST_F(SqliteTest, WritesEachKindOfValueAsTheFieldTakesIt) {
-    const auto rows = Open()->OpenRecordset(u"select Version as V, Count as C from Registry", dynaset);
-    const auto write = [&](TextView field, const Value& value) {
-        rows->Edit();
-        rows->SetField(field, value);
-        rows->Update();
-        return rows->Field(field);
-    };
-    EXPECT_EQ(write(u"C", Value(u"7")), Value(std::int32_t{7}));
-    EXPECT_EQ(write(u"C", Value(true)), Value(std::int32_t{-1}));
-    EXPECT_EQ(write(u"C", Value(0.5)), Value(0.5));
-    EXPECT_EQ(write(u"V", Value(std::int16_t{5})), Value(u"5"));
-    EXPECT_EQ(write(u"V", Value(u"Größe 𝄞")), Value(u"Größe 𝄞"));
-    EXPECT_EQ(write(u"V", Value(Null())), Value(Null()));
-    EXPECT_EQ(NumberOf([&] { write(u"V", Value(Missing())); }), 13);
-    EXPECT_EQ(NumberOf([&] { write(u"V", Value(ObjectRef())); }), 13);
-    EXPECT_EQ(Single(u"select count(*) as Result from Registry where Version is null and Count = 0.5"),
+    const auto rows = Rows(u"select Version as V, Count as C from Registry");
+    const struct {
+        TextView field;
+        Value written, read;
+    } cases[] = {{u"C", u"7", std::int32_t{7}}, {u"C", true, std::int32_t{-1}}, {u"C", 0.5, 0.5},
+                 {u"V", std::int16_t{5}, u"5"}, {u"V", u"Größe 𝄞", u"Größe 𝄞"}, {u"V", Null(), Null()}};
+    for (const auto& [field, written, read] : cases) {
+        EXPECT_EQ(Change(*rows, field, written), 0);
+        EXPECT_EQ(rows->Field(field), read);
+    }
+    EXPECT_EQ(Change(*rows, u"V", Missing()), 13);
+    EXPECT_EQ(Change(*rows, u"V", ObjectRef()), 13);
+    EXPECT_EQ(Single(u"select count(*) from Registry where Version is null and Count = 0.5"),
               Value(std::int32_t{1}));
 }
 
 TEST_F(SqliteTest, EditsInOrderOnly) {
-    const auto rows = Open()->OpenRecordset(horalink, dynaset);
-    EXPECT_EQ(NumberOf([&] { rows->SetField(u"Version", Value(u"x")); }), 3020);
-    EXPECT_EQ(NumberOf([&] { rows->Update(); }), 3020);
+    const auto rows = Rows();
+    EXPECT_EQ(ErrorOf([&] { rows->SetField(u"Version", u"x"); }), 3020);
+    EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020);
     rows->Edit();
-    EXPECT_EQ(NumberOf([&] { rows->SetField(u"Nothing", Value(u"x")); }), 3265);
-    rows->SetField(u"Version", Value(u"dropped"));
+    EXPECT_EQ(ErrorOf([&] { rows->SetField(u"Nothing", u"x"); }), 3265);
+    rows->SetField(u"Version", u"dropped");
     rows->MoveNext();
-    EXPECT_EQ(NumberOf([&] { rows->Update(); }), 3020);
+    EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020);
     rows->MoveNext();
-    EXPECT_EQ(NumberOf([&] { rows->Edit(); }), 3021);
-    EXPECT_EQ(Single(u"select count(*) as Result from Registry where Version = 'dropped'"),
-              Value(std::int32_t{0}));
-}
-
-TEST_F(SqliteTest, FindsNothingToEdit) {
-    const auto rows = Open()->OpenRecordset(u"SELECT * FROM Registry WHERE AppName = \"None.mra\"", dynaset);
-    EXPECT_EQ(rows->RecordCount(), 0);
-    EXPECT_TRUE(rows->EndOfFile());
-    EXPECT_EQ(NumberOf([&] { rows->Edit(); }), 3021);
+    EXPECT_EQ(ErrorOf([&] { rows->Edit(); }), 3021);
+    EXPECT_EQ(Single(u"select count(*) from Registry where Version = 'dropped'"), Value(std::int32_t{0}));
+    const auto none = Rows(u"SELECT * FROM Registry WHERE AppName = \"None.mra\"");
+    EXPECT_EQ(none->RecordCount(), 0);
+    EXPECT_TRUE(none->EndOfFile());
+    EXPECT_EQ(ErrorOf([&] { none->Edit(); }), 3021);
 }
 
 TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
@@ -260,7 +216,6 @@ TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
         "create view Shown as select * from Registry; create table Other (x, y);"
         "insert into Other values (1, 2); create table Keyed (a primary key) without rowid;"
         "insert into Keyed values (1);");
-    const auto database = Open();
     for (const TextView query :
          {u"SELECT * FROM tMessages UNION SELECT -1, COUNT(*) FROM tMessages ORDER BY ID",
           u"select Registry.AppName, Other.x from Registry, Other", u"select AppName from Registry, Other",
@@ -268,172 +223,104 @@ TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
           u"select count(*) as c from Registry", u"select * from Shown", u"select * from Keyed",
           u"select * from (select AppName from Registry limit 1)",
           u"select Version || '.' as v from Registry"}) {
-        const auto rows = database->OpenRecordset(query, dynaset);
-        EXPECT_EQ(rows->EndOfFile(), false) << ToUtf8(query);
-        EXPECT_EQ(NumberOf([&] { rows->Edit(); }), 3027) << ToUtf8(query);
+        EXPECT_FALSE(Rows(query)->EndOfFile()) << ToUtf8(query);
+        EXPECT_EQ(ErrorOf([&] { Rows(query)->Edit(); }), 3027) << ToUtf8(query);
     }
-    EXPECT_EQ(NumberOf([&] { database->OpenRecordset(horalink, forwardOnly)->Edit(); }), 3027);
+    EXPECT_EQ(ErrorOf([&] { Rows(horalink, forwardOnly)->Edit(); }), 3027);
 }
 
-TEST_F(SqliteTest, NoticesThatTheRowIsGone) {
-    const auto rows = Open()->OpenRecordset(horalink, dynaset);
-    rows->Edit();
-    rows->SetField(u"Version", Value(u"x"));
-    RunElsewhere("delete from Registry");
-    EXPECT_EQ(NumberOf([&] { rows->Update(); }), 3167);
-}
-
-TEST_F(SqliteTest, LeavesTheRowAloneWhenTheTableRefusesTheValue) {
+TEST_F(SqliteTest, LeavesTheRowAloneWhenTheTableRefusesTheValueOrTheRowIsGone) {
     RunElsewhere("create table Strict (a text not null, b); insert into Strict values ('a', 'b')");
-    const auto rows = Open()->OpenRecordset(u"select * from Strict", dynaset);
+    const auto rows = Rows(u"select * from Strict");
     rows->Edit();
-    rows->SetField(u"b", Value(u"new"));
-    rows->SetField(u"a", Value(Null()));
-    EXPECT_EQ(NumberOf([&] { rows->Update(); }), Number(DataError::ValueRefused));
+    rows->SetField(u"b", u"new");
+    rows->SetField(u"a", Null());
+    EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3317);
     EXPECT_EQ(rows->Field(u"b"), Value(u"b"));
-    rows->SetField(u"a", Value(u"A"));
+    rows->SetField(u"a", u"A");
     rows->Update();
-    EXPECT_EQ(Single(u"select a || b as Result from Strict"), Value(u"Anew"));
+    EXPECT_EQ(Single(u"select a || b from Strict"), Value(u"Anew"));
+    RunElsewhere("delete from Strict");
+    EXPECT_EQ(Change(*rows, u"a", u"x"), 3167);
 }
 
-TEST_F(SqliteTest, ReadOnlyFilesAreReadButNotEdited) {
-    const auto rows = Open(true)->OpenRecordset(horalink, dynaset);
-    EXPECT_EQ(rows->Field(u"Version"), Value(u"2.0"));
-    EXPECT_EQ(NumberOf([&] { rows->Edit(); }), 3027);
-
-    fs::permissions(file_, everyoneReads);
-    {
+TEST_F(SqliteTest, PermissionsDecideWhatCanBeDone) {
+    EXPECT_EQ(ErrorOf([&] { Open(true)->OpenRecordset(horalink, dynaset)->Edit(); }), 3027);
+    const struct {
+        int fileMode, directoryMode;
+        std::int32_t opening, editing, updating;
+    } cases[] = {
+        {0444, 0755, 0, 3027, 0}, {0666, 0555, 0, 0, 3027}, {0, 0755, 3051, 0, 0}, {0666, 0, 3051, 0, 0}};
+    for (const auto& [fileMode, directoryMode, opening, editing, updating] : cases) {
+        Allow(file, fileMode);
+        Allow(directory.Path(), directoryMode);
+        std::unique_ptr<Recordset> rows;
         const PlainUser user;
-        const auto guarded = Open()->OpenRecordset(horalink, dynaset);
-        EXPECT_EQ(guarded->Field(u"Version"), Value(u"2.0"));
-        EXPECT_EQ(NumberOf([&] { guarded->Edit(); }), 3027);
+        EXPECT_EQ(ErrorOf([&] { rows = Rows(); }), opening);
+        if (!rows) continue;
+        EXPECT_EQ(rows->Field(u"Version"), Value(u"2.0"));
+        EXPECT_EQ(ErrorOf([&] { rows->Edit(); }), editing);
+        EXPECT_EQ(Change(*rows, u"Version", u"x"), editing + updating);
     }
-}
-
-TEST_F(SqliteTest, FilesInAGuardedDirectoryAreNotEdited) {
-    fs::permissions(file_, fs::perms::all);
-    fs::permissions(directory_.Path(), everyoneReads);
-    {
-        const PlainUser user;
-        const auto rows = Open()->OpenRecordset(horalink, dynaset);
-        rows->Edit();
-        rows->SetField(u"Version", Value(u"x"));
-        EXPECT_EQ(NumberOf([&] { rows->Update(); }), 3027);
-    }
-    fs::permissions(directory_.Path(), fs::perms::owner_all);
-}
-
-TEST_F(SqliteTest, FilesWithoutPermission) {
-    fs::permissions(file_, fs::perms::none);
-    {
-        const PlainUser user;
-        EXPECT_EQ(NumberOf([&] { Open(); }), Number(DataError::NoPermission));
-    }
-    fs::permissions(directory_.Path(), fs::perms::none);
-    {
-        const PlainUser user;
-        EXPECT_EQ(NumberOf([&] { Open(); }), Number(DataError::NoPermission));
-    }
-    fs::permissions(directory_.Path(), fs::perms::owner_all);
 }
 
 TEST_F(SqliteTest, OpensNothingButDatabases) {
-    const auto open = [&](const fs::path& file) {
-        return NumberOf([&] { engine_->OpenDatabase(PathText(file)); });
-    };
-    EXPECT_EQ(open(directory_.Path() / "Missing.mdb"), 3024);
-    EXPECT_FALSE(fs::exists(directory_.Path() / "Missing.mdb"));
-    EXPECT_EQ(open(directory_.Path()), 3024);
-    EXPECT_EQ(NumberOf([&] { engine_->OpenDatabase(u""); }), 3024);
-    EXPECT_EQ(NumberOf([&] { engine_->OpenDatabase(u":memory:"); }), 3024);
-    EXPECT_EQ(open(directory_.Write("empty", "")), 3343);
-    EXPECT_EQ(open(directory_.Write("text", std::string(4096, 'x'))), 3343);
-    EXPECT_EQ(open(directory_.Write("short", "SQLite format 3")), 3343);
-    EXPECT_EQ(NumberOf([&] { engine_->OpenDatabase(UpperCase(PathText(file_)), true); }), 0);
-}
-
-TEST_F(SqliteTest, DamageIsFoundAtOpening) {
-    std::fstream damaged(file_, std::ios::in | std::ios::out | std::ios::binary);
-    damaged.seekp(100);
-    damaged << std::string(200, '\x7f');
-    damaged.close();
-    EXPECT_EQ(NumberOf([&] { Open(); }), 3343);
+    RunElsewhere("vacuum");
+    const std::string whole(std::istreambuf_iterator<char>(std::ifstream(file).rdbuf()), {});
+    const std::pair<Text, std::int32_t> cases[] = {
+        {Text(u"Missing.mdb"), 3024}, {Text(u""), 3024},        {Text(u"empty"), 3343}, {Text(u"text"), 3343},
+        {Text(u"short"), 3343},       {Text(u"damaged"), 3343}, {Text(u"TEST.MDB"), 0}};
+    directory.Write("empty");
+    directory.Write("text", std::string(4096, 'x'));
+    directory.Write("short", "SQLite format 3");
+    directory.Write("damaged", std::string(whole).replace(100, 200, 200, '\x7f'));
+    for (const auto& [name, number] : cases)
+        EXPECT_EQ(ErrorOf([&] { engine->OpenDatabase(PathText(directory.Path()) + u"\\" + name, true); }),
+                  number)
+            << ToUtf8(name);
+    EXPECT_FALSE(fs::exists(directory.Path() / "Missing.mdb"));
+    for (const TextView path : {u"", u":memory:"})
+        EXPECT_EQ(ErrorOf([&] { engine->OpenDatabase(path); }), 3024) << ToUtf8(path);
 }
 
 TEST_F(SqliteTest, TellsOfLocks) {
-    const auto rows = Open()->OpenRecordset(horalink, dynaset);
-    OtherProgram other(file_);
+    const auto rows = Rows();
+    OtherProgram other(file);
     other.Run("begin exclusive");
-    EXPECT_EQ(NumberOf([&] { Open(); }), 3260);
-    rows->Edit();
-    rows->SetField(u"Version", Value(u"x"));
-    EXPECT_EQ(NumberOf([&] { rows->Update(); }), 3260);
+    EXPECT_EQ(ErrorOf([&] { Open(); }), 3260);
+    EXPECT_EQ(Change(*rows, u"Version", u"x"), 3260);
     other.Run("rollback");
     rows->Update();
     EXPECT_EQ(rows->Field(u"Version"), Value(u"x"));
+    EXPECT_EQ(Change(*Rows(), u"Version", u"y"), 0) << "two dynasets do not block each other";
+    EXPECT_EQ(Change(*rows, u"Version", u"z"), 0);
 }
 
-TEST_F(SqliteTest, TwoDynasetsDoNotBlockEachOther) {
-    const auto first = Open()->OpenRecordset(horalink, dynaset);
-    const auto second = Open()->OpenRecordset(horalink, dynaset);
-    for (const auto* rows : {&first, &second}) {
-        (*rows)->Edit();
-        (*rows)->SetField(u"Version", Value(u"x"));
-        EXPECT_EQ(NumberOf([&] { (*rows)->Update(); }), 0);
-    }
-}
-
-template <class Set>
-void ExpectClosed(Set& rows) {
-    EXPECT_EQ(NumberOf([&] { rows.EndOfFile(); }), 3420);
-    EXPECT_EQ(NumberOf([&] { rows.Field(u"Version"); }), 3420);
-    EXPECT_EQ(NumberOf([&] { rows.MoveNext(); }), 3420);
-    EXPECT_EQ(NumberOf([&] { rows.RecordCount(); }), 3420);
-    EXPECT_EQ(NumberOf([&] { rows.Edit(); }), 3420);
-    EXPECT_EQ(NumberOf([&] { rows.SetField(u"Version", Value(u"x")); }), 3420);
-    EXPECT_EQ(NumberOf([&] { rows.Update(); }), 3420);
-    EXPECT_EQ(NumberOf([&] { rows.Close(); }), 3420);
-}
-
-TEST_F(SqliteTest, ClosedRecordSets) {
-    const auto database = Open();
-    for (const auto type : {forwardOnly, dynaset}) {
-        const auto rows = database->OpenRecordset(horalink, type);
-        rows->Close();
-        ExpectClosed(*rows);
-    }
-}
-
-// The descriptors of this process that stand for the file.
-std::ptrdiff_t OpenDescriptors(const fs::path& file) {
-    return std::count_if(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator(),
-                         [&](const auto& entry) {
-                             std::error_code error;
-                             return fs::read_symlink(entry.path(), error) == file;
-                         });
-}
-
-TEST_F(SqliteTest, ClosingTheDatabaseClosesItsRecordSets) {
+TEST_F(SqliteTest, WhatIsClosedAnswersNothingAndLetsGoOfTheFile) {
     for (const auto type : {forwardOnly, dynaset}) {
         const auto database = Open();
-        const auto rows = database->OpenRecordset(horalink, type);
-        EXPECT_EQ(OpenDescriptors(file_), 1);
+        const auto alone = database->OpenRecordset(horalink, type),
+                   with = database->OpenRecordset(horalink, type);
+        alone->Close();
+        EXPECT_EQ(OpenDescriptors(), 1);
         database->Close();
-        EXPECT_EQ(OpenDescriptors(file_), 0);
-        ExpectClosed(*rows);
-        EXPECT_EQ(NumberOf([&] { database->OpenRecordset(horalink, type); }), 3420);
-        EXPECT_EQ(NumberOf([&] { database->Close(); }), 3420);
+        EXPECT_EQ(OpenDescriptors(), 0);
+        for (Recordset* rows : {alone.get(), with.get()}) {
+            const std::function<void()> members[] = {
+                [&] { rows->EndOfFile(); }, [&] { rows->Field(u"Version"); },
+                [&] { rows->MoveNext(); },  [&] { rows->RecordCount(); },
+                [&] { rows->Edit(); },      [&] { rows->SetField(u"Version", u"x"); },
+                [&] { rows->Update(); },    [&] { rows->Close(); }};
+            for (const auto& member : members) EXPECT_EQ(ErrorOf(member), 3420);
+        }
+        EXPECT_EQ(ErrorOf([&] { database->OpenRecordset(horalink, type); }), 3420);
+        EXPECT_EQ(ErrorOf([&] { database->Close(); }), 3420);
     }
-}
-
-TEST_F(SqliteTest, ARecordSetKeepsTheFileThatItsDatabaseLetGo) {
-    auto database = Open();
-    auto rows = database->OpenRecordset(horalink, forwardOnly);
-    database.reset();
+    auto rows = Rows(horalink, forwardOnly);
     rows->MoveNext();
-    EXPECT_EQ(rows->Field(u"Version"), Value(u"3.0"));
+    EXPECT_EQ(rows->Field(u"Version"), Value(u"3.0")) << "keeps the file that its database let go of";
     rows.reset();
-    EXPECT_EQ(OpenDescriptors(file_), 0);
+    EXPECT_EQ(OpenDescriptors(), 0);
 }
 
 }  // namespace

@@ -9,6 +9,12 @@
 
 namespace platform {
 
+// Raised by a member that can't take a call just now; the calling process tries it again.
+class BusyError : public RuntimeError {
+  public:
+    BusyError() : RuntimeError(ErrorNumber::AutomationError, "the call can't be taken now") {}
+};
+
 // What a process does with the wait limits of an outgoing call. All is read when a limit is reached.
 struct WaitSettings {
     std::int32_t busyTimeout = 10000;    // milliseconds that a busy callee is tried again

@@ -71,7 +71,7 @@ class Object : public std::enable_shared_from_this<Object> {
 
     // Calls a member by its name. Raises 438 for a member that isn't there, 450 for a wrong number of
     // arguments, the conversions' errors, and what the member raises.
-    virtual Value Invoke(std::string_view member, InvokeKind kind, Arguments& arguments);
+    virtual Value Invoke(std::string_view name, InvokeKind kind, Arguments& arguments);
 
     // Runs when the last client of an object that lives in this process has let go of it.
     virtual void LastClientGone() {}

@@ -14,6 +14,8 @@ template <class... Handlers>
 struct Overloaded : Handlers... {
     using Handlers::operator()...;
 };
+template <class... Handlers>
+Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 RuntimeError Mismatch() {
     return RuntimeError(ErrorNumber::TypeMismatch);

@@ -92,6 +92,8 @@ void IncomingCall::Serve(const std::function<void(IncomingCall&)>& serve) {
         Answer();
     } catch (const BusError& error) {
         Fail(error.Name(), error);
+    } catch (const BusyError& error) {
+        Fail(bus::busyErrorName, error);
     } catch (const RuntimeError& error) {
         Fail(bus::errorName, error);
     } catch (const std::exception& error) {

@@ -37,7 +37,7 @@ struct Peers::Peer {
 
 std::shared_ptr<void> Peers::Watch(const std::string& name, std::function<void()> gone) {
     const auto peer = PeerOf(name);
-    auto subscription = std::make_shared<Subscription>(peer, std::move(gone));
+    auto subscription = std::make_shared<Subscription>(Subscription{peer, std::move(gone)});
     std::erase_if(peer->subscriptions, [](const auto& entry) { return entry.expired(); });
     peer->subscriptions.push_back(subscription);
     return subscription;

@@ -22,7 +22,7 @@ bool IsRead(const Member& member) {
 // Methods, and both forms of properties with an index.
 bool IsMethod(const Member& member) {
     if (member.kind == InvokeKind::Method) return true;
-    return member.parameters.size() > (IsWrite(member) ? 1u : 0u);
+    return member.parameters.size() > (IsWrite(member) ? 1U : 0U);
 }
 
 template <class Condition>

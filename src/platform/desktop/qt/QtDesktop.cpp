@@ -7,6 +7,7 @@
 #include <QStyleFactory>
 #include <cstdio>
 
+#include "platform/desktop/qt/FontStart.h"
 #include "platform/desktop/qt/QtEventLoop.h"
 #include "platform/desktop/qt/QtHelp.h"
 #include "platform/desktop/qt/QtLocale.h"
@@ -71,6 +72,7 @@ class Desktop : public QtDesktop {
     const PictureFiles& Pictures() const override { return pictures_; }
 
   private:
+    FontStart fonts_;
     // Qt gets the program's name alone: all that stands behind it may be the name of an exchange, also
     // where it looks like one of Qt's own options.
     int argumentCount_ = 1;

@@ -7,24 +7,23 @@ namespace platform {
 
 namespace {
 
-HelpTopic Sentence(const QString& text) {
-    return {{}, FromQt(text.toHtmlEscaped())};
-}
+// What a help file says instead of a topic that it doesn't have.
+constexpr std::int32_t noTopic = 0;
 
-HelpTopic TopicOrSentence(DatabaseEngine& engine, TextView file, std::int32_t id) {
+HelpTopic TopicOrReason(DatabaseEngine& engine, TextView file, std::int32_t id) {
     try {
-        if (!file.empty())
-            if (auto topic = FindTopic(engine, file, id)) return *std::move(topic);
-        return Sentence(QStringLiteral("There is no help on this yet."));
+        for (const std::int32_t found : {id, noTopic})
+            if (auto topic = FindTopic(engine, file, found)) return *std::move(topic);
+        throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "help topic " + std::to_string(id));
     } catch (const RuntimeError& error) {
-        return Sentence(QStringLiteral("The help can't be shown: ") + ToQt(error.Description()));
+        return {{}, FromQt(ToQt(error.Description()).toHtmlEscaped())};
     }
 }
 
 }  // namespace
 
 void QtHelp::Show(QWidget& beside, std::int32_t topic, TextView file) const {
-    (new HelpWindow(TopicOrSentence(engine_, file, topic), beside))->Present();
+    (new HelpWindow(TopicOrReason(engine_, file, topic), beside))->Present();
 }
 
 }  // namespace platform

@@ -1,6 +1,5 @@
 #include "platform/forms/qt/CalendarSelectors.h"
 
-#include <QCoreApplication>
 #include <algorithm>
 #include <utility>
 
@@ -14,7 +13,7 @@ constexpr int arrowWidth = 20, monthsAYear = 12;
 constexpr double monthsShare = 0.6;  // of the width; names are longer than numbers
 
 struct Selector {
-    const char* name;  // for screen readers
+    const char* name;
     Arrow arrow;
     int months;
 };
@@ -34,7 +33,6 @@ CalendarSelectors::CalendarSelectors(QWidget& calendar, const std::function<bool
         auto* arrow = new ArrowButton(
             selector.arrow, [turn, months = selector.months] { return turn(months); }, calendar);
         arrow->setObjectName(QLatin1String(selector.name));
-        arrow->setAccessibleName(QCoreApplication::translate("CalendarSelectors", selector.name));
         arrow->hide();
         arrows_.push_back(arrow);
     }
@@ -46,6 +44,10 @@ void CalendarSelectors::Show(bool shown) {
         if (arrow->hasFocus()) calendar_.setFocus();
         arrow->setVisible(shown);
     }
+}
+
+void CalendarSelectors::Name(const std::function<QString(int months)>& nameOf) {
+    for (std::size_t i = 0; i < arrows_.size(); ++i) arrows_[i]->setAccessibleName(nameOf(selectors[i].months));
 }
 
 void CalendarSelectors::Place(const QRect& title, bool yearFirst) {

@@ -20,6 +20,8 @@ class CalendarSelectors {
     // Shows or takes away the arrows. Where one of them has the keyboard, the calendar takes it over.
     void Show(bool shown);
     void Place(const QRect& title, bool yearFirst);
+    // Screen readers call each arrow what it leads to: `nameOf` names the month that is so many away.
+    void Name(const std::function<QString(int months)>& nameOf);
     // The room between the arrows.
     const QRect& MonthText() const { return monthText_; }
     const QRect& YearText() const { return yearText_; }

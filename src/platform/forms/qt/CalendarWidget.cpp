@@ -98,14 +98,14 @@ void CalendarWidget::SyncOwn() {
     shown_ = std::move(wanted);
     selectors_.Show(shown_.selectors);
     selectors_.Place(TitleRect(), shown_.yearFirst);
+    selectors_.Name([this](int months) { return TitleOf(Month(months)); });
     update();
 }
 
 QString CalendarWidget::SpokenName() const {
     const Calendar& control = Typed();
     const QDate date(control.Year(), control.Month(), control.Day());
-    return date.isValid() ? locale_.toString(date, QLocale::LongFormat)
-                          : Title() + QStringLiteral(" (no day)");
+    return date.isValid() ? locale_.toString(date, QLocale::LongFormat) : TitleOf(Month(0));
 }
 
 // The mark of today moves at midnight, at a change of the clock, and after a sleep of the computer. Looked
@@ -197,15 +197,20 @@ void CalendarWidget::mouseMoveEvent(QMouseEvent* event) {
     PointAt(DayAt(event->position().toPoint()));
 }
 
-QString CalendarWidget::MonthName() const {
-    QString month = locale_.standaloneMonthName(Typed().Month());
-    if (!month.isEmpty()) month[0] = month[0].toUpper();
-    return month;
+// The first of a month, so many months from the shown one.
+QDate CalendarWidget::Month(int fromShown) const {
+    return QDate(Typed().Year(), Typed().Month(), 1).addMonths(fromShown);
 }
 
-QString CalendarWidget::Title() const {
-    const QString year = QString::number(Typed().Year());
-    return Typed().MarketStyle == yearAheadOfMonth ? year + u' ' + MonthName() : MonthName() + u' ' + year;
+QString CalendarWidget::NameOf(const QDate& month) const {
+    QString name = locale_.standaloneMonthName(month.month());
+    if (!name.isEmpty()) name[0] = name[0].toUpper();
+    return name;
+}
+
+QString CalendarWidget::TitleOf(const QDate& month) const {
+    const QString year = QString::number(month.year());
+    return Typed().MarketStyle == yearAheadOfMonth ? year + u' ' + NameOf(month) : NameOf(month) + u' ' + year;
 }
 
 QRect CalendarWidget::TitleRect() const {
@@ -233,10 +238,10 @@ QRect CalendarWidget::DayRect(int day) const {
 void CalendarWidget::PaintTitle(QPainter& painter) const {
     painter.setFont(shown_.titleFont);
     painter.setPen(QColor(isEnabled() ? look::ink : look::inkDisabled));
-    if (!shown_.selectors) return DrawFitting(painter, TitleRect(), Title());
+    if (!shown_.selectors) return DrawFitting(painter, TitleRect(), TitleOf(Month(0)));
     DrawFitting(painter, selectors_.YearText(), QString::number(shown_.year));
     painter.setFont(shown_.titleFont);
-    DrawFitting(painter, selectors_.MonthText(), MonthName());
+    DrawFitting(painter, selectors_.MonthText(), NameOf(Month(0)));
 }
 
 void CalendarWidget::PaintWeekdays(QPainter& painter) const {

@@ -50,8 +50,9 @@ class CalendarWidget : public QWidget, public TypedView<Calendar> {
     void Choose(const QDate& date);
     bool Turn(int months);
 
-    QString MonthName() const;
-    QString Title() const;
+    QDate Month(int fromShown) const;
+    QString NameOf(const QDate& month) const;
+    QString TitleOf(const QDate& month) const;
     QRect TitleRect() const;
     QRect GridRect() const;
     QRect CellRect(int row, int column) const;

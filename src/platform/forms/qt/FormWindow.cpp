@@ -5,6 +5,7 @@
 #include <QCursor>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QScopedValueRollback>
 #include <QWindow>
 #include <algorithm>
 #include <vector>
@@ -45,6 +46,11 @@ bool IsInput(QEvent::Type type) {
 
 ControlView* ViewOf(QObject* widget) {
     return dynamic_cast<ControlView*>(widget);
+}
+
+bool IsMenuKey(const QKeyEvent& event) {
+    if (event.key() == Qt::Key_Menu) return event.modifiers() == Qt::NoModifier;
+    return event.key() == Qt::Key_F10 && event.modifiers() == Qt::ShiftModifier;
 }
 
 // The widget of the control that a widget is or belongs to.
@@ -153,7 +159,9 @@ void FormWindow::PopUp(const Menu& menu) {
             if (form_ && form_->Enabled) Raise(item->Click);
         });
     }
-    shown->popup(QCursor::pos());
+    if (!menuIsKeyed_) return shown->popup(QCursor::pos());
+    shown->popup(focused_->mapToGlobal(QPoint(0, focused_->height())));
+    if (!shown->isEmpty()) shown->setActiveAction(shown->actions().front());
 }
 
 void FormWindow::ShowTopic(const Control& control) {
@@ -197,6 +205,17 @@ bool FormWindow::IsRefused(QEvent& event) const {
 void FormWindow::KeyPressed(const QKeyEvent& event) {
     if (const std::int16_t code = KeyCodeOf(event); code != 0)
         Raise(form_->KeyDown, code, ShiftOf(event.modifiers()));
+    if (form_ && IsMenuKey(event)) AskForMenu();
+}
+
+// The keys that desktops have for it stand for a right click on the control with the focus.
+void FormWindow::AskForMenu() {
+    ControlView* view = ViewOf(focused_);
+    if (!view) return;
+    const QScopedValueRollback keyed(menuIsKeyed_, true);
+    const QPointF middle = view->Widget().rect().center();
+    view->MouseReleased({QEvent::MouseButtonRelease, middle, view->Widget().mapToGlobal(middle),
+                         Qt::RightButton, Qt::NoButton, Qt::NoModifier});
 }
 
 // A window or box that comes in front takes the focus from Qt's view, but not from the form's: its control

@@ -26,7 +26,8 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
     void Sync();
     void SyncControl(Control& control);
     void TakeFocus();
-    // Offers the items of a menu beside the pointer, and returns at once.
+    // Offers the items of a menu beside the pointer, or beside the control whose keys asked for it, and
+    // returns at once.
     void PopUp(const Menu& menu);
     void ShowTopic(const Control& control);
     // The form is gone: hides, and reaches for it no more.
@@ -45,6 +46,7 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
     void SyncVisible();
     bool IsRefused(QEvent& event) const;
     void KeyPressed(const QKeyEvent& event);
+    void AskForMenu();
     void FocusMoved(QWidget* now);
     void ClosePopUps();
 
@@ -52,6 +54,7 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
     const QtHelp& help_;
     std::map<const Control*, ControlView*> views_;
     QPointer<QWidget> focused_;  // the control that the model knows as the one with the focus
+    bool menuIsKeyed_ = false;    // a key asks for a menu just now
     PictureRef icon_;
     Text caption_;
 };

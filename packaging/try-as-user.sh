@@ -1,0 +1,99 @@
+#!/usr/bin/env bash
+# The part of try-packages.sh that a new user does, inside a session bus of their own.
+set -euo pipefail
+cd "$HOME"
+export LC_ALL=C.UTF-8
+started=()
+leave() { for pid in "${started[@]}"; do kill "$pid" 2>/dev/null || true; done; }
+trap leave EXIT
+
+step() { printf -- '  - %s\n' "$*"; }
+fail() { printf 'FAILED: %s\n' "$*" >&2; exit 1; }
+# Asks again and again, for a minute at most.
+wait_for() {
+  local end=$((SECONDS + 60))
+  until "$@" >/dev/null 2>&1; do
+    [ $SECONDS -lt $end ] || fail "waited in vain for: $*"
+    sleep 0.2
+  done
+}
+names() {
+  dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus "org.freedesktop.DBus.$1" |
+    grep -o '"[^"]*"' | tr -d '"'
+}
+knows() { names ListActivatableNames | grep -Fxq "$1"; }
+runs() { names ListNames | grep -Fxq "$1"; }
+gone() { ! runs "$1"; }
+window() { xdotool search --onlyvisible --name "$1"; }
+picture() { cp "$HOME/screen/Xvfb_screen0" "/trial/pictures/$1.xwd"; }
+ended() { ! kill -0 "$1"; }
+
+step "a display"
+mkdir screen
+mkfifo number
+Xvfb -displayfd 3 -screen 0 1000x700x24 -fbdir "$HOME/screen" -nolisten tcp 3>number 2>/dev/null &
+started+=($!)
+read -r number <number
+export DISPLAY=":$number"
+rm number
+dbus-update-activation-environment DISPLAY LC_ALL # as a desktop does when it starts
+
+step "the bus knows the class, and nothing is wrong"
+knows Horalink10013.cOLELayer || fail "the class of the add-in can't be started"
+knows SwitchDeskProj10001.cPBXOle || fail "the class of the exchange object can't be started"
+horalink-setup status >status || { cat status; fail "status before the first start"; }
+
+step "the example host reads the clock of its exchange"
+python3 -u /usr/share/doc/horalink/examples/host.py --once >host.log 2>&1 &
+host=$!
+started+=($host)
+wait_for window "PBX Clock \(Example\)"
+sleep 1 # until it is painted: the first click would go into a window that is still being set up
+xdotool mousemove --window "$(window 'PBX Clock \(Example\)' | tail -1)" 47 269 click 1
+wait_for ended "$host"
+wait "$host" || { cat host.log; fail "examples/host.py"; }
+for call in Login SendRequest ShowResults LogOut REGComData; do
+  grep -qi "^$call(" host.log || { cat host.log; fail "the host wasn't asked for $call"; }
+done
+wait_for gone Horalink10013.cOLELayer
+
+step "the first start has entered an installation, and the register knows the version"
+horalink-setup status >status || { cat status; fail "status after the first start"; }
+grep -q '^Market 10001, in use$' status || fail "the market isn't entered"
+cat status
+horalink-lng dump .local/share/VELMORA32/10001/MORA32/DATABASE/Register.mdb | grep -Fq 13.0.1 ||
+  fail "the version isn't in the register"
+
+step "a stand-alone run in another language, on an exchange of the companion host"
+horalink-setup language de >/dev/null
+horalink Main Office &
+started+=($!)
+wait_for runs SwitchDeskProj10001.cPBXOle
+wait_for window "Main Office"
+sleep 1
+picture german
+xdotool mousemove --window "$(window 'Main Office' | tail -1)" 424 269 click 1
+wait_for ended "${started[-1]}"
+wait_for gone SwitchDeskProj10001.cPBXOle
+
+step "the companion host with its window"
+switchdesk --open Warehouse &
+started+=($!)
+wait_for window "Warehouse"
+sleep 1
+picture host
+kill "${started[-1]}"
+wait_for gone Horalink10013.cOLELayer
+
+step "a second market beside the first"
+horalink-setup add --market 20002 --language fr >/dev/null
+knows SwitchDeskProj20002.cPBXOle || fail "the class of the second market can't be started"
+horalink-setup use 20002 >/dev/null
+horalink-setup status >status || { cat status; fail "status with two markets"; }
+grep -q '^Market 20002, in use$' status || fail "the second market isn't in use"
+
+step "nothing is left after removal"
+horalink-setup remove --market 20002 >/dev/null
+horalink-setup remove >/dev/null
+left=$(find . \( -iname '*velmora*' -o -iname '*horalink*' -o -path '*dbus-1*' -o -name settings.ini \))
+[ -z "$left" ] || fail "left behind: $left"

@@ -1,0 +1,59 @@
+#include "platform/automation/dbus/SessionBusNames.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/automation/dbus/Handles.h"
+#include "platform/runtime/RuntimeError.h"
+
+namespace platform {
+
+namespace {
+
+void RequireAnswer(int result) {
+    if (result < 0) throw RuntimeError(ErrorNumber::ServerGone, std::strerror(-result));
+}
+
+class SessionBusNames : public BusNames {
+  public:
+    std::set<std::string> Running() override { return List("ListNames"); }
+    std::set<std::string> Startable() override { return List("ListActivatableNames"); }
+    void Reload() override { Ask("ReloadConfig"); }
+
+  private:
+    MessageRef Ask(const char* method) {
+        if (!bus_) Connect();
+        sd_bus_message* answer = nullptr;
+        RequireAnswer(sd_bus_call_method(bus_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                         "org.freedesktop.DBus", method, nullptr, &answer, ""));
+        return Adopted(answer);
+    }
+
+    std::set<std::string> List(const char* method) {
+        char** names = nullptr;
+        RequireAnswer(sd_bus_message_read_strv(Ask(method).get(), &names));
+        std::set<std::string> list;
+        for (char** name = names; name && *name; ++name) {
+            list.insert(*name);
+            std::free(*name);
+        }
+        std::free(names);
+        return list;
+    }
+
+    void Connect() {
+        sd_bus* bus = nullptr;
+        RequireAnswer(sd_bus_open_user(&bus));
+        bus_.reset(bus);
+    }
+
+    BusRef bus_;
+};
+
+}  // namespace
+
+std::unique_ptr<BusNames> MakeSessionBusNames() {
+    return std::make_unique<SessionBusNames>();
+}
+
+}  // namespace platform

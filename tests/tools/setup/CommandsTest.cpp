@@ -1,0 +1,300 @@
+#include "Fixture.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <functional>
+
+#include "horalink-setup/SettingsStore.h"
+#include "horalink-setup/UserTree.h"
+#include "platform/desktop/Paths.h"
+
+namespace setup {
+namespace {
+
+class CommandsTest : public SetupTest {
+  protected:
+    std::string LinkOf(const char* piece, const std::string& market = "10001") const {
+        return fs::read_symlink(Tree(market) / piece).lexically_relative(places_.package);
+    }
+    void WritePackageServices() const {
+        for (const auto& [name, arguments] :
+             {std::pair(std::string(addInClass), "start horalink -Embedding"),
+              std::pair(ExchangeClass("10001"), "start --market 10001 switchdesk --service")})
+            directory_.Write("usr/share/dbus-1/services/" + name + ".service",
+                             "[D-BUS Service]\nName=" + name + "\nExec=" + places_.program.string() + " " +
+                                 arguments + "\n");
+    }
+    static bool Mentions(const Told& told, const std::string& part) {
+        return std::any_of(told.begin(), told.end(),
+                           [&](const std::string& sentence) { return sentence.find(part) != sentence.npos; });
+    }
+};
+
+TEST_F(CommandsTest, LinksIntoThePackageAndCopiesTheRegister) {
+    places_.locale = "de_CH.UTF-8";
+    AddMarket();
+    EXPECT_EQ(LinkOf(place::addIn), "ADDINS/horalink");
+    EXPECT_EQ(LinkOf(place::host), "MORA32/switchdesk");
+    EXPECT_EQ(LinkOf(place::addInTexts), "ADDINS/DATABASE/de/Horalink.lng");
+    EXPECT_EQ(LinkOf(place::commonTexts), "MORA32/DATABASE/de/Common.LNG");
+    EXPECT_EQ(LinkOf(place::help), "ADDINS/HELP/de/Horalink.hlp");
+    EXPECT_EQ(LinkOf(place::backgrounds), "BACKGRND");
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(Tree() / place::registry)));
+    std::string path = Tree().string();
+    std::replace(path.begin(), path.end(), '/', '\\');
+    EXPECT_EQ(Settings(), "[VELMORA32/10001]\nInstallPath=" + path + "\\\n");
+}
+
+TEST_F(CommandsTest, AddingAgainMendsAndKeepsWhatIsTheUsersOwn) {
+    AddMarket();
+    fs::remove(Tree() / place::addIn);
+    fs::remove(Tree() / place::addInTexts);
+    directory_.Write("home/.local/share/VELMORA32/10001/ADDINS/DATABASE/Horalink.lng", "own texts");
+    fs::remove(Tree() / place::backgrounds);
+    directory_.Write("home/.local/share/VELMORA32/10001/BACKGRND/cat.svg", "own picture");
+    std::ofstream(Tree() / place::registry) << "own register";
+    places_.locale = "de_DE";  // later than the first entry, so that it tells nothing
+
+    const Told told = AddMarket();
+    EXPECT_TRUE(Mentions(told, "Horalink.lng"));
+    EXPECT_TRUE(Mentions(told, "BACKGRND"));
+    EXPECT_EQ(LinkOf(place::addIn), "ADDINS/horalink");
+    EXPECT_EQ(ReadFile(Tree() / place::addInTexts), "own texts");
+    EXPECT_EQ(ReadFile(Tree() / place::registry), "own register");
+
+    AddRequest request = Request("10001");
+    request.force = true;
+    Add(context_, request);
+    EXPECT_TRUE(fs::is_symlink(Tree() / place::addInTexts));
+    EXPECT_NE(ReadFile(Tree() / place::registry), "own register");
+    EXPECT_EQ(ReadFile(Tree() / "BACKGRND/cat.svg"), "own picture") << "a directory is never replaced";
+}
+
+TEST_F(CommandsTest, MovesAMarketOnlyByForce) {
+    AddMarket();
+    AddRequest request = Request("10001");
+    request.root = top_ / "home/other place";
+    const std::string settings = Settings(), home = Home();
+    EXPECT_THROW(Add(context_, request), lng::Fault);
+    EXPECT_EQ(Settings(), settings);
+    EXPECT_EQ(Home(), home);
+    request.force = true;
+    Add(context_, request);
+    EXPECT_FALSE(fs::exists(Tree()));
+    EXPECT_TRUE(fs::exists(top_ / "home/other place/VELMORA32/10001/ADDINS/horalink"));
+    EXPECT_NE(Settings().find("\\other place\\VELMORA32\\10001\\\n"), std::string::npos) << Settings();
+    AddMarket();
+    EXPECT_FALSE(fs::exists(Tree())) << "without a root it stays where it is";
+}
+
+TEST_F(CommandsTest, RefusesRootsThatTheSettingsCannotHold) {
+    for (const char* root : {"back\\slash", "new\nline", "bad\xFFutf8"}) {
+        AddRequest request = Request("10001");
+        request.root = top_ / root;
+        EXPECT_THROW(Add(context_, request), lng::WrongCall) << root;
+    }
+    EXPECT_EQ(Home(), "");
+}
+
+TEST_F(CommandsTest, RefusesAnEntryThatProgramsWouldTakeForAnotherMarket) {
+    directory_.Write("home/.config/velmora/settings.ini",
+                     "[VELMORA32/10001]\nInstallPath=" + top_.string() + "/x/\n");
+    EXPECT_THROW(AddMarket(), lng::Fault);
+    EXPECT_FALSE(fs::exists(top_ / "x"));
+}
+
+TEST_F(CommandsTest, RemovalLeavesNothingOfOursAndLosesNothingOfOthers) {
+    const std::string settings =
+        "; mine\n[VELMORA32/10001]\nOther=20002\n\n[Other/20002]\nInstallPath=\\x\\\n";
+    directory_.Write("home/.config/velmora/settings.ini", settings);
+    AddMarket();
+    EXPECT_NE(Settings(), settings);
+    Remove(context_, std::nullopt);
+    EXPECT_EQ(Settings(), settings);
+    EXPECT_EQ(Home(), ".config/velmora/settings.ini\n");
+}
+
+TEST_F(CommandsTest, RemovalTakesFilesAndDirectoriesThatWereMade) {
+    AddMarket();
+    AddMarket("20002");
+    Use(context_, "20002");
+    EXPECT_THROW(Remove(context_, std::nullopt), lng::WrongCall) << "which of the two?";
+    Remove(context_, "20002");
+    Remove(context_, "10001");
+    EXPECT_EQ(Home(), "");
+    EXPECT_FALSE(fs::exists(places_.settings.parent_path()));
+    EXPECT_FALSE(fs::exists(places_.data / "VELMORA32"));
+    EXPECT_THROW(Remove(context_, "10001"), lng::WrongCall);
+    EXPECT_THROW(Remove(context_, std::nullopt), lng::WrongCall);
+}
+
+TEST_F(CommandsTest, ATreeThatOthersLiveInStaysEntered) {
+    AddMarket();
+    directory_.Write("home/.local/share/VELMORA32/10001/ADDINS/neighbour", "program");
+    const std::string settings = Settings();
+    EXPECT_TRUE(Mentions(Remove(context_, "10001"), "neighbour"));
+    EXPECT_EQ(Home(), ".config/velmora/settings.ini\n.local/share/VELMORA32/10001/ADDINS/neighbour\n");
+    EXPECT_EQ(Settings(), settings);
+}
+
+TEST_F(CommandsTest, ARegisterWithEntriesOfOthersStays) {
+    AddMarket();
+    const fs::path file = Tree() / place::registry;
+    {
+        const auto database = engine_->OpenDatabase(platform::PathText(file));
+        const auto rows =
+            database->OpenRecordset(u"SELECT * FROM Registry", platform::RecordsetType::Dynaset);
+        rows->Edit();
+        rows->SetField(u"AppName", u"Neighbour.mra");
+        rows->Update();
+    }
+    EXPECT_TRUE(Mentions(Remove(context_, "10001"), "Register.mdb"));
+    EXPECT_TRUE(fs::exists(file));
+}
+
+TEST_F(CommandsTest, TheClassStartsTheMarketInUse) {
+    EXPECT_THROW(Use(context_, "20002"), lng::WrongCall);
+    AddMarket("20002");
+    EXPECT_EQ(SettingsStore(places_.settings).MarketInUse(), "20002") << "the only one";
+    AddMarket();
+    EXPECT_EQ(SettingsStore(places_.settings).MarketInUse(), "10001") << "the default";
+    Use(context_, "20002");
+    EXPECT_EQ(CommandToStart(context_, std::nullopt, "horalink", {"-Embedding"}),
+              (std::vector<std::string>{Tree("20002") / place::addIn, "-Embedding"}));
+    EXPECT_EQ(CommandToStart(context_, std::nullopt, "switchdesk", {}),
+              (std::vector<std::string>{Tree("20002") / place::host, "--market", "20002"}));
+    EXPECT_EQ(CommandToStart(context_, "10001", "horalink", {"--market", "x"}),
+              (std::vector<std::string>{Tree() / place::addIn, "--market", "x"}));
+    Remove(context_, "20002");
+    EXPECT_EQ(SettingsStore(places_.settings).MarketInUse(), "10001");
+}
+
+TEST_F(CommandsTest, ChangesTheLanguageOfOneMarket) {
+    EXPECT_THROW(ChangeLanguage(context_, "de", "10001", false), lng::WrongCall) << "not entered";
+    AddMarket();
+    AddMarket("20002");
+    EXPECT_THROW(ChangeLanguage(context_, "xx", std::nullopt, false), lng::WrongCall);
+    ChangeLanguage(context_, "de", std::nullopt, false);
+    EXPECT_EQ(LinkOf(place::addInTexts), "ADDINS/DATABASE/de/Horalink.lng");
+    EXPECT_EQ(LinkOf(place::help), "ADDINS/HELP/de/Horalink.hlp");
+    EXPECT_EQ(LinkOf(place::addInTexts, "20002"), "ADDINS/DATABASE/en/Horalink.lng");
+    AddMarket();
+    EXPECT_EQ(LinkOf(place::addInTexts), "ADDINS/DATABASE/de/Horalink.lng") << "kept";
+}
+
+TEST_F(CommandsTest, WritesServiceFilesOnlyForWhatNoPackageServes) {
+    WritePackageServices();
+    AddMarket();
+    EXPECT_FALSE(fs::exists(places_.ownServices));
+    EXPECT_EQ(bus_.reloads, 0);
+    AddMarket("20002");
+    const fs::path file = places_.ownServices / (ExchangeClass("20002") + ".service");
+    EXPECT_NE(ReadFile(file)->find("\nExec=" + places_.program.string() +
+                                   " start --market 20002 switchdesk --service\n"),
+              std::string::npos);
+    EXPECT_EQ(std::distance(fs::directory_iterator(places_.ownServices), {}), 1);
+    EXPECT_EQ(bus_.reloads, 1);
+}
+
+TEST_F(CommandsTest, LeavesAServiceFileOfTheUsersOwnAlone) {
+    const std::string own = "[D-BUS Service]\nName=Horalink10013.cOLELayer\nExec=/opt/other\n";
+    const fs::path file =
+        directory_.Write("home/.local/share/dbus-1/services/Horalink10013.cOLELayer.service", own);
+    EXPECT_THROW(AddMarket(), lng::Fault);
+    EXPECT_EQ(Settings(), "(none)");
+    EXPECT_FALSE(fs::exists(Tree()));
+    AddRequest request = Request("10001");
+    request.force = true;
+    Add(context_, request);
+    EXPECT_NE(ReadFile(file), own);
+    std::ofstream(file) << own;
+    Remove(context_, "10001");
+    EXPECT_EQ(ReadFile(file), own);
+}
+
+TEST_F(CommandsTest, QuotesAProgramWithABlankInItsPath) {
+    places_.program = top_ / "my $tools/horalink-setup";
+    AddMarket();
+    const auto content = ReadFile(places_.ownServices / "Horalink10013.cOLELayer.service");
+    EXPECT_NE(content->find("Exec=\"" + top_.string() + "/my \\$tools/horalink-setup\" start"),
+              std::string::npos)
+        << *content;
+}
+
+TEST_F(CommandsTest, ALinkedSettingsFileStaysALink) {
+    const fs::path real = directory_.Write("home/dotfiles/settings.ini", "[a]\nb=c\n");
+    fs::create_directories(places_.settings.parent_path());
+    fs::create_symlink(real, places_.settings);
+    fs::permissions(real, fs::perms::owner_read | fs::perms::owner_write);
+    AddMarket();
+    EXPECT_TRUE(fs::is_symlink(places_.settings));
+    EXPECT_TRUE(ReadFile(real)->starts_with("[a]\nb=c\n\n[VELMORA32/10001]\n"));
+    EXPECT_EQ(fs::status(real).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(CommandsTest, AStartEntersTheMarketAndMendsATreeThatIsGone) {
+    const auto command = CommandToStart(context_, std::nullopt, "horalink", {});
+    EXPECT_EQ(command, std::vector<std::string>{Tree() / place::addIn});
+    EXPECT_TRUE(fs::exists(command.front()));
+    fs::remove_all(places_.data / "VELMORA32");
+    EXPECT_EQ(CommandToStart(context_, std::nullopt, "horalink", {}), command);
+    EXPECT_TRUE(fs::exists(command.front()));
+    fs::remove(places_.package / place::host);
+    EXPECT_THROW(CommandToStart(context_, std::nullopt, "switchdesk", {}), lng::Fault)
+        << "its package isn't installed";
+}
+
+// Runs `work` in many processes at once, as the bus would start them, and returns how many failed.
+int FailuresOf(int processes, const std::function<void(int)>& work) {
+    std::vector<pid_t> children;
+    for (int i = 0; i < processes; ++i) {
+        const pid_t child = fork();
+        if (child == 0) {
+            try {
+                work(i);
+                _exit(0);
+            } catch (const std::exception&) {
+                _exit(1);
+            }
+        }
+        children.push_back(child);
+    }
+    int failures = 0;
+    for (const pid_t child : children) {
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status));
+        if (status != 0) ++failures;
+    }
+    return failures;
+}
+
+TEST_F(CommandsTest, StartsAtTheSameTimeDontDisturbEachOther) {
+    const std::vector<std::string> expected{Tree() / place::addIn};
+    const auto start = [&](int) {
+        if (CommandToStart(context_, std::nullopt, "horalink", {}) != expected) throw std::logic_error("");
+    };
+    EXPECT_EQ(FailuresOf(12, start), 0);
+    EXPECT_EQ(SettingsStore(places_.settings).Markets(), std::vector<std::string>{"10001"});
+    Remove(context_, std::nullopt);
+    EXPECT_EQ(Home(), "");
+}
+
+// A start may find that its installation was taken away just then; what is left is whole all the same.
+TEST_F(CommandsTest, StartsBesideRemovalsLeaveNoHalfInstallation) {
+    FailuresOf(16, [&](int i) {
+        if (i % 2 == 0)
+            CommandToStart(context_, std::nullopt, "horalink", {});
+        else
+            Remove(context_, "10001");
+    });
+    EXPECT_EQ(SettingsStore(places_.settings).Has("10001"), fs::exists(Tree()));
+    AddMarket();
+    Remove(context_, std::nullopt);
+    EXPECT_EQ(Home(), "");
+}
+
+}  // namespace
+}  // namespace setup

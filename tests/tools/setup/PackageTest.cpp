@@ -1,0 +1,58 @@
+#include "Fixture.h"
+#include "horalink-setup/Package.h"
+
+namespace setup {
+namespace {
+
+TEST(MarketTest, TakesFiveCharactersThatFitEverywhere) {
+    for (const auto& [code, market] : {std::pair("10001", "10001"), {"ab1cd", "AB1CD"}, {"A_-z9", "A_-Z9"}})
+        EXPECT_EQ(CheckedMarket(code), market);
+    for (const char* code : {"", "1000", "100011", "10/01", "10\\01", "10.01", "10 01", "..", "../..",
+                             "[0001", "1000]", "100=1", "1000\n", "größe", "äöüß"})
+        EXPECT_THROW(CheckedMarket(code), lng::WrongCall) << code;
+}
+
+class PackageTest : public SetupTest {};
+
+TEST_F(PackageTest, ChoosesTheLanguageOfALocale) {
+    MakeTexts("zh");
+    MakeTexts("pt_BR");
+    const Package package(places_.package);
+    EXPECT_EQ(package.Languages(), (std::vector<std::string>{"de", "en", "pt_BR", "zh"}));
+    const std::pair<const char*, const char*> cases[] = {{"", "en"},
+                                                         {"C", "en"},
+                                                         {"C.UTF-8", "en"},
+                                                         {"POSIX", "en"},
+                                                         {"de", "de"},
+                                                         {"de_AT.UTF-8", "de"},
+                                                         {"de_DE@euro", "de"},
+                                                         {"DE", "de"},
+                                                         {"zh_CN.UTF-8", "zh"},
+                                                         {"pt_BR", "pt_BR"},
+                                                         {"pt_PT.UTF-8", "pt_BR"},
+                                                         {"sv_SE.UTF-8", "en"},
+                                                         {"d", "en"},
+                                                         {"den", "en"}};
+    for (const auto& [locale, language] : cases) EXPECT_EQ(package.LanguageFor(locale), language) << locale;
+}
+
+TEST_F(PackageTest, NamesTheLanguagesThatThereAre) {
+    const Package package(places_.package);
+    EXPECT_EQ(package.CheckedLanguage("DE"), "de");
+    for (const char* name : {"fr", "", "..", "de/"}) try {
+            package.CheckedLanguage(name);
+            ADD_FAILURE() << name;
+        } catch (const lng::WrongCall& call) {
+            EXPECT_NE(std::string(call.what()).find("there are: de, en"), std::string::npos) << call.what();
+        }
+}
+
+TEST_F(PackageTest, RefusesATreeWithoutTheAddIn) {
+    fs::remove(places_.package / place::addIn);
+    EXPECT_THROW(Package{places_.package}, lng::Fault);
+    EXPECT_THROW(AddMarket(), lng::Fault);
+    EXPECT_EQ(Home(), "") << "nothing is half entered";
+}
+
+}  // namespace
+}  // namespace setup

@@ -1,0 +1,5 @@
+#include "Commands.h"
+
+int main(int argc, char** argv) {
+    return lng::RunTool({argv + 1, argv + argc});
+}
