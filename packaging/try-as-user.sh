@@ -25,8 +25,12 @@ knows() { names ListActivatableNames | grep -Fxq "$1"; }
 runs() { names ListNames | grep -Fxq "$1"; }
 gone() { ! runs "$1"; }
 window() { xdotool search --onlyvisible --name "$1"; }
-picture() { cp "$HOME/screen/Xvfb_screen0" "/trial/pictures/$1.xwd"; }
 ended() { ! kill -0 "$1"; }
+# A click may come before the window is ready for it; whoever waits for what it does clicks again.
+click() { xdotool mousemove --window "$(window "$1" | tail -1)" "$2" "$3" click 1; }
+screen=$HOME/screen/Xvfb_screen0
+is_painted() { ! cmp -s "$screen" empty; }
+picture() { wait_for is_painted; cp "$screen" "/trial/pictures/$1.xwd"; }
 
 step "a display"
 mkdir screen
@@ -48,8 +52,8 @@ python3 -u /usr/share/doc/horalink/examples/host.py --once >host.log 2>&1 &
 host=$!
 started+=($host)
 wait_for window "PBX Clock \(Example\)"
-sleep 1 # until it is painted: the first click would go into a window that is still being set up
-xdotool mousemove --window "$(window 'PBX Clock \(Example\)' | tail -1)" 47 269 click 1
+asked() { grep -q '^Login(' host.log || { click "PBX Clock \(Example\)" 47 269; false; }; }
+wait_for asked
 wait_for ended "$host"
 wait "$host" || { cat host.log; fail "examples/host.py"; }
 for call in Login SendRequest ShowResults LogOut REGComData; do
@@ -66,21 +70,20 @@ horalink-lng dump .local/share/VELMORA32/10001/MORA32/DATABASE/Register.mdb | gr
 
 step "a stand-alone run in another language, on an exchange of the companion host"
 horalink-setup language de >/dev/null
+cp "$screen" empty
 horalink Main Office &
 started+=($!)
 wait_for runs SwitchDeskProj10001.cPBXOle
-wait_for window "Main Office"
-sleep 1
+wait_for window "\(Main Office\)"
 picture german
-xdotool mousemove --window "$(window 'Main Office' | tail -1)" 424 269 click 1
-wait_for ended "${started[-1]}"
+closed() { ended "${started[-1]}" || { click "\(Main Office\)" 424 269; false; }; }
+wait_for closed
 wait_for gone SwitchDeskProj10001.cPBXOle
 
 step "the companion host with its window"
 switchdesk --open Warehouse &
 started+=($!)
-wait_for window "Warehouse"
-sleep 1
+wait_for window "\(Warehouse\)"
 picture host
 kill "${started[-1]}"
 wait_for gone Horalink10013.cOLELayer

@@ -53,15 +53,24 @@ class Arrangement:
     Readable programs offer their widgets to assistive programs, by which they are read and clicked from outside.
     """
 
-    def __init__(self, build, folder, own_display=False, readable=True):
+    def __init__(self, build, folder, own_display=False, readable=True, language="en"):
         self.build = Path(build).resolve()
         self.folder = Path(folder).resolve()
         self.root = self.folder / "VELMORA32" / MARKET
         self.own_display = own_display or not (os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
         self.processes = []
         self.environment = dict(os.environ)
+        self.language = language
         if readable:
             self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+
+    def speak(self):
+        """Names of days and months in the language, whose locale need not be installed for that."""
+        country = {"ja": "JP", "zh": "CN"}.get(self.language, self.language.upper())
+        for name in [name for name in self.environment if name.startswith("LC_")]:
+            del self.environment[name]
+        self.environment["LC_CTYPE" if self.language != "en" else "LC_ALL"] = "C.UTF-8"
+        self.environment["LANG"] = f"{self.language}_{country}.UTF-8"
 
     # --- the tree ---------------------------------------------------------------------------------
 
@@ -79,9 +88,10 @@ class Arrangement:
         shutil.rmtree(self.root, ignore_errors=True)
         for name in ("ADDINS/DATABASE", "ADDINS/HELP", "MORA32/DATABASE", "BACKGRND"):
             (self.root / name).mkdir(parents=True)
-        shutil.copy(self.build / "data/Horalink.lng", self.root / "ADDINS/DATABASE")
-        shutil.copy(self.build / "data/Horalink.hlp", self.root / "ADDINS/HELP")
-        shutil.copy(self.build / "data/Common.LNG", self.root / "MORA32/DATABASE")
+        texts = self.build / "data" / self.language
+        shutil.copy(texts / "Horalink.lng", self.root / "ADDINS/DATABASE")
+        shutil.copy(texts / "Horalink.hlp", self.root / "ADDINS/HELP")
+        shutil.copy(texts / "Common.LNG", self.root / "MORA32/DATABASE")
         shutil.copy(self.build / "data/Register.mdb", self.root / "MORA32/DATABASE")
         (self.root / "ADDINS/horalink").symlink_to(self.build / "src/horalink")
         (self.root / "MORA32/switchdesk").symlink_to(self.build / "host/switchdesk")
@@ -119,7 +129,7 @@ class Arrangement:
                 PATH="/usr/bin:/bin:" + os.environ.get("PATH", ""))
             if self.own_display:
                 self.environment.pop("WAYLAND_DISPLAY", None)
-                self.environment["LC_ALL"] = "C.UTF-8"
+                self.speak()
                 self._start_display()
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.start_bus("bus", self.environment)
         except BaseException:

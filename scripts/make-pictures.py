@@ -1,44 +1,54 @@
-"""Takes the pictures of the manuals: the dialog, the answer to a lookup, and the host that was told of it."""
+"""Takes the pictures of the manuals: the dialog and the answer to a lookup in three languages, and the host that
+was told of it."""
 import re
 import subprocess
 import sys
 from pathlib import Path
 
 from arrangement import Arrangement, wait_for
-from run import DIALOG, EXCHANGE, LOOKUP
+from run import EXCHANGE
+from texts import Texts
 
 HOST = f"Switchdesk \u2013 {EXCHANGE}"
+LANGUAGES = ("en", "de", "ja")
 
 
-def take(pictures, name, window):
+def take(file, window):
     """A picture of one window with its frame, of which no other window may cover a part."""
     title = "^" + re.escape(window.get_name()) + "$"
     found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title],
                            check=True, capture_output=True, text=True)
-    subprocess.run(["import", "-silent", "-frame", "-window", found.stdout.split()[0], "-strip",
-                    str(pictures / f"{name}.png")], check=True)
+    subprocess.run(["import", "-silent", "-frame", "-window", found.stdout.split()[0], "-strip", str(file)], check=True)
 
 
-def take_pictures(arrangement, pictures):
+def take_pictures(arrangement, pictures, language):
     from driver import Driver
-    driver = Driver(arrangement)
+    driver, texts = Driver(arrangement), Texts(arrangement)
+    dialog = texts.title(EXCHANGE)
+    ending = "" if language == "en" else f"-{language}"
     arrangement.start([arrangement.host, "--open", EXCHANGE])
     driver.window("switchdesk", HOST, seconds=30)
-    take(pictures, "dialog", driver.window("horalink", DIALOG, seconds=30))
-    driver.click(driver.find("horalink", LOOKUP))
-    box = driver.box("horalink", besides=[DIALOG])
-    take(pictures, "answer", box)
+    take(pictures / f"dialog{ending}.png", driver.window("horalink", dialog, seconds=30))
+    driver.click(driver.find("horalink", texts.lookup))
+    box = driver.box("horalink", besides=[dialog])
+    take(pictures / f"answer{ending}.png", box)
     driver.close_box("horalink", box)
+    if language != "en":
+        return
     # The dialog lies on top of the host; its own button hides it.
-    driver.click(driver.find("horalink", "Close this window"))
-    wait_for(lambda: not driver.has_window("horalink", DIALOG), 10, "the dialog to hide")
-    take(pictures, "host", driver.window("switchdesk", HOST))
+    driver.click(driver.find("horalink", texts.hide))
+    wait_for(lambda: not driver.has_window("horalink", dialog), 10, "the dialog to hide")
+    take(pictures / "host.png", driver.window("switchdesk", HOST))
 
 
-def main(build, pictures):
-    build = Path(build)
-    with Arrangement(build, build / "pictures-installation", own_display=True).lay_out() as arrangement:
-        take_pictures(arrangement, Path(pictures))
+def main(build, pictures, language=None):
+    if not language:  # the accessibility library can be connected once in a process
+        for each in LANGUAGES:
+            subprocess.run([sys.executable, __file__, build, pictures, each], check=True)
+        return
+    folder = Path(build) / "pictures-installation"
+    with Arrangement(build, folder, own_display=True, language=language).lay_out() as arrangement:
+        take_pictures(arrangement, Path(pictures), language)
 
 
 if __name__ == "__main__":

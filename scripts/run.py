@@ -1,4 +1,5 @@
 """What ./run does once everything is built."""
+import os
 import re
 import subprocess
 import sys
@@ -77,9 +78,18 @@ def open_host(arrangement):
     return arrangement.start([arrangement.host, "--verbose", "--open", EXCHANGE]).wait()
 
 
-def main(build, way="", *rest):
+def language_of_environment(build):
+    names = next((value for value in map(os.environ.get, ("LC_ALL", "LC_MESSAGES", "LANG")) if value), "")
+    language = names[:2]
+    return language if language and (build / "data" / language / "Horalink.lng").exists() else "en"
+
+
+def main(build, asked, way="", *rest):
     build = Path(build)
-    with Arrangement(build, build / "installation").lay_out() as arrangement:
+    arrangement = Arrangement(build, build / "installation", language=asked or language_of_environment(build))
+    if asked:
+        arrangement.speak()
+    with arrangement.lay_out():
         if way == "stand-alone":
             return arrangement.start([arrangement.add_in, *rest]).wait()
         if way == "bus":

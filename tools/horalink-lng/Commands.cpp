@@ -9,6 +9,7 @@
 #include "Fault.h"
 #include "Version.h"
 #include "check/Check.h"
+#include "jet/Import.h"
 #include "source/SourceReader.h"
 #include "source/SourceWriter.h"
 #include "store/Build.h"
@@ -127,12 +128,45 @@ int Check(const std::vector<std::string>& words) {
     return findings.All().empty() ? done : faulty;
 }
 
+void TellOf(const ImportedDatabase& imported) {
+    const std::string& name = imported.source.fileName;
+    for (const Table& table : imported.source.tables)
+        Print(name + ": table " + table.name + ": " + std::to_string(table.rows.size()) + " rows\n");
+    for (const std::string& what : imported.notKept) Tell(name + ": not kept: " + what);
+}
+
+std::vector<fs::path> ImportTargets(const std::vector<std::string>& files, const std::string& output) {
+    if (files.size() == 1 && !MeansFolder(output)) return {output};
+    std::vector<fs::path> targets;
+    for (const std::string& file : files) targets.push_back(fs::path(output) / fs::path(file).filename());
+    return targets;
+}
+
+int Import(const std::vector<std::string>& words) {
+    const CommandLine line(words, {"--output=", "--force"});
+    RequireFiles(line, "the file to import");
+    const std::string output = line.Required("--output");
+    std::vector<ImportedDatabase> imported;
+    for (const std::string& file : line.Files()) imported.push_back(ImportJet(file));
+    MakeFiles(ImportTargets(line.Files(), output), line.Has("--force"),
+              [&](std::size_t i, const fs::path& file) {
+                  FillDatabase(line.Files()[i], imported[i].source, file);
+                  RequireAllRows(imported[i].source, file);
+              });
+    bool lost = false;
+    for (const ImportedDatabase& database : imported) {
+        TellOf(database);
+        lost |= database.lostValues;
+    }
+    return lost ? faulty : done;
+}
+
 struct Command {
     std::string_view name;
     int (*run)(const std::vector<std::string>& words);
 };
 
-constexpr Command commands[] = {{"build", Build}, {"check", Check}, {"dump", Dump}};
+constexpr Command commands[] = {{"build", Build}, {"check", Check}, {"dump", Dump}, {"import", Import}};
 
 bool AsksForHelp(const std::vector<std::string>& words) {
     for (const std::string& word : words)

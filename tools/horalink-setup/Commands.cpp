@@ -128,7 +128,8 @@ Told Change::Add(const AddRequest& request) {
     }
     const Package package = PackageFor(request, tree, context_.places);
     const std::string language = LanguageFor(request.language, package, tree, context_.places.locale);
-    TellKept(tree.LayOut(package, language, request.force), "Kept, as it is your own: ", told);
+    TellKept(tree.LayOut(context_.engine, package, language, request.force),
+             "Kept, as it is your own: ", told);
     if (moves) Leave(request.market, UserTree(*entered), told);
     store_.SetRoot(request.market, tree.Root());
     store_.Save();

@@ -9,7 +9,12 @@ namespace setup {
 
 inline constexpr platform::TextView addInEntry = u"Horalink.mra";
 
-// False where the register has entries of other add-ins, or can't be read, so that nobody knows.
-bool BelongsToAddInAlone(platform::DatabaseEngine& engine, const std::filesystem::path& file);
+enum class RegisterUse {
+    AddInAlone,
+    Shared,      // there are entries of other add-ins
+    Unreadable,  // so that nobody knows
+};
+
+RegisterUse UseOfRegister(platform::DatabaseEngine& engine, const std::filesystem::path& file);
 
 }  // namespace setup

@@ -48,7 +48,8 @@ be done by hand after the packages are installed: the first start enters market
   --root DIRECTORY     VELMORA32/CODE is made in it; your data directory by default
   --language LANGUAGE  a language that 'status' lists
   --from TREE          the installed tree to link to
-  --force              replace files of your own, and move a market that is entered
+  --force              replace files of your own and a register that can't be read,
+                       and move a market that is entered
   --json               for programs
 
 The exit status is 0 when all is well, 1 when something is wrong, and 2 for a

@@ -53,8 +53,8 @@ bool UserTree::HoldsAddIn() const {
     return false;
 }
 
-std::vector<fs::path> UserTree::LayOut(const Package& package, const std::string& language,
-                                       bool force) const {
+std::vector<fs::path> UserTree::LayOut(platform::DatabaseEngine& engine, const Package& package,
+                                       const std::string& language, bool force) const {
     std::vector<fs::path> kept;
     for (const Link& link : package.Links(language)) {
         const fs::path file = root_ / link.place;
@@ -67,7 +67,8 @@ std::vector<fs::path> UserTree::LayOut(const Package& package, const std::string
         ReplaceLink(file, link.target);
     }
     const fs::path registry = root_ / place::registry;
-    if (force || !IsOwnFile(registry)) CopyFile(package.Register(), registry);
+    const bool isBroken = force && UseOfRegister(engine, registry) == RegisterUse::Unreadable;
+    if (isBroken || !IsOwnFile(registry)) CopyFile(package.Register(), registry);
     return kept;
 }
 
@@ -75,7 +76,8 @@ std::vector<fs::path> UserTree::TakeAway(platform::DatabaseEngine& engine) const
     for (const char* piece : {place::addIn, place::host, place::backgrounds, place::addInTexts,
                               place::commonTexts, place::help, place::registry})
         RemoveLink(root_ / piece);
-    if (BelongsToAddInAlone(engine, root_ / place::registry)) RemoveRegister(root_ / place::registry);
+    if (UseOfRegister(engine, root_ / place::registry) == RegisterUse::AddInAlone)
+        RemoveRegister(root_ / place::registry);
     for (const char* directory : {"ADDINS/DATABASE", "ADDINS/HELP", "ADDINS", "MORA32/DATABASE", "MORA32"})
         RemoveIfEmpty(root_ / directory);
     RemoveIfEmpty(root_);

@@ -22,8 +22,8 @@ class UserTree {
     // Makes what is missing and brings links up to date. A file in the place of a link is the user's own, and
     // a register that is there stays: they are replaced with `force` only. Returns what was kept. Raises
     // Fault.
-    std::vector<std::filesystem::path> LayOut(const Package& package, const std::string& language,
-                                              bool force) const;
+    std::vector<std::filesystem::path> LayOut(platform::DatabaseEngine& engine, const Package& package,
+                                              const std::string& language, bool force) const;
 
     // Takes away what LayOut makes, and the directories that become empty, up to that of the family. Stays:
     // what others have put there, and a register with entries of others or that can't be read. Returns what

@@ -150,7 +150,10 @@ TEST_F(CommandsTest, ARegisterWithEntriesOfOthersStays) {
         rows->SetField(u"AppName", u"Neighbour.mra");
         rows->Update();
     }
-    EXPECT_TRUE(Mentions(Remove(context_, "10001"), "Register.mdb"));
+    AddRequest request = Request("10001");
+    request.force = true;
+    Add(context_, request);
+    EXPECT_TRUE(Mentions(Remove(context_, "10001"), "Register.mdb")) << "not even force replaces it";
     EXPECT_TRUE(fs::exists(file));
 }
 

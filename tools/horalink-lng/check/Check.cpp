@@ -95,7 +95,6 @@ class Checker {
                 Open(RoleOf(file), file);
                 continue;
             }
-            if (source) throw WrongCall("there is more than one text source");
             source = ReadSource(file);
             for (const fs::path& made : BuildInto(*source, scratch_.Path(), false)) Open(RoleOf(made), made);
         }
@@ -190,6 +189,8 @@ Findings CheckSet(const CheckedFiles& files) {
                                                                 files.help.value_or(fs::path())}})
         for (const fs::path& file : list)
             if (!file.empty() && !fs::exists(file)) throw Fault(file.string() + ": there is no such file");
+    if (std::count_if(files.files.begin(), files.files.end(), IsSource) > 1)
+        throw WrongCall("there is more than one text source");
     return Checker(files).Check();
 }
 

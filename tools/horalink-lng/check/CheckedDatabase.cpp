@@ -62,6 +62,12 @@ const Cell& StoredRow::operator[](const std::string& field) const {
     return found == fields.end() ? none : found->second;
 }
 
+bool StoredRow::LacksText(const std::string& field) const {
+    const bool there = std::any_of(fields.begin(), fields.end(),
+                                   [&](const auto& entry) { return SameName(entry.first, field); });
+    return there && Text(field).empty();
+}
+
 std::string StoredRow::Text(const std::string& field) const {
     const Cell& cell = (*this)[field];
     return cell == Cell(Null()) ? "" : TextOf(cell);
@@ -103,12 +109,20 @@ void CheckedDatabase::Report(const std::string& table, const RowKey& row, const 
     findings_.Add({name_, table, row, field}, message);
 }
 
+// Of a row that isn't there, only the field that it was looked for by is known.
 RowKey CheckedDatabase::CurrentKey() const {
     const Reading& reading = watched_->Last();
+    const QueryParts query = PartsOf(platform::ToUtf8(reading.query));
     RowKey key;
-    for (const std::string& field : KeyFields(PartsOf(platform::ToUtf8(reading.query)).table))
-        for (const auto& [name, value] : reading.row)
-            if (SameName(platform::ToUtf8(name), field)) key.emplace_back(field, TextOf(value));
+    for (const std::string& field : KeyFields(query.table)) {
+        const auto found = std::find_if(reading.row.begin(), reading.row.end(), [&](const auto& entry) {
+            return SameName(platform::ToUtf8(entry.first), field);
+        });
+        if (found != reading.row.end())
+            key.emplace_back(field, TextOf(found->second));
+        else if (SameName(field, query.conditionField))
+            key.emplace_back(field, query.conditionValue);
+    }
     return key;
 }
 
@@ -127,8 +141,8 @@ void CheckedDatabase::ReportFailure(const Notice& notice) const {
         ReportMissingFields(query);
     else if (Is(notice, DataError::NoSuchField))
         Report(query.table, {}, field, "the field is missing");
-    else if (Is(notice, DataError::NoCurrentRow) && !query.condition.empty())
-        Report(query.table, {}, "", "there is no row with " + query.condition);
+    else if (Is(notice, DataError::NoCurrentRow) && !query.conditionField.empty())
+        Report(query.table, CurrentKey(), "", "the row is missing");
     else if (!reading.opened)
         Report(query.table, {}, "", "the add-in can't read it: " + notice.description);
     else

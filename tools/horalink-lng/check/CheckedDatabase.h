@@ -21,6 +21,8 @@ struct StoredRow {
     const Cell& operator[](const std::string& field) const;
     // The text of a field; empty where it holds none.
     std::string Text(const std::string& field) const;
+    // True for a field that is there and holds none. That a field is missing is told once, not for each row.
+    bool LacksText(const std::string& field) const;
 };
 
 class CheckedDatabase {

@@ -122,8 +122,8 @@ void CheckForms(CheckedDatabase& database) {
     const std::size_t rows = database.RunForEachRow(
         dialog.Boxes(), [&] { horalink::LoadFormText(dialog.Boxes(), dialog.Window(), database.Watched()); },
         [&](const RowKey&, const ReadRow&) {});
-    if (database.HasTable(formTable) && rows == 0)
-        database.Report(formTable, {{"ObjectName", dialog.Name()}}, "", "the row is missing");
+    if (!database.Watched().Last().opened) return;
+    if (rows == 0) database.Report(formTable, {{"ObjectName", dialog.Name()}}, "", "the row is missing");
     if (rows > 1)
         database.Report(formTable, {{"ObjectName", dialog.Name()}}, "", "the form has more than one row");
     ReportOtherForms(database, formTable, "ObjectName", dialog.Name());
@@ -148,13 +148,14 @@ void CheckControls(CheckedDatabase& database) {
             if (!seen.Add(key)) database.Report(controlTable, key, "", "another row is for the same control");
             given.Add(row, dialog.Window());
         });
+    if (!database.Watched().Last().opened) return;
     ReportOtherForms(database, controlTable, "FormName", dialog.Name());
     for (const StoredRow& row : database.RowsOf(controlTable))
         for (const char* field : textProperties)
             for (const std::string& fault : PlainTextFaults(row.Text(field)))
                 database.Report(controlTable, row.key, field, fault);
     // The dialog has been dressed by now; what its rows didn't reach is as it was designed.
-    if (database.HasTable(controlTable)) ReportDesignTexts(database, dialog.Window(), given);
+    ReportDesignTexts(database, dialog.Window(), given);
 }
 
 void CheckPictures(CheckedDatabase& database, const std::optional<std::filesystem::path>& folder) {
@@ -166,7 +167,8 @@ void CheckPictures(CheckedDatabase& database, const std::optional<std::filesyste
                                        u"\\");
         },
         [&](const RowKey&, const ReadRow&) {});
-    if (database.HasTable(pictureTable) && rows == 0)
+    if (!database.Watched().Last().opened) return;
+    if (rows == 0)
         database.Report(pictureTable, {}, "",
                         "there is no row for the dialog, so the background sets show nothing");
     ReportOtherForms(database, pictureTable, "FormName", dialog.Name());

@@ -32,8 +32,8 @@ void CheckTopicTexts(const CheckedDatabase& database) {
         const auto id = NumberIn(row["ID"]);
         if (!id || !seen.insert(*id).second)
             database.Report(topicTable, row.key, "ID", "it has to be a number that no other row has");
-        if (row.Text("Body").empty()) database.Report(topicTable, row.key, "Body", "the text is missing");
-        if (id && *id >= openingTopic && row.Text("Title").empty())
+        if (row.LacksText("Body")) database.Report(topicTable, row.key, "Body", "the text is missing");
+        if (id && *id >= openingTopic && row.LacksText("Title"))
             database.Report(topicTable, row.key, "Title", "the text is missing");
     }
 }

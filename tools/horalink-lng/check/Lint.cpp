@@ -72,6 +72,13 @@ bool LooksLikeToken(std::string_view piece) {
            std::all_of(piece.begin() + 1, piece.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
 }
 
+// A piece that is a token, or that its writer took for one.
+bool IsMeantAsToken(std::string_view piece) {
+    const auto token = TokenIn(piece);
+    return (token && token->size() == piece.size()) || LooksLikeToken(piece) ||
+           piece.find(argument) != std::string_view::npos || piece == noValue;
+}
+
 void AddPieceFaults(Faults& faults, std::string_view piece, bool alone) {
     if (IsToken(piece)) return;
     if (piece == noValue) {
@@ -96,7 +103,7 @@ void AddSeparatorFaults(Faults& faults, const std::vector<std::string_view>& pie
         const std::string_view left = pieces[i], right = pieces[i + 1];
         if (left.empty() || right.empty())
             faults.push_back("there is an & with nothing beside it; a character & is written %AND");
-        else if (!IsToken(left) && !IsToken(right) && left != noValue && right != noValue)
+        else if (!IsMeantAsToken(left) && !IsMeantAsToken(right))
             faults.push_back("the & between " + Cited(left) + " and " + Cited(right) +
                              " and the blanks beside it vanish; a character & is written & %AND &");
     }

@@ -28,11 +28,22 @@ void ReportAll(const CheckedDatabase& database, const std::string& table, const 
 
 void CheckPlainText(const CheckedDatabase& database, const std::string& table, const StoredRow& row,
                     const std::string& field) {
-    if (row.Text(field).empty()) database.Report(table, row.key, field, "the text is missing");
+    if (row.LacksText(field)) database.Report(table, row.key, field, "the text is missing");
     ReportAll(database, table, row, field, PlainTextFaults(row.Text(field)));
 }
 
 // --- messages -------------------------------------------------------------------------------------------
+
+void ReportGaps(const CheckedDatabase& database, const std::set<std::int64_t>& numbers) {
+    std::int64_t expected = 0;
+    for (const std::int64_t number : numbers) {
+        const std::string last = number - expected > 1 ? " to " + std::to_string(number - 1) : "";
+        if (number > expected)
+            database.Report(messageTable, {{"ID", std::to_string(expected) + last}}, "",
+                            "the row is missing, and every later message takes the place ahead of its own");
+        expected = number + 1;
+    }
+}
 
 void CheckMessageFields(const CheckedDatabase& database) {
     std::set<std::int64_t> seen;
@@ -43,13 +54,7 @@ void CheckMessageFields(const CheckedDatabase& database) {
         else if (!seen.insert(*id).second)
             database.Report(messageTable, row.key, "ID", "another row has the same number");
     }
-    std::int64_t expected = 0;
-    for (const std::int64_t id : seen) {
-        for (; expected < id; ++expected)
-            database.Report(messageTable, {{"ID", std::to_string(expected)}}, "",
-                            "the row is missing, and every later message takes the place ahead of its own");
-        ++expected;
-    }
+    ReportGaps(database, seen);
 }
 
 void CheckMessageTexts(const CheckedDatabase& database) {

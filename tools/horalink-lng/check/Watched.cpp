@@ -1,5 +1,7 @@
 #include "check/Watched.h"
 
+#include <algorithm>
+
 #include "source/Literals.h"
 
 namespace lng {
@@ -85,6 +87,11 @@ std::string TakeWord(std::string_view& rest) {
     return word;
 }
 
+std::string TrimOf(std::string_view text, std::string_view characters) {
+    const auto start = std::min(text.find_first_not_of(characters), text.size());
+    return std::string(text.substr(start, text.find_last_not_of(characters) + 1 - start));
+}
+
 }  // namespace
 
 QueryParts PartsOf(const std::string& query) {
@@ -101,7 +108,8 @@ QueryParts PartsOf(const std::string& query) {
             clause.clear();
         } else if (SameName(clause, "where")) {
             parts.fields.push_back(word);
-            parts.condition = word + std::string(rest);
+            parts.conditionField = word;
+            parts.conditionValue = TrimOf(rest, " ='");
             break;
         } else if (SameName(word, "union")) {
             break;

@@ -5,8 +5,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-#include <string>
-#include <vector>
 
 #include "platform/data/Database.h"
 
@@ -42,11 +40,11 @@ class WatchedDatabase : public platform::Database {
     Reading reading_;
 };
 
-// What a query reads: "select FIELDS from TABLE where FIELD ...".
+// What a query reads: "select FIELDS from TABLE where FIELD = VALUE".
 struct QueryParts {
     std::string table;
     std::vector<std::string> fields;  // also the one behind "where"; without "*"
-    std::string condition;
+    std::string conditionField, conditionValue;
 };
 QueryParts PartsOf(const std::string& query);
 

@@ -28,12 +28,17 @@ class Builder {
         connection_.Run("BEGIN");
         for (const Table& table : database_.tables) BuildTable(table);
         for (const Definition& definition : database_.definitions) BuildDefinition(definition);
+        // Written so that a database without tables is a database too.
+        connection_.Run("PRAGMA user_version = 0");
         connection_.Run("COMMIT");
         connection_.Close();
     }
 
   private:
-    std::string At(int line) const { return path_ + ":" + std::to_string(line) + ": " + database_.fileName; }
+    // What was imported has no lines.
+    std::string At(int line) const {
+        return path_ + (line > 0 ? ":" + std::to_string(line) : "") + ": " + database_.fileName;
+    }
 
     // A statement makes what its heading announces, or it is refused.
     void Make(const std::string& kind, const std::string& name, const std::string& statement, int line) {
@@ -134,12 +139,6 @@ class Builder {
     Connection connection_;
 };
 
-void MakeFolder(const fs::path& folder) {
-    std::error_code error;
-    fs::create_directories(folder, error);
-    if (error) throw Fault(folder.string() + ": the folder can't be made: " + error.message());
-}
-
 }  // namespace
 
 void FillDatabase(const std::string& path, const DatabaseSource& database, const fs::path& file) {
@@ -151,27 +150,21 @@ void FillDatabase(const std::string& path, const DatabaseSource& database, const
 }
 
 std::vector<fs::path> BuildInto(const Source& source, const fs::path& folder, bool replace) {
-    MakeFolder(folder);
-    std::vector<NewFile> files;
-    for (const DatabaseSource& database : source.databases) {
-        files.emplace_back(folder / database.fileName, replace);
-        FillDatabase(source.path, database, files.back().Path());
-    }
-    std::vector<fs::path> made;
-    for (NewFile& file : files) {
-        file.Commit();
-        made.push_back(file.Target());
-    }
-    return made;
+    std::vector<fs::path> files;
+    for (const DatabaseSource& database : source.databases) files.push_back(folder / database.fileName);
+    MakeFiles(files, replace, [&](std::size_t i, const fs::path& file) {
+        FillDatabase(source.path, source.databases[i], file);
+    });
+    return files;
 }
 
 void BuildAs(const Source& source, const fs::path& file, bool replace) {
     if (source.databases.size() != 1)
         throw Fault(source.path + ": there are " + std::to_string(source.databases.size()) +
                     " databases in it, so the output has to be a folder");
-    NewFile result(file, replace);
-    FillDatabase(source.path, source.databases.front(), result.Path());
-    result.Commit();
+    MakeFiles({file}, replace, [&](std::size_t, const fs::path& made) {
+        FillDatabase(source.path, source.databases.front(), made);
+    });
 }
 
 }  // namespace lng

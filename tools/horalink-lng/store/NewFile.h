@@ -2,7 +2,9 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string_view>
+#include <vector>
 
 namespace lng {
 
@@ -28,5 +30,11 @@ class NewFile {
     std::filesystem::path target_, path_;
     bool replace_;
 };
+
+// Makes files that belong together. `fill` writes each, by its place in the list, under the name that it has
+// until all are whole. Folders that are missing are made, and go again where nothing comes of the files.
+// Raises Fault, and what `fill` raises.
+void MakeFiles(const std::vector<std::filesystem::path>& targets, bool replace,
+               const std::function<void(std::size_t, const std::filesystem::path&)>& fill);
 
 }  // namespace lng

@@ -1,0 +1,166 @@
+// The import, on programs that stand in for mdbtools and say what the test wants. What the real ones say of
+// real files is compared by compare-jet.mjs.
+#include "jet/Import.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include "Fault.h"
+#include "TemporaryDirectory.h"
+#include "jet/Csv.h"
+#include "jet/Process.h"
+#include "source/SourceReader.h"
+#include "source/SourceWriter.h"
+
+namespace {
+
+using namespace lng;
+namespace fs = std::filesystem;
+
+TEST(Csv, KeepsNullApartFromEveryText) {
+    const auto rows = ParseCsv("1,\"a \"\"b\"\", c\n\r\",\\N,\"\",\"\\N\"\n2,,x\n", "\\N");
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0], (std::vector<CsvField>{"1", "a \"b\", c\n\r", std::nullopt, "", "\\N"}));
+    EXPECT_EQ(rows[1], (std::vector<CsvField>{"2", "", "x"}));
+    EXPECT_TRUE(ParseCsv("", "\\N").empty());
+    EXPECT_THROW(ParseCsv("\"a", "\\N"), Fault);
+    EXPECT_THROW(ParseCsv("\"a\"b\n", "\\N"), Fault);
+}
+
+class ImportTest : public testing::Test {
+  protected:
+    ImportTest() : path_(getenv("PATH")) {
+        setenv("PATH", ((scratch_.Path() / "bin").string() + ":" + path_).c_str(), 1);
+        Program("mdb-tables",
+                "[ \"$2\" = -t ] && { [ \"$3\" = query ] && echo 'one query'; exit 0; }; echo Table 1; echo");
+        Program("mdb-count", "echo 2");
+        Schema("\\t[Name]\\t\\t\\tText (50), \\n\\t[Number 2]\\t\\t\\tLong Integer NOT NULL\\n");
+        Rows("\"a\",1\\n\\\\N,-2\\n");
+    }
+    ~ImportTest() override { setenv("PATH", path_.c_str(), 1); }
+
+    void Program(const std::string& name, const std::string& script) const {
+        const auto file = scratch_.Write("bin/" + name, "#!/bin/sh\n" + script + "\n");
+        fs::permissions(file, fs::perms::owner_all);
+    }
+    void Schema(const std::string& columns) const { Program("mdb-schema", "printf -- '" + columns + "'"); }
+    void Rows(const std::string& rows) const { Program("mdb-export", "printf -- '" + rows + "'"); }
+
+    fs::path JetFile(const std::string& tail = "") const {
+        return scratch_.Write("old.mdb", std::string("\0\1\0\0Standard Jet DB\0", 20) + tail);
+    }
+    std::string FaultOfImport(const fs::path& file) const {
+        try {
+            ImportJet(file);
+        } catch (const Fault& fault) {
+            return fault.what();
+        }
+        return "no fault";
+    }
+
+    platform::TemporaryDirectory scratch_;
+    std::string path_;
+};
+
+TEST_F(ImportTest, TakesTablesFieldsAndRows) {
+    const ImportedDatabase imported = ImportJet(JetFile());
+    EXPECT_EQ(
+        WriteSource({"", {imported.source}}),
+        "[database old.mdb]\n\n[table \"Table 1\"]\n| CREATE TABLE \"Table 1\" (\n|     \"Name\" TEXT "
+        "COLLATE NOCASE,\n"
+        "|     \"Number 2\" INTEGER\n| )\n\n[row]\nName: a\n\"Number 2\" = 1\n\n[row]\n\"Number 2\" = -2\n");
+    EXPECT_EQ(imported.notKept, (std::vector<std::string>{
+                                    "keys, indexes, default values and rules of the tables", "queries: 1"}));
+    EXPECT_FALSE(imported.lostValues);
+}
+
+TEST_F(ImportTest, ConvertsEveryType) {
+    struct TypeCase {
+        const char *type, *text;
+        Cell value;
+    };
+    const TypeCase cases[] = {
+        {"Boolean NOT NULL", "1", std::int64_t{-1}},
+        {"Boolean NOT NULL", "0", std::int64_t{0}},
+        {"Byte", "255", std::int64_t{255}},
+        {"Integer", "-32768", std::int64_t{-32768}},
+        {"Single", "0.15000001", static_cast<double>(0.15000001F)},
+        {"Double", "444.555", 444.555},
+        {"Currency", "922337203685477.5807", std::string("922337203685477.5807")},
+        {"Numeric (18, 0)", "-1", std::string("-1")},
+        {"DateTime", "\"1981-12-12 00:00:00\"", std::string("1981-12-12 00:00:00")},
+        {"Memo/Hyperlink (255)", "\"1\"", std::string("1")},
+        {"OLE (255)", "\"00FF\"", Blob{std::string("\0\xFF", 2)}},
+        {"OLE (255)", "\"\"", Blob{}},
+        {"Replication ID", "\"{00000000}\"", std::string("{00000000}")},
+    };
+    Program("mdb-count", "echo 1");
+    for (const TypeCase& each : cases) {
+        Schema(std::string("\\t[c]\\t\\t\\t") + each.type + "\\n");
+        Rows(std::string(each.text) + "\\n");
+        const ImportedDatabase imported = ImportJet(JetFile());
+        EXPECT_EQ(imported.source.tables.at(0).rows.at(0).fields.at(0).value, each.value) << each.type;
+    }
+}
+
+TEST_F(ImportTest, NamesWhatIsLost) {
+    Program("mdb-count", "echo 1");
+    Schema("\\t[Day]\\t\\t\\tDateTime, \\n\\t[Odd]\\t\\t\\tUnknown 19\\n");
+    Rows("\"1900-01-00 00:00:00\",7\\n");
+    const ImportedDatabase imported = ImportJet(JetFile());
+    EXPECT_TRUE(imported.lostValues);
+    ASSERT_GE(imported.notKept.size(), 2U);
+    EXPECT_NE(imported.notKept[0].find("field Odd: its type Unknown 19"), std::string::npos);
+    EXPECT_NE(imported.notKept[1].find("row 1, field Day: a date"), std::string::npos);
+    EXPECT_EQ(imported.source.tables.at(0).rows.at(0).fields.size(), 1U);
+}
+
+TEST_F(ImportTest, RefusesWhatItCantReadWhole) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"mdb-count:echo 3", "the file counts 3 rows and gives 2"},
+        {"mdb-count:echo none", "its rows can't be counted"},
+        {"mdb-export:echo broken >&2", "mdb-export ended with status 0 and says: broken"},
+        {"mdb-export:kill -SEGV $$", "mdb-export ended with status 139"},
+        {"mdb-export:echo '\"a\",1,2'", "there are 3 values for 2 fields"},
+        {"mdb-export:echo '\"a\",x'", "row 1, field Number 2: 'x' is no number"},
+        {"mdb-schema:exit 0", "its fields can't be read"},
+        {"mdb-tables:exit 1", "the file is damaged or encrypted: mdb-tables ended with status 1"},
+    };
+    for (const auto& [program, expected] : cases) {
+        const auto colon = program.find(':');
+        const std::string name = program.substr(0, colon);
+        const std::string before = ReadWholeFile(scratch_.Path() / "bin" / name);
+        Program(name, program.substr(colon + 1));
+        const std::string fault = FaultOfImport(JetFile());
+        EXPECT_NE(fault.find(expected), std::string::npos) << program << "\n" << fault;
+        EXPECT_TRUE(fault.starts_with(scratch_.Path().string())) << fault;
+        scratch_.Write("bin/" + name, before);
+    }
+}
+
+TEST_F(ImportTest, RefusesFilesThatAreNone) {
+    EXPECT_NE(FaultOfImport(scratch_.Path() / "nosuch.mdb").find("there is no such file"), std::string::npos);
+    EXPECT_NE(FaultOfImport(scratch_.Write("text.mdb", "text")).find("no database in the Jet format"),
+              std::string::npos);
+    EXPECT_NE(FaultOfImport(JetFile("<encryption xmlns=")).find("encrypted with a password"),
+              std::string::npos);
+}
+
+TEST_F(ImportTest, TellsWhereTheProgramsComeFrom) {
+    setenv("PATH", "/nonexistent", 1);
+    EXPECT_NE(FaultOfImport(JetFile()).find("the package mdbtools"), std::string::npos);
+}
+
+TEST_F(ImportTest, CountsAndLeavesNothingOfAFailure) {
+    const std::string file = JetFile(), target = scratch_.Path() / "out" / "new.mdb";
+    const ProcessResult done = RunProcess({LNG_TOOL, "import", file, "--output", target});
+    EXPECT_EQ(done.status, 0) << done.errors;
+    EXPECT_EQ(done.output, "old.mdb: table Table 1: 2 rows\n");
+    EXPECT_EQ(RunProcess({LNG_TOOL, "import", file, "--output", target}).status, 1);
+    fs::remove_all(scratch_.Path() / "out");
+    Program("mdb-count", "echo 1");
+    EXPECT_EQ(RunProcess({LNG_TOOL, "import", file, "--output", target}).status, 1);
+    EXPECT_FALSE(fs::exists(scratch_.Path() / "out"));
+}
+
+}  // namespace

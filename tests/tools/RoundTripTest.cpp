@@ -1,0 +1,245 @@
+// From a database to a text source and back: nothing is gained, nothing is lost.
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <random>
+
+#include "TemporaryDirectory.h"
+#include "source/SourceReader.h"
+#include "source/SourceWriter.h"
+#include "store/Build.h"
+#include "store/Dump.h"
+#include "store/Schema.h"
+
+namespace {
+
+using namespace lng;
+namespace fs = std::filesystem;
+
+// Everything that two databases have to agree in.
+std::vector<std::vector<Cell>> ContentOf(const fs::path& file) {
+    const Connection connection(file, true);
+    std::vector<std::vector<Cell>> content;
+    const auto add = [&](const std::string& text, std::size_t columns) {
+        Query query(connection, text);
+        while (query.Step()) {
+            std::vector<Cell> row;
+            for (std::size_t i = 0; i < columns; ++i) row.push_back(query.Column(i));
+            content.push_back(std::move(row));
+        }
+    };
+    add("SELECT type, name, tbl_name, sql FROM sqlite_master WHERE type = 'table' ORDER BY rowid", 4);
+    add("SELECT type, name, tbl_name, sql FROM sqlite_master WHERE type <> 'table' ORDER BY type, name", 4);
+    Query tables(connection,
+                 "SELECT name, (SELECT count(*) FROM pragma_table_info(name)) FROM sqlite_master "
+                 "WHERE type = 'table' ORDER BY name");
+    while (tables.Step())
+        add("SELECT * FROM " + QuotedName(tables.TextOf(0)) + " NOT INDEXED",
+            static_cast<std::size_t>(tables.NumberOf(1)));
+    return content;
+}
+
+// Databases with every kind of column, name and value.
+class Generator {
+  public:
+    explicit Generator(std::uint32_t seed) : random_(seed) {}
+
+    void Fill(const fs::path& file) {
+        std::ofstream(file).close();
+        Connection connection(file, false);
+        connection.Run("PRAGMA user_version = 0");
+        connection.Run("BEGIN");
+        const std::size_t tables = Below(4);
+        for (std::size_t i = 0; i < tables; ++i) FillTable(connection, Name() + std::to_string(i));
+        connection.Run("COMMIT");
+    }
+
+  private:
+    std::size_t Below(std::size_t limit) {
+        return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random_);
+    }
+
+    template <class Item, std::size_t count>
+    const Item& One(const Item (&items)[count]) {
+        return items[Below(count)];
+    }
+
+    std::string Name() {
+        constexpr const char* names[] = {"tForms", "a b",   "Index", "quote\"d", "äö",
+                                         "[x]",    "a:b=c", "#",     "null",     "x'"};
+        return One(names);
+    }
+
+    std::string ColumnText() {
+        constexpr const char* columns[] = {
+            " TEXT",
+            " TEXT COLLATE NOCASE DEFAULT '-1'",
+            " INTEGER NOT NULL DEFAULT -1",
+            " REAL DEFAULT 8.25",
+            " NUMERIC",
+            " BLOB DEFAULT x'00ff'",
+            "",
+            " TEXT NOT NULL DEFAULT 'it''s & more' -- a comment\n",
+            " VARCHAR(20) DEFAULT (1 + 2)",
+            " TEXT DEFAULT CURRENT_TIMESTAMP",
+            " INTEGER CHECK (typeof(1) = 'integer')",
+        };
+        return One(columns);
+    }
+
+    void FillTable(Connection& connection, const std::string& name) {
+        constexpr const char* keys[] = {"id INTEGER PRIMARY KEY", "id INTEGER PRIMARY KEY AUTOINCREMENT",
+                                        "id INTEGER"};
+        std::string columns = One(keys);
+        std::vector<std::string> names;
+        const std::size_t count = 1 + Below(6);
+        for (std::size_t i = 0; i < count; ++i) {
+            names.push_back(Name() + std::to_string(i));
+            columns += ", " + QuotedName(names.back()) + ColumnText();
+        }
+        if (Below(4) == 0) columns += ", twice AS (id * 2)";
+        connection.Run("CREATE TABLE " + QuotedName(name) + " (" + columns + ")");
+        const std::size_t rows = Below(12);
+        for (std::size_t i = 0; i < rows; ++i) AddRow(connection, name, names);
+        if (Below(3) == 0)
+            connection.Run("CREATE INDEX " + QuotedName("i " + name) + " ON " + QuotedName(name) + " (id, " +
+                           QuotedName(names.front()) + ")");
+        if (Below(3) == 0)
+            connection.Run("CREATE VIEW " + QuotedName("v " + name) + " AS SELECT id FROM " +
+                           QuotedName(name));
+        if (Below(3) == 0) connection.Run("DELETE FROM " + QuotedName(name) + " WHERE id % 3 = 0");
+    }
+
+    void AddRow(Connection& connection, const std::string& table, const std::vector<std::string>& names) {
+        std::string fields, marks;
+        std::vector<Cell> values;
+        for (const std::string& name : names) {
+            if (Below(4) == 0) continue;
+            Cell value = Value();
+            fields += (fields.empty() ? "" : ", ") + QuotedName(name);
+            marks += marks.empty() ? "?" : ", ?";
+            values.push_back(std::move(value));
+        }
+        Query insert(connection,
+                     "INSERT OR IGNORE INTO " + QuotedName(table) +
+                         (fields.empty() ? " DEFAULT VALUES" : " (" + fields + ") VALUES (" + marks + ")"));
+        for (std::size_t i = 0; i < values.size(); ++i) insert.Bind(i, values[i]);
+        insert.Step();
+    }
+
+    Cell Value() {
+        switch (Below(5)) {
+            case 0:
+                return Null();
+            case 1:
+                return static_cast<std::int64_t>(Bits() >> Below(64));
+            case 2: {
+                const auto real = std::bit_cast<double>(Bits());
+                return std::isnan(real) ? 0.1 : real;
+            }
+            case 3:
+                return Blob{Text()};
+            default:
+                return Text();
+        }
+    }
+
+    std::uint64_t Bits() { return std::uniform_int_distribution<std::uint64_t>()(random_); }
+
+    std::string Text() {
+        static const std::string pieces[] = {"word", " ",        "\n",
+                                             "\r\n", "\t",       std::string(1, '\0'),
+                                             "\"",   "\\",       "|",
+                                             "#",    "[row]",    "\xFF",
+                                             "é",    "中文",     "\xED\xA0\x80",
+                                             "😀",    "\xC2\x85", "\xE2\x80\xA8",
+                                             "null", "-1",       "'",
+                                             ":",    "= 1",      "\x7F"};
+        std::string text;
+        const std::size_t count = Below(6);
+        for (std::size_t i = 0; i < count; ++i) text += One(pieces);
+        return text;
+    }
+
+    std::mt19937 random_;
+};
+
+std::string DumpText(const fs::path& file) {
+    return WriteSource({"", {DumpDatabase(file).source}});
+}
+
+// A translator may write 9 where a column makes 9.0 of it.
+void MakeNumbersReal(Source& source) {
+    for (DatabaseSource& database : source.databases)
+        for (Table& table : database.tables)
+            for (Row& row : table.rows)
+                for (Field& field : row.fields)
+                    if (const auto* number = std::get_if<std::int64_t>(&field.value))
+                        field.value = static_cast<double>(*number);
+}
+
+TEST(RoundTrip, KeepsRandomDatabases) {
+    const platform::TemporaryDirectory scratch;
+    for (std::uint32_t seed = 1; seed <= 200; ++seed) {
+        SCOPED_TRACE(seed);
+        const auto original = scratch.Path() / ("a" + std::to_string(seed) + ".db");
+        const auto folder = scratch.Path() / "b";
+        Generator(seed).Fill(original);
+        const std::string text = DumpText(original);
+        const auto made = BuildInto(ParseSource("dump", text), folder, true);
+        ASSERT_EQ(made.size(), 1U);
+        ASSERT_EQ(ContentOf(made.front()), ContentOf(original)) << text;
+        ASSERT_EQ(DumpText(made.front()), text);
+    }
+}
+
+TEST(RoundTrip, KeepsEveryLanguage) {
+    const platform::TemporaryDirectory scratch;
+    int sources = 0;
+    for (const auto& entry : fs::directory_iterator(LNG_DATA)) {
+        if (entry.path().extension() != ".lngtext") continue;
+        SCOPED_TRACE(entry.path());
+        ++sources;
+        Source source = ReadSource(entry.path());
+        Source dumped;
+        for (const fs::path& file : BuildInto(source, scratch.Path() / entry.path().stem(), false))
+            dumped.databases.push_back(DumpDatabase(file).source);
+        MakeNumbersReal(dumped);
+        MakeNumbersReal(source);
+        EXPECT_TRUE(WriteSource(dumped) == WriteSource(source));
+    }
+    EXPECT_GE(sources, 2);
+}
+
+TEST(RoundTrip, KeepsTheCounterOfATable) {
+    const platform::TemporaryDirectory scratch;
+    const auto file = scratch.Write("d.db");
+    {
+        Connection connection(file, false);
+        connection.Run("CREATE TABLE t (id INTEGER PRIMARY KEY AUTOINCREMENT, c TEXT)");
+        connection.Run("INSERT INTO t (c) VALUES ('a'), ('b'), ('c')");
+        connection.Run("DELETE FROM t WHERE id = 3");
+    }
+    BuildInto(ParseSource("x", DumpText(file)), scratch.Path() / "made", false);
+    const Connection made(scratch.Path() / "made" / "d.db", true);
+    Query query(made, "SELECT seq FROM sqlite_sequence WHERE name = 't'");
+    ASSERT_TRUE(query.Step());
+    EXPECT_EQ(query.NumberOf(0), 3);
+}
+
+TEST(RoundTrip, NamesWhatASourceCantHold) {
+    const platform::TemporaryDirectory scratch;
+    const auto file = scratch.Write("d.db");
+    {
+        Connection connection(file, false);
+        connection.Run("CREATE TABLE t (c TEXT)");
+        connection.Run("CREATE VIRTUAL TABLE search USING fts5(c)");
+    }
+    const DumpedDatabase dumped = DumpDatabase(file);
+    ASSERT_EQ(dumped.source.tables.size(), 1U);
+    ASSERT_FALSE(dumped.notKept.empty());
+    EXPECT_EQ(dumped.notKept.front(), "the virtual table search");
+}
+
+}  // namespace

@@ -1,0 +1,140 @@
+// The program as a whole: calls, exit statuses, and files that are whole or not there.
+#include <gtest/gtest.h>
+
+#include "TemporaryDirectory.h"
+#include "jet/Process.h"
+#include "source/SourceReader.h"
+
+namespace {
+
+using namespace lng;
+namespace fs = std::filesystem;
+
+constexpr const char* good = "[database a.db]\n[table t]\n| CREATE TABLE t (c TEXT NOT NULL)\n[row]\nc: v\n";
+constexpr const char* half =
+    "[database a.db]\n[table t]\n| CREATE TABLE t (c)\n[database b.db]\n[table t]\n| CREATE TABLE t "
+    "(c)\n[row]\nd: v\n";
+
+ProcessResult Tool(std::vector<std::string> words) {
+    words.insert(words.begin(), LNG_TOOL);
+    return RunProcess(words);
+}
+
+std::vector<std::string> NamesIn(const fs::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class ToolTest : public testing::Test {
+  protected:
+    std::string Path(const char* name) const { return scratch_.Path() / name; }
+
+    platform::TemporaryDirectory scratch_;
+};
+
+TEST_F(ToolTest, RefusesCallsThatMeanNothing) {
+    const std::string source = scratch_.Write("s.lngtext", good);
+    const std::vector<std::vector<std::string>> calls{
+        {},
+        {"frobnicate"},
+        {"build"},
+        {"build", source},
+        {"build", source, "--output"},
+        {"build", source, "--output="},
+        {"build", source, source, "--output", Path("out/")},
+        {"build", source, "--output", Path("out/"), "--output", Path("out/")},
+        {"build", source, "--output", Path("out/"), "--force=yes"},
+        {"build", source, "--outptu", Path("out/")},
+        {"dump"},
+        {"dump", source, "--json"},
+        {"check"},
+        {"check", source, source},
+        {"import", source},
+    };
+    for (const auto& call : calls) {
+        const ProcessResult result = Tool(call);
+        EXPECT_EQ(result.status, 2) << testing::PrintToString(call) << result.errors;
+        EXPECT_NE(result.errors.find("--help"), std::string::npos) << result.errors;
+    }
+    EXPECT_EQ(NamesIn(scratch_.Path()), std::vector<std::string>{"s.lngtext"});
+}
+
+TEST_F(ToolTest, Helps) {
+    for (const std::vector<std::string>& call :
+         {std::vector<std::string>{"--help"}, {"build", "--help"}, {"check", "-h"}, {"--version"}}) {
+        const ProcessResult result = Tool(call);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_NE(result.output.find("horalink-lng"), std::string::npos);
+    }
+}
+
+TEST_F(ToolTest, BuildsAndDumps) {
+    const std::string source = scratch_.Write("s.lngtext", good);
+    EXPECT_EQ(Tool({"build", source, "--output", Path("folder/")}).status, 0);
+    EXPECT_EQ(Tool({"build", source, "--output=" + Path("one.db")}).status, 0);
+    const ProcessResult dumped = Tool({"dump", Path("folder/a.db")});
+    EXPECT_EQ(dumped.output,
+              "[database a.db]\n\n[table t]\n| CREATE TABLE t (c TEXT NOT NULL)\n\n[row]\nc: v\n");
+    EXPECT_EQ(Tool({"dump", Path("one.db"), "--output", Path("text")}).status, 0);
+    EXPECT_TRUE(ReadWholeFile(Path("text")).starts_with("[database one.db]\n"));
+    EXPECT_EQ(NamesIn(scratch_.Path()), (std::vector<std::string>{"folder", "one.db", "s.lngtext", "text"}));
+}
+
+TEST_F(ToolTest, ReplacesFilesOnlyWhenToldTo) {
+    const std::string source = scratch_.Write("s.lngtext", good);
+    for (const auto& [command, file] : {std::pair("build", source), std::pair("dump", Path("there.db"))}) {
+        ASSERT_EQ(Tool({"build", source, "--output", Path("there.db"), "--force"}).status, 0);
+        const std::string target = scratch_.Write("target", "mine");
+        const ProcessResult refused = Tool({command, file, "--output", target});
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_NE(refused.errors.find(target + ": the file is there already"), std::string::npos)
+            << refused.errors;
+        EXPECT_EQ(ReadWholeFile(target), "mine");
+        EXPECT_EQ(Tool({command, file, "--output", target, "--force"}).status, 0);
+        EXPECT_NE(ReadWholeFile(target), "mine");
+    }
+}
+
+TEST_F(ToolTest, LeavesNothingOfAFailure) {
+    const std::string source = scratch_.Write("s.lngtext", half);
+    const ProcessResult failed = Tool({"build", source, "--output", Path("deep/folder/")});
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_NE(failed.errors.find(source + ":8: b.db, table t, row 1: the table has no field d"),
+              std::string::npos)
+        << failed.errors;
+    EXPECT_FALSE(fs::exists(Path("deep")));
+
+    scratch_.Write("kept/b.db", "mine");
+    EXPECT_EQ(Tool({"build", source, "--output", Path("kept"), "--force"}).status, 1);
+    EXPECT_EQ(NamesIn(Path("kept")), std::vector<std::string>{"b.db"});
+    EXPECT_EQ(ReadWholeFile(Path("kept/b.db")), "mine");
+
+    EXPECT_EQ(Tool({"build", source, "--output", Path("one.db")}).status, 1);
+    EXPECT_EQ(Tool({"build", Path("nosuch"), "--output", Path("one.db")}).status, 1);
+    EXPECT_EQ(Tool({"dump", source, "--output", Path("text")}).status, 1);
+    EXPECT_EQ(NamesIn(scratch_.Path()), (std::vector<std::string>{"kept", "s.lngtext"}));
+}
+
+TEST_F(ToolTest, ReportsForPeopleAndPrograms) {
+    const std::string source = LNG_DATA "/en.lngtext";
+    std::string text = ReadWholeFile(source);
+    text.replace(text.find("%CR & %ST"), 9, "%CR & %St");
+    text.replace(text.rfind("Context  TEXT NOT NULL"), 7, "Contxxt");
+    const std::string broken = scratch_.Write("xx.lngtext", text);
+
+    EXPECT_EQ(Tool({"check", source, "--backgrounds", LNG_DATA "/backgrounds"}).status, 0);
+    const ProcessResult people = Tool({"check", broken});
+    EXPECT_EQ(people.status, 1);
+    EXPECT_NE(people.output.find("Common.LNG, table tMsgBox, field Context: the field is missing"),
+              std::string::npos)
+        << people.output;
+    const ProcessResult programs = Tool({"check", broken, "--json"});
+    EXPECT_EQ(programs.status, 1);
+    EXPECT_NE(programs.output.find("\"field\": \"Context\""), std::string::npos) << programs.output;
+    EXPECT_NE(programs.output.find("\"notes\": ["), std::string::npos) << programs.output;
+    EXPECT_EQ(programs.errors, "");
+}
+
+}  // namespace
