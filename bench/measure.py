@@ -74,7 +74,7 @@ class Bench:
 
         A stand-alone run creates the exchange object, whose own start is not the add-in's: it is there already.
         """
-        self.arrangement.start([self.arrangement.host, "--service"])
+        self.arrangement.start([self.arrangement.host])
         wait_for(lambda: EXCHANGE_CLASS in self.names(), 20, "the exchange object's class")
         commands = {
             "empty": [self.programs / "empty-dialog"],
@@ -141,9 +141,11 @@ def main():
     names = [name for group in GROUPS.values() for name in group]
     parser = argparse.ArgumentParser(prog="bench/run")
     parser.add_argument("build", type=Path)
-    parser.add_argument("names", nargs="*", metavar="NAME", choices=[*names, []])
+    parser.add_argument("names", nargs="*", metavar="NAME")
     parser.add_argument("--runs", type=int, default=15)
-    options = parser.parse_args()
+    options = parser.parse_intermixed_args()
+    if unknown := set(options.names) - set(names):
+        parser.error(f"there is no figure {', '.join(sorted(unknown))}; there are {', '.join(names)}")
     wanted = options.names or names
     folder = options.build.resolve() / "bench"
     arrangement = Arrangement(options.build, folder / "arrangement", own_display=True, readable=False).lay_out()
