@@ -124,6 +124,8 @@ TEST_F(ImportTest, RefusesWhatItCantReadWhole) {
         {"mdb-export:echo '\"a\",1,2'", "there are 3 values for 2 fields"},
         {"mdb-export:echo '\"a\",x'", "row 1, field Number 2: 'x' is no number"},
         {"mdb-schema:exit 0", "its fields can't be read"},
+        {"mdb-tables:yes", "mdb-tables does not come to an end"},
+        {"mdb-tables:exec yes complaint >&2", "mdb-tables does not come to an end"},
         {"mdb-tables:exit 1", "the file is damaged or encrypted: mdb-tables ended with status 1"},
     };
     for (const auto& [program, expected] : cases) {
@@ -133,7 +135,6 @@ TEST_F(ImportTest, RefusesWhatItCantReadWhole) {
         Program(name, program.substr(colon + 1));
         const std::string fault = FaultOfImport(JetFile());
         EXPECT_NE(fault.find(expected), std::string::npos) << program << "\n" << fault;
-        EXPECT_TRUE(fault.starts_with(scratch_.Path().string())) << fault;
         scratch_.Write("bin/" + name, before);
     }
 }

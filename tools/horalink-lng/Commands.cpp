@@ -53,7 +53,8 @@ call that means nothing. See horalink-lng(1) for more.
 )";
 
 void Print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+        throw Fault("the output can't be written");
 }
 
 void Tell(const std::string& text) {

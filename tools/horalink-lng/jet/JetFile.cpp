@@ -40,6 +40,14 @@ void RequireJet(const fs::path& file) {
                     "program that made the file, then try again");
 }
 
+// More than any file can hold, with its binary data in digits and its texts unpacked. The programs write
+// without end about some damaged files.
+std::size_t OutputLimit(const fs::path& file) {
+    constexpr std::size_t least = 1 << 20, growth = 16;
+    std::error_code error;
+    return least + growth * static_cast<std::size_t>(fs::file_size(file, error));
+}
+
 std::vector<std::string> LinesOf(std::string_view text) {
     std::vector<std::string> lines;
     while (!text.empty()) {
@@ -69,7 +77,7 @@ JetFile::JetFile(const fs::path& file) : path_(fs::absolute(file)) {
 
 std::string JetFile::Ask(std::vector<std::string> call) const {
     const std::string program = call.front();
-    const ProcessResult result = RunProcess(call);
+    const ProcessResult result = RunProcess(call, OutputLimit(path_));
     if (result.status == 0 && result.errors.empty()) return result.output;
     const auto lines = LinesOf(result.errors);
     throw Fault(path_ + ": the file is damaged or encrypted: " + program + " ended with status " +

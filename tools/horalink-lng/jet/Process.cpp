@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,7 +20,9 @@ namespace lng {
 
 namespace {
 
-constexpr int silenceLimit = 60000;  // milliseconds
+constexpr int silenceLimit = 60000;         // milliseconds
+constexpr rlim_t memoryLimit = 1UL << 30U;  // bytes
+constexpr rlim_t processorLimit = 600;      // seconds
 
 class Pipe {
   public:
@@ -77,6 +80,8 @@ class Child {
         if (failure == ENOENT) throw Fault(name_ + " is not installed; it comes with the package mdbtools");
         if (failure != 0)
             throw Fault(name_ + " can't be started: " + std::generic_category().message(failure));
+        Limit(RLIMIT_AS, memoryLimit);
+        Limit(RLIMIT_CPU, processorLimit);
         output_.CloseEnd(1);
         errors_.CloseEnd(1);
     }
@@ -86,13 +91,14 @@ class Child {
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
-    ProcessResult Finish() {
+    ProcessResult Finish(std::size_t limit) {
         ProcessResult result;
         std::array<pollfd, 2> sources{{{output_.Reading(), POLLIN, 0}, {errors_.Reading(), POLLIN, 0}}};
         std::array<std::string*, 2> texts{&result.output, &result.errors};
         while (sources[0].fd >= 0 || sources[1].fd >= 0) {
             const int ready = poll(sources.data(), sources.size(), silenceLimit);
-            if (ready == 0) throw Fault(name_ + " does not come to an end; is the file damaged?");
+            if (ready == 0 || result.output.size() + result.errors.size() > limit)
+                throw Fault(name_ + " does not come to an end; the file is damaged");
             for (std::size_t i = 0; i < sources.size(); ++i)
                 if (ready > 0 && sources.at(i).revents != 0 && !Read(sources.at(i).fd, *texts.at(i)))
                     sources.at(i).fd = -1;
@@ -102,6 +108,12 @@ class Child {
     }
 
   private:
+    // A damaged file can make a program fill the memory, also when nobody is left to end it.
+    void Limit(__rlimit_resource resource, rlim_t most) const {
+        const rlimit limit{most, most};
+        prlimit(id_, resource, &limit, nullptr);
+    }
+
     static bool Read(int descriptor, std::string& text) {
         std::array<char, 65536> buffer;
         const ssize_t count = read(descriptor, buffer.data(), buffer.size());
@@ -128,8 +140,8 @@ class Child {
 
 }  // namespace
 
-ProcessResult RunProcess(const std::vector<std::string>& words) {
-    return Child(words).Finish();
+ProcessResult RunProcess(const std::vector<std::string>& words, std::size_t limit) {
+    return Child(words).Finish(limit);
 }
 
 }  // namespace lng

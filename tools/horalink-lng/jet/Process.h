@@ -12,8 +12,8 @@ struct ProcessResult {
     int status = 0;
 };
 
-// Runs a program from the search path to its end. Raises Fault where it isn't installed, can't be started, or
-// says nothing for a minute; it is ended then.
-ProcessResult RunProcess(const std::vector<std::string>& words);
+// Runs a program from the search path to its end. Raises Fault where it isn't installed or can't be started,
+// and where it says nothing for a minute or more than `limit` bytes; it is ended then.
+ProcessResult RunProcess(const std::vector<std::string>& words, std::size_t limit = 1 << 20);
 
 }  // namespace lng
