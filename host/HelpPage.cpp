@@ -18,6 +18,7 @@ constexpr int initialWidth = 420, initialHeight = 400;
 HelpPage::HelpPage(QWidget& host)
     : QWidget(&host, Qt::Window), title_(MakeHeading({})), body_(new QTextBrowser) {
     setObjectName("help");
+    setBackgroundRole(QPalette::Base);
     body_->setObjectName("helpText");
     body_->setFrameShape(QFrame::NoFrame);
     body_->setOpenLinks(false);

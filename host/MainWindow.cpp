@@ -117,10 +117,9 @@ void MainWindow::OfferBackgrounds(std::int16_t chosen) {
 }
 
 void MainWindow::AddBackground(const BackgroundSet& set, bool chosen) {
-    QAction* action =
-        backgrounds_->addAction(QString::fromStdU16String(set.name), this, [this, number = set.number] {
-            platform::Guard([&] { actions_.background(number); });
-        });
+    QAction* action = backgrounds_->addAction(
+        QString::fromStdU16String(set.name), this,
+        [this, number = set.number] { platform::Guard([&] { actions_.background(number); }); });
     action->setActionGroup(chosenBackground_);
     action->setCheckable(true);
     action->setChecked(chosen);

@@ -116,6 +116,9 @@ class Driver:
         node.clear_cache()
         return node.get_state_set().contains(Atspi.StateType.ENABLED)
 
+    def wait_until_enabled(self, program, name):
+        wait_for(lambda: self.is_enabled(self.find(program, name)), LIMIT, f"'{name}' to be enabled")
+
     @staticmethod
     def is_focused(node):
         node.clear_cache()

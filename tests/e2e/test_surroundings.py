@@ -2,62 +2,18 @@
 import unittest
 
 import stage
-from controls import FOLLOW_DATE, FOLLOW_TIME, SPIN, DialogTest
+from controls import DialogTest
 from stage import ADD_IN, CLOCK_READ, CLOSE, LOGIN_FAILED, LOOKUP, SWITCHDESK, UPDATE, WAIT_BOX, dialog_title
 from stage import open_stage as setUpModule  # noqa: F401
 
 HELP_PAGE = "Help \u2013 The clock of a PBX"
 BUSY_BOX = "Horalink \u2013 Busy"
-CALENDAR, TIME, TRACK, TRACK_DATE = "Calendar", "Time", "Follow the time", "Follow the date"
-# Where a control is clicked that others cover in the middle, in parts of its width and height.
-EDGE = (0.015, 0.5)
-TOP = (0.5, 0.1)
 
 
 class Help(DialogTest):
     def setUp(self):
         super().setUp()
         self.open_dialog()
-
-    def topic(self):
-        """The title of the topic that is shown; takes it away again."""
-        shown = self.wait_for(lambda: next((top.get_name() for top in stage.driver.windows(ADD_IN)
-                                            if top.get_name() in (CALENDAR, TIME, TRACK, TRACK_DATE)), None), "a topic")
-        stage.driver.press("Escape")
-        self.wait_for(lambda: shown not in stage.driver.titles(ADD_IN), "the topic to go")
-        return shown
-
-    def test_right_click_menu_and_topic(self):
-        for name, role, place, topic in (
-                ("lblBevel 0", None, EDGE, CALENDAR), ("lblBevel 1", None, TOP, TIME), ("lblTime", None, EDGE, TIME),
-                ("Minute", None, (0.5, 0.5), TIME), (SPIN, None, (0.5, 0.5), TIME),
-                (FOLLOW_TIME, "check box", (0.5, 0.5), TRACK), (FOLLOW_TIME, "label", (0.5, 0.5), TRACK),
-                (FOLLOW_DATE, "check box", (0.5, 0.5), TRACK_DATE), (FOLLOW_DATE, "label", (0.5, 0.5), TRACK_DATE)):
-            with self.subTest(name, role=role):
-                node = self.node(name) if role != "label" else self.label(name)
-                stage.driver.click(node, place, button=3)
-                stage.driver.click(self.node("What's This?"))
-                self.wait_for(lambda: topic in stage.driver.titles(ADD_IN), "the topic")
-                if name == FOLLOW_DATE:
-                    self.picture("topic")
-                self.assertEqual(self.topic(), topic)
-        self.assertTrue(self.is_enabled(LOOKUP))
-
-    def label(self, name):
-        """The text beside a box has the same name; it is the wider of the two."""
-        return max((node for top in stage.driver.windows(ADD_IN) for node in stage.driver.nodes(top)
-                    if node.get_name() == name), key=lambda node: stage.driver.place(node)[2])
-
-    def test_menu_by_keys(self):
-        stage.driver.press("Tab", "Tab", "Tab")
-        for key, moves, topic in (("Menu", 0, TIME), ("shift+F10", 1, TIME), ("Menu", 4, TRACK), ("shift+F10", 1, TRACK_DATE)):
-            with self.subTest(key=key, topic=topic):
-                for _ in range(moves):
-                    stage.driver.press("Tab")
-                stage.driver.press(key)
-                self.node("What's This?")
-                stage.driver.press("Return")
-                self.assertEqual(self.topic(), topic)
 
     def test_controls_without_a_menu(self):
         for name, place in ((CLOSE, (0.5, 0.5)), (UPDATE, (0.5, 0.5)), ("lblBevel 2", (0.5, 0.5))):

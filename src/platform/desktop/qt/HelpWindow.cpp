@@ -37,6 +37,7 @@ HelpWindow::HelpWindow(const HelpTopic& topic, QWidget& parent) : QWidget(&paren
     const QString title = ToQt(topic.title), body = ToQt(topic.body);
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(QStringLiteral("HelpWindow"));
+    setWindowTitle(title);
     setAccessibleName(title);
     setAccessibleDescription(QTextDocumentFragment::fromHtml(body).toPlainText());
     auto* layout = new QVBoxLayout(this);

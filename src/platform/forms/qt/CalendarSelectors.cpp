@@ -47,7 +47,8 @@ void CalendarSelectors::Show(bool shown) {
 }
 
 void CalendarSelectors::Name(const std::function<QString(int months)>& nameOf) {
-    for (std::size_t i = 0; i < arrows_.size(); ++i) arrows_[i]->setAccessibleName(nameOf(selectors[i].months));
+    for (std::size_t i = 0; i < arrows_.size(); ++i)
+        arrows_[i]->setAccessibleName(nameOf(selectors[i].months));
 }
 
 void CalendarSelectors::Place(const QRect& title, bool yearFirst) {

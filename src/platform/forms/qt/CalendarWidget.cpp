@@ -210,7 +210,8 @@ QString CalendarWidget::NameOf(const QDate& month) const {
 
 QString CalendarWidget::TitleOf(const QDate& month) const {
     const QString year = QString::number(month.year());
-    return Typed().MarketStyle == yearAheadOfMonth ? year + u' ' + NameOf(month) : NameOf(month) + u' ' + year;
+    return Typed().MarketStyle == yearAheadOfMonth ? year + u' ' + NameOf(month)
+                                                   : NameOf(month) + u' ' + year;
 }
 
 QRect CalendarWidget::TitleRect() const {

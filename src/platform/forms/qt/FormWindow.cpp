@@ -123,10 +123,15 @@ void FormWindow::Sync() {
     SyncVisible();
 }
 
+// The place is that of the client area: a window that has never been shown knows nothing of its frame, and
+// one that was placed by its frame would come back beside where it was left.
+QPoint FormWindow::Place() const {
+    return {ToPixels(form_->Left), ToPixels(form_->Top)};
+}
+
 void FormWindow::SyncPlace() {
     setFixedSize(ToPixels(form_->Width), ToPixels(form_->Height));
-    const QPoint place(ToPixels(form_->Left), ToPixels(form_->Top));
-    if (place != pos()) move(place);
+    if (Place() != geometry().topLeft()) setGeometry({Place(), size()});
 }
 
 void FormWindow::SyncVisible() {
@@ -241,8 +246,9 @@ void FormWindow::closeEvent(QCloseEvent* event) {
 // Counts a place that differs from the model's by a whole pixel only, as the model may hold parts of one.
 void FormWindow::moveEvent(QMoveEvent*) {
     if (!form_ || !isVisible()) return;
-    if (pos() == QPoint(ToPixels(form_->Left), ToPixels(form_->Top))) return;
-    Guard([this] { form_->MovedByOperator(ToTwips(pos().x()), ToTwips(pos().y())); });
+    const QPoint moved = geometry().topLeft();
+    if (moved == Place()) return;
+    Guard([&] { form_->MovedByOperator(ToTwips(moved.x()), ToTwips(moved.y())); });
 }
 
 }  // namespace platform::forms

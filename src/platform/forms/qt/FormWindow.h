@@ -42,6 +42,7 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
   private:
     void MakeControls(bool withWindow);
     void SetTabOrder();
+    QPoint Place() const;
     void SyncPlace();
     void SyncVisible();
     bool IsRefused(QEvent& event) const;
@@ -54,7 +55,7 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
     const QtHelp& help_;
     std::map<const Control*, ControlView*> views_;
     QPointer<QWidget> focused_;  // the control that the model knows as the one with the focus
-    bool menuIsKeyed_ = false;    // a key asks for a menu just now
+    bool menuIsKeyed_ = false;   // a key asks for a menu just now
     PictureRef icon_;
     Text caption_;
 };

@@ -1,0 +1,142 @@
+"""The whole way through the dialog and its host, by clicks and keys; each step in a picture."""
+import re
+from datetime import date
+
+from arrangement import wait_for
+from driver import UPPER, Driver
+from texts import Texts
+
+HOST = "Switchdesk \u2013 "
+DAY = 24 * 60 * 60
+
+
+class Demonstration:
+    def __init__(self, arrangement, pictures, exchange):
+        self.driver = Driver(arrangement)
+        self.texts = Texts(arrangement)
+        self.dialog = self.texts.title(exchange)
+        self.host = HOST + exchange
+        self.pictures = pictures
+        self.steps = 0
+        pictures.mkdir(exist_ok=True)
+
+    def run(self):
+        """Whether all of it came out as it should."""
+        self.open()
+        self.picture("host", self.driver.window("switchdesk"))
+        self.picture("dialog", self.window())
+        self.press(self.texts.lookup, "lookup")
+        good = self.update_and_read("the time of the PC", date.today())
+        good &= self.update_and_read("a date and time set by hand", self.set_by_hand())
+        self.change_background()
+        self.ask_for_help()
+        good &= self.close_and_open_again()
+        self.picture("screen")
+        return good
+
+    # --- steps ------------------------------------------------------------------------------------
+
+    def open(self):
+        self.driver.window("horalink", self.dialog, seconds=30)
+        self.driver.raise_window(self.dialog)
+
+    def update_and_read(self, what, day):
+        """Sends what the dialog shows. The exchange's clock runs on from there, as the next lookup has to show."""
+        seconds = self.held_seconds()
+        self.press(self.texts.update, "update")
+        shown = self.press(self.texts.lookup, "lookup-after-update")
+        found = re.search(r"(\d{4})/(\d\d)/(\d\d).*?(\d\d):(\d\d):(\d\d)", shown, re.S)
+        year, month, number, *time = map(int, found.groups()) if found else [0] * 6
+        good = (year, month, number) == (day.year, day.month, day.day) and \
+            (self.seconds(*time) - seconds) % DAY < 90
+        return self.tell(good, f"the lookup shows {what}")
+
+    def set_by_hand(self):
+        """Steps every part of the time, and chooses the first day of the next month; returns that day."""
+        for name in ("chkTrack", "chkTrackDate"):
+            self.driver.click(self.control(name, role="check box"))
+        for part in range(4):
+            section = self.control("txtTime", part)
+            before = self.driver.value(section)
+            self.driver.click(section)
+            self.driver.click(self.control("updTime"), UPPER)
+            wait_for(lambda: self.driver.value(section) != before, 10, f"part {part} of the time to change")
+        # Behind the part of the time that is clicked here come the two boxes and the calendar.
+        self.driver.click(self.control("txtTime", 0))
+        self.driver.press("Tab", "Tab", "Tab", "Next", "Return")
+        self.driver.wait_until_enabled("horalink", self.texts.update)
+        self.picture("set-by-hand", self.window())
+        today = date.today()
+        return date(today.year + today.month // 12, today.month % 12 + 1, 1)
+
+    def change_background(self):
+        before = self.corner()
+        self.driver.raise_window(self.host)
+        self.driver.press("alt+v", "b", "Down", "Return")
+        self.driver.raise_window(self.dialog)
+        wait_for(lambda: self.corner() != before, 20, "the background to change")
+        print("--- the host has put another background on the dialog")
+        self.picture("background", self.window())
+
+    def ask_for_help(self):
+        self.driver.press("F1")
+        page = wait_for(lambda: next((top for top in self.driver.windows("switchdesk")
+                                      if top.get_name().startswith("Help")), None), 20, "the help page")
+        print(f"--- the host shows the help: {page.get_name()}")
+        self.driver.raise_window(page.get_name())
+        self.picture("help", page)
+        self.driver.press("Escape")
+
+    def close_and_open_again(self):
+        """The dialog comes back where it was left."""
+        self.driver.move_window(self.dialog, 120, 90)
+        moved = wait_for(lambda: self.driver.place(self.window())[0] < 200 and self.driver.place(self.window()), 20,
+                         "the dialog to move")
+        self.driver.raise_window(self.host)
+        self.driver.click(self.driver.find("switchdesk", "Close add-in", "push button"))
+        wait_for(lambda: not self.driver.titles("horalink"), 20, "the add-in to end")
+        self.driver.click(self.driver.find("switchdesk", "Open clock add-in", "push button"))
+        self.open()
+        wait_for(lambda: self.driver.place(self.window()) == moved, 20, f"the dialog to be at {moved} again")
+        return self.tell(True, f"the dialog is at {moved[0]}, {moved[1]} again, where it was closed")
+
+    # --- means ------------------------------------------------------------------------------------
+
+    @staticmethod
+    def tell(good, what):
+        print(f"--- {what}" if good else f"--- NOT SO: {what}", flush=True)
+        return good
+
+    def window(self):
+        return self.driver.window("horalink", self.dialog)
+
+    def control(self, name, index=-1, role=None):
+        return self.driver.find("horalink", self.texts.control(name, index), role)
+
+    def corner(self):
+        """The colour of the dialog where only its background is."""
+        left, top, *_ = self.driver.place(self.window())
+        return self.driver.colour(left + 12, top + 12)
+
+    def picture(self, name, window=None):
+        self.steps += 1
+        self.driver.picture(self.pictures / f"{self.steps:02}-{name}.png", window)
+
+    def press(self, button, name):
+        """Presses a button of the dialog, reads the box that comes of it, and closes it."""
+        self.driver.click(self.driver.find("horalink", button))
+        box = self.driver.box("horalink", besides=[self.dialog])
+        text = "\n".join(text for text in self.driver.texts(box) if text.strip())
+        print(f"--- {name}: " + " / ".join(re.split(r"[\r\n]+", text)), flush=True)
+        self.picture(name, box)
+        self.driver.close_box("horalink", box)
+        return text
+
+    @staticmethod
+    def seconds(hours, minutes, seconds):
+        return hours * 3600 + minutes * 60 + seconds
+
+    def held_seconds(self):
+        """The time that the dialog shows, in seconds of the day."""
+        hour, minute, second, half = (self.driver.value(self.control("txtTime", part)) for part in range(4))
+        return self.seconds(int(hour) % 12 + (12 if half == "PM" else 0), int(minute), int(second))
