@@ -84,7 +84,7 @@ CalendarWidget::Shown CalendarWidget::Wanted() const {
             control.Month(),
             control.Year(),
             Today(),
-            control.MarketStyle == yearAheadOfMonth,
+            IsYearAhead(),
             control.gridcelleffect == cellsOfGrid,
             control.showdateselectors == selectorsShown,
             ToQt(*control.dayfont),
@@ -208,10 +208,25 @@ QString CalendarWidget::NameOf(const QDate& month) const {
     return name;
 }
 
+// Chinese and Japanese have the year ahead of the month in every market.
+bool CalendarWidget::IsYearAhead() const {
+    return Typed().MarketStyle == yearAheadOfMonth || SaysYear();
+}
+
+// They also say behind the number that it is a year.
+bool CalendarWidget::SaysYear() const {
+    return locale_.language() == QLocale::Chinese || locale_.language() == QLocale::Japanese;
+}
+
+QString CalendarWidget::YearText(int year) const {
+    const QString number = QString::number(year);
+    return SaysYear() ? number + u'\u5e74' : number;
+}
+
 QString CalendarWidget::TitleOf(const QDate& month) const {
-    const QString year = QString::number(month.year());
-    return Typed().MarketStyle == yearAheadOfMonth ? year + u' ' + NameOf(month)
-                                                   : NameOf(month) + u' ' + year;
+    const QString year = YearText(month.year());
+    if (SaysYear()) return year + NameOf(month);
+    return IsYearAhead() ? year + u' ' + NameOf(month) : NameOf(month) + u' ' + year;
 }
 
 QRect CalendarWidget::TitleRect() const {
@@ -240,7 +255,7 @@ void CalendarWidget::PaintTitle(QPainter& painter) const {
     painter.setFont(shown_.titleFont);
     painter.setPen(QColor(isEnabled() ? look::ink : look::inkDisabled));
     if (!shown_.selectors) return DrawFitting(painter, TitleRect(), TitleOf(Month(0)));
-    DrawFitting(painter, selectors_.YearText(), QString::number(shown_.year));
+    DrawFitting(painter, selectors_.YearText(), YearText(shown_.year));
     painter.setFont(shown_.titleFont);
     DrawFitting(painter, selectors_.MonthText(), NameOf(Month(0)));
 }

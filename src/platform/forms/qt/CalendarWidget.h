@@ -52,6 +52,9 @@ class CalendarWidget : public QWidget, public TypedView<Calendar> {
 
     QDate Month(int fromShown) const;
     QString NameOf(const QDate& month) const;
+    bool IsYearAhead() const;
+    bool SaysYear() const;
+    QString YearText(int year) const;
     QString TitleOf(const QDate& month) const;
     QRect TitleRect() const;
     QRect GridRect() const;
