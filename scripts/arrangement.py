@@ -175,7 +175,21 @@ class Arrangement:
             raise RuntimeError("Xvfb did not start")
         self.environment["DISPLAY"] = f":{number}"
         if shutil.which("openbox"):
-            self.start(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            self._start_window_manager()
+
+    def _start_window_manager(self):
+        """Waits until it manages windows: those of programs that came first would stay without frame and focus,
+        and lose clicks and keys."""
+        manager = None
+
+        def manages():
+            nonlocal manager
+            if manager is None or manager.poll() is not None:
+                manager = self.start(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            asked = subprocess.run(["xdotool", "get_desktop"], env=self.environment, check=False,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            return asked.returncode == 0
+        wait_for(manages, 20, "the window manager")
 
     def start_bus(self, name, environment):
         """A bus that starts its services in an environment; returns its address."""
