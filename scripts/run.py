@@ -1,5 +1,6 @@
 """What ./run does once everything is built."""
 import os
+import signal
 import subprocess
 import sys
 from pathlib import Path
@@ -43,6 +44,8 @@ def main(build, asked, way="", *rest):
 
 
 if __name__ == "__main__":
+    # What was started ends with the arrangement, however this one is ended.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
     try:
         sys.exit(main(*sys.argv[1:]))
     except (TimeoutError, RuntimeError, OSError, subprocess.CalledProcessError) as error:
