@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Fault.h"
+#include "common/Fault.h"
 #include "TemporaryDirectory.h"
 #include "source/SourceReader.h"
 #include "store/Build.h"
@@ -221,7 +221,7 @@ TEST_F(CheckTest, TellsADatabaseOfAnotherNameByItsTables) {
     fs::rename(At(common), At("Shared.LNG"));
     EXPECT_TRUE(CheckSet({{At(own), At(help)}, At("Shared.LNG"), std::nullopt, Backgrounds()}).All().empty());
     EXPECT_TRUE(CheckSet({{At("Shared.LNG"), At(own), At(help)}, {}, {}, Backgrounds()}).All().empty());
-    EXPECT_THROW(CheckSet({{At(own), At(own)}, {}, {}, {}}), WrongCall);
+    EXPECT_THROW(CheckSet({{At(own), At(own)}, {}, {}, {}}), tools::WrongCall);
 }
 
 TEST_F(CheckTest, SaysWhatItLeftOut) {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include "Fault.h"
+#include "common/Fault.h"
 #include "TemporaryDirectory.h"
 #include "jet/Csv.h"
 #include "jet/Process.h"
@@ -23,8 +23,8 @@ TEST(Csv, KeepsNullApartFromEveryText) {
     EXPECT_EQ(rows[0], (std::vector<CsvField>{"1", "a \"b\", c\n\r", std::nullopt, "", "\\N"}));
     EXPECT_EQ(rows[1], (std::vector<CsvField>{"2", "", "x"}));
     EXPECT_TRUE(ParseCsv("", "\\N").empty());
-    EXPECT_THROW(ParseCsv("\"a", "\\N"), Fault);
-    EXPECT_THROW(ParseCsv("\"a\"b\n", "\\N"), Fault);
+    EXPECT_THROW(ParseCsv("\"a", "\\N"), tools::Fault);
+    EXPECT_THROW(ParseCsv("\"a\"b\n", "\\N"), tools::Fault);
 }
 
 class ImportTest : public testing::Test {
@@ -52,7 +52,7 @@ class ImportTest : public testing::Test {
     std::string FaultOfImport(const fs::path& file) const {
         try {
             ImportJet(file);
-        } catch (const Fault& fault) {
+        } catch (const tools::Fault& fault) {
             return fault.what();
         }
         return "no fault";

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "Fault.h"
+#include "common/Fault.h"
 #include "TemporaryDirectory.h"
 #include "source/Literals.h"
 #include "source/SourceReader.h"
@@ -15,7 +15,7 @@ using namespace lng;
 std::string FaultOf(const std::function<void()>& step) {
     try {
         step();
-    } catch (const Fault& fault) {
+    } catch (const tools::Fault& fault) {
         return fault.what();
     }
     return "no fault";

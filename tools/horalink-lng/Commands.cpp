@@ -5,16 +5,17 @@
 #include <optional>
 #include <system_error>
 
-#include "CommandLine.h"
-#include "Fault.h"
 #include "Version.h"
 #include "check/Check.h"
+#include "common/CommandLine.h"
+#include "common/Fault.h"
+#include "common/NewFile.h"
+#include "common/Program.h"
 #include "jet/Import.h"
 #include "source/SourceReader.h"
 #include "source/SourceWriter.h"
 #include "store/Build.h"
 #include "store/Dump.h"
-#include "store/NewFile.h"
 
 namespace lng {
 
@@ -22,7 +23,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int done = 0, faulty = 1, wrongCall = 2;
+using tools::done;
+using tools::faulty;
+using tools::Print;
+
+constexpr std::string_view programName = "horalink-lng";
 
 constexpr const char* usage =
     R"(Usage: horalink-lng build SOURCE --output PATH [--force]
@@ -52,17 +57,12 @@ The exit status is 0 when all is well, 1 when a fault was found, and 2 for a
 call that means nothing. See horalink-lng(1) for more.
 )";
 
-void Print(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
-        throw Fault("the output can't be written");
-}
-
 void Tell(const std::string& text) {
-    std::fprintf(stderr, "horalink-lng: %s\n", text.c_str());
+    tools::Tell(programName, text);
 }
 
-void RequireFiles(const CommandLine& line, const char* what) {
-    if (line.Files().empty()) throw WrongCall(std::string(what) + " is missing");
+void RequireFiles(const tools::CommandLine& line, const char* what) {
+    if (line.Files().empty()) throw tools::WrongCall(std::string(what) + " is missing");
 }
 
 // A path that is a folder already, or that can only be one.
@@ -72,9 +72,9 @@ bool MeansFolder(const std::string& path) {
 }
 
 int Build(const std::vector<std::string>& words) {
-    const CommandLine line(words, {"--output=", "--force"});
+    const tools::CommandLine line(words, {"--output=", "--force"});
     RequireFiles(line, "the source");
-    if (line.Files().size() > 1) throw WrongCall("there is more than one source");
+    if (line.Files().size() > 1) throw tools::WrongCall("there is more than one source");
     const std::string output = line.Required("--output");
     const Source source = ReadSource(line.Files().front());
     if (source.databases.size() > 1 || MeansFolder(output))
@@ -85,7 +85,7 @@ int Build(const std::vector<std::string>& words) {
 }
 
 int Dump(const std::vector<std::string>& words) {
-    const CommandLine line(words, {"--output=", "--force"});
+    const tools::CommandLine line(words, {"--output=", "--force"});
     RequireFiles(line, "the database");
     Source source;
     for (const std::string& file : line.Files()) {
@@ -93,7 +93,7 @@ int Dump(const std::vector<std::string>& words) {
         for (const std::string& what : dumped.notKept) Tell(file + ": not kept: " + what);
         for (const DatabaseSource& other : source.databases)
             if (SameName(other.fileName, dumped.source.fileName))
-                throw Fault(file + ": a database of this name was given before");
+                throw tools::Fault(file + ": a database of this name was given before");
         source.databases.push_back(std::move(dumped.source));
     }
     const std::string text = WriteSource(source);
@@ -101,19 +101,19 @@ int Dump(const std::vector<std::string>& words) {
         Print(text);
         return done;
     }
-    NewFile result(line.Required("--output"), line.Has("--force"));
+    tools::NewFile result(line.Required("--output"), line.Has("--force"));
     result.Write(text);
     result.Commit();
     return done;
 }
 
-std::optional<fs::path> PathOf(const CommandLine& line, const std::string& option) {
+std::optional<fs::path> PathOf(const tools::CommandLine& line, const std::string& option) {
     if (!line.Has(option)) return std::nullopt;
     return line.Required(option);
 }
 
 int Check(const std::vector<std::string>& words) {
-    const CommandLine line(words, {"--backgrounds=", "--common=", "--help-file=", "--json"});
+    const tools::CommandLine line(words, {"--backgrounds=", "--common=", "--help-file=", "--json"});
     RequireFiles(line, "the source or database");
     const CheckedFiles files{{line.Files().begin(), line.Files().end()},
                              PathOf(line, "--common"),
@@ -144,16 +144,16 @@ std::vector<fs::path> ImportTargets(const std::vector<std::string>& files, const
 }
 
 int Import(const std::vector<std::string>& words) {
-    const CommandLine line(words, {"--output=", "--force"});
+    const tools::CommandLine line(words, {"--output=", "--force"});
     RequireFiles(line, "the file to import");
     const std::string output = line.Required("--output");
     std::vector<ImportedDatabase> imported;
     for (const std::string& file : line.Files()) imported.push_back(ImportJet(file));
-    MakeFiles(ImportTargets(line.Files(), output), line.Has("--force"),
-              [&](std::size_t i, const fs::path& file) {
-                  FillDatabase(line.Files()[i], imported[i].source, file);
-                  RequireAllRows(imported[i].source, file);
-              });
+    tools::MakeFiles(ImportTargets(line.Files(), output), line.Has("--force"),
+                     [&](std::size_t i, const fs::path& file) {
+                         FillDatabase(line.Files()[i], imported[i].source, file);
+                         RequireAllRows(imported[i].source, file);
+                     });
     bool lost = false;
     for (const ImportedDatabase& database : imported) {
         TellOf(database);
@@ -162,46 +162,14 @@ int Import(const std::vector<std::string>& words) {
     return lost ? faulty : done;
 }
 
-struct Command {
-    std::string_view name;
-    int (*run)(const std::vector<std::string>& words);
-};
-
-constexpr Command commands[] = {{"build", Build}, {"check", Check}, {"dump", Dump}, {"import", Import}};
-
-bool AsksForHelp(const std::vector<std::string>& words) {
-    for (const std::string& word : words)
-        if (word == "--help" || word == "-h") return true;
-    return false;
-}
-
-int Dispatch(const std::vector<std::string>& words) {
-    if (AsksForHelp(words)) {
-        Print(usage);
-        return done;
-    }
-    if (words.empty()) throw WrongCall("the command is missing");
-    if (words.front() == "--version") {
-        Print(std::string("horalink-lng ") + version + "\n");
-        return done;
-    }
-    for (const Command& command : commands)
-        if (command.name == words.front()) return command.run({words.begin() + 1, words.end()});
-    throw WrongCall("'" + words.front() + "' is no command");
-}
-
 }  // namespace
 
 int RunTool(const std::vector<std::string>& words) {
-    try {
-        return Dispatch(words);
-    } catch (const WrongCall& call) {
-        Tell(std::string(call.what()) + "; see horalink-lng --help");
-        return wrongCall;
-    } catch (const std::exception& failure) {
-        Tell(failure.what());
-        return faulty;
-    }
+    return tools::Run({programName,
+                       usage,
+                       version,
+                       {{"build", Build}, {"check", Check}, {"dump", Dump}, {"import", Import}}},
+                      words);
 }
 
 }  // namespace lng

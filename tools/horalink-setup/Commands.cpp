@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <system_error>
 
-#include "horalink-lng/Fault.h"
+#include "common/Fault.h"
 #include "horalink-setup/Files.h"
 #include "horalink-setup/Market.h"
 #include "horalink-setup/Services.h"
@@ -36,7 +36,8 @@ void RequireWritable(const fs::path& root) {
     const bool odd = name.find('\\') != name.npos || platform::ToUtf8(platform::FromUtf8(name)) != name;
     const bool controls = std::any_of(name.begin(), name.end(), [](unsigned char c) { return c < ' '; });
     if (odd || controls)
-        throw lng::WrongCall("--root: a backslash, a control character or broken UTF-8 can't be in the path");
+        throw tools::WrongCall(
+            "--root: a backslash, a control character or broken UTF-8 can't be in the path");
 }
 
 fs::path RootFor(const AddRequest& request, const SettingsStore& store, const Places& places) {
@@ -53,9 +54,9 @@ void RequireShape(const fs::path& root, const std::string& market) {
         return platform::EqualsIgnoringCase(platform::FromUtf8(name.native()), platform::FromUtf8(wanted));
     };
     if (!is(root.filename(), market) || !is(root.parent_path().filename(), "VELMORA32"))
-        throw lng::Fault("InstallPath of market " + market + " is " + root.string() +
-                         ", which doesn't end in VELMORA32/" + market +
-                         "; --root and --force enter it in another place");
+        throw tools::Fault("InstallPath of market " + market + " is " + root.string() +
+                           ", which doesn't end in VELMORA32/" + market +
+                           "; --root and --force enter it in another place");
 }
 
 Package PackageFor(const AddRequest& request, const UserTree& tree, const Places& places) {
@@ -120,8 +121,8 @@ Told Change::Add(const AddRequest& request) {
     const auto entered = store_.Root(request.market);
     const bool moves = entered && !IsSame(*entered, tree.Root());
     if (moves && !request.force)
-        throw lng::Fault("market " + request.market + " is entered at " + entered->string() +
-                         " already; --force moves it");
+        throw tools::Fault("market " + request.market + " is entered at " + entered->string() +
+                           " already; --force moves it");
     if (!request.force) {
         services.RequireFree(addInClass, startAddIn);
         services.RequireFree(ExchangeClass(request.market), StartHost(request.market));
@@ -154,7 +155,7 @@ void Change::Leave(const std::string& market, const UserTree& tree, Told& told) 
 
 Told Change::Remove(const std::string& market) {
     const auto root = store_.Root(market);
-    if (!root) throw lng::WrongCall("market " + market + " isn't entered");
+    if (!root) throw tools::WrongCall("market " + market + " isn't entered");
     Told told;
     Leave(market, UserTree(*root), told);
     store_.ForgetUse(market);
@@ -169,11 +170,11 @@ Told Change::Remove(const std::string& market) {
 
 std::string OnlyMarket(const SettingsStore& store) {
     const auto markets = store.Markets();
-    if (markets.empty()) throw lng::WrongCall("no market is entered");
+    if (markets.empty()) throw tools::WrongCall("no market is entered");
     if (markets.size() == 1) return markets.front();
     std::string names;
     for (const std::string& market : markets) names += (names.empty() ? "" : ", ") + market;
-    throw lng::WrongCall("--market is missing; entered are: " + names);
+    throw tools::WrongCall("--market is missing; entered are: " + names);
 }
 
 bool CanRun(const fs::path& program) {
@@ -199,8 +200,8 @@ Told Use(const Context& context, const std::string& market) {
     Change change(context);
     SettingsStore& store = change.Store();
     if (!store.Has(market))
-        throw lng::WrongCall("market " + market + " isn't entered; 'horalink-setup add --market " + market +
-                             "' enters it");
+        throw tools::WrongCall("market " + market + " isn't entered; 'horalink-setup add --market " + market +
+                               "' enters it");
     store.Use(market);
     store.Save();
     return {"Hosts get the add-in of market " + market + ". One that is open now stays until it is closed."};
@@ -211,7 +212,8 @@ Told ChangeLanguage(const Context& context, const std::string& language,
     Change change(context);
     AddRequest request;
     request.market = market ? *market : change.Store().MarketInUse();
-    if (market && !change.Store().Has(*market)) throw lng::WrongCall("market " + *market + " isn't entered");
+    if (market && !change.Store().Has(*market))
+        throw tools::WrongCall("market " + *market + " isn't entered");
     request.language = language;
     request.force = force;
     return change.Add(request);
@@ -232,8 +234,8 @@ std::vector<std::string> CommandToStart(const Context& context, const std::optio
     }
     const fs::path file = ProgramOf(*root, program);
     if (!CanRun(file))
-        throw lng::Fault(file.string() +
-                         ": the program isn't there, or may not be run; see 'horalink-setup status'");
+        throw tools::Fault(file.string() +
+                           ": the program isn't there, or may not be run; see 'horalink-setup status'");
     std::vector<std::string> command{file.string()};
     if (program == "switchdesk") command.insert(command.end(), {"--market", chosen});
     command.insert(command.end(), arguments.begin(), arguments.end());

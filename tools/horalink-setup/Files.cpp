@@ -10,8 +10,8 @@
 #include <iterator>
 #include <system_error>
 
-#include "horalink-lng/Fault.h"
-#include "horalink-lng/store/NewFile.h"
+#include "common/Fault.h"
+#include "common/NewFile.h"
 
 namespace setup {
 
@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 [[noreturn]] void Fail(const fs::path& path, const std::string& what, const std::error_code& error) {
-    throw lng::Fault(path.string() + ": " + what + ": " + error.message());
+    throw tools::Fault(path.string() + ": " + what + ": " + error.message());
 }
 
 std::error_code LastError() {
@@ -60,13 +60,13 @@ std::optional<std::string> ReadFile(const fs::path& file) {
     if (!fs::exists(file, error)) return std::nullopt;
     std::ifstream in(file, std::ios::binary);
     if (!in.is_open() || !fs::is_regular_file(file, error))
-        throw lng::Fault(file.string() + ": the file can't be read");
+        throw tools::Fault(file.string() + ": the file can't be read");
     return std::string{std::istreambuf_iterator<char>(in), {}};
 }
 
 void ReplaceFile(const fs::path& file, const std::string& content) {
     const fs::path real = BehindLinks(file);
-    lng::NewFile written(real, true);
+    tools::NewFile written(real, true);
     written.Write(content);
     std::error_code error;
     if (const auto old = fs::status(real, error); fs::exists(old))
@@ -76,8 +76,8 @@ void ReplaceFile(const fs::path& file, const std::string& content) {
 
 void CopyFile(const fs::path& from, const fs::path& to) {
     const auto content = ReadFile(from);
-    if (!content) throw lng::Fault(from.string() + ": there is no such file");
-    lng::NewFile written(to, true);
+    if (!content) throw tools::Fault(from.string() + ": there is no such file");
+    tools::NewFile written(to, true);
     written.Write(*content);
     written.Commit();
 }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "horalink-lng/Fault.h"
+#include "common/Fault.h"
 
 namespace setup {
 
@@ -24,7 +24,7 @@ std::string CheckedMarket(const std::string& code) {
     std::string market = code;
     std::transform(market.begin(), market.end(), market.begin(), Upper);
     if (market.size() != codeLength || !std::all_of(market.begin(), market.end(), IsAllowed))
-        throw lng::WrongCall("'" + code + "' is no market code: it has five letters, digits, '_' or '-'");
+        throw tools::WrongCall("'" + code + "' is no market code: it has five letters, digits, '_' or '-'");
     return market;
 }
 

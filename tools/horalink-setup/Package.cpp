@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
-#include "horalink-lng/Fault.h"
+#include "common/Fault.h"
 #include "platform/runtime/Text.h"
 
 namespace setup {
@@ -39,8 +39,8 @@ fs::path InLanguage(const fs::path& piece, const std::string& language) {
 Package::Package(fs::path tree) : tree_(std::move(tree)) {
     std::error_code error;
     if (!fs::is_regular_file(tree_ / place::addIn, error))
-        throw lng::Fault(tree_.string() + ": this is no tree of an installed package: " + place::addIn +
-                         " is missing");
+        throw tools::Fault(tree_.string() + ": this is no tree of an installed package: " + place::addIn +
+                           " is missing");
 }
 
 std::vector<std::string> Package::Languages() const {
@@ -76,7 +76,7 @@ std::string Package::CheckedLanguage(const std::string& name) const {
         known += (known.empty() ? "" : ", ") + language;
     }
     if (known.empty()) known = "none";
-    throw lng::WrongCall("there are no texts in the language '" + name + "'; there are: " + known);
+    throw tools::WrongCall("there are no texts in the language '" + name + "'; there are: " + known);
 }
 
 std::vector<Link> Package::Links(const std::string& language) const {

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "horalink-lng/Fault.h"
+#include "common/Fault.h"
 #include "horalink-setup/Market.h"
 #include "platform/desktop/IniSettings.h"
 
@@ -26,7 +26,7 @@ fs::path DataHome() {
     if (configured.is_absolute()) return configured;
     const fs::path home = Variable("HOME");
     if (!home.is_absolute())
-        throw lng::Fault("HOME names no directory, so there is no place for an installation");
+        throw tools::Fault("HOME names no directory, so there is no place for an installation");
     return home / ".local/share";
 }
 
@@ -60,7 +60,7 @@ Places PlacesOfEnvironment() {
     places.package = places.program.parent_path().parent_path() / "lib/VELMORA32" / defaultMarket;
     places.data = DataHome();
     places.settings = platform::SettingsFile();
-    if (places.settings.empty()) throw lng::Fault("HOME names no directory, so there is no settings store");
+    if (places.settings.empty()) throw tools::Fault("HOME names no directory, so there is no settings store");
     places.ownServices = places.data / serviceFolder;
     places.services = ServiceDirectories(places.ownServices);
     places.locale = Locale();

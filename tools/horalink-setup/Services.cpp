@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "horalink-lng/Fault.h"
+#include "common/Fault.h"
 #include "horalink-setup/Files.h"
 #include "platform/desktop/IniText.h"
 
@@ -62,8 +62,8 @@ void Services::RequireFree(const std::string& name, const std::string& arguments
     std::error_code error;
     const fs::path file = OwnFile(name);
     if (fs::exists(file, error) && !IsOurs(file) && !IsEntered(name, arguments))
-        throw lng::Fault(file.string() +
-                         ": this file starts another program for the class; --force replaces it");
+        throw tools::Fault(file.string() +
+                           ": this file starts another program for the class; --force replaces it");
 }
 
 bool Services::Enter(const std::string& name, const std::string& arguments) const {

@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <system_error>
 
-#include "horalink-lng/Fault.h"
+#include "common/Fault.h"
 #include "horalink-setup/Market.h"
 #include "horalink-setup/Package.h"
 #include "horalink-setup/Register.h"
@@ -215,7 +215,7 @@ class ClassInspection {
 void LookAtPackage(const Context& context, Report& report) {
     try {
         report.languages = Package(context.places.package).Languages();
-    } catch (const lng::Fault& fault) {
+    } catch (const tools::Fault& fault) {
         report.problems.push_back({fault.what() + std::string("."), reinstall});
     }
 }
@@ -247,7 +247,7 @@ Report Inspect(const Context& context) {
             if (tree.Exists() && !tree.HoldsAddIn()) continue;
             report.installations.push_back(Inspection(context, store, market, report.problems).Run());
         }
-    } catch (const lng::Fault& fault) {
+    } catch (const tools::Fault& fault) {
         report.problems.push_back({fault.what() + std::string("."), "Correct the settings store."});
     }
     LookAtClasses(context, report);

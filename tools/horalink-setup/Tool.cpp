@@ -6,8 +6,9 @@
 #include <optional>
 #include <system_error>
 
-#include "horalink-lng/CommandLine.h"
-#include "horalink-lng/Fault.h"
+#include "common/CommandLine.h"
+#include "common/Fault.h"
+#include "common/Program.h"
 #include "horalink-setup/Commands.h"
 #include "horalink-setup/Market.h"
 #include "horalink-setup/Status.h"
@@ -16,12 +17,14 @@
 
 namespace setup {
 
-using lng::CommandLine;
-using lng::WrongCall;
+using tools::CommandLine;
+using tools::done;
+using tools::faulty;
+using tools::Print;
+using tools::Words;
+using tools::WrongCall;
 
 namespace {
-
-constexpr int done = 0, faulty = 1, wrongCall = 2;
 
 constexpr const char* usage =
     R"(Usage: horalink-setup add [--market CODE] [--root DIRECTORY] [--language LANGUAGE]
@@ -56,14 +59,6 @@ The exit status is 0 when all is well, 1 when something is wrong, and 2 for a
 call that means nothing. See horalink-setup(1) for more.
 )";
 
-void Print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-}
-
-void Tell(const std::string& text) {
-    std::fprintf(stderr, "horalink-setup: %s\n", text.c_str());
-}
-
 int PrintTold(const Told& told) {
     for (const std::string& sentence : told) Print(sentence + "\n");
     return done;
@@ -88,8 +83,6 @@ std::string OnlyWord(const CommandLine& line, const std::string& what) {
     if (line.Files().size() > 1) throw WrongCall("'" + line.Files()[1] + "' is too much");
     return line.Files().front();
 }
-
-using Words = std::vector<std::string>;
 
 int RunAdd(const Context& context, const Words& words) {
     const CommandLine line(words, {"--market=", "--root=", "--language=", "--from=", "--force"});
@@ -142,56 +135,40 @@ std::vector<std::string> StartCommand(const Context& context, const Words& words
     return CommandToStart(context, MarketOf(line), *program, {program + 1, words.end()});
 }
 
-struct Command {
-    std::string_view name;
-    int (*run)(const Context& context, const Words& words);
-};
-
-constexpr Command commands[] = {{"add", RunAdd},
-                                {"remove", RunRemove},
-                                {"use", RunUse},
-                                {"language", RunLanguage},
-                                {"status", RunStatus}};
-
-int RunCommand(const std::string& name, const Words& words, const Execute& execute) {
-    const Places places = PlacesOfEnvironment();
-    const auto engine = platform::MakeSqliteEngine();
-    const auto bus = platform::MakeSessionBusNames();
-    const Context context{places, *engine, *bus};
-    if (name == "start") {
-        const auto command = StartCommand(context, words);
-        execute(command);
-        throw lng::Fault(command.front() + ": " + std::generic_category().message(errno));
-    }
-    for (const Command& command : commands)
-        if (command.name == name) return command.run(context, words);
-    throw WrongCall("'" + name + "' is no command");
+int RunStart(const Context& context, const Words& words, const Execute& execute) {
+    const auto command = StartCommand(context, words);
+    execute(command);
+    throw tools::Fault(command.front() + ": " + std::generic_category().message(errno));
 }
 
-bool AsksForHelp(const Words& words) {
-    return words.front() == "--help" || words.front() == "-h" ||
-           (words.front() != "start" && words.size() == 2 && words.back() == "--help");
-}
-
-int Dispatch(const Words& words, const Execute& execute) {
-    if (words.empty()) throw WrongCall("the command is missing");
-    if (AsksForHelp(words)) return Print(usage), done;
-    if (words.front() == "--version") return PrintTold({std::string("horalink-setup ") + HORALINK_VERSION});
-    return RunCommand(words.front(), {words.begin() + 1, words.end()}, execute);
+// What the commands work on is looked up when one of them runs: a call for the usage needs no home and no
+// bus.
+template <typename Run>
+std::function<int(const Words&)> InContext(Run run) {
+    return [run](const Words& words) {
+        const Places places = PlacesOfEnvironment();
+        const auto engine = platform::MakeSqliteEngine();
+        const auto bus = platform::MakeSessionBusNames();
+        return run(Context{places, *engine, *bus}, words);
+    };
 }
 
 }  // namespace
 
 int RunTool(const std::vector<std::string>& words, const Execute& execute) {
-    try {
-        return Dispatch(words, execute);
-    } catch (const WrongCall& call) {
-        Tell(std::string(call.what()) + "; see horalink-setup --help");
-        return wrongCall;
-    } catch (const std::exception& failure) {
-        Tell(failure.what());
-        return faulty;
-    }
+    const auto start = [&](const Context& context, const Words& own) {
+        return RunStart(context, own, execute);
+    };
+    return tools::Run({"horalink-setup",
+                       usage,
+                       HORALINK_VERSION,
+                       {{"add", InContext(RunAdd)},
+                        {"remove", InContext(RunRemove)},
+                        {"use", InContext(RunUse)},
+                        {"language", InContext(RunLanguage)},
+                        {"status", InContext(RunStatus)},
+                        {"start", InContext(start), true}}},
+                      words);
 }
 
 }  // namespace setup

@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "horalink-lng/Fault.h"
+#include "common/Fault.h"
 #include "horalink-setup/Files.h"
 #include "horalink-setup/Register.h"
 

@@ -77,7 +77,7 @@ TEST_F(CommandsTest, MovesAMarketOnlyByForce) {
     AddRequest request = Request("10001");
     request.root = top_ / "home/other place";
     const std::string settings = Settings(), home = Home();
-    EXPECT_THROW(Add(context_, request), lng::Fault);
+    EXPECT_THROW(Add(context_, request), tools::Fault);
     EXPECT_EQ(Settings(), settings);
     EXPECT_EQ(Home(), home);
     request.force = true;
@@ -93,7 +93,7 @@ TEST_F(CommandsTest, RefusesRootsThatTheSettingsCannotHold) {
     for (const char* root : {"back\\slash", "new\nline", "bad\xFFutf8"}) {
         AddRequest request = Request("10001");
         request.root = top_ / root;
-        EXPECT_THROW(Add(context_, request), lng::WrongCall) << root;
+        EXPECT_THROW(Add(context_, request), tools::WrongCall) << root;
     }
     EXPECT_EQ(Home(), "");
 }
@@ -101,7 +101,7 @@ TEST_F(CommandsTest, RefusesRootsThatTheSettingsCannotHold) {
 TEST_F(CommandsTest, RefusesAnEntryThatProgramsWouldTakeForAnotherMarket) {
     directory_.Write("home/.config/velmora/settings.ini",
                      "[VELMORA32/10001]\nInstallPath=" + top_.string() + "/x/\n");
-    EXPECT_THROW(AddMarket(), lng::Fault);
+    EXPECT_THROW(AddMarket(), tools::Fault);
     EXPECT_FALSE(fs::exists(top_ / "x"));
 }
 
@@ -120,14 +120,14 @@ TEST_F(CommandsTest, RemovalTakesFilesAndDirectoriesThatWereMade) {
     AddMarket();
     AddMarket("20002");
     Use(context_, "20002");
-    EXPECT_THROW(Remove(context_, std::nullopt), lng::WrongCall) << "which of the two?";
+    EXPECT_THROW(Remove(context_, std::nullopt), tools::WrongCall) << "which of the two?";
     Remove(context_, "20002");
     Remove(context_, "10001");
     EXPECT_EQ(Home(), "");
     EXPECT_FALSE(fs::exists(places_.settings.parent_path()));
     EXPECT_FALSE(fs::exists(places_.data / "VELMORA32"));
-    EXPECT_THROW(Remove(context_, "10001"), lng::WrongCall);
-    EXPECT_THROW(Remove(context_, std::nullopt), lng::WrongCall);
+    EXPECT_THROW(Remove(context_, "10001"), tools::WrongCall);
+    EXPECT_THROW(Remove(context_, std::nullopt), tools::WrongCall);
 }
 
 TEST_F(CommandsTest, ATreeThatOthersLiveInStaysEntered) {
@@ -158,7 +158,7 @@ TEST_F(CommandsTest, ARegisterWithEntriesOfOthersStays) {
 }
 
 TEST_F(CommandsTest, TheClassStartsTheMarketInUse) {
-    EXPECT_THROW(Use(context_, "20002"), lng::WrongCall);
+    EXPECT_THROW(Use(context_, "20002"), tools::WrongCall);
     AddMarket("20002");
     EXPECT_EQ(SettingsStore(places_.settings).MarketInUse(), "20002") << "the only one";
     AddMarket();
@@ -175,10 +175,10 @@ TEST_F(CommandsTest, TheClassStartsTheMarketInUse) {
 }
 
 TEST_F(CommandsTest, ChangesTheLanguageOfOneMarket) {
-    EXPECT_THROW(ChangeLanguage(context_, "de", "10001", false), lng::WrongCall) << "not entered";
+    EXPECT_THROW(ChangeLanguage(context_, "de", "10001", false), tools::WrongCall) << "not entered";
     AddMarket();
     AddMarket("20002");
-    EXPECT_THROW(ChangeLanguage(context_, "xx", std::nullopt, false), lng::WrongCall);
+    EXPECT_THROW(ChangeLanguage(context_, "xx", std::nullopt, false), tools::WrongCall);
     ChangeLanguage(context_, "de", std::nullopt, false);
     EXPECT_EQ(LinkOf(place::addInTexts), "ADDINS/DATABASE/de/Horalink.lng");
     EXPECT_EQ(LinkOf(place::help), "ADDINS/HELP/de/Horalink.hlp");
@@ -205,7 +205,7 @@ TEST_F(CommandsTest, LeavesAServiceFileOfTheUsersOwnAlone) {
     const std::string own = "[D-BUS Service]\nName=Horalink10013.cOLELayer\nExec=/opt/other\n";
     const fs::path file =
         directory_.Write("home/.local/share/dbus-1/services/Horalink10013.cOLELayer.service", own);
-    EXPECT_THROW(AddMarket(), lng::Fault);
+    EXPECT_THROW(AddMarket(), tools::Fault);
     EXPECT_EQ(Settings(), "(none)");
     EXPECT_FALSE(fs::exists(Tree()));
     AddRequest request = Request("10001");
@@ -245,7 +245,7 @@ TEST_F(CommandsTest, AStartEntersTheMarketAndMendsATreeThatIsGone) {
     EXPECT_EQ(CommandToStart(context_, std::nullopt, "horalink", {}), command);
     EXPECT_TRUE(fs::exists(command.front()));
     fs::remove(places_.package / place::host);
-    EXPECT_THROW(CommandToStart(context_, std::nullopt, "switchdesk", {}), lng::Fault)
+    EXPECT_THROW(CommandToStart(context_, std::nullopt, "switchdesk", {}), tools::Fault)
         << "its package isn't installed";
 }
 

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "../../unit/TemporaryDirectory.h"
-#include "horalink-lng/Fault.h"
+#include "common/Fault.h"
 #include "horalink-setup/Commands.h"
 #include "horalink-setup/Files.h"
 #include "horalink-setup/Market.h"

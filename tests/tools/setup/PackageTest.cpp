@@ -9,7 +9,7 @@ TEST(MarketTest, TakesFiveCharactersThatFitEverywhere) {
         EXPECT_EQ(CheckedMarket(code), market);
     for (const char* code : {"", "1000", "100011", "10/01", "10\\01", "10.01", "10 01", "..", "../..",
                              "[0001", "1000]", "100=1", "1000\n", "größe", "äöüß"})
-        EXPECT_THROW(CheckedMarket(code), lng::WrongCall) << code;
+        EXPECT_THROW(CheckedMarket(code), tools::WrongCall) << code;
 }
 
 class PackageTest : public SetupTest {};
@@ -42,15 +42,15 @@ TEST_F(PackageTest, NamesTheLanguagesThatThereAre) {
     for (const char* name : {"fr", "", "..", "de/"}) try {
             package.CheckedLanguage(name);
             ADD_FAILURE() << name;
-        } catch (const lng::WrongCall& call) {
+        } catch (const tools::WrongCall& call) {
             EXPECT_NE(std::string(call.what()).find("there are: de, en"), std::string::npos) << call.what();
         }
 }
 
 TEST_F(PackageTest, RefusesATreeWithoutTheAddIn) {
     fs::remove(places_.package / place::addIn);
-    EXPECT_THROW(Package{places_.package}, lng::Fault);
-    EXPECT_THROW(AddMarket(), lng::Fault);
+    EXPECT_THROW(Package{places_.package}, tools::Fault);
+    EXPECT_THROW(AddMarket(), tools::Fault);
     EXPECT_EQ(Home(), "") << "nothing is half entered";
 }
 

@@ -6,11 +6,11 @@
 #include <array>
 #include <system_error>
 
-#include "Fault.h"
 #include "check/CheckedDatabase.h"
 #include "check/FormChecks.h"
 #include "check/HelpCheck.h"
 #include "check/TextChecks.h"
+#include "common/Fault.h"
 #include "source/SourceReader.h"
 #include "store/Build.h"
 #include "store/Dump.h"
@@ -50,16 +50,16 @@ Role RoleOf(const fs::path& file) {
         for (const RoleMark& mark : marks)
             if (HasAnyTable(file, mark.tables)) return mark.role;
     } catch (const SqlFailure& failure) {
-        throw Fault(file.string() + ": " + failure.what());
+        throw tools::Fault(file.string() + ": " + failure.what());
     }
-    throw Fault(file.string() + ": this is none of the databases of the add-in");
+    throw tools::Fault(file.string() + ": this is none of the databases of the add-in");
 }
 
 class TemporaryFolder {
   public:
     TemporaryFolder() {
         std::string name = fs::temp_directory_path() / "horalink-lng-XXXXXX";
-        if (!mkdtemp(name.data())) throw Fault("no temporary folder can be made");
+        if (!mkdtemp(name.data())) throw tools::Fault("no temporary folder can be made");
         path_ = name;
     }
     ~TemporaryFolder() {
@@ -109,7 +109,7 @@ class Checker {
     void Open(Role role, const fs::path& file) {
         auto& place = opened_[static_cast<std::size_t>(role)];
         if (given_.at(static_cast<std::size_t>(role)))
-            throw WrongCall(file.string() + ": another file of this kind was given before");
+            throw tools::WrongCall(file.string() + ": another file of this kind was given before");
         given_.at(static_cast<std::size_t>(role)) = true;
         const std::string name = file.filename().string();
         try {
@@ -184,13 +184,14 @@ std::string CheckedFiles::SourcePath() const {
 
 Findings CheckSet(const CheckedFiles& files) {
     if (files.backgrounds && !fs::is_directory(*files.backgrounds))
-        throw Fault(files.backgrounds->string() + ": there is no such folder");
+        throw tools::Fault(files.backgrounds->string() + ": there is no such folder");
     for (const auto& list : {files.files, std::vector<fs::path>{files.common.value_or(fs::path()),
                                                                 files.help.value_or(fs::path())}})
         for (const fs::path& file : list)
-            if (!file.empty() && !fs::exists(file)) throw Fault(file.string() + ": there is no such file");
+            if (!file.empty() && !fs::exists(file))
+                throw tools::Fault(file.string() + ": there is no such file");
     if (std::count_if(files.files.begin(), files.files.end(), IsSource) > 1)
-        throw WrongCall("there is more than one text source");
+        throw tools::WrongCall("there is more than one text source");
     return Checker(files).Check();
 }
 

@@ -1,6 +1,6 @@
 #include "jet/Csv.h"
 
-#include "Fault.h"
+#include "common/Fault.h"
 
 namespace lng {
 
@@ -20,7 +20,7 @@ class CsvReader {
     std::vector<CsvField> TakeRow() {
         std::vector<CsvField> row{TakeField()};
         while (Skip(',')) row.push_back(TakeField());
-        if (!Skip('\n') && !rest_.empty()) throw Fault("a field has more behind its closing quote");
+        if (!Skip('\n') && !rest_.empty()) throw tools::Fault("a field has more behind its closing quote");
         return row;
     }
 
@@ -36,7 +36,7 @@ class CsvReader {
         std::string text;
         for (;;) {
             const auto end = rest_.find('"');
-            if (end == std::string_view::npos) throw Fault("the closing quote of a field is missing");
+            if (end == std::string_view::npos) throw tools::Fault("the closing quote of a field is missing");
             text += rest_.substr(0, end);
             rest_.remove_prefix(end + 1);
             if (!Skip('"')) return text;

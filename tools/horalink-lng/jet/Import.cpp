@@ -3,7 +3,7 @@
 #include <charconv>
 #include <optional>
 
-#include "Fault.h"
+#include "common/Fault.h"
 #include "jet/JetFile.h"
 #include "store/Sql.h"
 
@@ -49,19 +49,19 @@ Cell NumberCell(const std::string& text) {
     Number number{};
     const char* end = text.data() + text.size();
     const auto result = std::from_chars(text.data(), end, number);
-    if (result.ec != std::errc() || result.ptr != end) throw Fault("'" + text + "' is no number");
+    if (result.ec != std::errc() || result.ptr != end) throw tools::Fault("'" + text + "' is no number");
     if constexpr (std::is_same_v<Number, std::int64_t>) return number;
     return static_cast<double>(number);
 }
 
 Cell BlobCell(const std::string& digits) {
     Blob blob;
-    if (digits.size() % 2 != 0) throw Fault("a digit of the binary data is missing");
+    if (digits.size() % 2 != 0) throw tools::Fault("a digit of the binary data is missing");
     for (std::size_t i = 0; i < digits.size(); i += 2) {
         unsigned byte = 0;
         const auto result = std::from_chars(&digits[i], &digits[i] + 2, byte, 16);
         if (result.ec != std::errc() || result.ptr != &digits[i] + 2)
-            throw Fault("the binary data is damaged");
+            throw tools::Fault("the binary data is damaged");
         blob.bytes += static_cast<char>(byte);
     }
     return blob;
@@ -113,8 +113,8 @@ class Importer {
         }
         const std::size_t count = jet_.Count(name);
         if (count != table.rows.size())
-            throw Fault(path_ + ", table " + name + ": the file counts " + std::to_string(count) +
-                        " rows and gives " + std::to_string(table.rows.size()) + "; it is damaged");
+            throw tools::Fault(path_ + ", table " + name + ": the file counts " + std::to_string(count) +
+                               " rows and gives " + std::to_string(table.rows.size()) + "; it is damaged");
         result_.source.tables.push_back(std::move(table));
     }
 
@@ -134,8 +134,8 @@ class Importer {
 
     Row RowOf(const std::vector<JetColumn>& columns, const std::vector<CsvField>& fields) {
         if (fields.size() != columns.size())
-            throw Fault(path_ + ", " + where_ + ": there are " + std::to_string(fields.size()) +
-                        " values for " + std::to_string(columns.size()) + " fields");
+            throw tools::Fault(path_ + ", " + where_ + ": there are " + std::to_string(fields.size()) +
+                               " values for " + std::to_string(columns.size()) + " fields");
         Row row;
         for (std::size_t i = 0; i < columns.size(); ++i)
             if (fields[i]) AddField(row, columns[i], *fields[i]);
@@ -153,8 +153,8 @@ class Importer {
         }
         try {
             row.fields.push_back({column.name, CellOf(kind, text)});
-        } catch (const Fault& fault) {
-            throw Fault(path_ + ", " + where_ + ", field " + column.name + ": " + fault.what());
+        } catch (const tools::Fault& fault) {
+            throw tools::Fault(path_ + ", " + where_ + ", field " + column.name + ": " + fault.what());
         }
     }
 
@@ -176,8 +176,8 @@ void RequireAllRows(const DatabaseSource& source, const std::filesystem::path& f
         query.Step();
         const auto count = static_cast<std::size_t>(query.NumberOf(0));
         if (count != table.rows.size())
-            throw Fault(source.fileName + ", table " + table.name + ": only " + std::to_string(count) +
-                        " of " + std::to_string(table.rows.size()) + " rows arrived");
+            throw tools::Fault(source.fileName + ", table " + table.name + ": only " + std::to_string(count) +
+                               " of " + std::to_string(table.rows.size()) + " rows arrived");
     }
 }
 

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <system_error>
 
-#include "Fault.h"
+#include "common/Fault.h"
 #include "jet/Process.h"
 
 namespace lng {
@@ -29,15 +29,16 @@ std::string HeadOf(const fs::path& file) {
 
 void RequireJet(const fs::path& file) {
     std::error_code error;
-    if (!fs::is_regular_file(file, error)) throw Fault(file.string() + ": there is no such file");
+    if (!fs::is_regular_file(file, error)) throw tools::Fault(file.string() + ": there is no such file");
     const std::string head = HeadOf(file);
     const std::string_view kind = std::string_view(head).substr(0, 19);
     if (!kind.ends_with("Standard Jet DB") && !kind.ends_with("Standard ACE DB"))
-        throw Fault(file.string() + ": this is no database in the Jet format (.mdb, .accdb)");
+        throw tools::Fault(file.string() + ": this is no database in the Jet format (.mdb, .accdb)");
     if (head.find("<encryption") != std::string::npos)
-        throw Fault(file.string() +
-                    ": the file is encrypted with a password and can't be read; take the password off in the "
-                    "program that made the file, then try again");
+        throw tools::Fault(
+            file.string() +
+            ": the file is encrypted with a password and can't be read; take the password off in the "
+            "program that made the file, then try again");
 }
 
 // More than any file can hold, with its binary data in digits and its texts unpacked. The programs write
@@ -80,8 +81,8 @@ std::string JetFile::Ask(std::vector<std::string> call) const {
     const ProcessResult result = RunProcess(call, OutputLimit(path_));
     if (result.status == 0 && result.errors.empty()) return result.output;
     const auto lines = LinesOf(result.errors);
-    throw Fault(path_ + ": the file is damaged or encrypted: " + program + " ended with status " +
-                std::to_string(result.status) + (lines.empty() ? "" : " and says: " + lines.front()));
+    throw tools::Fault(path_ + ": the file is damaged or encrypted: " + program + " ended with status " +
+                       std::to_string(result.status) + (lines.empty() ? "" : " and says: " + lines.front()));
 }
 
 std::vector<std::string> JetFile::Names(std::vector<std::string> options) const {
@@ -116,7 +117,7 @@ std::vector<JetColumn> JetFile::Columns(const std::string& table) const {
     std::vector<JetColumn> columns;
     for (const std::string& line : LinesOf(schema))
         if (line.starts_with("\t[")) columns.push_back(ColumnIn(line));
-    if (columns.empty()) throw Fault(path_ + ", table " + table + ": its fields can't be read");
+    if (columns.empty()) throw tools::Fault(path_ + ", table " + table + ": its fields can't be read");
     return columns;
 }
 
@@ -125,8 +126,8 @@ std::vector<std::vector<CsvField>> JetFile::Rows(const std::string& table) const
                                   dateFormat, "-T", dateFormat, path_, table});
     try {
         return ParseCsv(text, nullMark);
-    } catch (const Fault& fault) {
-        throw Fault(path_ + ", table " + table + ": " + fault.what());
+    } catch (const tools::Fault& fault) {
+        throw tools::Fault(path_ + ", table " + table + ": " + fault.what());
     }
 }
 
@@ -134,7 +135,7 @@ std::size_t JetFile::Count(const std::string& table) const {
     const std::string text = Ask({"mdb-count", path_, table});
     std::size_t count = 0;
     if (std::from_chars(text.data(), text.data() + text.size(), count).ec != std::errc())
-        throw Fault(path_ + ", table " + table + ": its rows can't be counted");
+        throw tools::Fault(path_ + ", table " + table + ": its rows can't be counted");
     return count;
 }
 

@@ -12,7 +12,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "Fault.h"
+#include "common/Fault.h"
 
 extern "C" char** environ;
 
@@ -27,7 +27,7 @@ constexpr rlim_t processorLimit = 600;      // seconds
 class Pipe {
   public:
     Pipe() {
-        if (pipe2(ends_.data(), O_CLOEXEC) != 0) throw Fault("no pipe can be made");
+        if (pipe2(ends_.data(), O_CLOEXEC) != 0) throw tools::Fault("no pipe can be made");
     }
     ~Pipe() {
         CloseEnd(0);
@@ -77,9 +77,10 @@ class Child {
         const int failure = posix_spawnp(&id_, words.front().c_str(), &actions, nullptr,
                                          Pointers(words).data(), Pointers(variables).data());
         posix_spawn_file_actions_destroy(&actions);
-        if (failure == ENOENT) throw Fault(name_ + " is not installed; it comes with the package mdbtools");
+        if (failure == ENOENT)
+            throw tools::Fault(name_ + " is not installed; it comes with the package mdbtools");
         if (failure != 0)
-            throw Fault(name_ + " can't be started: " + std::generic_category().message(failure));
+            throw tools::Fault(name_ + " can't be started: " + std::generic_category().message(failure));
         Limit(RLIMIT_AS, memoryLimit);
         Limit(RLIMIT_CPU, processorLimit);
         output_.CloseEnd(1);
@@ -98,7 +99,7 @@ class Child {
         while (sources[0].fd >= 0 || sources[1].fd >= 0) {
             const int ready = poll(sources.data(), sources.size(), silenceLimit);
             if (ready == 0 || result.output.size() + result.errors.size() > limit)
-                throw Fault(name_ + " does not come to an end; the file is damaged");
+                throw tools::Fault(name_ + " does not come to an end; the file is damaged");
             for (std::size_t i = 0; i < sources.size(); ++i)
                 if (ready > 0 && sources.at(i).revents != 0 && !Read(sources.at(i).fd, *texts.at(i)))
                     sources.at(i).fd = -1;

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "Fault.h"
+#include "common/Fault.h"
 #include "source/Utf8.h"
 
 namespace lng {
@@ -57,7 +57,7 @@ unsigned ParseHex(std::string_view digits) {
     unsigned number = 0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
     if (digits.empty() || result.ec != std::errc() || result.ptr != digits.data() + digits.size())
-        throw Fault("'" + std::string(digits) + "' is no hexadecimal number");
+        throw tools::Fault("'" + std::string(digits) + "' is no hexadecimal number");
     return number;
 }
 
@@ -70,14 +70,15 @@ std::string_view TakeFront(std::string_view& rest, std::size_t count) {
 void AppendNumbered(std::string& result, std::string_view& rest) {
     const auto end = rest.find('}');
     if (rest.empty() || rest.front() != '{' || end == std::string_view::npos)
-        throw Fault("\\u wants a number in braces, as in \\u{e9}");
+        throw tools::Fault("\\u wants a number in braces, as in \\u{e9}");
     const unsigned number = ParseHex(rest.substr(1, end - 1));
-    if (!AppendCodePoint(result, number)) throw Fault("there is no character \\u{" + Hex(number, 1) + "}");
+    if (!AppendCodePoint(result, number))
+        throw tools::Fault("there is no character \\u{" + Hex(number, 1) + "}");
     rest.remove_prefix(end + 1);
 }
 
 void AppendEscaped(std::string& result, std::string_view& rest) {
-    if (rest.empty()) throw Fault("the closing quote is missing");
+    if (rest.empty()) throw tools::Fault("the closing quote is missing");
     const char kind = TakeFront(rest, 1).front();
     constexpr std::string_view kinds = "nrt\"\\", meant = "\n\r\t\"\\";
     if (const auto place = kinds.find(kind); place != std::string_view::npos)
@@ -87,7 +88,7 @@ void AppendEscaped(std::string& result, std::string_view& rest) {
     else if (kind == 'u')
         AppendNumbered(result, rest);
     else
-        throw Fault(std::string("\\") + kind + " means nothing; write \\\\ for a backslash");
+        throw tools::Fault(std::string("\\") + kind + " means nothing; write \\\\ for a backslash");
 }
 
 // Takes a text in quotes, whose first quote is at the front.
@@ -102,19 +103,19 @@ std::string TakeQuoted(std::string_view& rest) {
         else
             result += c;
     }
-    throw Fault("the closing quote is missing");
+    throw tools::Fault("the closing quote is missing");
 }
 
 std::string ParseQuoted(std::string_view literal) {
     std::string text = TakeQuoted(literal);
-    if (!literal.empty()) throw Fault("there is more behind the closing quote");
+    if (!literal.empty()) throw tools::Fault("there is more behind the closing quote");
     return text;
 }
 
 Blob ParseBlob(std::string_view literal) {
     literal.remove_prefix(2);
     if (literal.empty() || literal.back() != '\'' || literal.size() % 2 == 0)
-        throw Fault("binary data is written as x'...' with two digits a byte");
+        throw tools::Fault("binary data is written as x'...' with two digits a byte");
     literal.remove_suffix(1);
     Blob blob;
     while (!literal.empty()) blob.bytes += static_cast<char>(ParseHex(TakeFront(literal, 2)));
@@ -140,10 +141,10 @@ Number ParseNumber(std::string_view literal) {
     const char* end = literal.data() + literal.size();
     const auto result = std::from_chars(literal.data(), end, number);
     if (result.ec == std::errc::result_out_of_range)
-        throw Fault("the number " + std::string(literal) + " is out of range");
+        throw tools::Fault("the number " + std::string(literal) + " is out of range");
     if (result.ec != std::errc() || result.ptr != end || number != number)
-        throw Fault("'" + std::string(literal) +
-                    "' is no number; a text stands behind a colon, or in double quotes");
+        throw tools::Fault("'" + std::string(literal) +
+                           "' is no number; a text stands behind a colon, or in double quotes");
     return number;
 }
 
@@ -204,7 +205,7 @@ std::string LiteralOf(const Cell& cell) {
 }
 
 Cell ParseLiteral(std::string_view literal) {
-    if (literal.empty()) throw Fault("the value is missing; write null for none");
+    if (literal.empty()) throw tools::Fault("the value is missing; write null for none");
     if (literal.front() == '"') return ParseQuoted(literal);
     if (SameName(literal, "null")) return Null();
     if (SameName(literal.substr(0, 2), "x'")) return ParseBlob(literal);

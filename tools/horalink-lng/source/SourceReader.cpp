@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "Fault.h"
+#include "common/Fault.h"
 #include "source/Literals.h"
 #include "source/Utf8.h"
 
@@ -30,18 +30,19 @@ class Reader {
             text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
         }
         if (source_.databases.empty())
-            throw Fault(source_.path + ": there is no [database ...] in this file; is it a text source?");
+            throw tools::Fault(source_.path +
+                               ": there is no [database ...] in this file; is it a text source?");
         return std::move(source_);
     }
 
   private:
     void Guarded(std::string_view line) {
         try {
-            if (!IsUtf8(line)) throw Fault("this line is not UTF-8; save the file in this encoding");
+            if (!IsUtf8(line)) throw tools::Fault("this line is not UTF-8; save the file in this encoding");
             if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
             ReadLine(line);
-        } catch (const Fault& fault) {
-            throw Fault(source_.path + ":" + std::to_string(line_) + ": " + Place() + fault.what());
+        } catch (const tools::Fault& fault) {
+            throw tools::Fault(source_.path + ":" + std::to_string(line_) + ": " + Place() + fault.what());
         }
     }
 
@@ -64,7 +65,8 @@ class Reader {
     }
 
     void ReadBlockLine(std::string_view content) {
-        if (!block_) throw Fault("a line with | continues the line before it, which has nothing to continue");
+        if (!block_)
+            throw tools::Fault("a line with | continues the line before it, which has nothing to continue");
         if (!content.empty() && content.front() == ' ') content.remove_prefix(1);
         content = content.substr(0, content.find_last_not_of(" \t") + 1);
         if (!std::exchange(blockStarts_, false)) *block_ += '\n';
@@ -77,12 +79,13 @@ class Reader {
     }
 
     void ReadHeading(std::string_view heading) {
-        if (heading.back() != ']') throw Fault("the ] at the end is missing");
+        if (heading.back() != ']') throw tools::Fault("the ] at the end is missing");
         std::string_view rest = TrimBlanks(heading.substr(1, heading.size() - 2));
         const std::string kind = TakeName(rest).value_or("");
         rest = TrimBlanks(rest);
         const std::optional<std::string> name = TakeName(rest);
-        if (!rest.empty()) throw Fault("there is more behind the name; a name with blanks stands in quotes");
+        if (!rest.empty())
+            throw tools::Fault("there is more behind the name; a name with blanks stands in quotes");
         Open(kind, name);
     }
 
@@ -91,12 +94,12 @@ class Reader {
         if (kind == "row") return OpenRow(given.has_value());
         if (kind != "database" && kind != "table" &&
             std::find(others, std::end(others), kind) == std::end(others))
-            throw Fault("[" + kind +
-                        "] means nothing here; there are database, table, row, index, view, trigger");
-        if (!given) throw Fault("the name of the " + kind + " is missing");
+            throw tools::Fault("[" + kind +
+                               "] means nothing here; there are database, table, row, index, view, trigger");
+        if (!given) throw tools::Fault("the name of the " + kind + " is missing");
         const std::string& name = *given;
         if (kind == "database") return OpenDatabase(name);
-        if (!database_) throw Fault("a [database ...] has to come first");
+        if (!database_) throw tools::Fault("a [database ...] has to come first");
         if (kind == "table") return OpenTable(name);
         table_ = nullptr;
         row_ = nullptr;
@@ -107,9 +110,9 @@ class Reader {
     void OpenDatabase(const std::string& name) {
         if (name.empty() || name == "." || name == ".." ||
             name.find_first_of(std::string_view("/\0", 2)) != std::string::npos)
-            throw Fault("'" + name + "' is no name for a file");
+            throw tools::Fault("'" + name + "' is no name for a file");
         for (const DatabaseSource& other : source_.databases)
-            if (SameName(other.fileName, name)) throw Fault("there are two databases " + name);
+            if (SameName(other.fileName, name)) throw tools::Fault("there are two databases " + name);
         table_ = nullptr;
         row_ = nullptr;
         source_.databases.push_back({name, {}, {}, line_});
@@ -118,7 +121,7 @@ class Reader {
 
     void OpenTable(const std::string& name) {
         for (const Table& other : database_->tables)
-            if (SameName(other.name, name)) throw Fault("there are two tables " + name);
+            if (SameName(other.name, name)) throw tools::Fault("there are two tables " + name);
         row_ = nullptr;
         database_->tables.push_back({name, "", {}, line_});
         table_ = &database_->tables.back();
@@ -126,31 +129,31 @@ class Reader {
     }
 
     void OpenRow(bool named) {
-        if (named) throw Fault("a row has no name");
-        if (!table_) throw Fault("a [row] belongs to a [table ...], which has to come first");
+        if (named) throw tools::Fault("a row has no name");
+        if (!table_) throw tools::Fault("a [row] belongs to a [table ...], which has to come first");
         table_->rows.push_back({{}, line_});
         row_ = &table_->rows.back();
     }
 
     void ReadField(std::string_view content) {
         const bool literal = content.front() == '=';
-        if (!literal && !row_) throw Fault("a field belongs to a [row], which has to come first");
+        if (!literal && !row_) throw tools::Fault("a field belongs to a [row], which has to come first");
         if (literal) return ReadDefinition(TrimBlanks(content.substr(1)));
         const auto name = TakeName(content);
         content = TrimBlanks(content);
         if (!name || content.empty() || (content.front() != ':' && content.front() != '='))
-            throw Fault("this is no field: write NAME: TEXT, or NAME = NUMBER");
+            throw tools::Fault("this is no field: write NAME: TEXT, or NAME = NUMBER");
         AddField(*name, content.front() == '=', TrimBlanks(content.substr(1)));
     }
 
     void AddField(const std::string& name, bool literal, std::string_view value) {
         for (const Field& other : row_->fields)
-            if (SameName(other.name, name)) throw Fault("field " + name + " stands in this row twice");
+            if (SameName(other.name, name)) throw tools::Fault("field " + name + " stands in this row twice");
         Field field{name, std::string(value), line_};
         try {
             if (literal) field.value = ParseLiteral(value);
-        } catch (const Fault& fault) {
-            throw Fault("field " + name + ": " + fault.what());
+        } catch (const tools::Fault& fault) {
+            throw tools::Fault("field " + name + ": " + fault.what());
         }
         row_->fields.push_back(std::move(field));
         if (!literal && value.empty()) StartBlock(std::get<std::string>(row_->fields.back().value));
@@ -160,7 +163,7 @@ class Reader {
     void ReadDefinition(std::string_view literal) {
         std::string* statement = StatementOfHeading();
         const Cell value = ParseLiteral(literal);
-        if (!statement || !std::holds_alternative<std::string>(value)) throw Fault("this is no field");
+        if (!statement || !std::holds_alternative<std::string>(value)) throw tools::Fault("this is no field");
         *statement = std::get<std::string>(value);
     }
 
@@ -188,10 +191,10 @@ Source ParseSource(const std::string& path, std::string_view text) {
 std::string ReadWholeFile(const std::filesystem::path& file) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error))
-        throw Fault(file.string() + ": there is no such file");
+        throw tools::Fault(file.string() + ": there is no such file");
     std::ifstream stream(file, std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream) throw Fault(file.string() + ": the file can't be read");
+    if (!stream) throw tools::Fault(file.string() + ": the file can't be read");
     return text;
 }
 

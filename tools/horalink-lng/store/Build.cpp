@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <map>
 
-#include "Fault.h"
-#include "store/NewFile.h"
+#include "common/Fault.h"
+#include "common/NewFile.h"
 #include "store/Schema.h"
 #include "store/Sql.h"
 
@@ -44,15 +44,15 @@ class Builder {
     void Make(const std::string& kind, const std::string& name, const std::string& statement, int line) {
         const std::string place = At(line) + ", " + kind + " " + name + ": ";
         if (statement.empty())
-            throw Fault(place + "the CREATE " + Upper(kind) +
-                        " statement is missing; it follows in lines with |");
+            throw tools::Fault(place + "the CREATE " + Upper(kind) +
+                               " statement is missing; it follows in lines with |");
         try {
             connection_.Run(statement);
         } catch (const SqlFailure& failure) {
-            throw Fault(place + failure.what());
+            throw tools::Fault(place + failure.what());
         }
         if (!HasObject(connection_, kind, name))
-            throw Fault(place + "the statement makes no " + kind + " of this name");
+            throw tools::Fault(place + "the statement makes no " + kind + " of this name");
     }
 
     static std::string Upper(std::string text) {
@@ -83,8 +83,8 @@ class Builder {
     // SQLite keeps it itself, and has filled it along with the rows of the tables.
     void ClearSequence(const Table& table) {
         if (!HasObject(connection_, "table", std::string(sequenceTable)))
-            throw Fault(At(table.line) + ": no table here counts with AUTOINCREMENT, so there is no " +
-                        table.name);
+            throw tools::Fault(At(table.line) + ": no table here counts with AUTOINCREMENT, so there is no " +
+                               table.name);
         connection_.Run("DELETE FROM sqlite_sequence");
     }
 
@@ -94,7 +94,7 @@ class Builder {
                 return SameName(column.name, field.name);
             });
             if (found == columns.end())
-                throw Fault(At(field.line) + where + ": the table has no field " + field.name);
+                throw tools::Fault(At(field.line) + where + ": the table has no field " + field.name);
         }
     }
 
@@ -131,7 +131,7 @@ class Builder {
         int line = row.line;
         for (const Field& field : row.fields)
             if (SameName(field.name, name)) line = field.line;
-        throw Fault(At(line) + where + (name.empty() ? "" : ", field " + name) + ": " + message);
+        throw tools::Fault(At(line) + where + (name.empty() ? "" : ", field " + name) + ": " + message);
     }
 
     const std::string& path_;
@@ -145,14 +145,14 @@ void FillDatabase(const std::string& path, const DatabaseSource& database, const
     try {
         Builder(path, database, file).Build();
     } catch (const SqlFailure& failure) {
-        throw Fault(file.string() + ": " + failure.what());
+        throw tools::Fault(file.string() + ": " + failure.what());
     }
 }
 
 std::vector<fs::path> BuildInto(const Source& source, const fs::path& folder, bool replace) {
     std::vector<fs::path> files;
     for (const DatabaseSource& database : source.databases) files.push_back(folder / database.fileName);
-    MakeFiles(files, replace, [&](std::size_t i, const fs::path& file) {
+    tools::MakeFiles(files, replace, [&](std::size_t i, const fs::path& file) {
         FillDatabase(source.path, source.databases[i], file);
     });
     return files;
@@ -160,9 +160,9 @@ std::vector<fs::path> BuildInto(const Source& source, const fs::path& folder, bo
 
 void BuildAs(const Source& source, const fs::path& file, bool replace) {
     if (source.databases.size() != 1)
-        throw Fault(source.path + ": there are " + std::to_string(source.databases.size()) +
-                    " databases in it, so the output has to be a folder");
-    MakeFiles({file}, replace, [&](std::size_t, const fs::path& made) {
+        throw tools::Fault(source.path + ": there are " + std::to_string(source.databases.size()) +
+                           " databases in it, so the output has to be a folder");
+    tools::MakeFiles({file}, replace, [&](std::size_t, const fs::path& made) {
         FillDatabase(source.path, source.databases.front(), made);
     });
 }

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <map>
 
-#include "Fault.h"
+#include "common/Fault.h"
 #include "store/Schema.h"
 #include "store/Sql.h"
 
@@ -89,12 +89,12 @@ class Dumper {
 
 DumpedDatabase DumpDatabase(const fs::path& file) {
     std::error_code error;
-    if (!fs::is_regular_file(file, error)) throw Fault(file.string() + ": there is no such file");
-    if (!IsDatabaseFile(file)) throw Fault(file.string() + ": this is no SQLite database");
+    if (!fs::is_regular_file(file, error)) throw tools::Fault(file.string() + ": there is no such file");
+    if (!IsDatabaseFile(file)) throw tools::Fault(file.string() + ": this is no SQLite database");
     try {
         return Dumper(file).Dump();
     } catch (const SqlFailure& failure) {
-        throw Fault(file.string() + ": the database can't be read: " + failure.what());
+        throw tools::Fault(file.string() + ": the database can't be read: " + failure.what());
     }
 }
 

@@ -1,4 +1,4 @@
-#include "store/NewFile.h"
+#include "common/NewFile.h"
 
 #include <fcntl.h>
 #include <stdio.h>
@@ -10,9 +10,9 @@
 #include <system_error>
 #include <utility>
 
-#include "Fault.h"
+#include "common/Fault.h"
 
-namespace lng {
+namespace tools {
 
 namespace {
 
@@ -156,4 +156,4 @@ void MakeFiles(const std::vector<fs::path>& targets, bool replace,
     folders.Keep();
 }
 
-}  // namespace lng
+}  // namespace tools

@@ -1,11 +1,11 @@
-#include "CommandLine.h"
+#include "common/CommandLine.h"
 
 #include <algorithm>
 #include <optional>
 
-#include "Fault.h"
+#include "common/Fault.h"
 
-namespace lng {
+namespace tools {
 
 namespace {
 
@@ -57,4 +57,4 @@ std::string CommandLine::Required(const std::string& option) const {
     return value;
 }
 
-}  // namespace lng
+}  // namespace tools

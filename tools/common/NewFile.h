@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace lng {
+namespace tools {
 
 // Lies beside its place under a name of its own until Commit, and goes with the object if that never comes.
 class NewFile {
@@ -37,4 +37,4 @@ class NewFile {
 void MakeFiles(const std::vector<std::filesystem::path>& targets, bool replace,
                const std::function<void(std::size_t, const std::filesystem::path&)>& fill);
 
-}  // namespace lng
+}  // namespace tools

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace lng {
+namespace tools {
 
 class CommandLine {
   public:
@@ -28,4 +28,4 @@ class CommandLine {
     std::map<std::string, std::string> values_;
 };
 
-}  // namespace lng
+}  // namespace tools

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace lng {
+namespace tools {
 
 // Something is wrong with a file; the words are for the one who called. Exit status 1.
 class Fault : public std::runtime_error {
@@ -18,4 +18,4 @@ class WrongCall : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-}  // namespace lng
+}  // namespace tools
