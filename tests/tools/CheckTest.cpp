@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "common/Fault.h"
 #include "TemporaryDirectory.h"
+#include "common/Fault.h"
 #include "source/SourceReader.h"
 #include "store/Build.h"
 #include "store/Sql.h"

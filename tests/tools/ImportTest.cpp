@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include "common/Fault.h"
 #include "TemporaryDirectory.h"
+#include "common/Fault.h"
 #include "jet/Csv.h"
 #include "jet/Process.h"
 #include "source/SourceReader.h"

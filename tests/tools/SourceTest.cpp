@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "common/Fault.h"
 #include "TemporaryDirectory.h"
+#include "common/Fault.h"
 #include "source/Literals.h"
 #include "source/SourceReader.h"
 #include "source/SourceWriter.h"
