@@ -60,7 +60,8 @@ class SetupTest : public testing::Test {
                                                               {"ADDINS/HELP", "Horalink.hlp"},
                                                               {"MORA32/DATABASE", "Common.LNG"}};
         for (const auto& [folder, file] : pieces)
-            fs::copy_file(fs::path(DATABASES) / file, Made(places_.package / folder / language / file));
+            fs::copy_file(fs::path(DATABASES) / language / file,
+                          Made(places_.package / folder / language / file));
     }
     static void MakeProgram(const fs::path& file) {
         std::ofstream(Made(file)) << "#!/bin/sh\n";

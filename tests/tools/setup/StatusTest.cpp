@@ -66,7 +66,7 @@ TEST_F(StatusTest, NamesWhatIsBroken) {
          "texts of the add-in (Horalink.lng): "},
         {"a database of another kind",
          [&] {
-             fs::copy_file(DATABASES "/Horalink.lng", Tree() / place::registry,
+             fs::copy_file(DATABASES "/en/Horalink.lng", Tree() / place::registry,
                            fs::copy_options::overwrite_existing);
          },
          "register (Register.mdb): "},
