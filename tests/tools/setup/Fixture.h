@@ -55,13 +55,13 @@ class SetupTest : public testing::Test {
         fs::create_directories(file.parent_path());
         return file;
     }
+    // The texts themselves are English in every language.
     void MakeTexts(const std::string& language) const {
         const std::pair<const char*, const char*> pieces[] = {{"ADDINS/DATABASE", "Horalink.lng"},
                                                               {"ADDINS/HELP", "Horalink.hlp"},
                                                               {"MORA32/DATABASE", "Common.LNG"}};
         for (const auto& [folder, file] : pieces)
-            fs::copy_file(fs::path(DATABASES) / language / file,
-                          Made(places_.package / folder / language / file));
+            fs::copy_file(fs::path(DATABASES "/en") / file, Made(places_.package / folder / language / file));
     }
     static void MakeProgram(const fs::path& file) {
         std::ofstream(Made(file)) << "#!/bin/sh\n";
