@@ -1,5 +1,6 @@
 """What ./run does once everything is built."""
 import os
+import shutil
 import signal
 import subprocess
 import sys
@@ -11,6 +12,8 @@ EXCHANGE = "Main Office"
 
 
 def demonstrate(arrangement, pictures):
+    for old in pictures.glob("*.png"):
+        old.unlink()
     arrangement.start([arrangement.host, "--verbose", "--open", EXCHANGE])
     from demonstration import Demonstration
     good = Demonstration(arrangement, pictures, EXCHANGE).run()
@@ -20,6 +23,12 @@ def demonstrate(arrangement, pictures):
 
 def open_host(arrangement):
     return arrangement.start([arrangement.host, "--verbose", "--open", EXCHANGE]).wait()
+
+
+def run_command(arrangement, command):
+    if not shutil.which(command[0], path=arrangement.environment["PATH"]):
+        sys.exit(f"run: there is no command '{command[0]}'")
+    return arrangement.start(command).wait()
 
 
 def language_of_environment(build):
@@ -33,11 +42,14 @@ def main(build, asked, way="", *rest):
     arrangement = Arrangement(build, build / "installation", language=asked or language_of_environment(build))
     if asked:
         arrangement.speak()
+    if way and arrangement.own_display:
+        print("run: there is no display, so windows open on a virtual one that nobody sees; Ctrl+C ends it",
+              file=sys.stderr)
     with arrangement.lay_out():
         if way == "stand-alone":
             return arrangement.start([arrangement.add_in, *rest]).wait()
         if way == "bus":
-            return arrangement.start(rest).wait()
+            return run_command(arrangement, rest)
         if arrangement.own_display:
             return demonstrate(arrangement, build / "pictures")
         return open_host(arrangement)

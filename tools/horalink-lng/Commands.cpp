@@ -123,7 +123,7 @@ int Check(const std::vector<std::string>& words) {
     if (line.Has("--json")) {
         Print(findings.AsJson(files.SourcePath()));
     } else {
-        Print(findings.AsText(files.SourcePath()));
+        Print(findings.All().empty() ? "No fault was found.\n" : findings.AsText(files.SourcePath()));
         for (const std::string& note : findings.Notes()) Tell(note);
     }
     return findings.All().empty() ? done : faulty;

@@ -170,7 +170,7 @@ Told Change::Remove(const std::string& market) {
 
 std::string OnlyMarket(const SettingsStore& store) {
     const auto markets = store.Markets();
-    if (markets.empty()) throw tools::WrongCall("no market is entered");
+    if (markets.empty()) throw tools::Fault("no market is entered, so there is nothing to remove");
     if (markets.size() == 1) return markets.front();
     std::string names;
     for (const std::string& market : markets) names += (names.empty() ? "" : ", ") + market;

@@ -105,11 +105,12 @@ void RemoveIfEmpty(const fs::path& directory) {
     rmdir(directory.c_str());
 }
 
-DirectoryLock::DirectoryLock(const fs::path& directory) : descriptor_(-1) {
+DirectoryLock::DirectoryLock(const fs::path& directory) : directory_(directory), descriptor_(-1) {
     while (descriptor_ < 0) descriptor_ = LockedDirectory(directory);
 }
 
 DirectoryLock::~DirectoryLock() {
+    RemoveIfEmpty(directory_);
     close(descriptor_);
 }
 

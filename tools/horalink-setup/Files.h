@@ -29,13 +29,15 @@ void RemoveIfEmpty(const std::filesystem::path& directory);
 // One process at a time holds a directory; others wait for it. Goes with its process, whatever ends that.
 class DirectoryLock {
   public:
-    // Makes the directory where it is missing. Raises Fault.
+    // Makes the directory where it is missing, and takes it away at the end if nothing has come into it.
+    // Raises Fault.
     explicit DirectoryLock(const std::filesystem::path& directory);
     ~DirectoryLock();
     DirectoryLock(const DirectoryLock&) = delete;
     DirectoryLock& operator=(const DirectoryLock&) = delete;
 
   private:
+    std::filesystem::path directory_;
     int descriptor_;
 };
 

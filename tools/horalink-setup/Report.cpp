@@ -35,6 +35,7 @@ std::string TextOf(const InstallationReport& installation) {
 }
 
 std::string TextOf(const std::vector<ClassReport>& classes) {
+    if (classes.empty()) return {};
     std::string text = "\nClass names on the session bus\n";
     for (const ClassReport& one : classes)
         text += "  " + Padded(one.name, 30) + StateInWords(one.state) + "\n";

@@ -216,7 +216,9 @@ void LookAtPackage(const Context& context, Report& report) {
     try {
         report.languages = Package(context.places.package).Languages();
     } catch (const tools::Fault& fault) {
-        report.problems.push_back({fault.what() + std::string("."), reinstall});
+        report.problems.push_back({fault.what() + std::string("."),
+                                   "Install the package 'horalink'; in a checkout, './run bus COMMAND' runs "
+                                   "a command inside an installation."});
     }
 }
 
@@ -228,7 +230,8 @@ void LookAtClasses(const Context& context, Report& report) {
         for (const auto& installation : report.installations)
             inspection.LookAt(ExchangeClass(installation.market), false);
     } catch (const platform::RuntimeError& error) {
-        report.problems.push_back({"The session bus can't be asked: " + std::string(error.what()) + ".",
+        report.problems.push_back({"The session bus can't be asked, since none answers here (" +
+                                       platform::ToUtf8(error.Description()) + ").",
                                    "Run this inside a desktop session, or below 'dbus-run-session'."});
     }
 }

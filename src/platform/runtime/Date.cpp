@@ -118,17 +118,17 @@ int Weekday(Date date) {
     return static_cast<int>(weekday(sys_days(Ymd(parts.year, parts.month, parts.day))).c_encoding()) + 1;
 }
 
-Date DateOfText(TextView whole) {
-    const Text trimmed = Trim(whole);
-    TextView text = trimmed;
+Date DateOfText(TextView text) {
+    const Text trimmed = Trim(text);
+    TextView rest = trimmed;
     DateParts parts;
-    const auto blank = text.find(u' ');
-    if (text.find(u'/') != TextView::npos) {
-        if (!ReadDay(text.substr(0, blank), parts)) throw NoDate(whole);
+    const auto blank = rest.find(u' ');
+    if (rest.find(u'/') != TextView::npos) {
+        if (!ReadDay(rest.substr(0, blank), parts)) throw NoDate(text);
         if (blank == TextView::npos) return MakeDate(parts);
-        text.remove_prefix(blank + 1);
+        rest.remove_prefix(blank + 1);
     }
-    if (!ReadTime(text, parts)) throw NoDate(whole);
+    if (!ReadTime(rest, parts)) throw NoDate(text);
     return MakeDate(parts);
 }
 

@@ -31,7 +31,7 @@ int Weekday(Date date);
 // The date value of a text: month/day/year with slashes, or hours:minutes[:seconds] with or without
 // AM or PM, or both with a blank between; in every locale alike. Years 0 to 29 count as 2000 to 2029,
 // 30 to 99 as 1930 to 1999. Raises error 13 for any other text.
-Date DateOfText(TextView whole);
+Date DateOfText(TextView text);
 
 // Where the current local date and time come from; tests put in their own.
 class Clock {

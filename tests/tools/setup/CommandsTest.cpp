@@ -127,7 +127,8 @@ TEST_F(CommandsTest, RemovalTakesFilesAndDirectoriesThatWereMade) {
     EXPECT_FALSE(fs::exists(places_.settings.parent_path()));
     EXPECT_FALSE(fs::exists(places_.data / "VELMORA32"));
     EXPECT_THROW(Remove(context_, "10001"), tools::WrongCall);
-    EXPECT_THROW(Remove(context_, std::nullopt), tools::WrongCall);
+    EXPECT_THROW(Remove(context_, std::nullopt), tools::Fault)
+        << "the call means something, but there is nothing";
 }
 
 TEST_F(CommandsTest, ATreeThatOthersLiveInStaysEntered) {

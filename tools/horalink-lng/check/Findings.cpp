@@ -124,6 +124,8 @@ void Findings::Add(const Place& place, const std::string& message) {
 
 void Findings::FindLines(const Source& source) {
     for (Finding& finding : findings_) finding.line = LineOf(source, finding.place);
+    std::stable_sort(findings_.begin(), findings_.end(),
+                     [](const Finding& left, const Finding& right) { return left.line < right.line; });
 }
 
 std::string Findings::AsText(const std::string& sourcePath) const {

@@ -33,7 +33,8 @@ class Findings {
     void Add(const Place& place, const std::string& message);
     // What was not looked at, and why.
     void Note(const std::string& text) { notes_.push_back(text); }
-    // Gives each finding the line that it has in the source which the databases were made of.
+    // Gives each finding the line that it has in the source which the databases were made of, and puts them
+    // into the order of their lines.
     void FindLines(const Source& source);
 
     const std::vector<Finding>& All() const { return findings_; }

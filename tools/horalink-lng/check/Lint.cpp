@@ -170,7 +170,8 @@ std::vector<std::string> ButtonFaults(std::string_view text) {
 int CountArguments(std::string_view text) {
     const auto pieces = Split(text, '&');
     return static_cast<int>(std::count_if(pieces.begin(), pieces.end(), [](std::string_view piece) {
-        return piece.find(argument) != std::string_view::npos;
+        // In small letters it is a fault of its own, and not one that is missing besides.
+        return piece.find(argument) != std::string_view::npos || SameName(TrimSpaces(piece), argument);
     }));
 }
 
