@@ -30,12 +30,13 @@ def spoil(name):
 
 
 class GoodStarts(EndToEndTest):
-    def test_version_is_recorded(self):
+    def test_version_is_recorded_in_the_first_row(self):
+        change_database("Register.mdb", "INSERT INTO Registry (AppName, Version) VALUES ('Horalink.mra', '12.0.0')")
         Host(self).open()
         register = sqlite3.connect(database_file("Register.mdb"))
         self.addCleanup(register.close)
         rows = register.execute("SELECT Version FROM Registry WHERE AppName = 'Horalink.mra'").fetchall()
-        self.assertEqual(rows, [("13.0.1",)])
+        self.assertEqual(rows, [("13.0.1",), ("12.0.0",)])
 
     def test_register_without_a_row_is_left_alone(self):
         change_database("Register.mdb", "DELETE FROM Registry")

@@ -196,6 +196,14 @@ TEST_F(ClockTest, HelpIsOfferedOnTheRightControlsOnly) {
         EXPECT_EQ(bool(control->MouseUp), topic != 0) << ToUtf8(control->Name());
         EXPECT_TRUE(topic == 0 || control->WhatsThisHelpID == topic) << ToUtf8(control->Name());
     }
+    Open();
+    dialog->Window().Show();
+    for (const auto button :
+         {forms::MouseButton::Left, forms::MouseButton::Middle, forms::MouseButton::Right}) {
+        EXPECT_EQ(computer.toolkit.menus, 0);
+        controls.lblTrack->MouseUp(button, 0, 0, 0);
+    }
+    EXPECT_EQ(computer.toolkit.menus, 1);
 }
 
 TEST_F(ClockTest, OnlyF1AsksTheHostForHelp) {

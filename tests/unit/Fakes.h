@@ -52,7 +52,7 @@ using Rows = std::vector<Row>;
 
 class FakeRecordset : public Recordset {
   public:
-    FakeRecordset(Rows rows, Rows& updated) : rows_(std::move(rows)), updated_(updated) {}
+    explicit FakeRecordset(Rows rows) : rows_(std::move(rows)) {}
     bool EndOfFile() const override { return current_ >= rows_.size(); }
     Value Field(TextView name) const override {
         if (EndOfFile()) throw MakeDataError(DataError::NoCurrentRow);
@@ -63,14 +63,12 @@ class FakeRecordset : public Recordset {
     void MoveNext() override { ++current_; }
     std::int32_t RecordCount() const override { return static_cast<std::int32_t>(rows_.size()); }
     void Edit() override {}
-    void SetField(TextView name, const Value& value) override { edited_[Text(name)] = value; }
-    void Update() override { updated_.push_back(edited_); }
+    void SetField(TextView, const Value&) override {}
+    void Update() override {}
     void Close() override {}
 
   private:
     Rows rows_;
-    Rows& updated_;
-    Row edited_;
     std::size_t current_ = 0;
 };
 
@@ -79,11 +77,10 @@ struct FakeDatabase : Database {
     std::unique_ptr<Recordset> OpenRecordset(TextView query, RecordsetType) override {
         const auto found = answers.find(Text(query));
         if (found == answers.end()) throw MakeDataError(DataError::NoSuchTable, ToUtf8(query));
-        return std::make_unique<FakeRecordset>(found->second, updated);
+        return std::make_unique<FakeRecordset>(found->second);
     }
     void Close() override { closed = true; }
     std::map<Text, Rows> answers;
-    Rows updated;
     bool closed = false;
 };
 
@@ -145,7 +142,7 @@ struct FakeAutomation : Automation {
 
 struct FakeToolkit : forms::Toolkit {
     std::unique_ptr<forms::View> MakeView(forms::Form&) override { return std::make_unique<View>(*this); }
-    int views = 0, controlChanges = 0;
+    int views = 0, controlChanges = 0, menus = 0;
 
   private:
     struct View : forms::View {
@@ -154,7 +151,7 @@ struct FakeToolkit : forms::Toolkit {
         void FormChanged() override {}
         void ControlChanged(forms::Control&) override { ++toolkit.controlChanges; }
         void SetFocus() override {}
-        void PopupMenu(forms::Menu&) override {}
+        void PopupMenu(forms::Menu&) override { ++toolkit.menus; }
         void ShowWhatsThis(forms::Control&) override {}
         FakeToolkit& toolkit;
     };
