@@ -161,6 +161,12 @@ TEST_F(DialogTest, ARefusedSendLogsOut) {
         EXPECT_EQ(loggedOut, (Calls{"L1"}));
         EXPECT_TRUE(IsIdle());
     }
+    exchange->answers["SendRequest"] = Gives(u"taken");
+    host->answers["ShowMessage"] = Raises(1004);
+    loggedOut.clear();
+    Request(1);
+    EXPECT_EQ(loggedOut, (Calls{"L1"})) << "a host that can't be told of the login";
+    EXPECT_TRUE(IsIdle());
     EXPECT_TRUE(computer.boxes.shown.empty());
 }
 
