@@ -17,6 +17,10 @@ class Texts:
         """What a control without a text of its own is called: its tool tip."""
         return self._text('SELECT ToolTipText FROM tControls WHERE ObjectName = ? AND "Index" = ?', name, index)
 
+    def caption(self, name):
+        """The text of a control that has one."""
+        return self._text("SELECT Caption FROM tControls WHERE ObjectName = ?", name)
+
     def title(self, exchange):
         """The title of the dialog for an exchange."""
         return f"{self._text('SELECT Caption FROM tForms WHERE ObjectName = ?', 'dlgAddin')} ({exchange})"

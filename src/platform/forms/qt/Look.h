@@ -15,7 +15,7 @@ namespace platform::forms {
 namespace look {
 inline constexpr QRgb face = 0xFFF6F6F7, faceHover = 0xFFFFFFFF, facePressed = 0xFFDCE3EC,
                       faceDisabled = 0xFFD3D3D4;
-inline constexpr QRgb line = 0xFF8E9197, lineSoft = 0xFFABADB2, lineField = 0xFF7F838A;
+inline constexpr QRgb line = 0xFF8A8D93, lineSoft = 0xFFABADB2, lineField = 0xFF7F838A;
 inline constexpr QRgb ink = 0xFF1E2126, inkSoft = 0xFF6A6E76, inkDisabled = 0xFF9A9DA3;
 inline constexpr QRgb accent = 0xFF1F63B5, paper = 0xFFFFFFFF, window = 0xFFEFEFF0;
 inline constexpr QRgb veil = 0x50FFFFFF, glow = 0x601F63B5, tint = 0x281F63B5, grid = 0xFFE4E6EA;

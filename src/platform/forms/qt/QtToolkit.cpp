@@ -1,5 +1,6 @@
 #include "platform/forms/qt/QtToolkit.h"
 
+#include "platform/forms/qt/Accessibility.h"
 #include "platform/forms/qt/FormWindow.h"
 
 namespace platform::forms {
@@ -26,6 +27,10 @@ class QtView : public View {
 };
 
 }  // namespace
+
+QtToolkit::QtToolkit(const QtHelp& help) : help_(help) {
+    InstallAccessibility();
+}
 
 std::unique_ptr<View> QtToolkit::MakeView(Form& form) {
     return std::make_unique<QtView>(form, help_);

@@ -8,7 +8,7 @@ namespace platform::forms {
 
 class QtToolkit : public Toolkit {
   public:
-    explicit QtToolkit(const QtHelp& help) : help_(help) {}
+    explicit QtToolkit(const QtHelp& help);
     std::unique_ptr<View> MakeView(Form& form) override;
 
   private:

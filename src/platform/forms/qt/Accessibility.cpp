@@ -1,0 +1,75 @@
+#include "platform/forms/qt/Accessibility.h"
+
+#include <QAccessibleWidget>
+
+#include "platform/forms/qt/CalendarWidget.h"
+#include "platform/forms/qt/FormWindow.h"
+#include "platform/forms/qt/ImageWidget.h"
+#include "platform/forms/qt/LabelWidget.h"
+#include "platform/forms/qt/SpinWidget.h"
+
+namespace platform::forms {
+
+namespace {
+
+// What a spin control steps has its own text; assistive programs read here how far it can go.
+class SpokenSpin : public QAccessibleWidget, public QAccessibleValueInterface {
+  public:
+    explicit SpokenSpin(SpinWidget& spin) : QAccessibleWidget(&spin, QAccessible::SpinBox), spin_(spin) {}
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+    QVariant currentValue() const override { return Of(&UpDown::Value); }
+    QVariant minimumValue() const override { return Of(&UpDown::Min); }
+    QVariant maximumValue() const override { return Of(&UpDown::Max); }
+    QVariant minimumStepSize() const override { return 1; }
+    // A value is set by steps alone, which say what is stepped.
+    void setCurrentValue(const QVariant&) override {}
+
+  private:
+    QVariant Of(std::int32_t (UpDown::*part)() const) const {
+        return spin_.Model() ? QVariant((spin_.Typed().*part)()) : QVariant();
+    }
+
+    SpinWidget& spin_;
+};
+
+// A label that encloses other controls says nothing itself. It is asked for before it has its caption.
+class SpokenLabel : public QAccessibleWidget {
+  public:
+    explicit SpokenLabel(LabelWidget& label) : QAccessibleWidget(&label), label_(label) {}
+
+    QAccessible::Role role() const override {
+        return label_.IsFrame() ? QAccessible::Grouping : QAccessible::StaticText;
+    }
+
+  private:
+    const LabelWidget& label_;
+};
+
+// The role of a widget that has none by its Qt type.
+QAccessible::Role RoleOf(const QObject& object) {
+    if (dynamic_cast<const FormWindow*>(&object)) return QAccessible::Dialog;
+    if (dynamic_cast<const ImageWidget*>(&object)) return QAccessible::Graphic;
+    // The days are no widgets of their own: the name of the calendar tells the chosen one.
+    if (dynamic_cast<const CalendarWidget*>(&object)) return QAccessible::Grouping;
+    return QAccessible::NoRole;
+}
+
+QAccessibleInterface* Make(const QString&, QObject* object) {
+    if (auto* spin = dynamic_cast<SpinWidget*>(object)) return new SpokenSpin(*spin);
+    if (auto* label = dynamic_cast<LabelWidget*>(object)) return new SpokenLabel(*label);
+    const QAccessible::Role role = RoleOf(*object);
+    if (role == QAccessible::NoRole) return nullptr;
+    return new QAccessibleWidget(static_cast<QWidget*>(object), role);
+}
+
+}  // namespace
+
+void InstallAccessibility() {
+    QAccessible::installFactory(Make);
+}
+
+}  // namespace platform::forms

@@ -1,0 +1,100 @@
+"""What assistive programs are told of the dialog, and that it is worked by keys alone; in two languages."""
+import contextlib
+import unittest
+
+import stage
+from driver import Atspi
+from stage import ADD_IN, EXCHANGE, EndToEndTest
+from stage import open_stage as setUpModule  # noqa: F401
+from texts import Texts
+
+BUTTONS = [("push button", "cmdButton", index) for index in (0, 1, 2)]
+TIME = [("text", "txtTime", 3), ("spin button", "updTime", -1)] + [("text", "txtTime", index) for index in (2, 1, 0)]
+BOXES = [("check box", "chkTrack", -1), ("check box", "chkTrackDate", -1)]
+STOPS = len(BUTTONS + TIME + BOXES) + 1  # the calendar has no name of its own
+LANGUAGES = ("en", "ja")
+
+
+class Accessibility(EndToEndTest):
+    @contextlib.contextmanager
+    def opened_in(self, language):
+        with self.case(language):
+            stage.arrangement.language = language
+            stage.arrangement.speak()
+            stage.arrangement.install()
+            self.texts = Texts(stage.arrangement)
+            self.title = self.texts.title(EXCHANGE)
+            self.start([stage.arrangement.add_in, EXCHANGE])
+            self.window = stage.driver.window(ADD_IN, self.title)
+            self.wait_for(lambda: self.focused() is not None, "the dialog to have the keyboard")
+            yield
+
+    def node(self, role, name, index):
+        return stage.driver.find(ADD_IN, self.texts.control(name, index), role, window=self.title)
+
+    def focused(self):
+        return next((node for node in stage.driver.nodes(self.window)
+                     if node.get_state_set().contains(Atspi.StateType.FOCUSED)), None)
+
+    def press_tab(self):
+        before = self.focused().get_name()
+        stage.driver.press("Tab")
+        self.wait_for(lambda: self.focused() and self.focused().get_name() != before, "the focus to go on")
+        return self.focused()
+
+    def tab_to(self, *control):
+        for _ in range(STOPS):
+            if self.focused().get_name() == self.texts.control(*control[1:]):
+                return
+            self.press_tab()
+        self.fail(f"no key leads to {control}")
+
+    @staticmethod
+    def number(node):
+        return int(Atspi.Value.get_current_value(node))
+
+    def test_roles_names_and_values(self):
+        for language in LANGUAGES:
+            with self.opened_in(language):
+                self.assertEqual(self.window.get_role_name(), "dialog")
+                for control in BUTTONS + TIME + BOXES:
+                    self.assertEqual(self.node(*control).get_description(), self.texts.control(*control[1:]))
+                for caption in ("lblTrack", "lblTrackDate"):
+                    stage.driver.find(ADD_IN, self.texts.caption(caption), "label")
+                for box in BOXES:
+                    self.assertTrue(self.node(*box).get_state_set().contains(Atspi.StateType.CHECKED))
+                for section in (0, 1, 2):
+                    self.assertRegex(stage.driver.value(self.node("text", "txtTime", section)), r"^\d\d$")
+
+    def test_keys_alone(self):
+        for language in LANGUAGES:
+            with self.opened_in(language):
+                stops = [self.focused().get_name()] + [self.press_tab().get_name() for _ in range(STOPS)]
+                named = [self.texts.control(*control[1:]) for control in BUTTONS + TIME + BOXES]
+                self.assertEqual(stops[:len(named)], named)
+                self.assertEqual(stops[-1], named[0], "only the calendar comes behind them")
+                self.tab_to(*BOXES[0])
+                stage.driver.press("space")
+                minute, spin = self.node("text", "txtTime", 1), self.node(*TIME[1])
+                self.tab_to("text", "txtTime", 1)
+                self.wait_for(lambda: self.number(spin) == int(stage.driver.value(minute)), "the value of the minute")
+                before = self.number(spin)
+                stage.driver.press("Up")
+                self.wait_for(lambda: self.number(spin) == (before + 1) % 60 == int(stage.driver.value(minute)), "a step")
+
+    def test_box(self):
+        for language in LANGUAGES:
+            with self.opened_in(language):
+                self.tab_to(*BUTTONS[2])
+                stage.driver.press("space")
+                box = stage.driver.box(ADD_IN, besides=[self.title])
+                self.assertIn(box.get_role_name(), ("dialog", "alert"))
+                self.assertRegex("\n".join(stage.driver.texts(box)), r"\d{4}/\d\d/\d\d")
+                button = stage.driver.find(ADD_IN, "OK", "push button", window=box.get_name())
+                self.wait_for(lambda: stage.driver.is_focused(button), "the default button to have the keyboard")
+                stage.driver.press("Return")
+                self.wait_for(lambda: stage.driver.titles(ADD_IN) == [self.title], "the box to close")
+
+
+if __name__ == "__main__":
+    unittest.main()
