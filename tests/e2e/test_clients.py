@@ -15,7 +15,6 @@ from stage import open_stage as setUpModule  # noqa: F401
 ERROR = "org.velmora.Automation1.Error"
 BUS_ERROR = "org.freedesktop.DBus.Error."
 NOTHING = ("", "/")  # for busctl
-EXAMPLE_HOST = stage.SOURCES / "examples/host.py"
 # What the example host prints of a lookup: the calls of the add-in, in order, with those that read the answer.
 LOOKUP_LINES = [
     "oPBX()", 'Login("Example", <object>)', 'ShowMessage("PBX clock request: KEY")',
@@ -30,11 +29,13 @@ LOOKUP_LINES = [
 ]
 
 
-class ExampleHost(EndToEndTest):
+class ExampleHost:
+    """The examples behave alike, whatever they are written in."""
+
     def open_example(self, *options):
         self.output = stage.arrangement.folder / "example.txt"
         with open(self.output, "w", encoding="utf-8") as output:
-            process = self.start([sys.executable, EXAMPLE_HOST, *options], stdout=output, stderr=subprocess.STDOUT)
+            process = self.start([*self.command, *options], stdout=output, stderr=subprocess.STDOUT)
         self.dialog("Example")
         return process
 
@@ -66,10 +67,18 @@ class ExampleHost(EndToEndTest):
 
     def test_without_an_add_in_it_says_so_in_one_line(self):
         stage.arrangement.add_in.unlink()
-        done = stage.run([sys.executable, EXAMPLE_HOST])
+        done = stage.run(self.command)
         self.assertEqual(done.returncode, 1)
         self.assertEqual(len(done.stderr.splitlines()), 1, done.stderr)
         self.assertIn("429", done.stderr)
+
+
+class PythonHost(ExampleHost, EndToEndTest):
+    command = (sys.executable, stage.SOURCES / "examples/host.py")
+
+
+class CppHost(ExampleHost, EndToEndTest):
+    command = (stage.BUILD / "examples/example-host",)
 
 
 class Busctl(EndToEndTest):
