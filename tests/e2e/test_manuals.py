@@ -1,0 +1,98 @@
+"""The commands of the manuals do what they are there for, and what the manuals name is there.
+
+What stands in a block of shell commands runs as it stands, a block at a time, in a checkout and a home of its own;
+what can't is named here with the reason, so that a new command has to be thought of.
+"""
+import re
+import shutil
+import subprocess
+import unittest
+
+import stage
+from stage import BUILD, EndToEndTest
+from stage import open_stage as setUpModule  # noqa: F401
+
+MANUALS = [stage.SOURCES / name for name in ("README.md", "CONTRIBUTING.md")] + sorted(stage.SOURCES.glob("docs/*.md"))
+OTHERS = [
+    (r"\./run( --language \S+)?( \.\.\.| COMMAND\.\.\.)?$|\./run (stand-alone|bus) [A-Z]", "builds; tried on a bare system"),
+    (r"\./check|cmake --build build/check|ctest", "this test is a part of it"),
+    (r"tests/fuzz/run|bench/run|scripts/make-pictures.sh", "takes minutes"),
+    (r"packaging/|sudo ", "packaging/try-packages.sh does it on a bare system"),
+    (r"\./run bus (examples/|build/examples/|build/host/switchdesk --verbose)", "test_clients and test_surroundings do it"),
+    (r"horalink-lng import|horalink-lng check new|cp --remove", "wants an older installation; lng.ImportTest does it"),
+]
+AS_IS = (r"horalink-(lng|setup) |cp data/|PATH=|cmake -S examples|busctl |examples/host.py &|exit$|"
+         r"\./run bus (bash$|build/host/switchdesk --help)")
+# What a shell that nobody types into does in place of what stands there.
+INSTEAD = [
+    (r"^\./run bus bash$", "trap 'kill $!' EXIT"),
+    (r"^\./run bus ", ""),
+    (r"^examples/host.py &$", "examples/host.py > host.log 2>&1 & until grep -q GetComData host.log; do :; done"),
+    (r"^exit$", ":"),
+    (r"/srv/desk", "desk"),
+    (r"^(horalink-setup remove)", r"horalink-setup add && \1"),
+]
+
+
+def blocks(manual):
+    """The blocks of commands with the lines that they begin in, without what the manual says of each command."""
+    text = manual.read_text(encoding="utf-8")
+    for block in re.finditer(r"^```sh\n(.*?)^```$", text, re.M | re.S):
+        lines = re.sub(r"\\\n\s*", "", block[1]).splitlines()
+        commands = [re.split(r" {2,}(?! *-)", line.strip())[0] if not line.startswith(" ") else "" for line in lines]
+        yield text[:block.start()].count("\n") + 1, [re.sub(r"\s+", " ", each) for each in commands if each]
+
+
+class Manuals(EndToEndTest):
+    def setUp(self):
+        super().setUp()
+        self.top = stage.arrangement.folder / "manuals"
+        shutil.rmtree(self.top, ignore_errors=True)
+        subprocess.run(["cmake", "--install", BUILD, "--prefix", self.top / "usr"], check=True, capture_output=True)
+
+    def lay_out(self, name):
+        """A checkout as far as the commands need it, and an empty home."""
+        folder = self.top / name
+        shutil.copytree(stage.SOURCES / "data", folder / "data")
+        shutil.copytree(stage.SOURCES / "examples", folder / "examples")
+        (folder / "build").mkdir()
+        for part in BUILD.iterdir():
+            (folder / "build" / part.name).symlink_to(part)
+        environment = dict(stage.arrangement.environment, HOME=str(folder / "home"))
+        for variable in ("CONFIG", "DATA", "CACHE"):
+            environment[f"XDG_{variable}_HOME"] = str(folder / "home" / variable)
+        environment["PATH"] = f"{self.top}/usr/bin:{environment['PATH']}"
+        return folder, environment
+
+    def test_commands(self):
+        for manual in MANUALS:
+            for line, commands in blocks(manual):
+                with self.subTest(manual.name, line=line):
+                    self.run_block(f"{manual.stem}-{line}", [each for each in commands if self.runs_here(each)])
+
+    def runs_here(self, command):
+        if any(re.match(pattern, command) for pattern, _ in OTHERS):
+            return False
+        self.assertRegex(command, f"^({AS_IS})", "a command that nobody tries")
+        return True
+
+    def run_block(self, name, commands):
+        for pattern, replacement in INSTEAD:
+            commands = [re.sub(pattern, replacement, command) for command in commands]
+        if not commands:
+            return
+        folder, environment = self.lay_out(name)
+        done = stage.run(["bash", "-exc", "\n".join(commands)], environment=environment, cwd=folder)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+
+    def test_what_is_named_is_there(self):
+        for manual in MANUALS:
+            text = manual.read_text(encoding="utf-8")
+            links = {manual.parent / link for link in re.findall(r"\]\(([^):#]+)\)", text)}
+            folders = "docs|scripts|examples|tests|data|src|tools|bench|packaging"
+            named = {stage.SOURCES / path for path in re.findall(rf"`((?:{folders})/[\w./-]*)`", text)}
+            self.assertEqual([str(path) for path in sorted(links | named) if not path.exists()], [], manual.name)
+
+
+if __name__ == "__main__":
+    unittest.main()
