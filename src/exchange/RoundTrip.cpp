@@ -39,10 +39,19 @@ void dlgAddin::RunPendingAction() {
     }
 }
 
+// One box at a time, whatever a host sends: the last of the answers that come meanwhile is shown behind it.
 void dlgAddin::RunAnswerRoutine() {
+    if (std::exchange(isShowing_, true)) {
+        cameMeanwhile_ = true;
+        return;
+    }
+    const auto keptForTheBox = shared_from_this();
+    ErrorState error;
     const Text tag = LastAnswer().Tag;
-    if (tag == updateTag) ShowUpdateAnswer();
-    if (tag == lookupTag) ShowLookupAnswer();
+    if (tag == updateTag) Skip(error, [&] { ShowUpdateAnswer(); });
+    if (tag == lookupTag) Skip(error, [&] { ShowLookupAnswer(); });
+    isShowing_ = false;
+    if (std::exchange(cameMeanwhile_, false)) controls_.tmrEvent->Enabled = true;
 }
 
 cListRequest& dlgAddin::LastAnswer() {
@@ -77,10 +86,11 @@ bool dlgAddin::SubmitRequest(std::shared_ptr<cListRequest>& request) {
     // A host that could not be told of the login counts as one that did not take the request.
     if (error.IsSet()) SendResult.clear();
     error.Clear();
+    isAnswered_ = false;
     Skip(error, [&] { ReportProgress(SendResult); });
     if (IsAccepted(SendResult)) {
-        form_->Enabled = false;
-        StartWaiting(exchange);
+        // The host may answer while it is told that its word has come; then there is nothing to wait for.
+        if (!isAnswered_) StartWaiting(exchange);
         return true;
     }
     CloseLogin(LoginResult);
@@ -131,6 +141,7 @@ void dlgAddin::CallBack(ObjectRef& oResponse) {
     // The key of the answer's own login; the last one where the answer doesn't tell.
     Text loginId = LoginResult;
     Skip(error, [&] { loginId = Get(oResponse, "LoginID").ToText(); });
+    if (loginId == LoginResult) isAnswered_ = true;
     CloseLogin(loginId);
     oResponse = nullptr;
     if (show) controls_.tmrEvent->Enabled = true;
@@ -183,6 +194,7 @@ void dlgAddin::CopyResponse(const ObjectRef& oResponse) {
 // An answer that never comes must not hold the operator: after the pending limit a box offers to give up,
 // and a host that leaves ends the wait at once.
 void dlgAddin::StartWaiting(const ObjectRef& exchange) {
+    form_->Enabled = false;
     waiting_ = std::make_unique<Waiting>();
     ArmWaitLimit();
     if (exchange) waiting_->ownerWatch = exchange->WhenOwnerGone([this] { AbandonRequest(); });

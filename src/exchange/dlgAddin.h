@@ -115,6 +115,9 @@ class dlgAddin : public platform::Object {
     Text LoginResult, ConnectResult, SendResult;
     std::int16_t ChildID = 0;
     std::int16_t PendingAction = 0;
+    bool isAnswered_ = false;     // the request under way, since the host has taken it
+    bool isShowing_ = false;      // an answer's box is open
+    bool cameMeanwhile_ = false;  // another answer, while it is
     Text PBXName;
     std::int16_t RefCount = 0;
     bool LoadError = false;

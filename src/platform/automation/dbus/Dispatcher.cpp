@@ -37,6 +37,25 @@ void InvokeLateBound(IncomingCall& call, Object& object) {
     RequireSuccess(sd_bus_message_close_container(answer));
 }
 
+// Far more than hosts with an exchange each need, far less than the stack has room for.
+constexpr int deepest = 32;
+
+class Nesting {
+  public:
+    explicit Nesting(int& depth) : depth_(depth) { ++depth_; }
+    ~Nesting() { --depth_; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+
+  private:
+    int& depth_;
+};
+
+// These lead nowhere else, and whoever gives back a reference does so once.
+bool IsCount(const IncomingCall& call) {
+    return call.Member() == "Retain" || call.Member() == "Release";
+}
+
 bool IsIntrospection(const IncomingCall& call) {
     return call.IsOf(introspectableInterface) && call.Member() == "Introspect";
 }
@@ -72,6 +91,7 @@ void Dispatcher::AddClass(std::string_view className, std::function<ObjectRef()>
 
 void Dispatcher::Serve(const MessageRef& message) {
     {
+        const Nesting nesting(depth_);
         IncomingCall call(session_.shared_from_this(), message);
         call.Serve([this](IncomingCall& served) { Route(served); });
     }
@@ -79,6 +99,7 @@ void Dispatcher::Serve(const MessageRef& message) {
 }
 
 void Dispatcher::Route(IncomingCall& call) {
+    if (depth_ > deepest && !IsCount(call)) throw BusyError();
     if (const ObjectRef object = session_.Own().Find(call.Path())) return RouteToObject(call, *object);
     if (call.Path() == bus::factoryPath && !creators_.empty()) return RouteToFactory(call);
     RouteToBranch(call);

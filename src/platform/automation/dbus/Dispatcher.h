@@ -1,4 +1,6 @@
-// Finds what serves an incoming call.
+// Finds what serves an incoming call. Calls that come while served ones wait for somebody go on top of them;
+// so many deep, all but Retain and Release are refused as busy, since the stack has an end and a client no
+// patience.
 #pragma once
 
 #include <functional>
@@ -29,6 +31,7 @@ class Dispatcher {
     void RouteLateBound(IncomingCall& call, Object& object);
 
     Session& session_;
+    int depth_ = 0;  // calls that are being served, each from inside the one before
     std::map<std::string, std::function<ObjectRef()>, std::less<>> creators_;
 };
 
