@@ -67,56 +67,43 @@ void AppendNested(sd_bus_message* message, Recipe& recipe, int depth) {
     sd_bus_message_close_container(message);
 }
 
+template <class Number>
+void AppendNumber(sd_bus_message* message, const char* type, Recipe& recipe) {
+    sd_bus_message_append(message, "v", type, recipe.Raw<Number>());
+}
+
+void AppendTruth(sd_bus_message* message, const char* type, Recipe& recipe) {
+    sd_bus_message_append(message, "v", type, recipe.Byte() & 1);
+}
+
+struct NumberType {
+    const char* type;
+    void (*append)(sd_bus_message*, const char* type, Recipe&);
+};
+
+constexpr NumberType numberTypes[] = {{"n", AppendNumber<std::int16_t>},  {"i", AppendNumber<std::int32_t>},
+                                      {"x", AppendNumber<std::int64_t>},  {"t", AppendNumber<std::uint64_t>},
+                                      {"u", AppendNumber<std::uint32_t>}, {"q", AppendNumber<std::uint16_t>},
+                                      {"y", AppendNumber<std::uint8_t>},  {"b", AppendTruth},
+                                      {"d", AppendNumber<double>},        {"(d)", AppendNumber<double>},
+                                      {"(y)", AppendNumber<std::uint8_t>}};
+
 // One variant. What the library refuses leaves nothing behind.
 void AppendAny(sd_bus_message* message, Recipe& recipe, int depth) {
-    switch (depth > 8 ? 1 : recipe.Byte() % 16) {
-        case 0:
-            sd_bus_message_append(message, "v", "s", recipe.String().c_str());
-            break;
-        case 1:
-            sd_bus_message_append(message, "v", "n", recipe.Raw<std::int16_t>());
-            break;
-        case 2:
-            sd_bus_message_append(message, "v", "i", recipe.Raw<std::int32_t>());
-            break;
-        case 3:
-            sd_bus_message_append(message, "v", "x", recipe.Raw<std::int64_t>());
-            break;
-        case 4:
-            sd_bus_message_append(message, "v", "t", recipe.Raw<std::uint64_t>());
-            break;
-        case 5:
-            sd_bus_message_append(message, "v", "u", recipe.Raw<std::uint32_t>());
-            break;
-        case 6:
-            sd_bus_message_append(message, "v", "q", recipe.Raw<std::uint16_t>());
-            break;
-        case 7:
-            sd_bus_message_append(message, "v", "y", recipe.Byte());
-            break;
-        case 8:
-            sd_bus_message_append(message, "v", "b", recipe.Byte() & 1);
-            break;
-        case 9:
-            sd_bus_message_append(message, "v", "d", recipe.Raw<double>());
-            break;
-        case 10:
-            sd_bus_message_append(message, "v", "(d)", recipe.Raw<double>());
-            break;
-        case 11:
-            sd_bus_message_append(message, "v", "(y)", recipe.Byte());
-            break;
-        case 12:
-            AppendPair(message, recipe);
-            break;
-        case 13:
-            sd_bus_message_append(message, "v", "ai", 2, recipe.Byte(), recipe.Byte());
-            break;
-        case 14:
-            sd_bus_message_append(message, "v", "a{sv}", 0);
-            break;
-        default:
-            AppendNested(message, recipe, depth);
+    const int kind = depth > 8 ? 1 : recipe.Byte() % 16;
+    if (kind >= 1 && kind <= 11) {
+        const NumberType& number = numberTypes[kind - 1];
+        number.append(message, number.type, recipe);
+    } else if (kind == 0) {
+        sd_bus_message_append(message, "v", "s", recipe.String().c_str());
+    } else if (kind == 12) {
+        AppendPair(message, recipe);
+    } else if (kind == 13) {
+        sd_bus_message_append(message, "v", "ai", 2, recipe.Byte(), recipe.Byte());
+    } else if (kind == 14) {
+        sd_bus_message_append(message, "v", "a{sv}", 0);
+    } else {
+        AppendNested(message, recipe, depth);
     }
 }
 

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include "FaultOf.h"
 #include "TemporaryDirectory.h"
-#include "common/Fault.h"
 #include "jet/Csv.h"
 #include "jet/Process.h"
 #include "source/SourceReader.h"
@@ -49,13 +49,9 @@ class ImportTest : public testing::Test {
     fs::path JetFile(const std::string& tail = "") const {
         return scratch_.Write("old.mdb", std::string("\0\1\0\0Standard Jet DB\0", 20) + tail);
     }
-    std::string FaultOfImport(const fs::path& file) const {
-        try {
-            ImportJet(file);
-        } catch (const tools::Fault& fault) {
-            return fault.what();
-        }
-        return "no fault";
+    void ExpectFault(const fs::path& file, std::string_view expected) const {
+        const std::string fault = FaultOf([&] { ImportJet(file); });
+        EXPECT_NE(fault.find(expected), std::string::npos) << fault;
     }
 
     platform::TemporaryDirectory scratch_;
@@ -83,16 +79,13 @@ TEST_F(ImportTest, ConvertsEveryType) {
         {"Boolean NOT NULL", "1", std::int64_t{-1}},
         {"Boolean NOT NULL", "0", std::int64_t{0}},
         {"Byte", "255", std::int64_t{255}},
-        {"Integer", "-32768", std::int64_t{-32768}},
         {"Single", "0.15000001", static_cast<double>(0.15000001F)},
         {"Double", "444.555", 444.555},
         {"Currency", "922337203685477.5807", std::string("922337203685477.5807")},
-        {"Numeric (18, 0)", "-1", std::string("-1")},
         {"DateTime", "\"1981-12-12 00:00:00\"", std::string("1981-12-12 00:00:00")},
         {"Memo/Hyperlink (255)", "\"1\"", std::string("1")},
         {"OLE (255)", "\"00FF\"", Blob{std::string("\0\xFF", 2)}},
         {"OLE (255)", "\"\"", Blob{}},
-        {"Replication ID", "\"{00000000}\"", std::string("{00000000}")},
     };
     Program("mdb-count", "echo 1");
     for (const TypeCase& each : cases) {
@@ -116,51 +109,49 @@ TEST_F(ImportTest, NamesWhatIsLost) {
 }
 
 TEST_F(ImportTest, RefusesWhatItCantReadWhole) {
-    const std::pair<std::string, std::string> cases[] = {
-        {"mdb-count:echo 3", "the file counts 3 rows and gives 2"},
-        {"mdb-count:echo none", "its rows can't be counted"},
-        {"mdb-export:echo broken >&2", "mdb-export ended with status 0 and says: broken"},
-        {"mdb-export:kill -SEGV $$", "mdb-export ended with status 139"},
-        {"mdb-export:echo '\"a\",1,2'", "there are 3 values for 2 fields"},
-        {"mdb-export:echo '\"a\",x'", "row 1, field Number 2: 'x' is no number"},
-        {"mdb-schema:exit 0", "its fields can't be read"},
-        {"mdb-tables:yes", "mdb-tables does not come to an end"},
-        {"mdb-tables:exec yes complaint >&2", "mdb-tables does not come to an end"},
-        {"mdb-tables:exit 1", "the file is damaged or encrypted: mdb-tables ended with status 1"},
+    struct Broken {
+        std::string program, script;
+        std::string_view fault;
     };
-    for (const auto& [program, expected] : cases) {
-        const auto colon = program.find(':');
-        const std::string name = program.substr(0, colon);
-        const std::string before = ReadWholeFile(scratch_.Path() / "bin" / name);
-        Program(name, program.substr(colon + 1));
-        const std::string fault = FaultOfImport(JetFile());
-        EXPECT_NE(fault.find(expected), std::string::npos) << program << "\n" << fault;
-        scratch_.Write("bin/" + name, before);
+    const Broken cases[] = {
+        {"mdb-count", "echo 3", "the file counts 3 rows and gives 2"},
+        {"mdb-count", "echo none", "its rows can't be counted"},
+        {"mdb-export", "echo broken >&2", "mdb-export ended with status 0 and says: broken"},
+        {"mdb-export", "kill -SEGV $$", "mdb-export ended with status 139"},
+        {"mdb-export", "echo '\"a\",1,2'", "there are 3 values for 2 fields"},
+        {"mdb-export", "echo '\"a\",x'", "row 1, field Number 2: 'x' is no number"},
+        {"mdb-schema", "exit 0", "its fields can't be read"},
+        {"mdb-tables", "yes", "mdb-tables does not come to an end"},
+        {"mdb-tables", "exec yes complaint >&2", "mdb-tables does not come to an end"},
+        {"mdb-tables", "exit 1", "the file is damaged or encrypted: mdb-tables ended with status 1"},
+    };
+    for (const auto& [program, script, fault] : cases) {
+        SCOPED_TRACE(program + ": " + script);
+        const std::string before = ReadWholeFile(scratch_.Path() / "bin" / program);
+        Program(program, script);
+        ExpectFault(JetFile(), fault);
+        scratch_.Write("bin/" + program, before);
     }
 }
 
-TEST_F(ImportTest, RefusesFilesThatAreNone) {
-    EXPECT_NE(FaultOfImport(scratch_.Path() / "nosuch.mdb").find("there is no such file"), std::string::npos);
-    EXPECT_NE(FaultOfImport(scratch_.Write("text.mdb", "text")).find("no database in the Jet format"),
-              std::string::npos);
-    EXPECT_NE(FaultOfImport(JetFile("<encryption xmlns=")).find("encrypted with a password"),
-              std::string::npos);
-}
-
-TEST_F(ImportTest, TellsWhereTheProgramsComeFrom) {
+TEST_F(ImportTest, RefusesFilesThatAreNoneAndMissesThePrograms) {
+    ExpectFault(scratch_.Path() / "nosuch.mdb", "there is no such file");
+    ExpectFault(scratch_.Write("text.mdb", "text"), "no database in the Jet format");
+    ExpectFault(JetFile("<encryption xmlns="), "encrypted with a password");
     setenv("PATH", "/nonexistent", 1);
-    EXPECT_NE(FaultOfImport(JetFile()).find("the package mdbtools"), std::string::npos);
+    ExpectFault(JetFile(), "the package mdbtools");
 }
 
 TEST_F(ImportTest, CountsAndLeavesNothingOfAFailure) {
-    const std::string file = JetFile(), target = scratch_.Path() / "out" / "new.mdb";
-    const ProcessResult done = RunProcess({LNG_TOOL, "import", file, "--output", target});
+    const std::vector<std::string> call{LNG_TOOL, "import", JetFile(), "--output",
+                                        scratch_.Path() / "out" / "new.mdb"};
+    const ProcessResult done = RunProcess(call);
     EXPECT_EQ(done.status, 0) << done.errors;
     EXPECT_EQ(done.output, "old.mdb: table Table 1: 2 rows\n");
-    EXPECT_EQ(RunProcess({LNG_TOOL, "import", file, "--output", target}).status, 1);
+    EXPECT_EQ(RunProcess(call).status, 1) << "the file is there already";
     fs::remove_all(scratch_.Path() / "out");
     Program("mdb-count", "echo 1");
-    EXPECT_EQ(RunProcess({LNG_TOOL, "import", file, "--output", target}).status, 1);
+    EXPECT_EQ(RunProcess(call).status, 1);
     EXPECT_FALSE(fs::exists(scratch_.Path() / "out"));
 }
 

@@ -72,19 +72,17 @@ class Generator {
     }
 
     std::string ColumnText() {
-        constexpr const char* columns[] = {
-            " TEXT",
-            " TEXT COLLATE NOCASE DEFAULT '-1'",
-            " INTEGER NOT NULL DEFAULT -1",
-            " REAL DEFAULT 8.25",
-            " NUMERIC",
-            " BLOB DEFAULT x'00ff'",
-            "",
-            " TEXT NOT NULL DEFAULT 'it''s & more' -- a comment\n",
-            " VARCHAR(20) DEFAULT (1 + 2)",
-            " TEXT DEFAULT CURRENT_TIMESTAMP",
-            " INTEGER CHECK (typeof(1) = 'integer')",
-        };
+        constexpr const char* columns[] = {"",
+                                           " TEXT",
+                                           " NUMERIC",
+                                           " REAL DEFAULT 8.25",
+                                           " BLOB DEFAULT x'00ff'",
+                                           " INTEGER NOT NULL DEFAULT -1",
+                                           " TEXT COLLATE NOCASE DEFAULT '-1'",
+                                           " TEXT NOT NULL DEFAULT 'it''s & more' -- a comment\n",
+                                           " VARCHAR(20) DEFAULT (1 + 2)",
+                                           " TEXT DEFAULT CURRENT_TIMESTAMP",
+                                           " INTEGER CHECK (typeof(1) = 'integer')"};
         return One(columns);
     }
 
@@ -102,13 +100,13 @@ class Generator {
         connection.Run("CREATE TABLE " + QuotedName(name) + " (" + columns + ")");
         const std::size_t rows = Below(12);
         for (std::size_t i = 0; i < rows; ++i) AddRow(connection, name, names);
-        if (Below(3) == 0)
-            connection.Run("CREATE INDEX " + QuotedName("i " + name) + " ON " + QuotedName(name) + " (id, " +
-                           QuotedName(names.front()) + ")");
-        if (Below(3) == 0)
-            connection.Run("CREATE VIEW " + QuotedName("v " + name) + " AS SELECT id FROM " +
-                           QuotedName(name));
-        if (Below(3) == 0) connection.Run("DELETE FROM " + QuotedName(name) + " WHERE id % 3 = 0");
+        const std::string quoted = QuotedName(name), view = QuotedName("v " + name);
+        const std::string others[] = {"CREATE INDEX " + QuotedName("i " + name) + " ON " + quoted + " (id, " +
+                                          QuotedName(names.front()) + ")",
+                                      "CREATE VIEW " + view + " AS SELECT id FROM " + quoted,
+                                      "DELETE FROM " + quoted + " WHERE id % 3 = 0"};
+        for (const std::string& other : others)
+            if (Below(3) == 0) connection.Run(other);
     }
 
     void AddRow(Connection& connection, const std::string& table, const std::vector<std::string>& names) {
@@ -116,10 +114,9 @@ class Generator {
         std::vector<Cell> values;
         for (const std::string& name : names) {
             if (Below(4) == 0) continue;
-            Cell value = Value();
             fields += (fields.empty() ? "" : ", ") + QuotedName(name);
             marks += marks.empty() ? "?" : ", ?";
-            values.push_back(std::move(value));
+            values.push_back(Value());
         }
         Query insert(connection,
                      "INSERT OR IGNORE INTO " + QuotedName(table) +
@@ -129,33 +126,20 @@ class Generator {
     }
 
     Cell Value() {
-        switch (Below(5)) {
-            case 0:
-                return Null();
-            case 1:
-                return static_cast<std::int64_t>(Bits() >> Below(64));
-            case 2: {
-                const auto real = std::bit_cast<double>(Bits());
-                return std::isnan(real) ? 0.1 : real;
-            }
-            case 3:
-                return Blob{Text()};
-            default:
-                return Text();
-        }
+        const auto real = std::bit_cast<double>(Bits());
+        const Cell values[] = {Null(), static_cast<std::int64_t>(Bits() >> Below(64)),
+                               std::isnan(real) ? 0.1 : real, Blob{Text()}, Text()};
+        return One(values);
     }
 
     std::uint64_t Bits() { return std::uniform_int_distribution<std::uint64_t>()(random_); }
 
     std::string Text() {
-        static const std::string pieces[] = {"word", " ",        "\n",
-                                             "\r\n", "\t",       std::string(1, '\0'),
-                                             "\"",   "\\",       "|",
-                                             "#",    "[row]",    "\xFF",
-                                             "é",    "中文",     "\xED\xA0\x80",
-                                             "😀",    "\xC2\x85", "\xE2\x80\xA8",
-                                             "null", "-1",       "'",
-                                             ":",    "= 1",      "\x7F"};
+        using namespace std::string_view_literals;
+        constexpr std::string_view pieces[] = {
+            "word", " ",     "\n",   "\r\n", "\t",   "\0"sv,         "\"", "\\",       "|",
+            "#",    "[row]", "\xFF", "é",    "中文", "\xED\xA0\x80", "😀",  "\xC2\x85", "\xE2\x80\xA8",
+            "null", "-1",    "'",    ":",    "= 1",  "\x7F"};
         std::string text;
         const std::size_t count = Below(6);
         for (std::size_t i = 0; i < count; ++i) text += One(pieces);
@@ -212,15 +196,19 @@ TEST(RoundTrip, KeepsEveryLanguage) {
     EXPECT_GE(sources, 2);
 }
 
+fs::path DatabaseOf(const platform::TemporaryDirectory& scratch,
+                    std::initializer_list<const char*> statements) {
+    const auto file = scratch.Write("d.db");
+    Connection connection(file, false);
+    for (const char* statement : statements) connection.Run(statement);
+    return file;
+}
+
 TEST(RoundTrip, KeepsTheCounterOfATable) {
     const platform::TemporaryDirectory scratch;
-    const auto file = scratch.Write("d.db");
-    {
-        Connection connection(file, false);
-        connection.Run("CREATE TABLE t (id INTEGER PRIMARY KEY AUTOINCREMENT, c TEXT)");
-        connection.Run("INSERT INTO t (c) VALUES ('a'), ('b'), ('c')");
-        connection.Run("DELETE FROM t WHERE id = 3");
-    }
+    const auto file =
+        DatabaseOf(scratch, {"CREATE TABLE t (id INTEGER PRIMARY KEY AUTOINCREMENT, c TEXT)",
+                             "INSERT INTO t (c) VALUES ('a'), ('b'), ('c')", "DELETE FROM t WHERE id = 3"});
     BuildInto(ParseSource("x", DumpText(file)), scratch.Path() / "made", false);
     const Connection made(scratch.Path() / "made" / "d.db", true);
     Query query(made, "SELECT seq FROM sqlite_sequence WHERE name = 't'");
@@ -230,13 +218,8 @@ TEST(RoundTrip, KeepsTheCounterOfATable) {
 
 TEST(RoundTrip, NamesWhatASourceCantHold) {
     const platform::TemporaryDirectory scratch;
-    const auto file = scratch.Write("d.db");
-    {
-        Connection connection(file, false);
-        connection.Run("CREATE TABLE t (c TEXT)");
-        connection.Run("CREATE VIRTUAL TABLE search USING fts5(c)");
-    }
-    const DumpedDatabase dumped = DumpDatabase(file);
+    const DumpedDatabase dumped = DumpDatabase(
+        DatabaseOf(scratch, {"CREATE TABLE t (c TEXT)", "CREATE VIRTUAL TABLE search USING fts5(c)"}));
     ASSERT_EQ(dumped.source.tables.size(), 1U);
     ASSERT_FALSE(dumped.notKept.empty());
     EXPECT_EQ(dumped.notKept.front(), "the virtual table search");

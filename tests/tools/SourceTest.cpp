@@ -1,39 +1,21 @@
 #include <gtest/gtest.h>
 
+#include "FaultOf.h"
 #include "TemporaryDirectory.h"
-#include "common/Fault.h"
-#include "source/Literals.h"
 #include "source/SourceReader.h"
 #include "source/SourceWriter.h"
 #include "store/Build.h"
-#include "store/Dump.h"
 
 namespace {
 
 using namespace lng;
 
-std::string FaultOf(const std::function<void()>& step) {
-    try {
-        step();
-    } catch (const tools::Fault& fault) {
-        return fault.what();
-    }
-    return "no fault";
-}
-
-const Row& OnlyRow(const Source& source) {
-    return source.databases.at(0).tables.at(0).rows.at(0);
-}
-
-Cell ValueIn(const std::string& fieldLines) {
-    const Source source =
-        ParseSource("x", "[database d]\n[table t]\n| CREATE TABLE t (c)\n[row]\n" + fieldLines);
-    return OnlyRow(source).fields.at(0).value;
+const Field& OnlyField(const Source& source) {
+    return source.databases.at(0).tables.at(0).rows.at(0).fields.at(0);
 }
 
 TEST(Source, ReadsValuesAsWritten) {
     const std::pair<std::string, Cell> cases[] = {
-        {"c: text", std::string("text")},
         {"c:   # no comment, \"quotes\" and \\n stay  ",
          std::string("# no comment, \"quotes\" and \\n stay")},
         {"c: -1", std::string("-1")},
@@ -50,24 +32,21 @@ TEST(Source, ReadsValuesAsWritten) {
         {"c:\n|", std::string()},
         {"\"c\" : text\r", std::string("text")},
     };
-    for (const auto& [lines, value] : cases) EXPECT_EQ(ValueIn(lines), value) << lines;
+    const std::string start = "[database d]\n[table t]\n| CREATE TABLE t (c)\n[row]\n";
+    for (const auto& [lines, value] : cases)
+        EXPECT_EQ(OnlyField(ParseSource("x", start + lines)).value, value) << lines;
 }
 
 TEST(Source, PassesOverCommentsAndAByteOrderMark) {
     const Source source = ParseSource("x",
                                       "\xEF\xBB\xBF# head\n[database d]\n\n  # more\n[table t]\n| CREATE "
                                       "TABLE t (c)\n# row\n[row]\n# field\nc: v\n");
-    EXPECT_EQ(OnlyRow(source).fields.at(0).value, Cell(std::string("v")));
-    EXPECT_EQ(OnlyRow(source).fields.at(0).line, 10);
+    EXPECT_EQ(OnlyField(source).value, Cell(std::string("v")));
+    EXPECT_EQ(OnlyField(source).line, 10);
 }
 
-struct BadSource {
-    std::string_view text;
-    std::string_view fault;
-};
-
 TEST(Source, NamesTheLineOfAMistake) {
-    const BadSource cases[] = {
+    const std::pair<std::string_view, std::string_view> cases[] = {
         {"", "x: there is no [database ...]"},
         {"c: v", "x:1: a field belongs to a [row]"},
         {"[row]", "x:1: a [row] belongs to a [table ...]"},
@@ -93,9 +72,9 @@ TEST(Source, NamesTheLineOfAMistake) {
         {"[database d]\n[table t]\n[row]\nc: v\n| more", "x:5: d, table t, row 1: a line with |"},
         {"[database d]\n\xFF", "x:2: d: this line is not UTF-8"},
     };
-    for (const BadSource& each : cases) {
-        const std::string fault = FaultOf([&] { ParseSource("x", each.text); });
-        EXPECT_NE(fault.find(each.fault), std::string::npos) << each.text << "\n" << fault;
+    for (const auto& [text, expected] : cases) {
+        const std::string fault = FaultOf([&, &source = text] { ParseSource("x", source); });
+        EXPECT_NE(fault.find(expected), std::string::npos) << text << "\n" << fault;
     }
 }
 

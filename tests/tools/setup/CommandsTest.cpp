@@ -18,14 +18,6 @@ class CommandsTest : public SetupTest {
     std::string LinkOf(const char* piece, const std::string& market = "10001") const {
         return fs::read_symlink(Tree(market) / piece).lexically_relative(places_.package);
     }
-    void WritePackageServices() const {
-        for (const auto& [name, arguments] :
-             {std::pair(std::string(addInClass), "start horalink -Embedding"),
-              std::pair(ExchangeClass("10001"), "start --market 10001 switchdesk --service")})
-            directory_.Write("usr/share/dbus-1/services/" + name + ".service",
-                             "[D-BUS Service]\nName=" + name + "\nExec=" + places_.program.string() + " " +
-                                 arguments + "\n");
-    }
     static bool Mentions(const Told& told, const std::string& part) {
         return std::any_of(told.begin(), told.end(),
                            [&](const std::string& sentence) { return sentence.find(part) != sentence.npos; });
@@ -64,9 +56,7 @@ TEST_F(CommandsTest, AddingAgainMendsAndKeepsWhatIsTheUsersOwn) {
     EXPECT_EQ(ReadFile(Tree() / place::addInTexts), "own texts");
     EXPECT_EQ(ReadFile(Tree() / place::registry), "own register");
 
-    AddRequest request = Request("10001");
-    request.force = true;
-    Add(context_, request);
+    AddByForce();
     EXPECT_TRUE(fs::is_symlink(Tree() / place::addInTexts));
     EXPECT_NE(ReadFile(Tree() / place::registry), "own register");
     EXPECT_EQ(ReadFile(Tree() / "BACKGRND/cat.svg"), "own picture") << "a directory is never replaced";
@@ -74,14 +64,11 @@ TEST_F(CommandsTest, AddingAgainMendsAndKeepsWhatIsTheUsersOwn) {
 
 TEST_F(CommandsTest, MovesAMarketOnlyByForce) {
     AddMarket();
-    AddRequest request = Request("10001");
-    request.root = top_ / "home/other place";
     const std::string settings = Settings(), home = Home();
-    EXPECT_THROW(Add(context_, request), tools::Fault);
+    EXPECT_THROW(AddMarket("10001", top_ / "home/other place"), tools::Fault);
     EXPECT_EQ(Settings(), settings);
     EXPECT_EQ(Home(), home);
-    request.force = true;
-    Add(context_, request);
+    AddByForce(top_ / "home/other place");
     EXPECT_FALSE(fs::exists(Tree()));
     EXPECT_TRUE(fs::exists(top_ / "home/other place/VELMORA32/10001/ADDINS/horalink"));
     EXPECT_NE(Settings().find("\\other place\\VELMORA32\\10001\\\n"), std::string::npos) << Settings();
@@ -90,11 +77,8 @@ TEST_F(CommandsTest, MovesAMarketOnlyByForce) {
 }
 
 TEST_F(CommandsTest, RefusesRootsThatTheSettingsCannotHold) {
-    for (const char* root : {"back\\slash", "new\nline", "bad\xFFutf8"}) {
-        AddRequest request = Request("10001");
-        request.root = top_ / root;
-        EXPECT_THROW(Add(context_, request), tools::WrongCall) << root;
-    }
+    for (const char* root : {"back\\slash", "new\nline", "bad\xFFutf8"})
+        EXPECT_THROW(AddMarket("10001", top_ / root), tools::WrongCall) << root;
     EXPECT_EQ(Home(), "");
 }
 
@@ -127,8 +111,7 @@ TEST_F(CommandsTest, RemovalTakesFilesAndDirectoriesThatWereMade) {
     EXPECT_FALSE(fs::exists(places_.settings.parent_path()));
     EXPECT_FALSE(fs::exists(places_.data / "VELMORA32"));
     EXPECT_THROW(Remove(context_, "10001"), tools::WrongCall);
-    EXPECT_THROW(Remove(context_, std::nullopt), tools::Fault)
-        << "the call means something, but there is nothing";
+    EXPECT_THROW(Remove(context_, std::nullopt), tools::Fault) << "there is nothing to remove";
 }
 
 TEST_F(CommandsTest, ATreeThatOthersLiveInStaysEntered) {
@@ -143,17 +126,12 @@ TEST_F(CommandsTest, ATreeThatOthersLiveInStaysEntered) {
 TEST_F(CommandsTest, ARegisterWithEntriesOfOthersStays) {
     AddMarket();
     const fs::path file = Tree() / place::registry;
-    {
-        const auto database = engine_->OpenDatabase(platform::PathText(file));
-        const auto rows =
-            database->OpenRecordset(u"SELECT * FROM Registry", platform::RecordsetType::Dynaset);
-        rows->Edit();
-        rows->SetField(u"AppName", u"Neighbour.mra");
-        rows->Update();
-    }
-    AddRequest request = Request("10001");
-    request.force = true;
-    Add(context_, request);
+    const auto database = engine_->OpenDatabase(platform::PathText(file));
+    const auto rows = database->OpenRecordset(u"SELECT * FROM Registry", platform::RecordsetType::Dynaset);
+    rows->Edit();
+    rows->SetField(u"AppName", u"Neighbour.mra");
+    rows->Update();
+    AddByForce();
     EXPECT_TRUE(Mentions(Remove(context_, "10001"), "Register.mdb")) << "not even force replaces it";
     EXPECT_TRUE(fs::exists(file));
 }
@@ -189,7 +167,12 @@ TEST_F(CommandsTest, ChangesTheLanguageOfOneMarket) {
 }
 
 TEST_F(CommandsTest, WritesServiceFilesOnlyForWhatNoPackageServes) {
-    WritePackageServices();
+    for (const auto& [name, arguments] :
+         {std::pair(std::string(addInClass), "horalink -Embedding"),
+          std::pair(ExchangeClass("10001"), "--market 10001 switchdesk --service")})
+        directory_.Write("usr/share/dbus-1/services/" + name + ".service",
+                         "[D-BUS Service]\nName=" + name + "\nExec=" + places_.program.string() + " start " +
+                             arguments + "\n");
     AddMarket();
     EXPECT_FALSE(fs::exists(places_.ownServices));
     EXPECT_EQ(bus_.reloads, 0);
@@ -209,9 +192,7 @@ TEST_F(CommandsTest, LeavesAServiceFileOfTheUsersOwnAlone) {
     EXPECT_THROW(AddMarket(), tools::Fault);
     EXPECT_EQ(Settings(), "(none)");
     EXPECT_FALSE(fs::exists(Tree()));
-    AddRequest request = Request("10001");
-    request.force = true;
-    Add(context_, request);
+    AddByForce();
     EXPECT_NE(ReadFile(file), own);
     std::ofstream(file) << own;
     Remove(context_, "10001");
@@ -252,23 +233,18 @@ TEST_F(CommandsTest, AStartEntersTheMarketAndMendsATreeThatIsGone) {
 
 // Runs `work` in many processes at once, as the bus would start them, and returns how many failed.
 int FailuresOf(int processes, const std::function<void(int)>& work) {
-    std::vector<pid_t> children;
     for (int i = 0; i < processes; ++i) {
-        const pid_t child = fork();
-        if (child == 0) {
-            try {
-                work(i);
-                _exit(0);
-            } catch (const std::exception&) {
-                _exit(1);
-            }
+        if (fork() != 0) continue;
+        try {
+            work(i);
+            _exit(0);
+        } catch (const std::exception&) {
+            _exit(1);
         }
-        children.push_back(child);
     }
     int failures = 0;
-    for (const pid_t child : children) {
-        int status = -1;
-        waitpid(child, &status, 0);
+    for (int i = 0, status = -1; i < processes; ++i) {
+        EXPECT_GT(wait(&status), 0);
         EXPECT_TRUE(WIFEXITED(status));
         if (status != 0) ++failures;
     }

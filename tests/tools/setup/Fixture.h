@@ -42,15 +42,20 @@ class SetupTest : public testing::Test {
         places_.data = top_ / "home/.local/share";
         places_.ownServices = places_.data / "dbus-1/services";
         places_.services = {places_.ownServices, top_ / "usr/share/dbus-1/services"};
+        Install();
+    }
+
+    // Lays out the package, and the home directory empty.
+    void Install() const {
+        for (const auto& entry : fs::directory_iterator(top_)) fs::remove_all(entry);
         for (const char* language : {"de", "en"}) MakeTexts(language);
         fs::copy_file(DATABASES "/Register.mdb", Made(places_.package / place::registry));
-        MakeProgram(places_.package / place::addIn);
-        MakeProgram(places_.package / place::host);
-        MakeProgram(places_.program);
+        for (const fs::path& program :
+             {places_.package / place::addIn, places_.package / place::host, places_.program})
+            MakeProgram(program);
         directory_.Write("usr/lib/VELMORA32/10001/BACKGRND/plain.svg", "<svg/>");
         fs::create_directories(top_ / "home");
     }
-
     static fs::path Made(const fs::path& file) {
         fs::create_directories(file.parent_path());
         return file;
@@ -65,15 +70,15 @@ class SetupTest : public testing::Test {
     }
     static void MakeProgram(const fs::path& file) {
         std::ofstream(Made(file)) << "#!/bin/sh\n";
-        fs::permissions(file, fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
-                                  fs::perms::others_read | fs::perms::others_exec);
+        fs::permissions(file, static_cast<fs::perms>(0755));
     }
 
-    Told AddMarket(const std::string& market = "10001") { return Add(context_, Request(market)); }
-    static AddRequest Request(const std::string& market) {
-        AddRequest request;
-        request.market = market;
-        return request;
+    Told AddMarket(const std::string& market = "10001", const std::optional<fs::path>& root = std::nullopt,
+                   bool force = false) {
+        return Add(context_, {market, root, std::nullopt, std::nullopt, force});
+    }
+    Told AddByForce(const std::optional<fs::path>& root = std::nullopt) {
+        return AddMarket("10001", root, true);
     }
     fs::path Tree(const std::string& market = "10001") const { return places_.data / "VELMORA32" / market; }
     std::string Settings() const { return ReadFile(places_.settings).value_or("(none)"); }

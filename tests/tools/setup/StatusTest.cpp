@@ -1,6 +1,7 @@
 #include <unistd.h>
 
-#include <cstdlib>
+#include <algorithm>
+#include <functional>
 
 #include "Fixture.h"
 #include "horalink-setup/Status.h"
@@ -23,10 +24,9 @@ class StatusTest : public SetupTest {
         fs::remove(Tree() / piece);
         std::ofstream(Tree() / piece) << content;
     }
-    void Edit(const std::string& from, const std::string& to) const {
-        std::string text = Settings();
-        text.replace(text.find(from), from.size(), to);
-        std::ofstream(places_.settings) << text;
+    void Enter(std::string installPath) const {
+        std::replace(installPath.begin(), installPath.end(), '/', '\\');
+        std::ofstream(places_.settings) << "[VELMORA32/10001]\nInstallPath=" << installPath << "\n";
     }
 };
 
@@ -49,73 +49,46 @@ TEST_F(StatusTest, FindsNothingWrongBeforeAndAfterTheFirstEntry) {
 }
 
 TEST_F(StatusTest, NamesWhatIsBroken) {
-    struct Case {
-        const char* what;
-        std::function<void()> breakIt;
-        std::string problem;
-    };
-    const Case cases[] = {
-        {"a database is missing", [&] { fs::remove(Tree() / place::help); },
-         "help (Horalink.hlp): it is missing"},
-        {"a link leads nowhere", [&] { fs::remove(places_.package / "ADDINS/DATABASE/en/Horalink.lng"); },
-         "texts of the add-in (Horalink.lng): its link leads to " + places_.package.string() +
-             "/ADDINS/DATABASE/en/Horalink.lng, which isn't there"},
-        {"no database", [&] { Replace(place::commonTexts, std::string(4096, 'x')); },
-         "common texts (Common.LNG): "},
-        {"an empty database", [&] { Replace(place::addInTexts, ""); },
-         "texts of the add-in (Horalink.lng): "},
-        {"a database of another kind",
-         [&] {
-             fs::copy_file(DATABASES "/en/Horalink.lng", Tree() / place::registry,
-                           fs::copy_options::overwrite_existing);
-         },
-         "register (Register.mdb): "},
-        {"a directory in its place",
+    const std::pair<std::string, std::function<void()>> cases[] = {
+        {"help (Horalink.hlp): it is missing", [&] { fs::remove(Tree() / place::help); }},
+        {"texts of the add-in (Horalink.lng): its link leads to " + places_.package.string() +
+             "/ADDINS/DATABASE/en/Horalink.lng, which isn't there",
+         [&] { fs::remove(places_.package / "ADDINS/DATABASE/en/Horalink.lng"); }},
+        {"common texts (Common.LNG): ", [&] { Replace(place::commonTexts, std::string(4096, 'x')); }},
+        {"texts of the add-in (Horalink.lng): ", [&] { Replace(place::addInTexts, ""); }},
+        {"register (Register.mdb): ",
+         [&] { Replace(place::registry, *ReadFile(DATABASES "/en/Horalink.lng")); }},
+        {"register (Register.mdb): ",
          [&] {
              fs::remove(Tree() / place::registry);
              fs::create_directory(Tree() / place::registry);
-         },
-         "register (Register.mdb): "},
-        {"the program is missing", [&] { fs::remove(Tree() / place::addIn); },
-         "the add-in's program can't start: it is missing"},
-        {"the program may not be run", [&] { Replace(place::addIn, "x"); },
-         "the add-in's program can't start: it may not be run"},
-        {"no backgrounds", [&] { fs::remove(Tree() / place::backgrounds); },
-         "the backgrounds can't be shown: it is missing"},
-        {"no tree", [&] { fs::remove_all(Tree()); }, "there is no directory " + Tree().string()},
-        {"no backslash at the end", [&] { Edit("10001\\\n", "10001\n"); }, "doesn't end in a backslash"},
-        {"a tree of the wrong shape",
+         }},
+        {"the add-in's program can't start: it is missing", [&] { fs::remove(Tree() / place::addIn); }},
+        {"the add-in's program can't start: it may not be run", [&] { Replace(place::addIn, "x"); }},
+        {"the backgrounds can't be shown: it is missing", [&] { fs::remove(Tree() / place::backgrounds); }},
+        {"there is no directory " + Tree().string(), [&] { fs::remove_all(Tree()); }},
+        {"doesn't end in a backslash", [&] { Enter(Tree().string()); }},
+        {"doesn't end in VELMORA32/10001",
          [&] {
              fs::rename(Tree(), top_ / "home/elsewhere");
-             std::ofstream(places_.settings)
-                 << "[VELMORA32/10001]\nInstallPath=" << (top_ / "home/elsewhere").string() << "\\\n";
-         },
-         "doesn't end in VELMORA32/10001"},
-        {"another tree that differs in case only",
-         [&] { fs::create_directories(top_ / "HOME/.local/share/VELMORA32/10001"); },
-         "programs look for it in " + top_.string() + "/HOME/.local/share/VELMORA32/10001"},
-        {"no package", [&] { fs::remove_all(places_.package); }, "this is no tree of an installed package"},
-        {"the class isn't known", [&] { bus_.startable.clear(); },
-         "doesn't know the class Horalink10013.cOLELayer"},
-        {"no bus", [&] { bus_.isThere = false; }, "The session bus can't be asked"},
-        {"a service file for nothing", [&] { fs::remove(places_.program); },
-         "For the class Horalink10013.cOLELayer the bus would start '" + places_.program.string() +
-             "', which isn't there"}};
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.what);
-        fs::remove_all(top_);
-        fs::create_directories(top_);
-        for (const char* language : {"de", "en"}) MakeTexts(language);
-        fs::copy_file(DATABASES "/Register.mdb", Made(places_.package / place::registry));
-        for (const fs::path& program :
-             {places_.package / place::addIn, places_.package / place::host, places_.program})
-            MakeProgram(program);
-        directory_.Write("usr/lib/VELMORA32/10001/BACKGRND/plain.svg", "<svg/>");
+             Enter((top_ / "home/elsewhere/").string());
+         }},
+        {"programs look for it in " + top_.string() + "/HOME/.local/share/VELMORA32/10001",
+         [&] { fs::create_directories(top_ / "HOME/.local/share/VELMORA32/10001"); }},
+        {"this is no tree of an installed package", [&] { fs::remove_all(places_.package); }},
+        {"doesn't know the class Horalink10013.cOLELayer", [&] { bus_.startable.clear(); }},
+        {"The session bus can't be asked", [&] { bus_.isThere = false; }},
+        {"For the class Horalink10013.cOLELayer the bus would start '" + places_.program.string() +
+             "', which isn't there",
+         [&] { fs::remove(places_.program); }}};
+    for (const auto& [problem, breakIt] : cases) {
+        SCOPED_TRACE(problem);
+        Install();
         bus_ = FakeBus();
         AddMarket();
         ASSERT_EQ(Problems(), "");
-        one.breakIt();
-        EXPECT_NE(Problems().find(one.problem), std::string::npos) << Problems();
+        breakIt();
+        EXPECT_NE(Problems().find(problem), std::string::npos) << Problems();
     }
 }
 
