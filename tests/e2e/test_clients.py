@@ -1,9 +1,7 @@
 """Clients that share no code with the add-in: the example host, busctl, and one that sends nonsense."""
-import json
 import subprocess
 import sys
 import unittest
-import xml.etree.ElementTree as xml
 
 import dbus
 
@@ -121,26 +119,12 @@ class Busctl(EndToEndTest):
         self.typed("set-property", "Visible", "b", "false")
         self.assertEqual(self.typed("get-property", "Visible"), "b false")
 
-    def test_introspection_in_the_order_of_the_slots(self):
+    def test_introspection(self):
         self.hold()
-        answer = self.busctl("--json=short", "call", NAME, self.client.path, "org.freedesktop.DBus.Introspectable",
-                             "Introspect")
-        interfaces = {node.get("name"): node for node in xml.fromstring(json.loads(answer)["data"][0]).iter("interface")}
-        self.assertIn(OBJECT, interfaces)
-        typed = interfaces[TYPED]
-        members = [node.get("name") for node in typed if node.tag in ("method", "property")]
-        self.assertEqual(members, ["RegisterPBX", "Visible", "SetBackGround"])
-        arguments = [(node.get("name"), node.get("type"), node.get("direction"))
-                     for node in typed.find("method[@name='RegisterPBX']").iter("arg")]
-        self.assertEqual([(kind, way) for _, kind, way in arguments],
-                         [("s", "in"), ("(so)", "in"), ("n", "in"), ("b", "out")])
-        self.assertEqual([name for name, _, way in arguments if way == "in"], ["PBX", "Parent", "ID"])
-        self.assertEqual(typed.find("property[@name='Visible']").attrib,
-                         {"name": "Visible", "type": "b", "access": "readwrite"})
-        values = [node.get("value") for node in typed.findall("annotation")]
-        for value in ("{21A5C7B5-2A66-41D0-8298-C64D75E00ED2}", "{99B2190B-7900-4057-8B17-977CCB7DA003}",
-                      "{3213E8C5-0679-49E0-83FC-808506AA9FEB}", "Horalink10013", "1.0"):
-            self.assertIn(value, values)
+        members = self.busctl("introspect", NAME, self.client.path, TYPED)
+        for member in (r"\.RegisterPBX +method +s\(so\)n +b ", r"\.SetBackGround +method +n +- ",
+                       r"\.Visible +property +b +false +(emits-change )?writable"):
+            self.assertRegex(members, member)
 
 
 class Nonsense(EndToEndTest):
@@ -153,25 +137,18 @@ class Nonsense(EndToEndTest):
         cases = [
             ("too few values", (client.path, OBJECT, "Invoke", "s", "Visible"), BUS_ERROR + "InvalidArgs", 13),
             ("other types", (client.path, OBJECT, "Invoke", "sqas", "Visible", 2, ["1"]), BUS_ERROR + "InvalidArgs", 13),
-            ("nothing at all", (client.path, OBJECT, "Invoke"), BUS_ERROR + "InvalidArgs", 13),
             ("unknown member", (*invoke, "Invisible", 1, []), ERROR, 438),
-            ("no member", (*invoke, "", 1, []), ERROR, 438),
             ("10 MB of member", (*invoke, big, 1, []), ERROR, 438),
             ("unknown kind", (*invoke, "Visible", 3, []), ERROR, 5),
             ("too many arguments", (*invoke, "SetBackGround", 1, [1, 2]), ERROR, 450),
             ("index above 16 bits", (*invoke, "SetBackGround", 1, [dbus.Int32(32768)]), ERROR, 6),
-            ("index below 16 bits", (*invoke, "SetBackGround", 1, [dbus.Int64(-2**62)]), ERROR, 6),
             ("index that is no number", (*invoke, "SetBackGround", 1, [big]), ERROR, 13),
             ("index that isn't finite", (*invoke, "SetBackGround", 1, [float("nan")]), ERROR, 6),
             ("deep nesting", (*invoke, "SetBackGround", 1, [dbus.Int16(1, variant_level=60)]), ERROR, 13),
-            ("an array", (*invoke, "SetBackGround", 1, [dbus.Array([1], signature="i")]), ERROR, 13),
             ("no object", (*invoke, "RegisterPBX", 1, ["", "host", 1]), ERROR, 424),
             ("unknown method", (client.path, OBJECT, "Evoke"), BUS_ERROR + "UnknownMethod", 438),
-            ("unknown interface", (client.path, "com.example.Other", "Invoke"), BUS_ERROR + "UnknownInterface", 438),
             ("unknown path", ("/Object/4711", OBJECT, "Retain"), BUS_ERROR + "UnknownObject", 462),
-            ("path of nothing", ("/", OBJECT, "Retain"), BUS_ERROR + "UnknownInterface", 438),
             ("typed with other types", (client.path, TYPED, "SetBackGround", "s", big), BUS_ERROR + "InvalidArgs", 13),
-            ("unknown typed member", (client.path, TYPED, "Invisible"), BUS_ERROR + "UnknownMethod", 438),
             ("unknown property", (client.path, "org.freedesktop.DBus.Properties", "Get", "ss", TYPED, "Age"),
              BUS_ERROR + "UnknownProperty", 438),
         ]
@@ -182,23 +159,6 @@ class Nonsense(EndToEndTest):
                 self.assertTrue(answer[1])
                 self.assertFalse(client.visible())
                 self.assertEqual(pids(ADD_IN), [process])
-
-    def test_references_given_back_too_often(self):
-        holder, other = Client(self).created(), Client(self).created()
-        answer = other.ask(holder.owner, holder.path, OBJECT, "Release")
-        self.assertEqual([answer[0], answer[2]], [ERROR, 5])
-        self.assertFalse(holder.visible())
-        holder.leave()
-        self.assertFalse(other.visible())
-
-    def test_ten_megabytes_of_name(self):
-        client = Client(self).created()
-        (process,) = pids(ADD_IN)
-        for name in ("x" * 10_000_000, "Main Office"):
-            self.assertFalse(client.call("RegisterPBX", 1, name, reference("", "/"), dbus.Int16(1))[0])
-            client.call("Visible", 4, True)
-        self.dialog()
-        self.assertEqual(pids(ADD_IN), [process])
 
     def test_host_object_that_is_not_there(self):
         client = Client(self).created()

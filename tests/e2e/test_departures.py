@@ -8,71 +8,73 @@ from client import Client
 from stage import (ADD_IN, CLOCK_READ, LOGIN_FAILED, LOOKUP, SWITCHDESK, EndToEndTest, Host, dialog_title, pids)
 from stage import open_stage as setUpModule  # noqa: F401
 
-LEAVES = "# leaves the bus"
-# The host's options, the line of its log at which it is killed or kills itself, and the box that the operator
-# sees in the end, where the dialog lives on.
+
+
+def calling(line):
+    """A request, up to a line of the host's log."""
+    def bring(test, host):
+        test.press(LOOKUP)
+        host.wait_for_line(line)
+    return bring
+
+
+def idle(_test, _host):
+    pass
+
+
+def armed(test, host):
+    """A press whose tick finds a host that doesn't answer any more."""
+    os.kill(host.process.pid, signal.SIGSTOP)
+    test.press(LOOKUP)
+
+
+def showing(test, _host):
+    test.press(LOOKUP)
+    test.box_text(CLOCK_READ)
+
+
+def hidden(test, _host):
+    test.press(stage.CLOSE)
+
+
+leaving = calling("# leaves the bus")
+# The host's options, what brings it to where it is killed or kills itself, and the box that the operator sees in
+# the end, where the dialog lives on.
 STATES = [
-    ("logging in", ["--login=hang"], "# hangs", LOGIN_FAILED),
-    ("entering the login", ["--leave=login"], LEAVES, LOGIN_FAILED),
-    ("sending", ["--send=hang"], "# hangs", None),
-    ("entering the send", ["--leave=send"], LEAVES, None),
-    ("waiting", ["--answer=never"], 'ShowMessage("PBX clock request: R1"', None),
-    ("instead of the answer", ["--leave=waiting"], LEAVES, None),
-    ("reading the answer", ["--leave=callback"], LEAVES, None),
-    ("showing the results", ["--leave=show-results"], LEAVES, CLOCK_READ),
-    ("logging out", ["--leave=logout"], LEAVES, CLOCK_READ),
-    ("answered", ["--leave=answered"], LEAVES, CLOCK_READ),
+    ("idle", [], idle, None),
+    ("hidden", [], hidden, None),
+    ("armed", [], armed, LOGIN_FAILED),
+    ("logging in", ["--login=hang"], calling("# hangs"), LOGIN_FAILED),
+    ("entering the login", ["--leave=login"], leaving, LOGIN_FAILED),
+    ("sending", ["--send=hang"], calling("# hangs"), None),
+    ("entering the send", ["--leave=send"], leaving, None),
+    ("waiting", ["--answer=never"], calling('ShowMessage("PBX clock request: R1"'), None),
+    ("instead of the answer", ["--leave=waiting"], leaving, None),
+    ("reading the answer", ["--leave=callback"], leaving, None),
+    ("showing the results", ["--leave=show-results"], leaving, CLOCK_READ),
+    ("logging out", ["--leave=logout"], leaving, CLOCK_READ),
+    ("answered", ["--leave=answered"], leaving, CLOCK_READ),
+    ("the box is open", [], showing, CLOCK_READ),
 ]
 
 
 class DyingHosts(EndToEndTest):
-    def die(self, host, line):
-        host.wait_for_line(line)
+    def die(self, options, bring):
+        host = Host(self, *options).open()
+        bring(self, host)
         host.kill()
 
     def test_the_add_in_goes_with_its_last_client(self):
-        for state, options, line, _ in STATES:
+        for state, options, bring, _ in STATES:
             with self.case(state):
-                host = Host(self, *options).open()
-                self.press(LOOKUP)
-                self.die(host, line)
-                self.wait_until_gone()
-
-    def arm(self, host):
-        """A press whose tick finds a host that doesn't answer any more."""
-        os.kill(host.process.pid, signal.SIGSTOP)
-        self.press(LOOKUP)
-
-    def show(self, _):
-        self.press(LOOKUP)
-        self.box_text(CLOCK_READ)
-
-    def test_the_add_in_goes_without_a_request(self):
-        for state, bring in (("idle", lambda host: None), ("armed", self.arm), ("showing", self.show),
-                             ("hidden", lambda host: self.press(stage.CLOSE))):
-            with self.case(state):
-                host = Host(self).open()
-                bring(host)
-                host.kill()
+                self.die(options, bring)
                 self.wait_until_gone()
 
     def test_the_dialog_is_usable_for_who_remains(self):
-        for state, options, line, box in STATES:
+        for state, options, bring, box in STATES:
             with self.case(state):
                 client = Client(self).created()
-                host = Host(self, *options).open()
-                self.press(LOOKUP)
-                self.die(host, line)
-                self.assert_lives_on(client, box)
-
-    def test_the_dialog_is_usable_after_a_death_without_a_request(self):
-        for state, bring, box in (("idle", lambda host: None, None), ("armed", self.arm, LOGIN_FAILED),
-                                  ("showing", self.show, CLOCK_READ)):
-            with self.case(state):
-                client = Client(self).created()
-                host = Host(self).open()
-                bring(host)
-                host.kill()
+                self.die(options, bring)
                 self.assert_lives_on(client, box)
 
     def assert_lives_on(self, client, box):

@@ -2,7 +2,7 @@
 import unittest
 
 import stage
-from stage import ADD_IN, CLOCK_READ, EXCHANGE, LOGIN_FAILED, LOOKUP, UPDATE, EndToEndTest, Host, dialog_title
+from stage import ADD_IN, CLOCK_READ, EXCHANGE, LOGIN_FAILED, LOOKUP, UPDATE, WAIT_BOX, EndToEndTest, Host, dialog_title
 from stage import open_stage as setUpModule  # noqa: F401
 
 REQUEST = "PBX clock request: "
@@ -170,6 +170,15 @@ class Timing(EndToEndTest):
         # The answer ended the login; the request that follows it is refused.
         self.assertEqual(host.calls()[:6], ["oPBX", "ShowResults", "ShowMessage", "ShowCode", "oPBX", "LogOut"])
         self.assertEqual(host.told(), ['"OK"', "0", f'"{REQUEST}L1"', f'"{REQUEST}ERROR"'])
+        self.assert_usable()
+
+    def test_call_back_from_inside_the_send(self):
+        """The answer is shown; the request taken behind it waits for another one until it is given up."""
+        host = Host(self, "--callback-during=send", "--logins=1").open()
+        self.press(LOOKUP)
+        self.close_box(CLOCK_READ)
+        self.assertIn("# SendRequest(<object>) is under way", host.lines())
+        self.close_box(WAIT_BOX, "Cancel")
         self.assert_usable()
 
 

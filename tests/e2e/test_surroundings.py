@@ -2,12 +2,15 @@
 import unittest
 
 import stage
-from controls import DialogTest
-from stage import ADD_IN, CLOCK_READ, CLOSE, LOGIN_FAILED, LOOKUP, SWITCHDESK, UPDATE, WAIT_BOX, dialog_title
+from controls import FOLLOW_DATE, FOLLOW_TIME, SPIN, DialogTest
+from stage import ADD_IN, CLOCK_READ, CLOSE, LOGIN_FAILED, LOOKUP, SWITCHDESK, UPDATE, dialog_title
 from stage import open_stage as setUpModule  # noqa: F401
 
 HELP_PAGE = "Help \u2013 The clock of a PBX"
 BUSY_BOX = "Horalink \u2013 Busy"
+CALENDAR, TIME, TRACK, TRACK_DATE = "Calendar", "Time", "Follow the time", "Follow the date"
+# Where a control is clicked that others cover in the middle, in parts of its width and height.
+MIDDLE, EDGE, TOP = (0.5, 0.5), (0.015, 0.5), (0.5, 0.1)
 
 
 class Help(DialogTest):
@@ -15,16 +18,11 @@ class Help(DialogTest):
         super().setUp()
         self.open_dialog()
 
-    def test_controls_without_a_menu(self):
-        for name, place in ((CLOSE, (0.5, 0.5)), (UPDATE, (0.5, 0.5)), ("lblBevel 2", (0.5, 0.5))):
-            stage.driver.click(self.node(name), place, button=3)
-        stage.driver.click(self.calendar(), button=3)
-        # A menu would have taken the key.
-        stage.driver.press("F1")
-        self.host.wait_for_line("DisplayHelp(")
-        self.assertEqual(self.boxes(), [])
-
     def test_f1_shows_the_opening_page_at_the_host(self):
+        # A menu of a control that has none would take the key.
+        for name in (CLOSE, UPDATE, "lblBevel 2"):
+            stage.driver.click(self.node(name), button=3)
+        stage.driver.click(self.calendar(), button=3)
         stage.driver.press("F1")
         self.host.wait_for_line('DisplayHelp("Horalink.hlp") -> Nothing')
         page = stage.driver.window(SWITCHDESK, HELP_PAGE)
@@ -35,12 +33,40 @@ class Help(DialogTest):
         self.wait_for(lambda: HELP_PAGE not in stage.driver.titles(SWITCHDESK), "the page to go")
         self.assert_usable()
 
-    def test_help_file_that_is_missing(self):
-        next(stage.arrangement.root.glob("ADDINS/HELP/*")).unlink()
-        stage.driver.press("F1")
-        self.host.wait_for_line("DisplayHelp(")
-        self.assertNotIn(HELP_PAGE, stage.driver.titles(SWITCHDESK))
-        self.assert_usable()
+    def wait_for_popup(self, title):
+        self.wait_for(lambda: stage.driver.popup(ADD_IN) == title, f"the pop-up '{title}'")
+
+    def assert_topic(self, title, choose):
+        """Chooses the item of the menu, and takes the topic away that it leads to."""
+        self.wait_for_popup(ADD_IN)
+        choose()
+        self.wait_for_popup(title)
+        self.picture(title)
+        stage.driver.press("Escape")
+        self.wait_for_popup(None)
+
+    def test_right_click(self):
+        for name, role, place, topic in (
+                ("lblBevel 0", None, EDGE, CALENDAR), ("lblBevel 1", None, TOP, TIME), ("lblTime", None, EDGE, TIME),
+                ("Hour", None, MIDDLE, TIME), ("AM or PM", None, MIDDLE, TIME), (SPIN, None, MIDDLE, TIME),
+                (FOLLOW_TIME, "check box", MIDDLE, TRACK), (FOLLOW_DATE, "check box", MIDDLE, TRACK_DATE)):
+            with self.subTest(name):
+                stage.driver.click(self.node(name, role), place, button=3)
+                self.assert_topic(topic, lambda: stage.driver.click_popup(ADD_IN))
+        for box, topic in ((FOLLOW_TIME, TRACK), (FOLLOW_DATE, TRACK_DATE)):
+            with self.subTest("text beside a box", topic=topic):
+                stage.driver.click(self.node(box, "check box"), (5, 0.5), button=3)
+                self.assert_topic(topic, lambda: stage.driver.press("Down", "Return"))
+
+    def test_keys(self):
+        stage.driver.press("Tab", "Tab", "Tab")
+        for key, moves, topic in (("Menu", 0, TIME), ("shift+F10", 1, TIME), ("Menu", 4, TRACK),
+                                  ("shift+F10", 1, TRACK_DATE)):
+            with self.subTest(key=key, topic=topic):
+                for _ in range(moves):
+                    stage.driver.press("Tab")
+                stage.driver.press(key)
+                self.assert_topic(topic, lambda: stage.driver.press("Return"))
 
 
 class Place(DialogTest):
@@ -94,24 +120,8 @@ class Place(DialogTest):
         left, top, *_ = self.place()
         return stage.driver.colour(left + 12, top + 12)
 
-    def test_window_closed_by_the_operator_tells_the_host(self):
-        self.open_dialog()
-        stage.driver.press("alt+F4")
-        self.host.wait_for_line("UnloadChild(1) -> Nothing")
-        self.host.wait_for_line("# add-in has left")
-        self.wait_until_gone()
-        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", "push button"))
-        self.dialog()
-        self.assert_usable()
 
-
-class SlowHosts(DialogTest):
-    def test_busy_call_comes_again(self):
-        self.open_dialog("--busy=3")
-        self.look_up()
-        logins = [line for line in self.host.lines() if line.startswith("Login(")]
-        self.assertEqual([line.rpartition(" -> ")[2] for line in logins], ["busy"] * 3 + ['"L1"'])
-
+class BusyHost(DialogTest):
     def test_busy_box(self):
         self.open_dialog("--busy=60")
         self.press(LOOKUP)
@@ -124,24 +134,6 @@ class SlowHosts(DialogTest):
         # The box comes up for a host that stays busy; this one takes the call before.
         self.close_box(CLOCK_READ)
         self.assertIn("Login(\"Main Office\", <object>) -> busy", self.host.lines())
-
-    def test_answer_that_comes_late(self):
-        self.open_dialog("--answer=late:1500")
-        self.press(LOOKUP)
-        self.host.wait_for_line("ShowMessage(", 2)
-        stage.driver.click(self.node(UPDATE, "push button"))
-        self.assertEqual(self.boxes(), [])
-        self.close_box(CLOCK_READ)
-        self.assertEqual(sum(line.startswith("SendRequest(") for line in self.host.lines()), 1)
-
-    def test_call_back_from_inside_the_send(self):
-        """The answer is shown; the request taken behind it waits for another one until it is given up."""
-        self.open_dialog("--callback-during=send", "--logins=1")
-        self.press(LOOKUP)
-        self.close_box(CLOCK_READ)
-        self.assertIn("# SendRequest(<object>) is under way", self.host.lines())
-        self.close_box(WAIT_BOX, "Cancel")
-        self.assert_usable()
 
 
 if __name__ == "__main__":

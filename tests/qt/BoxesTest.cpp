@@ -22,16 +22,8 @@ QLabel* PromptOf(const QWidget& box) {
     return nullptr;
 }
 
-void Press(QWidget& box, Qt::Key key) {
-    QTest::keyClick(box.windowHandle(), key);
-}
-
-std::int16_t Show(std::int32_t value, std::function<void(QWidget&)> act, Text prompt = u"Prompt") {
-    const HandleRef acting = WhenBoxOpens(std::move(act));
-    MessageBox box;
-    box.prompt = std::move(prompt);
-    box.buttons = value;
-    return TheDesktop().Boxes().Show(box);
+std::int16_t AnswerOf(std::int32_t buttons, std::function<void(QWidget&)> act) {
+    return ShowBox(std::move(act), {u"Prompt", buttons, {}, {}, 0});
 }
 
 struct SetCase {
@@ -53,7 +45,7 @@ const SetCase setCases[] = {
 TEST(MessageBoxTest, EachButtonOfEachSetAnswers) {
     for (const SetCase& set : setCases) {
         for (std::size_t i = 0; i < set.answers.size(); ++i) {
-            const auto answer = Show(set.set + critical, [&](QWidget& box) {
+            const auto answer = AnswerOf(set.set + critical, [&](QWidget& box) {
                 EXPECT_EQ(ButtonTexts(box).join(u' ').toStdString(), set.texts);
                 box.findChildren<QPushButton*>()[static_cast<qsizetype>(i)]->click();
             });
@@ -63,29 +55,23 @@ TEST(MessageBoxTest, EachButtonOfEachSetAnswers) {
 }
 
 TEST(MessageBoxTest, EnterPressesTheDefaultButton) {
-    const struct {
-        std::int32_t value;
-        std::int16_t answer;
-    } cases[] = {
+    const std::pair<std::int32_t, std::int16_t> cases[] = {
         {yesNoCancel, 6},
         {yesNoCancel + defaultButton2, 7},
         {yesNoCancel + defaultButton3, 2},
         {yesNo + defaultButton3, 6},  // there is no third button
-        {abortRetryIgnore + defaultButton2 + question, 4},
-        {retryCancel + defaultButton2 + systemModal, 2},
     };
-    for (const auto& [value, answer] : cases)
-        EXPECT_EQ(Show(value, [](QWidget& box) { Press(box, Qt::Key_Return); }), answer) << value;
+    for (const auto& [value, answer] : cases) EXPECT_EQ(AnswerOf(value, PressReturn), answer) << value;
 }
 
 TEST(MessageBoxTest, EscapeAndClosingCancel) {
+    const std::function<void(QWidget&)> ways[] = {
+        [](QWidget& box) { QTest::keyClick(box.windowHandle(), Qt::Key_Escape); },
+        [](QWidget& box) { box.windowHandle()->close(); }};
     for (const SetCase& set : setCases) {
-        for (const bool byKey : {true, false}) {
-            const auto answer = Show(set.set, [&](QWidget& box) {
-                if (byKey)
-                    Press(box, Qt::Key_Escape);
-                else
-                    box.windowHandle()->close();
+        for (const auto& leave : ways) {
+            const auto answer = AnswerOf(set.set, [&](QWidget& box) {
+                leave(box);
                 EXPECT_EQ(box.isVisible(), set.escape == 0) << set.texts;
                 if (box.isVisible()) box.findChildren<QPushButton*>().last()->click();
             });
@@ -95,50 +81,30 @@ TEST(MessageBoxTest, EscapeAndClosingCancel) {
 }
 
 TEST(MessageBoxTest, UnknownSetRaises) {
-    for (const std::int32_t value : {6, 7, 8, 15})
-        EXPECT_THROW(TheDesktop().Boxes().Show({u"", value, {}, {}, 0}), RuntimeError) << value;
+    for (const std::int32_t value : {6, 15})
+        EXPECT_THROW(AnswerOf(value, PressReturn), RuntimeError) << value;
 }
 
-TEST(MessageBoxTest, PromptIsPlainTextWithAllKindsOfLineBreaks) {
-    Show(
-        okOnly,
-        [](QWidget& box) {
+TEST(MessageBoxTest, PromptIsPlainTextBelowATitleThatMayBeEmpty) {
+    const std::pair<std::optional<Text>, const char*> titles[] = {{{}, "Default title"}, {u"", ""}};
+    for (const auto& [title, shown] : titles) {
+        const auto act = [&](QWidget& box) {
+            EXPECT_EQ(box.windowTitle().toStdString(), shown);
             EXPECT_EQ(PromptOf(box)->text().toStdString(), "<b>a</b>\nb & c\n\nd\ne");
             EXPECT_EQ(PromptOf(box)->textFormat(), Qt::PlainText);
-            EXPECT_EQ(box.windowTitle().toStdString(), "Default title");
-            Press(box, Qt::Key_Return);
-        },
-        u"<b>a</b>\rb & c\r\rd\r\ne");
-}
-
-TEST(MessageBoxTest, GivenTitleIsShownAlsoWhenEmpty) {
-    for (const Text& title : {Text(u"Given"), Text()}) {
-        const HandleRef acting = WhenBoxOpens([&](QWidget& box) {
-            EXPECT_EQ(box.windowTitle().toStdU16String(), title);
-            Press(box, Qt::Key_Return);
-        });
-        TheDesktop().Boxes().Show({u"Prompt", 0, title, {}, 0});
+            PressReturn(box);
+        };
+        ShowBox(act, {u"<b>a</b>\rb & c\r\rd\r\ne", 0, title, {}, 0});
     }
 }
 
-TEST(MessageBoxTest, HelpButtonIsDeadWithoutAHelpFile) {
-    Show(okOnly + helpButton, [](QWidget& box) {
-        const QPushButton* help = box.findChildren<QPushButton*>().last();
-        EXPECT_EQ(help->text().toStdString(), "Help");
-        EXPECT_FALSE(help->isEnabled());
-        Press(box, Qt::Key_Return);
-    });
-}
-
-TEST(MessageBoxTest, DirectionAndAlignmentFollowTheConstants) {
-    Show(okOnly + right + rightToLeft, [](QWidget& box) {
+TEST(MessageBoxTest, LookFollowsTheConstants) {
+    AnswerOf(okOnly + helpButton + right + rightToLeft + systemModal, [](QWidget& box) {
+        EXPECT_FALSE(box.findChildren<QPushButton*>().last()->isEnabled()) << "help without a file";
         EXPECT_EQ(box.layoutDirection(), Qt::RightToLeft);
         EXPECT_TRUE(PromptOf(box)->alignment().testFlag(Qt::AlignRight));
-        Press(box, Qt::Key_Return);
-    });
-    Show(okOnly + systemModal, [](QWidget& box) {
         EXPECT_TRUE(box.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-        Press(box, Qt::Key_Return);
+        PressReturn(box);
     });
 }
 
@@ -148,55 +114,32 @@ TEST(MessageBoxTest, LongPromptsStayOnTheScreen) {
         lines += u"line\r";
         word += u"unbreakable";
     }
-    for (const Text& prompt : {lines, word, lines + word}) {
-        Show(
-            okOnly,
-            [](QWidget& box) {
-                const QSize screen = QGuiApplication::primaryScreen()->availableSize();
-                EXPECT_LE(box.width(), screen.width());
-                EXPECT_LE(box.height(), screen.height());
-                Press(box, Qt::Key_Return);
-            },
-            prompt);
-    }
+    const auto act = [](QWidget& box) {
+        const QSize screen = QGuiApplication::primaryScreen()->availableSize();
+        EXPECT_LE(box.width(), screen.width());
+        EXPECT_LE(box.height(), screen.height());
+        PressReturn(box);
+    };
+    for (const Text& prompt : {lines, word, lines + word}) ShowBox(act, {prompt, 0, {}, {}, 0});
 }
 
-TEST(MessageBoxTest, StandsOverTheForm) {
-    SampleForm sample;
-    sample.form.Show();
-    Until([&] { return sample.Window()->isActiveWindow(); });
-    Show(okOnly, [&](QWidget& box) {
-        const QPoint apart = box.geometry().center() - sample.Window()->geometry().center();
+using BoxOverFormTest = FormTest;
+
+TEST_F(BoxOverFormTest, BoxStandsOverTheFormAndOutlivesIt) {
+    Show();
+    const auto answer = AnswerOf(yesNo, [&](QWidget& box) {
+        const QPoint apart = box.geometry().center() - Window()->geometry().center();
         EXPECT_LE(apart.manhattanLength(), 4);
-        EXPECT_EQ(box.windowHandle()->transientParent(), sample.Window()->windowHandle());
-        Press(box, Qt::Key_Return);
-    });
-}
-
-TEST(MessageBoxTest, OutlivesTheFormBehindIt) {
-    SampleForm sample;
-    sample.form.Show();
-    Until([&] { return sample.Window()->isActiveWindow(); });
-    const auto answer = Show(yesNo, [&](QWidget& box) {
-        sample.form.Unload();
-        Settle();
-        EXPECT_EQ(sample.Window(), nullptr);
+        EXPECT_EQ(box.windowHandle()->transientParent(), Handle());
+        TakeAway();
+        EXPECT_EQ(Window(), nullptr);
         box.findChildren<QPushButton*>().last()->click();
     });
     EXPECT_EQ(answer, 7);
 }
 
 TEST(WaitBoxTest, AnswersOnceClosedAndMayBeDroppedInside) {
-    const struct {
-        std::function<void(QWidget&)> act;
-        bool givesUp;
-    } cases[] = {
-        {[](QWidget& box) { box.findChildren<QPushButton*>().first()->click(); }, false},
-        {[](QWidget& box) { box.findChildren<QPushButton*>().last()->click(); }, true},
-        {[](QWidget& box) { Press(box, Qt::Key_Return); }, false},
-        {[](QWidget& box) { Press(box, Qt::Key_Escape); }, true},
-    };
-    for (const auto& [act, givesUp] : cases) {
+    for (const auto& [key, givesUp] : {std::pair(Qt::Key_Return, false), {Qt::Key_Escape, true}}) {
         std::vector<bool> answers;
         std::unique_ptr<WaitBox> box;
         box = TheDesktop().Waits().Open(u"Title", u"Wait?", [&](bool answer) {
@@ -205,20 +148,11 @@ TEST(WaitBoxTest, AnswersOnceClosedAndMayBeDroppedInside) {
             Settle();
             answers.push_back(answer);
         });
-        const HandleRef acting = WhenBoxOpens(act);
+        const HandleRef acting =
+            WhenBoxOpens([key](QWidget& shown) { QTest::keyClick(shown.windowHandle(), key); });
         EXPECT_TRUE(Until([&] { return !answers.empty(); }));
         EXPECT_EQ(answers, std::vector<bool>{givesUp});
     }
-}
-
-TEST(WaitBoxTest, DroppingClosesWithoutAnAnswer) {
-    bool answered = false;
-    auto box = TheDesktop().Waits().Open(u"Title", u"Wait?", [&](bool) { answered = true; });
-    EXPECT_TRUE(Until([] { return QApplication::activeModalWidget() != nullptr; }));
-    box.reset();
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-    Settle();
-    EXPECT_FALSE(answered);
 }
 
 TEST(ScreenTest, PointerSwitches) {

@@ -50,7 +50,6 @@ TEST(ContrastTest, InkStandsOutFromEachGround) {
 
 TEST(ContrastTest, LabelsStandOutFromEveryBackground) {
     const QColor label = ToQt(windowText);
-
     for (const auto& entry : std::filesystem::directory_iterator(BACKGROUNDS)) {
         QSvgRenderer renderer(QString::fromStdString(entry.path().string()));
         ASSERT_TRUE(renderer.isValid()) << entry.path();
@@ -66,18 +65,17 @@ TEST(ContrastTest, LabelsStandOutFromEveryBackground) {
     }
 }
 
-TEST(ContrastTest, WindowsStayLightOnADarkDesktop) {
+using DarkDesktopTest = FormTest;
+
+TEST_F(DarkDesktopTest, WindowsStayLightOnADarkDesktop) {
     QPalette dark;
     dark.setColor(QPalette::Window, Qt::black);
     dark.setColor(QPalette::WindowText, Qt::white);
-    SampleForm sample;
     QApplication::setPalette(dark);
-    sample.form.Show();
-    Settle();
-    const QImage shown = sample.Window()->grab().toImage();
+    Show();
+    const QImage shown = Window()->grab().toImage();
     QApplication::setPalette(LightPalette());
     EXPECT_GE(Contrast(shown.pixelColor(395, 295), QColor(look::ink)), forText);
-    sample.form.Unload();
 }
 
 }  // namespace

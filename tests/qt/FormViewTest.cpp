@@ -6,260 +6,162 @@
 namespace platform {
 namespace {
 
-class FormViewTest : public ::testing::Test {
+class FormViewTest : public FormTest {
   protected:
-    FormViewTest() {
-        sample.form.Unloaded = [this] { log += "unloaded "; };
-        sample.button.Click = [this] { log += "click "; };
-        sample.minute.GotFocus = [this] {
-            log += "+minute ";
-            sample.minute.SetSelStart(0);
-            sample.minute.SetSelLength(2);
+    void SetUp() override {
+        form.Unloaded = [this] { log += "unloaded "; };
+        // A run-time error ends its event, and nothing else.
+        button.Click = [this] {
+            log += "click ";
+            throw RuntimeError(ErrorNumber::Overflow);
         };
-        sample.minute.LostFocus = [this] { log += "-minute "; };
-        sample.half.GotFocus = [this] { log += "+half "; };
-        sample.half.LostFocus = [this] { log += "-half "; };
-    }
-    ~FormViewTest() override {
-        sample.form.Unload();
-        Settle();
+        minute.GotFocus = [this] {
+            log += "+minute ";
+            minute.SetSelStart(0);
+            minute.SetSelLength(2);
+        };
+        minute.LostFocus = [this] { log += "-minute "; };
+        half.GotFocus = [this] { log += "+half "; };
+        half.LostFocus = [this] { log += "-half "; };
     }
 
     void Show() {
-        sample.form.Show();
-        ASSERT_TRUE(Until([this] { return sample.Window()->isActiveWindow(); }));
-        sample.WidgetOf("chkTrack").setFocus();
+        FormTest::Show();
+        WidgetOf("chkTrack").setFocus();
         log.clear();
     }
-    QLineEdit& Minute() const { return static_cast<QLineEdit&>(sample.WidgetOf("txtMinute")); }
-    void Press(Qt::Key key) { QTest::keyClick(sample.Window()->windowHandle(), key); }
-
-    SampleForm sample;
-    std::string log;
+    QLineEdit& Minute() const { return static_cast<QLineEdit&>(WidgetOf("txtMinute")); }
 };
 
 TEST_F(FormViewTest, WindowHasTheFormsMeasures) {
-    sample.form.Caption = u"A [*] & title";
+    form.Caption = u"A [*] & title";
     Show();
-    QWidget& window = *sample.Window();
+    QWidget& window = *Window();
     EXPECT_EQ(window.geometry(), QRect(100, 80, 400, 300));
     EXPECT_EQ(window.minimumSize(), window.maximumSize());
     EXPECT_EQ(window.windowHandle()->title().toStdString(), "A [*] & title");
-    EXPECT_EQ(sample.WidgetOf("cmdButton").geometry(), QRect(10, 10, 65, 25));
-    sample.button.Left = 300;
-    EXPECT_EQ(sample.WidgetOf("cmdButton").x(), 20);
-    sample.button.Visible = false;
-    EXPECT_FALSE(sample.WidgetOf("cmdButton").isVisible());
-}
-
-TEST_F(FormViewTest, ControlsLieAboveLabelsAndImagesAddedLater) {
-    sample.image.Place(150, 150, 975, 375);
-    Show();
-    const QPoint place = sample.WidgetOf("cmdButton").geometry().center();
-    EXPECT_EQ(sample.Window()->childAt(place)->objectName().toStdString(), "cmdButton");
-    sample.button.Visible = false;
-    EXPECT_EQ(sample.Window()->childAt(place)->objectName().toStdString(), "imgBack");
+    EXPECT_EQ(WidgetOf("cmdButton").geometry(), QRect(10, 10, 65, 25));
+    button.Left = 300;
+    EXPECT_EQ(WidgetOf("cmdButton").x(), 20);
+    button.Visible = false;
+    EXPECT_FALSE(WidgetOf("cmdButton").isVisible());
 }
 
 TEST_F(FormViewTest, ClickReachesAnEnabledButtonOfAnEnabledForm) {
     Show();
-    sample.Click("cmdButton");
+    Click("cmdButton");
     EXPECT_EQ(log, "click ");
-    sample.form.Enabled = false;
-    sample.Click("cmdButton");
-    Press(Qt::Key_Space);
+    form.Enabled = false;
+    Click("cmdButton");
+    Key(Qt::Key_Space);
     EXPECT_EQ(log, "click ");
-    EXPECT_TRUE(sample.WidgetOf("cmdButton").isEnabled()) << "the look of a refusing form changed";
-    sample.form.Enabled = true;
-    sample.button.Enabled = false;
-    sample.Click("cmdButton");
+    EXPECT_TRUE(WidgetOf("cmdButton").isEnabled()) << "the look of a refusing form changed";
+    form.Enabled = true;
+    button.Enabled = false;
+    Click("cmdButton");
     EXPECT_EQ(log, "click +minute ") << "no click, but the focus went on";
 }
 
-TEST_F(FormViewTest, SpaceAndEnterPressTheButton) {
-    Show();
-    sample.WidgetOf("cmdButton").setFocus();
-    Press(Qt::Key_Space);
-    Press(Qt::Key_Return);
-    EXPECT_EQ(log, "click click ");
-}
-
-TEST_F(FormViewTest, CheckBoxTellsTheModelAndFollowsIt) {
-    int clicks = 0;
-    sample.track.Click = [&] { ++clicks; };
-    Show();
-    auto& box = static_cast<QAbstractButton&>(sample.WidgetOf("chkTrack"));
-    sample.Click("chkTrack");
-    EXPECT_EQ(sample.track.Value(), 1);
-    EXPECT_EQ(clicks, 1);
-    sample.track.SetValue(0);
-    EXPECT_FALSE(box.isChecked());
-    EXPECT_EQ(clicks, 2);
-    sample.track.Click = [&] {
-        if (sample.track.Value() == 1) sample.track.SetValue(0);
+TEST_F(FormViewTest, CheckBoxFollowsAModelThatRefuses) {
+    track.Click = [&] {
+        log += "check ";
+        if (track.Value() == 1) track.SetValue(0);
     };
-    sample.Click("chkTrack");
-    EXPECT_FALSE(box.isChecked()) << "the model refused";
+    Show();
+    Click("chkTrack");
+    EXPECT_EQ(log, "check check ");
+    EXPECT_FALSE(static_cast<QAbstractButton&>(WidgetOf("chkTrack")).isChecked());
 }
 
 TEST_F(FormViewTest, CloseUnloadsUnlessRefused) {
     Show();
-    QWindow* window = sample.Window()->windowHandle();
-    sample.form.Enabled = false;
+    QWindow* window = Handle();
+    form.Enabled = false;
     window->close();
-    EXPECT_TRUE(sample.form.IsLoaded());
-    sample.form.Enabled = true;
-    sample.form.Unloading = [](bool& cancel) { cancel = true; };
+    EXPECT_TRUE(form.IsLoaded());
+    form.Enabled = true;
+    form.Unloading = [](bool& cancel) { cancel = true; };
     window->close();
-    EXPECT_TRUE(sample.form.IsLoaded());
-    EXPECT_TRUE(sample.Window()->isVisible());
-    sample.form.Unloading = nullptr;
+    EXPECT_TRUE(form.IsLoaded());
+    EXPECT_TRUE(Window()->isVisible());
+    form.Unloading = nullptr;
     window->close();
     EXPECT_EQ(log, "unloaded ");
     Settle();
-    EXPECT_EQ(sample.Window(), nullptr);
+    EXPECT_EQ(Window(), nullptr);
 }
 
-TEST_F(FormViewTest, HideAndShowKeepTheWindow) {
+TEST_F(FormViewTest, FocusGoesByIndexAndAwayFromADisabledControlButNotToABox) {
     Show();
-    const QWidget* window = sample.Window();
-    sample.form.Hide();
-    EXPECT_EQ(sample.Window(), nullptr);
-    sample.form.Show();
-    EXPECT_EQ(sample.Window(), window);
-}
-
-TEST_F(FormViewTest, TabFollowsTheIndexesAndTellsTheFocus) {
-    Show();
-    sample.WidgetOf("txtHalf").setFocus();
+    WidgetOf("txtHalf").setFocus();
     EXPECT_EQ(log, "+half ");
-    Press(Qt::Key_Tab);
-    Press(Qt::Key_Tab);
+    Key(Qt::Key_Tab);
+    Key(Qt::Key_Tab);
     EXPECT_EQ(log, "+half -half +minute ");
-    EXPECT_EQ(Minute().selectedText().toStdString(), "00");
-}
-
-TEST_F(FormViewTest, PressThatBringsTheFocusKeepsTheSelectionOfTheHandler) {
-    Show();
-    for (int round = 0; round < 2; ++round) {
-        sample.Click("txtMinute");
-        EXPECT_EQ(Minute().selectedText().toStdString(), "00") << round;
-        sample.WidgetOf("cmdButton").setFocus();
-    }
-    sample.Click("txtMinute");
-    sample.Click("txtMinute");
-    EXPECT_FALSE(Minute().hasSelectedText());
-    EXPECT_EQ(sample.minute.SelLength(), 0) << "the model follows the operator";
-    sample.minute.SetSelStart(0);
-    sample.minute.SetSelLength(2);
-    EXPECT_EQ(Minute().selectedText().toStdString(), "00");
-}
-
-TEST_F(FormViewTest, BoxInFrontIsNoLossOfFocus) {
-    Show();
-    sample.Click("txtMinute");
     log.clear();
-    const HandleRef press =
-        WhenBoxOpens([](QWidget& box) { QTest::keyClick(box.windowHandle(), Qt::Key_Return); });
-    TheDesktop().Boxes().Show({u"Prompt", 0, {}, {}, 0});
-    sample.form.SetFocus();
-    ASSERT_TRUE(Until([this] { return sample.Window()->isActiveWindow(); }));
+    ShowBox(PressReturn);
+    form.SetFocus();
+    ASSERT_TRUE(Until([this] { return Window()->isActiveWindow(); }));
     EXPECT_EQ(log, "");
-    Press(Qt::Key_Tab);
+    EXPECT_EQ(Minute().selectedText().toStdString(), "00");
+    minute.Enabled = false;
     EXPECT_EQ(log, "-minute ");
 }
 
-TEST_F(FormViewTest, DisablingTheFocusedControlIsALoss) {
-    Show();
-    sample.Click("txtMinute");
-    sample.minute.Enabled = false;
-    EXPECT_EQ(log, "+minute -minute ");
-}
-
-TEST_F(FormViewTest, MouseUpTellsButtonAndPlaceInTwips) {
-    std::string got;
-    sample.frame.MouseUp = [&](forms::MouseButton button, std::int16_t shift, float x, float y) {
-        got = std::to_string(static_cast<int>(button)) + " " + std::to_string(shift) + " " +
-              std::to_string(static_cast<int>(x)) + " " + std::to_string(static_cast<int>(y));
-    };
-    Show();
-    QWindow* window = sample.Window()->windowHandle();
-    QTest::mouseClick(window, Qt::RightButton, Qt::ControlModifier, QPoint(350, 20));
-    EXPECT_EQ(got, "2 2 5250 300");
-    got.clear();
-    sample.frame.Enabled = false;
-    QTest::mouseClick(window, Qt::RightButton, {}, QPoint(350, 20));
-    EXPECT_EQ(got, "");
-}
-
-TEST_F(FormViewTest, FormSeesKeysFirst) {
-    sample.form.KeyDown = [this](std::int16_t code, std::int16_t shift) {
+TEST_F(FormViewTest, FormSeesTheKeysFirstThatPressAButton) {
+    form.KeyDown = [this](std::int16_t code, std::int16_t shift) {
         log += std::to_string(code) + "/" + std::to_string(shift) + " ";
     };
     Show();
-    sample.WidgetOf("cmdButton").setFocus();
-    QTest::keyClick(sample.Window()->windowHandle(), Qt::Key_F1, Qt::ShiftModifier);
-    Press(Qt::Key_Space);
-    EXPECT_EQ(log, "16/1 112/1 32/0 click ");
+    WidgetOf("cmdButton").setFocus();
+    Key(Qt::Key_F1, Qt::ShiftModifier);
+    Key(Qt::Key_Space);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(log, "16/1 112/1 32/0 click 13/0 click ");
 }
 
 TEST_F(FormViewTest, FollowsTheOperatorsMovesAndMovesItself) {
-    sample.form.Left = 1507;
+    form.Left = 1507;
     Show();
-    EXPECT_FLOAT_EQ(sample.form.Left, 1507) << "no move of a whole pixel";
-    ASSERT_NE(sample.Window()->pos(), sample.Window()->geometry().topLeft()) << "the window has a frame";
-    sample.Window()->setGeometry(200, 150, 400, 300);
-    EXPECT_TRUE(Until([this] { return sample.form.Left() == 3000.0F; }));
-    EXPECT_FLOAT_EQ(sample.form.Top, 2250);
-    sample.form.Move(750, 600);
-    EXPECT_EQ(sample.Window()->geometry().topLeft(), QPoint(50, 40));
+    EXPECT_FLOAT_EQ(form.Left, 1507) << "no move of a whole pixel";
+    ASSERT_NE(Window()->pos(), Window()->geometry().topLeft()) << "the window has a frame";
+    Window()->setGeometry(200, 150, 400, 300);
+    EXPECT_TRUE(Until([this] { return form.Left() == 3000.0F; }));
+    EXPECT_FLOAT_EQ(form.Top, 2250);
+    form.Move(750, 600);
+    EXPECT_EQ(Window()->geometry().topLeft(), QPoint(50, 40));
 }
 
 TEST_F(FormViewTest, EventsMayTakeTheFormAway) {
     const std::pair<const char*, std::function<void(std::function<void()>)>> events[] = {
-        {"cmdButton", [this](auto act) { sample.button.Click = act; }},
-        {"chkTrack", [this](auto act) { sample.track.Click = act; }},
-        {"txtMinute", [this](auto act) { sample.minute.GotFocus = act; }},
-        {"lblFrame", [this](auto act) { sample.frame.MouseUp = [act](auto...) { act(); }; }},
+        {"cmdButton", [this](auto act) { button.Click = act; }},
+        {"chkTrack", [this](auto act) { track.Click = act; }},
+        {"txtMinute", [this](auto act) { minute.GotFocus = act; }},
+        {"imgBack", [this](auto act) { image.MouseUp = [act](auto...) { act(); }; }},
     };
     for (const auto& [name, set] : events) {
         int gone = 0;
         set([&] {
             ++gone;
-            sample.form.Unload();
-            Settle();
+            TakeAway();
         });
         Show();
-        if (std::string(name) == "lblFrame")
-            QTest::mouseClick(sample.Window()->windowHandle(), Qt::LeftButton, {}, QPoint(350, 20));
-        else
-            sample.Click(name);
+        Click(name);
         Settle();
         EXPECT_EQ(gone, 1) << name;
-        EXPECT_EQ(sample.Window(), nullptr) << name;
+        EXPECT_EQ(Window(), nullptr) << name;
         set([] {});
     }
 }
 
 TEST_F(FormViewTest, KeyMayTakeTheFormAwayBeforeAControlSeesIt) {
-    sample.form.KeyDown = [this](std::int16_t, std::int16_t) { sample.form.Unload(); };
+    form.KeyDown = [this](std::int16_t, std::int16_t) { form.Unload(); };
     Show();
-    sample.WidgetOf("cmdButton").setFocus();
+    WidgetOf("cmdButton").setFocus();
     log.clear();
-    QTest::keyPress(sample.Window()->windowHandle(), Qt::Key_Return);
+    QTest::keyPress(Handle(), Qt::Key_Return);
     Settle();
     EXPECT_EQ(log, "unloaded ");
-}
-
-TEST_F(FormViewTest, RunTimeErrorOfAnEventEndsTheEventAlone) {
-    sample.button.Click = [this] {
-        log += "click ";
-        throw RuntimeError(ErrorNumber::Overflow);
-    };
-    Show();
-    sample.Click("cmdButton");
-    sample.Click("cmdButton");
-    EXPECT_EQ(log, "click click ");
 }
 
 }  // namespace

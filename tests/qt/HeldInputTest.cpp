@@ -3,120 +3,94 @@
 namespace platform {
 namespace {
 
-class HeldInputTest : public ::testing::Test {
+class HeldInputTest : public FormTest {
   protected:
-    HeldInputTest() {
-        sample.button.Click = [this] { log += "click "; };
-        sample.track.Click = [this] { log += "check "; };
-        sample.form.KeyDown = [this](std::int16_t code, std::int16_t) {
-            log += "key" + std::to_string(code) + " ";
-        };
-        sample.form.Unloaded = [this] { log += "unloaded "; };
-        sample.form.Show();
-        Until([this] { return sample.Window()->isActiveWindow(); });
+    void SetUp() override {
+        button.Click = [this] { log += "click "; };
+        track.Click = [this] { log += "check "; };
+        form.KeyDown = [this](std::int16_t, std::int16_t) { log += "key "; };
+        form.Unloaded = [this] { log += "unloaded "; };
+        Show();
     }
-    ~HeldInputTest() override {
-        sample.form.Unload();
-        Settle();
+    static HandleRef Hold() { return TheDesktop().Loop().HoldInput(); }
+    void ExpectInTheEnd(const char* expected) {
+        EXPECT_TRUE(Until([&] { return log == expected; })) << log;
     }
-
-    void Press(Qt::Key key) { QTest::keyClick(sample.Window()->windowHandle(), key); }
-
-    SampleForm sample;
-    std::string log;
 };
 
-TEST_F(HeldInputTest, ComesInOrderAfterTheLastHold) {
-    HandleRef first = TheDesktop().Loop().HoldInput();
-    HandleRef second = TheDesktop().Loop().HoldInput();
-    sample.Click("chkTrack");
-    Press(Qt::Key_F1);
-    sample.Click("cmdButton");
-    QTest::mouseClick(sample.Window()->windowHandle(), Qt::LeftButton, {}, QPoint(390, 290));
+TEST_F(HeldInputTest, ComesInOrderAfterTheLastHoldAndBeforeWhatIsNew) {
+    HandleRef first = Hold(), second = Hold();
+    Click("chkTrack");
+    Key(Qt::Key_F1);
+    Click("cmdButton");
     Settle();
     first.reset();
     Settle();
     EXPECT_EQ(log, "");
-    EXPECT_EQ(sample.track.Value(), 0);
+    EXPECT_EQ(track.Value(), 0);
     second.reset();
     EXPECT_EQ(log, "") << "delivered from inside the drop";
-    EXPECT_TRUE(Until([&] { return log == "check key112 click "; })) << log;
+    Click("chkTrack");
+    ExpectInTheEnd("check key click check ");
 }
 
 TEST_F(HeldInputTest, CloseRequestIsKept) {
-    HandleRef hold = TheDesktop().Loop().HoldInput();
-    QWidget* window = sample.Window();
-    window->windowHandle()->close();
+    HandleRef hold = Hold();
+    const QWidget* window = Window();
+    Handle()->close();
     Settle();
-    EXPECT_TRUE(sample.form.IsLoaded());
+    EXPECT_TRUE(form.IsLoaded());
     EXPECT_TRUE(window->isVisible());
     hold.reset();
-    EXPECT_TRUE(Until([&] { return log == "unloaded "; })) << log;
-    Settle();
-    EXPECT_EQ(sample.Window(), nullptr);
-}
-
-TEST_F(HeldInputTest, NewInputStaysBehindTheOld) {
-    HandleRef hold = TheDesktop().Loop().HoldInput();
-    sample.Click("cmdButton");
-    hold.reset();
-    sample.Click("chkTrack");
-    EXPECT_TRUE(Until([&] { return log == "click check "; })) << log;
+    ExpectInTheEnd("unloaded ");
 }
 
 TEST_F(HeldInputTest, HoldOpenedByTheFirstEventHoldsTheRest) {
-    HandleRef next;
-    sample.button.Click = [&] {
+    HandleRef hold = Hold(), next;
+    button.Click = [&] {
         log += "click ";
-        next = TheDesktop().Loop().HoldInput();
+        next = Hold();
     };
-    HandleRef hold = TheDesktop().Loop().HoldInput();
-    sample.Click("cmdButton");
-    sample.Click("chkTrack");
+    Click("cmdButton");
+    Click("chkTrack");
     hold.reset();
-    EXPECT_TRUE(Until([&] { return log == "click "; }));
+    ExpectInTheEnd("click ");
     Settle();
     EXPECT_EQ(log, "click ");
     next.reset();
-    EXPECT_TRUE(Until([&] { return log == "click check "; })) << log;
+    ExpectInTheEnd("click check ");
 }
 
 TEST_F(HeldInputTest, InputForAWindowThatWentIsForgotten) {
-    HandleRef hold = TheDesktop().Loop().HoldInput();
-    sample.Click("cmdButton");
-    sample.form.Unload();
+    HandleRef hold = Hold();
+    Click("cmdButton");
+    form.Unload();
     Settle();
     log.clear();
     hold.reset();
     Settle();
-    sample.form.Show();
-    Until([this] { return sample.Window()->isActiveWindow(); });
-    sample.Click("chkTrack");
+    Show();
+    Click("chkTrack");
     EXPECT_EQ(log, "check ");
 }
 
-TEST_F(HeldInputTest, BoxTakesInputMeanwhileAndCoversTheForm) {
-    HandleRef hold = TheDesktop().Loop().HoldInput();
-    sample.Click("cmdButton");
-    const HandleRef press =
-        WhenBoxOpens([](QWidget& box) { QTest::keyClick(box.windowHandle(), Qt::Key_Return); });
-    EXPECT_EQ(TheDesktop().Boxes().Show({u"Prompt", 0, {}, {}, 0}), 1);
+TEST_F(HeldInputTest, BoxTakesInputMeanwhile) {
+    HandleRef hold = Hold();
+    Click("cmdButton");
+    EXPECT_EQ(ShowBox(PressReturn), 1);
     EXPECT_EQ(log, "");
     hold.reset();
-    EXPECT_TRUE(Until([&] { return log == "click "; })) << log;
+    ExpectInTheEnd("click ");
 }
 
 TEST_F(HeldInputTest, ServingWithHeldInputWaits) {
-    const HandleRef hold = TheDesktop().Loop().HoldInput();
-    sample.Click("cmdButton");
+    const HandleRef hold = Hold();
+    Click("cmdButton");
     Settle();
     bool due = false;
     const HandleRef timer = TheDesktop().Loop().After(Milliseconds(50), [&] { due = true; });
     int rounds = 0;
-    while (!due) {
-        TheDesktop().Loop().ServeOnce();
-        ++rounds;
-    }
+    for (; !due; ++rounds) TheDesktop().Loop().ServeOnce();
     EXPECT_LT(rounds, 50);
 }
 

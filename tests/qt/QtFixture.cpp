@@ -45,6 +45,12 @@ void Settle() {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+void WaitLongerThanAStep() {
+    bool over = false;
+    const HandleRef end = TheDesktop().Loop().After(Milliseconds(600), [&] { over = true; });
+    Until([&] { return over; });
+}
+
 HandleRef WhenBoxOpens(std::function<void(QWidget&)> act) {
     return TheDesktop().Loop().Every(pollStep, [act = std::move(act), done = false]() mutable {
         QWidget* box = QApplication::activeModalWidget();
@@ -54,7 +60,16 @@ HandleRef WhenBoxOpens(std::function<void(QWidget&)> act) {
     });
 }
 
-SampleForm::SampleForm() {
+std::int16_t ShowBox(std::function<void(QWidget&)> act, const MessageBox& box) {
+    const HandleRef acting = WhenBoxOpens(std::move(act));
+    return TheDesktop().Boxes().Show(box);
+}
+
+void PressReturn(QWidget& box) {
+    QTest::keyClick(box.windowHandle(), Qt::Key_Return);
+}
+
+FormTest::FormTest() {
     form.Caption = u"Sample";
     form.Left = 1500;
     form.Top = 1200;
@@ -86,19 +101,32 @@ SampleForm::SampleForm() {
     menu.Items = {&blank, &item};
 }
 
-QWidget* SampleForm::Window() const {
+QWidget* FormTest::Window() const {
     for (QWidget* window : QApplication::topLevelWidgets())
         if (window->isVisible() && window->objectName() == QStringLiteral("dlgSample")) return window;
     return nullptr;
 }
 
-QWidget& SampleForm::WidgetOf(const char* name) const {
+QWidget& FormTest::WidgetOf(const char* name) const {
     return *Window()->findChild<QWidget*>(QLatin1String(name));
 }
 
-void SampleForm::Click(const char* name, Qt::MouseButton pressed) const {
-    const QWidget& widget = WidgetOf(name);
-    QTest::mouseClick(Window()->windowHandle(), pressed, {}, widget.geometry().center());
+void FormTest::Click(const char* name, Qt::MouseButton pressed) const {
+    QTest::mouseClick(Handle(), pressed, {}, WidgetOf(name).geometry().center());
+}
+
+void FormTest::Key(Qt::Key key, Qt::KeyboardModifiers modifiers) const {
+    QTest::keyClick(Handle(), key, modifiers);
+}
+
+void FormTest::TakeAway() {
+    form.Unload();
+    Settle();
+}
+
+void FormTest::Show() {
+    form.Show();
+    ASSERT_TRUE(Until([this] { return Window()->isActiveWindow(); }));
 }
 
 }  // namespace platform
@@ -107,6 +135,7 @@ int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     setenv("LC_ALL", "C.UTF-8", 1);
+    setenv("TZ", "UTC", 1);
     platform::argumentCount = argc;
     platform::argumentValues = argv;
     const int result = RUN_ALL_TESTS();
