@@ -195,6 +195,7 @@ void dlgAddin::CopyResponse(const ObjectRef& oResponse) {
 // and a host that leaves ends the wait at once.
 void dlgAddin::StartWaiting(const ObjectRef& exchange) {
     form_->Enabled = false;
+    services_.screen.SetPointer(MousePointer::Hourglass);
     waiting_ = std::make_unique<Waiting>();
     ArmWaitLimit();
     if (exchange) waiting_->ownerWatch = exchange->WhenOwnerGone([this] { AbandonRequest(); });

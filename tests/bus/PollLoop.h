@@ -5,25 +5,25 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <vector>
+#include <variant>
 
-#include "platform/runtime/EventLoop.h"
+#include "../unit/FakeTime.h"
 
 namespace platform::test {
 
 class PollLoop : public EventLoop {
   public:
     HandleRef After(Milliseconds delay, std::function<void()> call) override {
-        return Add({.due = Clock::now() + delay, .call = std::move(call)});
+        return sources_.Add({.due = Clock::now() + delay, .call = std::move(call)});
     }
     HandleRef Every(Milliseconds interval, std::function<void()> call) override {
-        return Add({.due = Clock::now() + interval, .interval = interval, .call = std::move(call)});
+        return sources_.Add({.due = Clock::now() + interval, .interval = interval, .call = std::move(call)});
     }
     HandleRef WhenReadable(int descriptor, std::function<void()> call) override {
-        return Add({.descriptor = descriptor, .events = POLLIN, .call = std::move(call)});
+        return sources_.Add({.descriptor = descriptor, .events = POLLIN, .call = std::move(call)});
     }
     HandleRef WhenWritable(int descriptor, std::function<void()> call) override {
-        return Add({.descriptor = descriptor, .events = POLLOUT, .call = std::move(call)});
+        return sources_.Add({.descriptor = descriptor, .events = POLLOUT, .call = std::move(call)});
     }
     void Run() override {
         while (!quit_) ServeOnce();
@@ -33,8 +33,10 @@ class PollLoop : public EventLoop {
     void ServeOnce() override {
         if (!Round(Milliseconds(20000))) throw std::logic_error("waits for what never happens");
     }
-    HandleRef HoldInput() override { return std::make_unique<Kept>(hold_); }
-    long Holds() const { return hold_.use_count() - 1; }
+    HandleRef HoldInput() override { return holds_.Add({}); }
+    std::ptrdiff_t Holds() const {
+        return std::count_if(holds_.begin(), holds_.end(), [](const auto& hold) { return !hold.expired(); });
+    }
 
     // Serves until the condition holds, for ten seconds at most. Gives the condition.
     bool ServeUntil(const std::function<bool()>& condition) {
@@ -57,17 +59,6 @@ class PollLoop : public EventLoop {
         Milliseconds interval{0};
         std::function<void()> call;
     };
-    // A source lives as long as its handle.
-    struct Kept : Handle {
-        explicit Kept(std::shared_ptr<void> what) : kept(std::move(what)) {}
-        std::shared_ptr<void> kept;
-    };
-
-    HandleRef Add(Source source) {
-        const auto added = std::make_shared<Source>(std::move(source));
-        sources_.push_back(added);
-        return std::make_unique<Kept>(added);
-    }
 
     bool Round(Milliseconds wait) {
         std::erase_if(sources_, [](const auto& source) { return source.expired(); });
@@ -93,8 +84,8 @@ class PollLoop : public EventLoop {
         return served;
     }
 
-    std::vector<std::weak_ptr<Source>> sources_;
-    std::shared_ptr<int> hold_ = std::make_shared<int>(0);
+    fakes::Sources<Source> sources_;
+    fakes::Sources<std::monostate> holds_;
     bool quit_ = false;
 };
 

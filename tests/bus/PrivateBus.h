@@ -15,11 +15,11 @@ class PrivateBus {
     // Starts the daemon and makes it the session bus of the environment.
     PrivateBus() {
         const std::string path = directory_.Path(), address = "unix:path=" + path + "/socket";
-        directory_.Write(
-            "bus.conf", "<busconfig><type>session</type><listen>" + address + "</listen><servicedir>" + path +
-                            "</servicedir><policy context='default'><allow send_destination='*'/>" +
-                            "<allow receive_sender='*'/><allow own='*'/></policy>" + Limit("message_size") +
-                            Limit("incoming_bytes") + Limit("outgoing_bytes") + "</busconfig>");
+        directory_.Write("bus.conf", "<busconfig><type>session</type><listen>" + address +
+                                         "</listen><policy context='default'><allow send_destination='*'/>" +
+                                         "<allow receive_sender='*'/><allow own='*'/></policy>" +
+                                         Limit("message_size") + Limit("incoming_bytes") +
+                                         Limit("outgoing_bytes") + "</busconfig>");
         const std::string command = "exec " DBUS_DAEMON " --nofork --print-address --config-file=" + path +
                                     "/bus.conf 2>" + path + "/log";
         int output[2];
@@ -40,12 +40,6 @@ class PrivateBus {
     }
     ~PrivateBus() { Stop(); }
 
-    // Has the daemon start `command` for a name. Only once someone has connected: until then the signal to
-    // read its directories anew would end the daemon.
-    void AddService(const std::string& name, const std::string& command) {
-        directory_.Write(name + ".service", "[D-BUS Service]\nName=" + name + "\nExec=" + command + "\n");
-        kill(daemon_, SIGHUP);
-    }
     void Stop() {
         if (daemon_ == 0) return;
         kill(daemon_, SIGKILL);

@@ -44,15 +44,6 @@ TEST_F(ReferenceTest, CountsUpAndDown) {
     EXPECT_EQ(after.number, 462);
 }
 
-TEST_F(ReferenceTest, ReleaseByOneWhoHoldsNothingIsRefused) {
-    const Reference reference = CreateForStranger(watched);
-    const Answer answer = RawPeer(loop).Call(reference, bus::objectInterface, "Release");
-    EXPECT_EQ(answer.error, bus::errorName);
-    EXPECT_EQ(answer.number, 5);
-    EXPECT_EQ(watched.gone, 0);
-    EXPECT_EQ(Plain(reference, "Retain").error, "");
-}
-
 TEST_F(ReferenceTest, ReleaseIsAnsweredAheadOfWhatFollows) {
     // The last client's going ends the process: all answers have to be out by then, even where the daemon
     // stands still at first and more is waiting than the connection takes.
@@ -77,14 +68,6 @@ TEST_F(ReferenceTest, ReleaseIsAnsweredAheadOfWhatFollows) {
     EXPECT_EQ(sd_bus_message_is_method_error(release->message.get(), nullptr), 0);
 }
 
-TEST_F(ReferenceTest, APeerThatLeavesGivesBackAll) {
-    Watched second;
-    Plain(CreateForStranger(watched), "Retain");
-    CreateForStranger(second);
-    stranger.Leave();
-    EXPECT_TRUE(loop.ServeUntil([&] { return watched.IsFree() && second.IsFree(); }));
-}
-
 TEST_F(ReferenceTest, APeerThatLeftBeforeItsAnswerHoldsNothing) {
     create = [&] { return stranger.Leave(), std::move(watched.object); };
     std::uint64_t cookie = 0;  // asked for, it makes the call one that wants an answer
@@ -104,16 +87,6 @@ TEST_F(ReferenceTest, InUseIsToldOnceEachWay) {
     EXPECT_EQ(told, std::vector{true});
     Plain(two, "Release");
     EXPECT_TRUE(loop.ServeUntil([&] { return told == std::vector{true, false}; }));
-}
-
-TEST_F(ReferenceTest, AnArgumentIsBorrowedForTheCall) {
-    const ObjectRef object =
-        Created({Method("Use", 1, [](Arguments& a) { return Call(a[0].ToObject(), "Name"); })});
-    Watched given({Named(u"called back")});
-    EXPECT_EQ(Call(object, "Use", given.object), Value(u"called back"));
-    loop.ServeReady();
-    EXPECT_EQ(given.gone, 0);
-    EXPECT_EQ(given.object.use_count(), 1);
 }
 
 TEST_F(ReferenceTest, AKeptArgumentIsRetainedAlsoWhereTheCallFails) {
@@ -189,15 +162,6 @@ TEST_F(ReferenceTest, AReferenceOfAThirdProcessIsRetainedThere) {
     EXPECT_TRUE(Comes("Retain"));
     kept = nullptr;
     EXPECT_TRUE(Comes("Release"));
-}
-
-TEST_F(ReferenceTest, AProcessThatCreatesItsOwnClassGetsTheObjectItself) {
-    create = [&] { return std::move(watched.object); };
-    kept = server->CreateObject(u"Test.cScripted");
-    EXPECT_EQ(kept, watched.weak.lock());
-    kept = nullptr;
-    loop.ServeReady();
-    EXPECT_TRUE(watched.weak.expired());
 }
 
 TEST_F(ReferenceTest, AnOwnerThatLeavesIsToldOfAlsoAfterTheFact) {

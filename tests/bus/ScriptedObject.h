@@ -7,7 +7,7 @@ namespace platform::test {
 
 class ScriptedObject : public Object {
   public:
-    explicit ScriptedObject(std::vector<Member> members) : description_{"Scripted", std::move(members)} {}
+    explicit ScriptedObject(ClassDescription description) : description_(std::move(description)) {}
     const ClassDescription& Class() const override { return description_; }
     void LastClientGone() override {
         if (whenLastClientGone) whenLastClientGone();
@@ -19,7 +19,7 @@ class ScriptedObject : public Object {
 };
 
 inline std::shared_ptr<ScriptedObject> Scripted(std::vector<Member> members = {}) {
-    return std::make_shared<ScriptedObject>(std::move(members));
+    return std::make_shared<ScriptedObject>(ClassDescription{"Scripted", std::move(members)});
 }
 
 // A method with so many arguments of any kind; `call` takes them and gives a result or nothing.

@@ -54,8 +54,8 @@ TEST_F(WaitTest, CallsFromInsideCallsAreRefusedAsBusyBeforeTheStackEnds) {
     std::vector<MessageRef> asked;
     const auto answering = loop.Every(Milliseconds(1), [&] {
         if (!asked.empty() || stranger.calls.size() + std::size_t(answered()) < calls.size()) return;
-        EXPECT_EQ(Plain(object, "Retain").error, "") << "references are counted all the same";
         asked = std::exchange(stranger.calls, {});
+        EXPECT_EQ(Plain(object, "Retain").error, "") << "references are counted all the same";
         for (const MessageRef& question : asked) stranger.ReturnResult(question, "s", "");
     });
     EXPECT_TRUE(loop.ServeUntil([&] { return answered() == 100; }));

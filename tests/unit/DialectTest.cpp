@@ -8,20 +8,16 @@ namespace {
 TEST(DialectTest, TranslatesNamesAndStrings) {
     const std::pair<const char16_t*, const char16_t*> cases[] = {
         {u"", u""},
-        {u"select Prompt from tMsgBox", u"select Prompt from tMsgBox"},
         {u"select ObjectName,Index,Caption from t", u"select ObjectName,[Index],Caption from t"},
         {u"select INDEX, tControls.Index", u"select [INDEX], tControls.[Index]"},
         {u"select BasePanelIndex, Index2 from t", u"select BasePanelIndex, Index2 from t"},
         {u"select Größe,Index", u"select Größe,[Index]"},
         {u"select [Index], `Index` from [From]", u"select [Index], `Index` from [From]"},
-        {u"Delete from t", u"[Delete] from t"},
         {u"a = \"Horalink.mra\"", u"a = 'Horalink.mra'"},
-        {u"a = \"\"", u"a = ''"},
         {u"a = \"say \"\"Index\"\"\"", u"a = 'say \"Index\"'"},
         {u"a = \"it's\"", u"a = 'it''s'"},
         {u"a = 'it''s \"Index\"'", u"a = 'it''s \"Index\"'"},
         {u"a = '[' and Index = ']'", u"a = '[' and [Index] = ']'"},
-        {u"a = \"open", u"a = 'open"},
         {u"a = \"open\"\"", u"a = 'open\""},
         {u"a = \"", u"a = '"},
         {u"a = 'open Index", u"a = 'open Index"}};
@@ -33,8 +29,6 @@ TEST(DialectTest, TheRowsNumberStandsBeforeTheOtherColumnsOfASelection) {
         {u"  SELECT * FROM Registry", u"select rowid, * FROM Registry"},
         {u"select a from t where b = 'group'", u"select rowid, a from t where b = 'group'"},
         {u"select a from t Group by a", {}},
-        {u"selected", {}},
-        {u"with x as (select 1) select * from x", {}},
         {u"  ", {}}};
     for (const auto& [query, expected] : cases) EXPECT_EQ(WithRowNumber(query), expected) << ToUtf8(query);
 }

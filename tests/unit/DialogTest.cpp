@@ -268,6 +268,46 @@ TEST_F(DialogTest, TheWaitBoxIsTheWayOutOfAnAnswerThatNeverComes) {
     EXPECT_EQ(computer.waits.opened.size(), 3U);
 }
 
+TEST_F(DialogTest, AnswersThatComeWhileABoxIsOpenWaitBehindIt) {
+    Open();
+    Request(2);
+    Deliver(Response(0, u"LOOKUP_CLOCK"));
+    computer.boxes.whileOpen = [&] {
+        computer.boxes.whileOpen = nullptr;
+        for (int i = 0; i < 3; ++i) {
+            Deliver(Response(0, u"UPDATE_CLOCK"));
+            PassTick();
+        }
+        EXPECT_EQ(computer.boxes.shown.size(), 1U);
+    };
+    PassTick();
+    for (int i = 0; i < 3; ++i) PassTick();
+    EXPECT_EQ(computer.boxes.shown.size(), 2U) << "the last of them";
+    EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
+    EXPECT_TRUE(IsIdle());
+}
+
+TEST_F(DialogTest, OnlyTheAnswerToThisRequestSavesWaitingWhereItComesAsSoonAsTheRequestIsTaken) {
+    Open();
+    for (const char16_t* login : {u"L1", u"L0"}) {
+        told.clear();
+        host->answers["ShowMessage"] = [&](Arguments& a) {
+            told.push_back(ToUtf8(a[0].ToText()));
+            if (told.back() != "entry 3: taken") return Value();
+            const auto response = Response(0, u"UPDATE_CLOCK");
+            response->answers["LoginID"] = Gives(login);
+            Deliver(response);
+            return Value();
+        };
+        Request(2);
+        EXPECT_EQ(form.Enabled, login == Text(u"L1"));
+        EXPECT_EQ(computer.screen.pointer == MousePointer::Default, form.Enabled);
+        PassTick();
+        EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
+        computer.boxes.shown.clear();
+    }
+}
+
 TEST_F(DialogTest, AHostThatLeavesEndsTheWaitAtOnce) {
     Open();
     Request(2);

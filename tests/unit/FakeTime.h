@@ -1,6 +1,9 @@
 // Time that passes when a test says so.
 #pragma once
 
+#include <algorithm>
+#include <vector>
+
 #include "platform/runtime/Date.h"
 #include "platform/runtime/EventLoop.h"
 
@@ -9,15 +12,31 @@ namespace fakes {
 using platform::HandleRef;
 using platform::Milliseconds;
 
+// Sources of events, each of which lives as long as its handle.
+template <class Source>
+struct Sources : std::vector<std::weak_ptr<Source>> {
+    HandleRef Add(Source source) {
+        const auto added = std::make_shared<Source>(std::move(source));
+        this->push_back(added);
+        return std::make_unique<Kept>(added);
+    }
+
+  private:
+    struct Kept : platform::Handle {
+        explicit Kept(std::shared_ptr<Source> source) : kept(std::move(source)) {}
+        std::shared_ptr<Source> kept;
+    };
+};
+
 // A scheduler or an event loop.
 template <class Base>
 class FakeTime : public Base {
   public:
     HandleRef After(Milliseconds delay, std::function<void()> call) override {
-        return Add({now_ + delay, Milliseconds(0), std::move(call)});
+        return timers_.Add({now_ + delay, Milliseconds(0), std::move(call)});
     }
     HandleRef Every(Milliseconds interval, std::function<void()> call) override {
-        return Add({now_ + interval, interval, std::move(call)});
+        return timers_.Add({now_ + interval, interval, std::move(call)});
     }
     void Pass(int milliseconds) {
         const Milliseconds end = now_ + Milliseconds(milliseconds);
@@ -27,7 +46,7 @@ class FakeTime : public Base {
             next->call();
             next.reset();  // it may have been dropped inside its call
         }
-        now_ = end;
+        now_ = std::max(now_, end);  // more may have passed inside a call
     }
 
   private:
@@ -35,16 +54,6 @@ class FakeTime : public Base {
         Milliseconds due, interval;
         std::function<void()> call;
     };
-    // A timer lives as long as its handle.
-    struct Kept : platform::Handle {
-        explicit Kept(std::shared_ptr<Timer> kept) : timer(std::move(kept)) {}
-        std::shared_ptr<Timer> timer;
-    };
-    HandleRef Add(Timer timer) {
-        const auto added = std::make_shared<Timer>(std::move(timer));
-        timers_.push_back(added);
-        return std::make_unique<Kept>(added);
-    }
     std::shared_ptr<Timer> First() const {
         std::shared_ptr<Timer> first;
         for (const auto& weak : timers_)
@@ -53,7 +62,7 @@ class FakeTime : public Base {
     }
 
     Milliseconds now_{0};
-    std::vector<std::weak_ptr<Timer>> timers_;
+    Sources<Timer> timers_;
 };
 
 struct FakeClock : platform::Clock {

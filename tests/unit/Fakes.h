@@ -18,10 +18,15 @@ using namespace platform;
 struct Ended {};
 
 struct FakeBoxes : MessageBoxes {
-    std::int16_t Show(const MessageBox& box) override { return shown.push_back(box), answer; }
+    std::int16_t Show(const MessageBox& box) override {
+        shown.push_back(box);
+        if (whileOpen) whileOpen();
+        return answer;
+    }
     std::string LastPrompt() const { return shown.empty() ? "" : ToUtf8(shown.back().prompt); }
     std::vector<MessageBox> shown;
     std::int16_t answer = 1;
+    std::function<void()> whileOpen;
 };
 
 struct FakeScreen : Screen {

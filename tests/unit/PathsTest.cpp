@@ -21,16 +21,13 @@ TEST_F(PathsTest, FindsWithoutRegardToCaseAndPrefersTheExactSpelling) {
     const std::pair<const char16_t*, const char*> cases[] = {
         {u"Mora32\\Database\\Common.LNG", "Mora32/Database/Common.LNG"},
         {u"MORA32\\DATABASE\\common.lng", "Mora32/Database/Common.LNG"},
-        {u"MORA32/DATABASE\\", "Mora32/Database"},
         {u"GRÖßE\\Ж.TXT", "größe/ж.txt"},
         {u"exact\\FILE", "exact/file"},
         {u"Exact\\file", "Exact/file"},
-        {u"EXACT\\file", "EXACT/file"},
         {u"DATA\\SUB\\FILE", "data/Sub/File"},  // every directory that matches is tried
         {u"DATA\\OTHER", "DATA/other"},
         {u"FILE\\inside", "file/inside"},        // a file where a directory is needed is passed
         {u"MORA32\\New.Txt", "Mora32/New.Txt"},  // what does not exist keeps its spelling
-        {u"NOWHERE\\At\\ALL", "NOWHERE/At/ALL"},
         {u"BACKGRND\\PICTURE.PNG\\Below", "Backgrnd/picture.png/Below"},
         {u"ADDINS\\..\\BACKGRND\\PICTURE.PNG", "Backgrnd/picture.png"},  // dots are taken away by text
         {u"missing\\..\\.\\BACKGRND\\\\picture.png", "Backgrnd/picture.png"}};
@@ -43,7 +40,6 @@ TEST_F(PathsTest, LeavesTheKindOfThePath) {
     const std::pair<const char16_t*, const char*> cases[] = {{u"", ""},
                                                              {u"\\", "/"},
                                                              {u"\\..\\..", "/"},
-                                                             {u"C:\\No Such\\x", "C:/No Such/x"},
                                                              {u"..\\no such\\..\\..\\no-x", "../../no-x"},
                                                              {u"\\no-such\\Name.TXT", "/no-such/Name.TXT"},
                                                              {u"SUB\\FILE", "Sub/File"}};

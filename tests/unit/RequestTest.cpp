@@ -9,27 +9,9 @@ using namespace platform;
 
 namespace {
 
-TEST(RecordTest, ANewRecordHasItsDefaults) {
-    const auto record = std::make_shared<cListRequest>();
-    const std::pair<const char*, Value> defaults[] = {{"Count", std::int16_t{0}},
-                                                      {"ObjectID", u"1"},
-                                                      {"ErrCode", std::int32_t{0}},
-                                                      {"CommandType", std::int16_t{20}},
-                                                      {"ShowBusy", true},
-                                                      {"WaitFlag", true},
-                                                      {"CompIndication", false},
-                                                      {"Mode", std::int16_t{0}},
-                                                      {"Tag", u""},
-                                                      {"LoginID", u""},
-                                                      {"Key", u""},
-                                                      {"TimeTag", u""}};
-    for (const auto& [name, value] : defaults) EXPECT_EQ(Get(record, name), value) << name;
-}
-
 TEST(RecordTest, ItemsOutsideTheCountReadEmptyAndTakeNothing) {
     const auto record = std::make_shared<cListRequest>();
     for (const char16_t* cmd : {u"a", u"b", u"c"}) Call(record, "AddToList", cmd);
-    EXPECT_EQ(Get(record, "Count").ToInteger(), 3);
     EXPECT_EQ(Get(record, "CMD", 2).ToText(), u"c");
     for (const int index : {3, -1, 32767, -32768}) {
         Put(record, "CMD", index, u"x");
@@ -82,17 +64,9 @@ TEST(AnswerTextTest, Codes) {
         {-1, {u"", u"ok", u"O", u" OK", u"OK" + Text(28, u' '), u"DATA", u"2026", u"11/18", u"12:30:45"}},
         {100, {u"OK", u"OK" + Text(23, u' '), u"12345OK" + Text(23, u' ')}},
         {2, {u"CODE NOT ALLOWED", u"CODE NOTALLOWED"}},
-        {0, {u"DIGIT ERROR"}},
-        {1, {u"DATA ERROR"}},
         {15, {u"SEE CM"}},
-        {104, {u"ERROR 12"}},
-        {106, {u"COMMAND="}},
-        {60, {u"LNK_TIMEOUT"}},
-        {77, {u"LNK_NO_IPPBX"}},
-        {80, {u"LNK_OK"}},
         {83, {u"LNK_STN", u"LNK_STN_X"}},
         {86, {u"LNK_STN_ZOLAN"}},
-        {89, {u"LNK_STN_ISDN"}},
         {94, {u"LNK_STN_ZOLANIP"}}};
     for (const auto& [code, texts] : cases)
         for (const Text& text : texts) EXPECT_EQ(LookupAnswerText(text), code) << ToUtf8(text);

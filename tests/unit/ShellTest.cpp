@@ -30,34 +30,6 @@ TEST_F(ShellTest, AnAutomationRunPreparesAndShowsNothing) {
     EXPECT_EQ(main.Data().MarketCode, u"10001") << "the default where it is not in the path";
 }
 
-TEST_F(ShellTest, EachStepThatFailsIsTheLastAndShowsOneNotice) {
-    const std::pair<std::function<void()>, std::size_t> faults[] = {
-        {[&] { computer.language->answers.erase(fakes::Computer::messagesQuery); }, 2},
-        {[&] { computer.language->answers.erase(fakes::Computer::projectQuery); }, 2},
-        {[&] { computer.engine.files.erase(u"Horalink.lng"); }, 2},
-        {[&] { computer.engine.files.erase(u"Common.LNG"); }, 1}};
-    for (const auto& [fault, opened] : faults) {
-        fault();
-        computer.engine.opened.clear();
-        computer.boxes.shown.clear();
-        EXPECT_THROW(main.Main(), fakes::Ended);
-        ASSERT_EQ(computer.boxes.shown.size(), 1U);
-        EXPECT_EQ(computer.boxes.shown[0].title, u"System Fatal Notice");
-        EXPECT_EQ(computer.engine.opened.size(), opened);
-    }
-}
-
-TEST_F(ShellTest, AnyOtherStartModeIsAStandAloneRun) {
-    computer.app.startMode = 0;
-    for (const char16_t* command : {u"", u"  ", u"Main Office"}) {
-        computer.app.command = command;
-        AddInMain run(computer.services);
-        run.Main();
-        EXPECT_TRUE(run.Data().IsStandalone);
-        EXPECT_EQ(run.Dialog().Window().Visible(), !computer.app.command.empty()) << ToUtf8(command);
-    }
-}
-
 struct LayerTest : ShellTest {
     LayerTest() {
         main.Main();
@@ -67,15 +39,6 @@ struct LayerTest : ShellTest {
     Calls calls;
     std::shared_ptr<fakes::RecordedObject> host = std::make_shared<fakes::RecordedObject>(calls);
 };
-
-TEST_F(LayerTest, CreatingLoadsTheDialogWithoutShowingIt) {
-    const auto layer = cOLELayer::Create(main);
-    EXPECT_TRUE(main.Dialog().Window().IsLoaded());
-    EXPECT_FALSE(Get(layer, "Visible").ToBoolean());
-    EXPECT_EQ(computer.app.waits.busyTimeout, 10000);
-    EXPECT_EQ(computer.app.waits.pendingTimeout, 20000);
-    EXPECT_EQ(computer.app.helpFile, u"C:\\VELMORA32\\10001\\ADDINS\\HELP\\Horalink.HLP");
-}
 
 TEST_F(LayerTest, TheTitleTakesOneMarkForEachName) {
     const auto layer = cOLELayer::Create(main);

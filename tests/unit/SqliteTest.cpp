@@ -99,16 +99,6 @@ TEST_F(SqliteTest, ReadsRowsInOrder) {
     EXPECT_EQ(ErrorOf([&] { rows->MoveNext(); }), 3021);
 }
 
-TEST_F(SqliteTest, BringsTheCountAlongWithTheRows) {
-    const auto rows =
-        Rows(u"SELECT * FROM tMessages UNION SELECT -1, COUNT(*) FROM tMessages ORDER BY ID", forwardOnly);
-    EXPECT_EQ(rows->Field(u"Caption").ToInteger(), 3);
-    for (const TextView expected : {u"zero", u"one", u""}) {
-        rows->MoveNext();
-        EXPECT_EQ(rows->Field(u"Caption").ToTextOrEmpty(), expected);
-    }
-}
-
 TEST_F(SqliteTest, GivesEachKindOfValue) {
     const std::pair<TextView, Value> kinds[] = {{u"whole", std::int32_t{2147483647}},
                                                 {u"least", std::numeric_limits<std::int32_t>::min()},
@@ -124,11 +114,7 @@ TEST_F(SqliteTest, GivesEachKindOfValue) {
         EXPECT_EQ(rows->Field(u"Name"), Value(u"binary"));
         EXPECT_EQ(ErrorOf([&] { rows->Field(u"Value"); }), 13) << "refused where it is read";
         EXPECT_EQ(ErrorOf([&] { rows->Field(u"Caption"); }), 3265);
-        EXPECT_EQ(ErrorOf([&] { rows->Field(u""); }), 3265);
     }
-    const auto row = Rows(u"select AppName,Index from Registry where Index = -1", forwardOnly);
-    EXPECT_EQ(row->Field(u"Index"), Value(std::int32_t{-1})) << "by its plain name";
-    EXPECT_EQ(row->Field(u"AppName"), Value(u"Other.mra"));
 }
 
 TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
@@ -140,8 +126,6 @@ TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
                   u"The table 'tProject' was not found in Test.mdb"},
                  {u"select Title from Registry", DataError::NoSuchQueryField, u"'Title'"},
                  {u"select Index from Kinds", DataError::NoSuchQueryField, u"'Index'"},
-                 {u"select [Title] from Kinds", DataError::NoSuchQueryField, u"'Title'"},
-                 {u"select * from Kinds order by ID", DataError::NoSuchQueryField, u"'ID'"},
                  {u"SELECT * FROM Kinds UNION SELECT -1, COUNT(*) FROM Kinds ORDER BY ID",
                   DataError::NoSuchQueryField, u"sorted"},
                  {u"SELECT * FROM Registry UNION SELECT -1, COUNT(*) FROM Registry ORDER BY ID",
@@ -169,28 +153,10 @@ TEST_F(SqliteTest, ChangesTheCurrentRowAlone) {
     rows->Update();
     EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020) << "the edit has ended";
     EXPECT_EQ(rows->Field(u"Version"), Value(u"13.0.1"));
-    EXPECT_EQ(rows->Field(u"Count"), Value(std::int32_t{2}));
     rows->MoveNext();
     EXPECT_EQ(rows->Field(u"Version"), Value(u"3.0"));
     EXPECT_EQ(Single(u"select group_concat(AppName || Version || Count || [Index]) from Registry"),
               Value(u"Other.mra1.01-1,Horalink.mra13.0.120,Horalink.mra3.031"));
-}
-
-TEST_F(SqliteTest, WritesEachKindOfValueAsTheFieldTakesIt) {
-    const auto rows = Rows(u"select Version as V, Count as C from Registry");
-    const struct {
-        TextView field;
-        Value written, read;
-    } cases[] = {{u"C", u"7", std::int32_t{7}}, {u"C", true, std::int32_t{-1}}, {u"C", 0.5, 0.5},
-                 {u"V", std::int16_t{5}, u"5"}, {u"V", u"Größe 𝄞", u"Größe 𝄞"}, {u"V", Null(), Null()}};
-    for (const auto& [field, written, read] : cases) {
-        EXPECT_EQ(Change(*rows, field, written), 0);
-        EXPECT_EQ(rows->Field(field), read);
-    }
-    EXPECT_EQ(Change(*rows, u"V", Missing()), 13);
-    EXPECT_EQ(Change(*rows, u"V", ObjectRef()), 13);
-    EXPECT_EQ(Single(u"select count(*) from Registry where Version is null and Count = 0.5"),
-              Value(std::int32_t{1}));
 }
 
 TEST_F(SqliteTest, EditsInOrderOnly) {
@@ -205,10 +171,6 @@ TEST_F(SqliteTest, EditsInOrderOnly) {
     rows->MoveNext();
     EXPECT_EQ(ErrorOf([&] { rows->Edit(); }), 3021);
     EXPECT_EQ(Single(u"select count(*) from Registry where Version = 'dropped'"), Value(std::int32_t{0}));
-    const auto none = Rows(u"SELECT * FROM Registry WHERE AppName = \"None.mra\"");
-    EXPECT_EQ(none->RecordCount(), 0);
-    EXPECT_TRUE(none->EndOfFile());
-    EXPECT_EQ(ErrorOf([&] { none->Edit(); }), 3021);
 }
 
 TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
@@ -218,9 +180,9 @@ TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
         "insert into Keyed values (1);");
     for (const TextView query :
          {u"SELECT * FROM tMessages UNION SELECT -1, COUNT(*) FROM tMessages ORDER BY ID",
-          u"select Registry.AppName, Other.x from Registry, Other", u"select AppName from Registry, Other",
-          u"select distinct AppName from Registry", u"select AppName from Registry group by AppName",
-          u"select count(*) as c from Registry", u"select * from Shown", u"select * from Keyed",
+          u"select AppName from Registry, Other", u"select distinct AppName from Registry",
+          u"select AppName from Registry group by AppName", u"select count(*) as c from Registry",
+          u"select * from Shown", u"select * from Keyed",
           u"select * from (select AppName from Registry limit 1)",
           u"select Version || '.' as v from Registry"}) {
         EXPECT_FALSE(Rows(query)->EndOfFile()) << ToUtf8(query);
@@ -267,11 +229,9 @@ TEST_F(SqliteTest, PermissionsDecideWhatCanBeDone) {
 TEST_F(SqliteTest, OpensNothingButDatabases) {
     RunElsewhere("vacuum");
     const std::string whole(std::istreambuf_iterator<char>(std::ifstream(file).rdbuf()), {});
-    const std::pair<Text, std::int32_t> cases[] = {
-        {Text(u"Missing.mdb"), 3024}, {Text(u""), 3024},        {Text(u"empty"), 3343}, {Text(u"text"), 3343},
-        {Text(u"short"), 3343},       {Text(u"damaged"), 3343}, {Text(u"TEST.MDB"), 0}};
+    const std::pair<const char16_t*, std::int32_t> cases[] = {
+        {u"Missing.mdb", 3024}, {u"empty", 3343}, {u"short", 3343}, {u"damaged", 3343}, {u"TEST.MDB", 0}};
     directory.Write("empty");
-    directory.Write("text", std::string(4096, 'x'));
     directory.Write("short", "SQLite format 3");
     directory.Write("damaged", std::string(whole).replace(100, 200, 200, '\x7f'));
     for (const auto& [name, number] : cases)
@@ -279,8 +239,6 @@ TEST_F(SqliteTest, OpensNothingButDatabases) {
                   number)
             << ToUtf8(name);
     EXPECT_FALSE(fs::exists(directory.Path() / "Missing.mdb"));
-    for (const TextView path : {u"", u":memory:"})
-        EXPECT_EQ(ErrorOf([&] { engine->OpenDatabase(path); }), 3024) << ToUtf8(path);
 }
 
 TEST_F(SqliteTest, TellsOfLocks) {
@@ -299,22 +257,18 @@ TEST_F(SqliteTest, TellsOfLocks) {
 TEST_F(SqliteTest, WhatIsClosedAnswersNothingAndLetsGoOfTheFile) {
     for (const auto type : {forwardOnly, dynaset}) {
         const auto database = Open();
-        const auto alone = database->OpenRecordset(horalink, type),
-                   with = database->OpenRecordset(horalink, type);
-        alone->Close();
+        const auto rows = database->OpenRecordset(horalink, type);
+        database->OpenRecordset(horalink, type)->Close();
         EXPECT_EQ(OpenDescriptors(), 1);
         database->Close();
         EXPECT_EQ(OpenDescriptors(), 0);
-        for (Recordset* rows : {alone.get(), with.get()}) {
-            const std::function<void()> members[] = {
-                [&] { rows->EndOfFile(); }, [&] { rows->Field(u"Version"); },
-                [&] { rows->MoveNext(); },  [&] { rows->RecordCount(); },
-                [&] { rows->Edit(); },      [&] { rows->SetField(u"Version", u"x"); },
-                [&] { rows->Update(); },    [&] { rows->Close(); }};
-            for (const auto& member : members) EXPECT_EQ(ErrorOf(member), 3420);
-        }
-        EXPECT_EQ(ErrorOf([&] { database->OpenRecordset(horalink, type); }), 3420);
-        EXPECT_EQ(ErrorOf([&] { database->Close(); }), 3420);
+        const std::function<void()> members[] = {
+            [&] { rows->EndOfFile(); }, [&] { rows->Field(u"Version"); },
+            [&] { rows->MoveNext(); },  [&] { rows->RecordCount(); },
+            [&] { rows->Edit(); },      [&] { rows->SetField(u"Version", u"x"); },
+            [&] { rows->Update(); },    [&] { rows->Close(); },
+            [&] { database->Close(); }, [&] { database->OpenRecordset(horalink, type); }};
+        for (const auto& member : members) EXPECT_EQ(ErrorOf(member), 3420);
     }
     auto rows = Rows(horalink, forwardOnly);
     rows->MoveNext();
