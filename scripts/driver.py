@@ -68,14 +68,22 @@ class Driver:
                 if application is None or self._program_of(application) != program:
                     continue
                 for window in self._children(application):
-                    if window.get_state_set().contains(Atspi.StateType.SHOWING):
+                    if self._is_showing(window):
                         yield window
             except GLib.Error:
                 continue  # it went away while it was looked at
 
+    @staticmethod
+    def _is_showing(window):
+        """False for one that is listed but gone, which must not hide those behind it."""
+        try:
+            return window.get_state_set().contains(Atspi.StateType.SHOWING)
+        except GLib.Error:
+            return False
+
     def popup(self, program):
-        """The title of what has popped up, a menu's being the program's name; nothing where nothing has. Assistive
-        programs aren't told of these windows, but no window manager takes them in."""
+        """The title of what has popped up, a menu's being the program's name; nothing where nothing has. These are
+        the windows that no window manager takes in."""
         search = ["search", "--onlyvisible", "--maxdepth", "1", "--class", program, "getwindowname"]
         return self._ask_xdotool(*search).strip() or None
 
@@ -167,6 +175,10 @@ class Driver:
         wait_for(lambda: self.is_enabled(node), LIMIT, f"'{node.get_name()}' to be enabled")
         self.aim(node, place)
         self._xdotool("click", button)
+
+    def click_here(self):
+        """A click where the pointer is already."""
+        self._xdotool("click", 1)
 
     def click_twice(self, node):
         """Two clicks at once, as an impatient operator's."""

@@ -1,9 +1,10 @@
 """What assistive programs are told of the dialog, and that it is worked by keys alone; in two languages."""
 import contextlib
 import unittest
+from datetime import date, timedelta
 
 import stage
-from driver import Atspi
+from driver import Atspi, GLib
 from stage import ADD_IN, EXCHANGE, EndToEndTest
 from stage import open_stage as setUpModule  # noqa: F401
 from texts import Texts
@@ -12,7 +13,11 @@ BUTTONS = [("push button", "cmdButton", index) for index in (0, 1, 2)]
 TIME = [("text", "txtTime", 3), ("spin button", "updTime", -1)] + [("text", "txtTime", index) for index in (2, 1, 0)]
 BOXES = [("check box", "chkTrack", -1), ("check box", "chkTrackDate", -1)]
 STOPS = len(BUTTONS + TIME + BOXES) + 1  # the calendar has no name of its own
-LANGUAGES = ("en", "ja")
+ARROWS = 4  # of the calendar
+DAY = {"en": "{0:%A}, {0.day} {0:%B} {0.year}", "ja": "{0.year}年{0.month}月{0.day}日"}
+MONTH = {"en": "{0:%B} {0.year}", "ja": "{0.year}年{0.month}月"}
+LANGUAGES = tuple(DAY)
+SAYS_NOTHING = ("unknown", "invalid", "filler")
 
 
 class Accessibility(EndToEndTest):
@@ -22,7 +27,7 @@ class Accessibility(EndToEndTest):
             stage.arrangement.language = language
             stage.arrangement.speak()
             stage.arrangement.install()
-            self.texts = Texts(stage.arrangement)
+            self.language, self.texts = language, Texts(stage.arrangement)
             self.title = self.texts.title(EXCHANGE)
             self.start([stage.arrangement.add_in, EXCHANGE])
             self.window = stage.driver.window(ADD_IN, self.title)
@@ -35,6 +40,14 @@ class Accessibility(EndToEndTest):
     def focused(self):
         return next((node for node in stage.driver.nodes(self.window)
                      if node.get_state_set().contains(Atspi.StateType.FOCUSED)), None)
+
+    def calendar(self):
+        return next(node for node in stage.driver.nodes(self.window) if node.get_role_name() == "panel" and
+                    node.get_state_set().contains(Atspi.StateType.FOCUSABLE))
+
+    def calendar_says(self, day, form):
+        said = form[self.language].format(day)
+        self.wait_for(lambda: self.calendar().get_name().startswith(said), f"the calendar to say {said}")
 
     def press_tab(self):
         before = self.focused().get_name()
@@ -57,6 +70,10 @@ class Accessibility(EndToEndTest):
         for language in LANGUAGES:
             with self.opened_in(language):
                 self.assertEqual(self.window.get_role_name(), "dialog")
+                for node in stage.driver.nodes(self.window):
+                    self.assertTrue(node.get_name(), node.get_role_name())
+                    self.assertNotIn(node.get_role_name(), SAYS_NOTHING, node.get_name())
+                self.calendar_says(date.today(), DAY)
                 for control in BUTTONS + TIME + BOXES:
                     self.assertEqual(self.node(*control).get_description(), self.texts.control(*control[1:]))
                 for caption in ("lblTrack", "lblTrackDate"):
@@ -81,6 +98,54 @@ class Accessibility(EndToEndTest):
                 before = self.number(spin)
                 stage.driver.press("Up")
                 self.wait_for(lambda: self.number(spin) == (before + 1) % 60 == int(stage.driver.value(minute)), "a step")
+
+    def test_calendar_by_keys(self):
+        for language in LANGUAGES:
+            with self.opened_in(language):
+                self.tab_to(*BOXES[1])
+                stage.driver.press("space")
+                stage.driver.press("Tab", "Home", "Right")
+                second = date.today().replace(day=2)
+                self.calendar_says(second, DAY)
+                self.assertTrue(stage.driver.is_focused(self.calendar()))
+                arrows = [self.press_tab() for _ in range(ARROWS)]
+                self.assertEqual([arrow.get_role_name() for arrow in arrows], ["push button"] * ARROWS)
+                last_month = second - timedelta(days=second.day)
+                self.assertEqual(arrows[0].get_name(), MONTH[language].format(last_month))
+                stage.driver.press("shift+Tab", "shift+Tab", "shift+Tab", "space")
+                self.calendar_says(last_month, MONTH)
+                self.assertEqual(self.focused().get_name(), MONTH[language].format(last_month.replace(day=1) -
+                                                                                   timedelta(days=1)))
+
+    def test_pop_ups(self):
+        heard = []
+        listener = Atspi.EventListener.new(lambda event: heard.append(
+            (event.source.get_role_name(), event.source.get_name())) if event.detail1 else None)
+        listener.register("object:state-changed:focused")
+        self.addCleanup(listener.deregister, "object:state-changed:focused")
+
+        def hear(role, name):
+            def look():
+                while GLib.MainContext.default().iteration(False):
+                    pass
+                return heard[-1:] == [(role, name)]
+            self.wait_for(look, f"to hear of the {role} '{name}'")
+
+        for language in LANGUAGES:
+            with self.opened_in(language):
+                self.tab_to(*BOXES[0])
+                for leave in ("Escape", "Return"):
+                    stage.driver.press("Menu")
+                    hear("menu item", self.texts.caption("itmWhatsThis"))
+                    stage.driver.find(ADD_IN, self.texts.caption("itmWhatsThis"), "menu item")
+                    stage.driver.press(leave)
+                    if leave == "Escape":
+                        hear("check box", self.texts.control(*BOXES[0][1:]))
+                topic = stage.driver.box(ADD_IN, besides=[self.title])
+                hear("dialog", topic.get_name())
+                self.assertTrue(topic.get_description())
+                stage.driver.press("Escape")
+                hear("check box", self.texts.control(*BOXES[0][1:]))
 
     def test_box(self):
         for language in LANGUAGES:

@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "platform/desktop/qt/QtText.h"
+#include "platform/forms/qt/Accessibility.h"
 #include "platform/forms/qt/Look.h"
 
 namespace platform {
@@ -55,6 +56,7 @@ void HelpWindow::Present() {
     adjustSize();
     move(PlaceBeside(*parentWidget()));
     show();
+    forms::SayThatItPopsUp(*this);
 }
 
 // The layout settles the size only when the window is shown.

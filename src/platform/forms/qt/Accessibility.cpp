@@ -1,7 +1,10 @@
 #include "platform/forms/qt/Accessibility.h"
 
+#include <QAccessibleObject>
 #include <QAccessibleWidget>
+#include <QApplication>
 
+#include "platform/desktop/qt/HelpWindow.h"
 #include "platform/forms/qt/CalendarWidget.h"
 #include "platform/forms/qt/FormWindow.h"
 #include "platform/forms/qt/ImageWidget.h"
@@ -11,6 +14,32 @@
 namespace platform::forms {
 
 namespace {
+
+// Qt leaves windows that pop up out of its list of windows, which is where assistive programs look for them.
+class SpokenProgram : public QAccessibleApplication {
+  public:
+    int childCount() const override {
+        return QAccessibleApplication::childCount() + static_cast<int>(PopUps().size());
+    }
+    QAccessibleInterface* child(int index) const override {
+        const int others = QAccessibleApplication::childCount();
+        if (index < others) return QAccessibleApplication::child(index);
+        return QAccessible::queryAccessibleInterface(PopUps().value(index - others));
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        const auto place = static_cast<int>(PopUps().indexOf(child->object()));
+        return place < 0 ? QAccessibleApplication::indexOfChild(child)
+                         : QAccessibleApplication::childCount() + place;
+    }
+
+  private:
+    static QList<QObject*> PopUps() {
+        QList<QObject*> shown;
+        for (QWidget* window : QApplication::topLevelWidgets())
+            if (window->isVisible() && window->windowType() == Qt::Popup) shown.append(window);
+        return shown;
+    }
+};
 
 // What a spin control steps has its own text; assistive programs read here how far it can go.
 class SpokenSpin : public QAccessibleWidget, public QAccessibleValueInterface {
@@ -52,6 +81,7 @@ class SpokenLabel : public QAccessibleWidget {
 // The role of a widget that has none by its Qt type.
 QAccessible::Role RoleOf(const QObject& object) {
     if (dynamic_cast<const FormWindow*>(&object)) return QAccessible::Dialog;
+    if (dynamic_cast<const HelpWindow*>(&object)) return QAccessible::Dialog;
     if (dynamic_cast<const ImageWidget*>(&object)) return QAccessible::Graphic;
     // The days are no widgets of their own: the name of the calendar tells the chosen one.
     if (dynamic_cast<const CalendarWidget*>(&object)) return QAccessible::Grouping;
@@ -59,6 +89,7 @@ QAccessible::Role RoleOf(const QObject& object) {
 }
 
 QAccessibleInterface* Make(const QString&, QObject* object) {
+    if (object == qApp) return new SpokenProgram;
     if (auto* spin = dynamic_cast<SpinWidget*>(object)) return new SpokenSpin(*spin);
     if (auto* label = dynamic_cast<LabelWidget*>(object)) return new SpokenLabel(*label);
     const QAccessible::Role role = RoleOf(*object);
@@ -66,10 +97,23 @@ QAccessibleInterface* Make(const QString&, QObject* object) {
     return new QAccessibleWidget(static_cast<QWidget*>(object), role);
 }
 
+void SayThatItHasTheKeyboard(QWidget& widget) {
+    QAccessibleEvent event(&widget, QAccessible::Focus);
+    QAccessible::updateAccessibility(&event);
+}
+
 }  // namespace
 
 void InstallAccessibility() {
     QAccessible::installFactory(Make);
+}
+
+void SayThatItPopsUp(QWidget& window) {
+    SayThatItHasTheKeyboard(window);
+    QObject::connect(&window, &QObject::destroyed, qApp, [] {
+        if (QApplication::activePopupWidget()) return;  // what a menu led to
+        if (QWidget* focused = QApplication::focusWidget()) SayThatItHasTheKeyboard(*focused);
+    });
 }
 
 }  // namespace platform::forms

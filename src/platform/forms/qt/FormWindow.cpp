@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/desktop/qt/QtText.h"
+#include "platform/forms/qt/Accessibility.h"
 #include "platform/forms/qt/ControlView.h"
 #include "platform/forms/qt/Drawing.h"
 #include "platform/forms/qt/KeyCodes.h"
@@ -164,9 +165,9 @@ void FormWindow::PopUp(const Menu& menu) {
             if (form_ && form_->Enabled) Raise(item->Click);
         });
     }
-    if (!menuIsKeyed_) return shown->popup(QCursor::pos());
-    shown->popup(focused_->mapToGlobal(QPoint(0, focused_->height())));
-    if (!shown->isEmpty()) shown->setActiveAction(shown->actions().front());
+    shown->popup(menuIsKeyed_ ? focused_->mapToGlobal(QPoint(0, focused_->height())) : QCursor::pos());
+    SayThatItPopsUp(*shown);
+    if (menuIsKeyed_ && !shown->isEmpty()) shown->setActiveAction(shown->actions().front());
 }
 
 void FormWindow::ShowTopic(const Control& control) {

@@ -1,11 +1,29 @@
 #include "platform/forms/qt/LabelWidget.h"
 
 #include <QPainter>
+#include <QTextLayout>
+#include <algorithm>
 
 #include "platform/desktop/qt/QtText.h"
 #include "platform/forms/qt/Look.h"
 
 namespace platform::forms {
+
+namespace {
+
+constexpr double usualAscent = 0.905;  // of Latin fonts, in parts of their size
+
+// Chinese and Japanese letters have taller fonts, in which a line would hang lower than what stands beside
+// it.
+int ExtraAscent(const QString& text, const QFont& font) {
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    return line.isValid() ? std::max(0, qRound(line.ascent() - usualAscent * font.pixelSize())) : 0;
+}
+
+}  // namespace
 
 void LabelWidget::SyncOwn() {
     const Label& control = Typed();
@@ -40,7 +58,7 @@ void LabelWidget::paintEvent(QPaintEvent*) {
     painter.setFont(shown_.font);
     painter.setPen(isEnabled() ? ToQt(shown_.foreColor) : QColor(look::inkDisabled));
     // One pixel down, the line stands level with that of a borderless text box in the same place.
-    painter.drawText(rect().adjusted(0, 1, 0, 0),
+    painter.drawText(rect().adjusted(0, 1 - ExtraAscent(shown_.caption, shown_.font), 0, 0),
                      static_cast<int>(ToQt(shown_.align)) | Qt::TextWordWrap | Qt::TextShowMnemonic,
                      shown_.caption);
 }
