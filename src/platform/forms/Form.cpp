@@ -1,7 +1,5 @@
 #include "platform/forms/Form.h"
 
-#include <algorithm>
-
 namespace platform::forms {
 
 namespace {
@@ -53,17 +51,19 @@ void Form::ControlChanged(Control& control) {
     if (view_) view_->ControlChanged(control);
 }
 
+void Form::Adopt(std::shared_ptr<Control> control) {
+    named_[UpperCase(control->Name())].emplace(control->Index(), control);
+    controls_.push_back(std::move(control));
+}
+
 std::shared_ptr<Control> Form::Item(TextView name, std::int16_t index) const {
-    bool named = false;
-    for (const auto& control : controls_) {
-        if (!EqualsIgnoringCase(control->Name(), name)) continue;
-        named = true;
-        if (control->Index() == index) return control;
-    }
-    if (named)
+    const auto array = named_.find(UpperCase(name));
+    if (array == named_.end()) throw RuntimeError(noSuchControl, u"Control '" + Text(name) + u"' not found");
+    const auto control = array->second.find(index);
+    if (control == array->second.end())
         throw RuntimeError(noSuchArrayElement, u"Control array element '" + Text(name) + u"(" +
                                                    DecimalText(index) + u")' doesn't exist");
-    throw RuntimeError(noSuchControl, u"Control '" + Text(name) + u"' not found");
+    return control->second;
 }
 
 void Form::Load() {

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/forms/Controls.h"
@@ -59,7 +60,7 @@ class Form : public Object, public Watched {
         return *control;
     }
     // Adds a control that was made for this form.
-    void Adopt(std::shared_ptr<Control> control) { controls_.push_back(std::move(control)); }
+    void Adopt(std::shared_ptr<Control> control);
     const std::vector<std::shared_ptr<Control>>& Controls() const { return controls_; }
     // The control of a name, compared without regard to case. Raises 340 or 730 as the forms runtime does.
     std::shared_ptr<Control> Item(TextView name, std::int16_t index = -1) const;
@@ -99,6 +100,8 @@ class Form : public Object, public Watched {
     Scheduler& scheduler_;
     Toolkit& toolkit_;
     std::vector<std::shared_ptr<Control>> controls_;
+    // By name in upper case, then by index.
+    std::unordered_map<Text, std::unordered_map<std::int16_t, std::shared_ptr<Control>>> named_;
     std::unique_ptr<View> view_;
     bool loaded_ = false;
     bool visible_ = false;

@@ -19,9 +19,10 @@ bool IsWrite(InvokeKind kind) {
 Arguments Prepared(const Member& member, const Arguments& given) {
     const auto& parameters = member.parameters;
     if (given.size() > parameters.size()) throw RuntimeError(ErrorNumber::WrongArgumentCount, member.name);
+    const Value missing(Missing{});
     Arguments prepared(parameters.size());
     for (std::size_t i = 0; i < parameters.size(); ++i) {
-        const Value argument = i < given.size() ? given[i] : Value(Missing{});
+        const Value& argument = i < given.size() ? given[i] : missing;
         if (argument.IsMissing() && !parameters[i].optional)
             throw RuntimeError(ErrorNumber::WrongArgumentCount, member.name);
         prepared[i] = Converted(argument, parameters[i].type);

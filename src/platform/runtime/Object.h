@@ -134,6 +134,11 @@ void Assign(std::shared_ptr<Class>& variable, const Value& value) {
 }
 
 template <class T>
+inline constexpr bool isByReference = false;
+template <class T>
+inline constexpr bool isByReference<ByReference<T>> = true;
+
+template <class T>
 void TakeBack(const T&, const Value&, const Value&) {}
 template <class T>
 void TakeBack(const ByReference<T>& reference, const Value& before, const Value& after) {
@@ -144,13 +149,19 @@ template <class... Parameters>
 Value InvokeLate(const ObjectRef& object, std::string_view member, InvokeKind kind,
                  const Parameters&... parameters) {
     if (!object) throw RuntimeError(ErrorNumber::ObjectNotSet);
-    const Arguments given{ArgumentOf(parameters)...};
-    Arguments arguments = given;
-    Value result = object->Invoke(member, kind, arguments);
-    arguments.resize(given.size());
-    [[maybe_unused]] std::size_t i = 0;
-    ((TakeBack(parameters, given[i], arguments[i]), ++i), ...);
-    return result;
+    Arguments arguments;
+    arguments.reserve(sizeof...(parameters));
+    (arguments.push_back(ArgumentOf(parameters)), ...);
+    if constexpr ((isByReference<Parameters> || ...)) {
+        const Arguments given = arguments;
+        Value result = object->Invoke(member, kind, arguments);
+        arguments.resize(given.size());
+        std::size_t i = 0;
+        ((TakeBack(parameters, given[i], arguments[i]), ++i), ...);
+        return result;
+    } else {
+        return object->Invoke(member, kind, arguments);
+    }
 }
 
 }  // namespace detail

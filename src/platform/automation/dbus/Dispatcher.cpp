@@ -126,9 +126,11 @@ void Dispatcher::CreateInstance(IncomingCall& call) {
     call.RequireSignature("");
     // Nobody would hold the object.
     if (!call.WantsAnswer()) return;
+    // Before there is an object, which counts from its beginning on, and until a client has let go of it.
+    call.Answer();
     const ObjectRef object = CreatorFor(call.Destination())();
     if (!object) throw RuntimeError(ErrorNumber::CannotCreateObject, call.Destination());
-    call.ReturnObject(object);
+    call.ReturnCreated(object);
 }
 
 const std::function<ObjectRef()>& Dispatcher::CreatorFor(std::string_view destination) const {

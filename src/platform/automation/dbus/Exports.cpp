@@ -121,6 +121,10 @@ std::string Loan::PathOf(const ObjectRef& object) {
     return paths_.back();
 }
 
+void Loan::Forfeit() {
+    for (const std::string& path : paths_) exports_.entries_.find(path)->second.hadClient = true;
+}
+
 void Loan::GrantTo(const std::string& peer) {
     for (const std::string& path : paths_) exports_.Retain(path, peer);
 }

@@ -84,6 +84,8 @@ class Loan {
     std::string PathOf(const ObjectRef& object);
     // Counts one reference for the peer for each time that an object was lent.
     void GrantTo(const std::string& peer);
+    // For what was created for a peer and can't be given to it: as if the peer had held it and let go.
+    void Forfeit();
 
   private:
     Exports& exports_;

@@ -76,7 +76,8 @@ void IncomingCall::ReturnTyped(const Value& value, ValueType type) {
                 [this](const ObjectRef& object) { return session_->AddressOf(object, *returned_); });
 }
 
-void IncomingCall::ReturnObject(const ObjectRef& object) {
+void IncomingCall::ReturnCreated(const ObjectRef& object) {
+    isCreation_ = true;
     sd_bus_message* answer = Answer();
     AppendAddress(answer, session_->AddressOf(object, *returned_));
 }
@@ -104,6 +105,7 @@ void IncomingCall::Serve(const std::function<void(IncomingCall&)>& serve) {
 }
 
 void IncomingCall::Fail(const char* name, const RuntimeError& error) {
+    if (returned_ && isCreation_) returned_->Forfeit();
     returned_.reset();
     answer_ = ErrorAnswer(message_.get(), name, error);
 }

@@ -41,7 +41,8 @@ class IncomingCall {
     sd_bus_message* Answer();
     void ReturnVariant(const Value& value);
     void ReturnTyped(const Value& value, ValueType type);
-    void ReturnObject(const ObjectRef& object);
+    // An object that begins with the call. Where the caller can't be given it, its last client has gone.
+    void ReturnCreated(const ObjectRef& object);
     void ReturnGiven(const Value& value);
 
     // Runs what serves the call and answers it. A failure becomes the answer.
@@ -59,6 +60,7 @@ class IncomingCall {
     std::string sender_;
     Loan given_;
     std::unique_ptr<Loan> returned_;
+    bool isCreation_ = false;
     std::vector<std::shared_ptr<RemoteObject>> borrowed_;
 };
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <new>
 #include <type_traits>
 #include <utility>
 
@@ -24,7 +23,6 @@ bool IsWhole(std::string_view rest) {
 }
 
 Text TextOf(const void* characters, int bytes) {
-    if (!characters) throw std::bad_alloc();
     return Text(static_cast<const char16_t*>(characters), static_cast<std::size_t>(bytes) / sizeof(char16_t));
 }
 
@@ -139,7 +137,9 @@ Value Statement::Column(std::size_t column) const {
         default:
             throw BinaryData();
     }
+    // A long text lies on pages of its own, whose reading can fail; so can the memory for its conversion.
     const void* characters = sqlite3_column_text16(statement, index);
+    if (!characters) connection_->Fail(sqlite3_errcode(connection_->Handle()));
     return Value(TextOf(characters, sqlite3_column_bytes16(statement, index)));
 }
 

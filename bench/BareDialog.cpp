@@ -1,0 +1,56 @@
+// What the add-in's dialog is measured against while it runs: a dialog that shows the time, and opens a box
+// for the first character that it is sent, closes it for the second, and so on.
+#include <unistd.h>
+
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QPushButton>
+#include <QSocketNotifier>
+#include <QTime>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <memory>
+
+namespace {
+
+std::unique_ptr<QDialog> OpenBox(QWidget& parent) {
+    auto box = std::make_unique<QDialog>(&parent);
+    auto* layout = new QVBoxLayout(box.get());
+    layout->addWidget(new QLabel("2026/11/18 (Wed)\n13:02:03"));
+    layout->addWidget(new QPushButton("OK"));
+    box->setModal(true);
+    box->show();
+    return box;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    QDialog dialog;
+    dialog.setFixedSize(474, 291);
+    dialog.move(0, 0);  // out of the way of the add-in's, which stands in the middle
+    QLabel time(&dialog);
+    time.setGeometry(306, 96, 97, 23);
+    const auto show = [&time] { time.setText(QTime::currentTime().toString("hh:mm:ss")); };
+    show();
+    QTimer timer;
+    timer.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&timer, &QTimer::timeout, show);
+    timer.start(1000);
+    std::unique_ptr<QDialog> box;
+    QPushButton button(&dialog);
+    button.setGeometry(15, 257, 65, 25);
+    QObject::connect(&button, &QPushButton::clicked, [&] {
+        QTimer::singleShot(100, Qt::PreciseTimer, &dialog, [&] { box = OpenBox(dialog); });
+    });
+    QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
+    QObject::connect(&input, &QSocketNotifier::activated, [&] {
+        char character = 0;
+        if (read(STDIN_FILENO, &character, 1) != 1) return QApplication::quit();
+        box.reset();
+    });
+    dialog.show();
+    return application.exec();
+}

@@ -1,0 +1,78 @@
+// The add-in's dialog, opened by a host and worked by clicks.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <thread>
+
+#include "Display.h"
+#include "Host.h"
+
+namespace bench {
+
+// Places inside the dialog, in pixels: the middle of what is clicked there.
+struct Spot {
+    std::int16_t x, y;
+};
+inline constexpr Spot lookupButton{47, 269}, trackTimeBox{291, 224}, trackDateBox{291, 200};
+
+class Dialog {
+  public:
+    // Returns when the dialog has been painted.
+    explicit Dialog(Host& host) : host_(host) {
+        host_.Open();
+        host_.SetVisible(true);
+        window_ = NextWindow();
+    }
+    Display& Screen() { return display_; }
+    xcb_window_t Window() const { return window_; }
+
+    Display::Clock::time_point Click(Spot spot) { return ClickOn(window_, spot); }
+    // The same on a window of another program.
+    Display::Clock::time_point ClickOn(xcb_window_t window, Spot spot) {
+        display_.Point(window, spot.x, spot.y);
+        return display_.Click();
+    }
+    // Serves the host until another window has been painted.
+    xcb_window_t NextWindow() {
+        std::optional<xcb_window_t> next;
+        ServeUntil([&] { return (next = display_.TakePainted()).has_value(); });
+        return *next;
+    }
+    // Closes a box by its default button, and returns when it has gone.
+    void CloseBox(xcb_window_t box) {
+        display_.PressEnter();
+        WaitUntilGone(box);
+    }
+    void WaitUntilGone(xcb_window_t box) {
+        ServeUntil([&] { return !display_.IsShown(box); });
+    }
+    // Shows or hides the dialog, and returns when that is done.
+    void SetVisible(bool visible) {
+        host_.SetVisible(visible);
+        ServeUntil([&] { return display_.IsShown(window_) == visible; });
+    }
+
+    // Lets time pass, and then takes in what has happened.
+    void Rest(std::chrono::milliseconds time) {
+        std::this_thread::sleep_for(time);
+        while (host_.Serve()) continue;
+        display_.Look();
+    }
+
+  private:
+    void ServeUntil(const std::function<bool()>& condition) {
+        const auto look = [&] {
+            display_.Look();
+            return condition();
+        };
+        host_.ServeUntil(look, display_.Descriptor());
+    }
+
+    Host& host_;
+    Display display_;
+    xcb_window_t window_;
+};
+
+}  // namespace bench

@@ -1,0 +1,77 @@
+// What the add-in does while nobody does anything: how often it wakes up, and how often something is painted.
+//
+//   idle TIMES BARE-DIALOG
+//
+// Watches four states for so many spans each, and prints a line for a span: the state, and the wake-ups and
+// the paints of a second. "following": the dialog shows the PC's time. "hidden": the same, with the dialog
+// hidden. "still": the dialog shows a time that stands. "bare": another program shows the PC's time, and does
+// nothing else.
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "Dialog.h"
+#include "Host.h"
+#include "Program.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto span = 2s, rest = 1s;
+
+// How often its threads have gone to sleep of their own will, which is how often they have woken up.
+long WakeUps(pid_t process) {
+    constexpr std::string_view field = "voluntary_ctxt_switches:";
+    long total = 0;
+    for (const auto& thread :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+        std::ifstream status(thread.path() / "status");
+        for (std::string line; std::getline(status, line);)
+            if (line.starts_with(field)) total += std::stol(line.substr(field.size()));
+    }
+    return total;
+}
+
+void Watch(const char* state, int spans, pid_t process, bench::Dialog& dialog, xcb_window_t window) {
+    dialog.Rest(rest);  // what the change to this state has brought about is over
+    for (int i = 0; i < spans; ++i) {
+        const long wakeUps = WakeUps(process), paints = dialog.Screen().Paints(window);
+        dialog.Rest(span);
+        const double seconds = std::chrono::duration<double>(span).count();
+        std::printf("%s %.2f %.2f\n", state, static_cast<double>(WakeUps(process) - wakeUps) / seconds,
+                    static_cast<double>(dialog.Screen().Paints(window) - paints) / seconds);
+    }
+}
+
+void WatchAll(int spans, char* const* bareCommand) {
+    bench::Host host(bench::Host::Manner::Refuses);
+    bench::Dialog dialog(host);
+    const auto watch = [&, process = bench::ProcessOf(host.Connection(), host.AddIn())](const char* state) {
+        Watch(state, spans, process, dialog, dialog.Window());
+    };
+    watch("following");
+    dialog.SetVisible(false);
+    watch("hidden");
+    dialog.SetVisible(true);
+    dialog.Click(bench::trackTimeBox);
+    watch("still");
+    const bench::Program bare(bareCommand);
+    const xcb_window_t window = dialog.NextWindow();
+    Watch("bare", spans, bare.Id(), dialog, window);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        if (argc != 3) throw std::runtime_error("usage: idle TIMES BARE-DIALOG");
+        WatchAll(std::atoi(argv[1]), argv + 2);
+        return EXIT_SUCCESS;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "idle: %s\n", error.what());
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,63 @@
+"""A figure: what was measured, beside its floor."""
+import statistics
+from dataclasses import dataclass, field
+
+
+@dataclass
+class Figure:
+    """A ratio of what was measured to its floor; both in `unit`, with the spread of the ratio between quartiles.
+
+    `series` has what an item takes at each size, where the figure tells of growth.
+    """
+    name: str
+    what: str
+    unit: str
+    measured: float
+    floor: float
+    ratio: float
+    low: float
+    high: float
+    limit: float
+    series: dict[int, float] = field(default_factory=dict)
+
+    @classmethod
+    def of(cls, name, what, unit, measured, floors, limit):
+        """From pairs that were measured in turn; a floor that is no measurement may be one number."""
+        if not isinstance(floors, list | tuple):
+            floors = [floors] * len(measured)
+        ratios = [value / floor for value, floor in zip(measured, floors, strict=True)]
+        low, _, high = statistics.quantiles(ratios, n=4)
+        middle, floor = statistics.median(measured), statistics.median(floors)
+        return cls(name, what, unit, middle, floor, middle / floor, low, high, limit)
+
+    @classmethod
+    def of_growth(cls, name, what, unit, times, limit):
+        """From what so many items took at each size: an item at the largest size against one at the smallest."""
+        items = {size: [time / size for time in taken] for size, taken in sorted(times.items())}
+        figure = cls.of(name, what, unit, items[max(items)], items[min(items)], limit)
+        figure.series = {size: statistics.median(taken) for size, taken in items.items()}
+        return figure
+
+    @property
+    def holds(self):
+        return self.ratio <= self.limit
+
+
+def table(figures):
+    lines = ["| Name | What | Measured | Floor | Ratio | Quartiles | At most |", "|---|---|---:|---:|---:|---:|---:|"]
+    for figure in figures:
+        mark = "" if figure.holds else " (!)"
+        lines.append(f"| {figure.name} | {figure.what} | {figure.measured:.4g} {figure.unit} | "
+                     f"{figure.floor:.4g} {figure.unit} | {figure.ratio:.2f}{mark} | "
+                     f"{figure.low:.2f}–{figure.high:.2f} | {figure.limit} |")
+    return "\n".join(lines)
+
+
+def growth_table(figures):
+    """What an item takes at each size; nothing where no figure tells of growth."""
+    lines = []
+    for figure in figures:
+        if figure.series:
+            cells = "; ".join(f"{size:,}: {time:.3g} {figure.unit}" for size, time in figure.series.items())
+            lines.append(f"| {figure.name} | {cells} |")
+    return "\n".join(["| Name | One item at each size |", "|---|---|", *lines]) if lines else ""

@@ -1,0 +1,72 @@
+"""What all campaigns share: their arguments, and the Markdown report that tells what came of one."""
+import argparse
+import os
+import random
+import shlex
+import sys
+import time
+from datetime import datetime
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "scripts"))
+from machine import machine  # noqa: E402
+
+BUILD = Path(os.environ["HORALINK_BUILD"]).resolve()
+
+
+def arguments(name, description):
+    """A parser with what every campaign takes; add to it, then call `parse`."""
+    parser = argparse.ArgumentParser(prog=f"campaigns/run {name}", description=description,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--short", action="store_true", help="a sample that takes a minute or two")
+    parser.add_argument("--seed", type=int, help="the course to take (default: another one each time)")
+    return parser
+
+
+def parse(parser):
+    options = parser.parse_args()
+    if options.seed is None:
+        options.seed = random.SystemRandom().randrange(1_000_000)
+    return options
+
+
+class Report:
+    """Collects rows and faults; `finish` writes build/campaigns/NAME.md and gives the exit status."""
+
+    def __init__(self, name, options, *columns):
+        self.name, self.columns = name, columns
+        given = sys.argv[1:]
+        if not any(argument.startswith("--seed") for argument in given):
+            given += ["--seed", str(options.seed)]
+        self.command = shlex.join(["campaigns/run", name, *given])
+        self.began = time.monotonic()
+        self.rows, self.faults = [], []
+        print(f"{self.command}, on {machine()}", flush=True)
+
+    def row(self, *cells):
+        self.rows.append([str(cell).replace("|", "\\|").replace("\n", " ") for cell in cells])
+        print("  " + " | ".join(self.rows[-1]), flush=True)
+
+    def fault(self, what):
+        """Something that must not be: one line that says how to see it again."""
+        self.faults.append(what)
+        print(f"  FAULT: {what}", flush=True)
+
+    def text(self):
+        minutes, seconds = divmod(round(time.monotonic() - self.began), 60)
+        lines = [f"# Campaign `{self.name}`", "", f"{datetime.now():%Y-%m-%d %H:%M}, {machine()}, {minutes}:{seconds:02} "
+                 f"minutes.", "", f"    {self.command}", "", "| " + " | ".join(self.columns) + " |",
+                 "|" + "---|" * len(self.columns), *("| " + " | ".join(row) + " |" for row in self.rows), ""]
+        if self.faults:
+            lines += [f"**Failed**, with {len(self.faults)} faults:", "", *(f"- {fault}" for fault in self.faults)]
+        else:
+            lines += ["**Passed.**"]
+        return "\n".join(lines) + "\n"
+
+    def finish(self):
+        folder = BUILD / "campaigns"
+        folder.mkdir(parents=True, exist_ok=True)
+        report = folder / f"{self.name}.md"
+        report.write_text(self.text(), encoding="utf-8")
+        print(f"{len(self.faults)} faults" if self.faults else "passed", f"- see {report}", flush=True)
+        return 1 if self.faults else 0

@@ -1,0 +1,20 @@
+"""Another add-in that writes its row of a register again and again: `other_writer.py FILE NAME`. It stops when its
+standard input is closed, and then tells the number that it has written last."""
+import select
+import sqlite3
+import sys
+
+
+def write_on(file, name):
+    number = 0
+    while not select.select([sys.stdin], [], [], 0)[0]:
+        database = sqlite3.connect(file, timeout=30)
+        with database:
+            database.execute("UPDATE Registry SET Version = ? WHERE AppName = ?", [str(number + 1), name])
+        database.close()
+        number += 1
+    return number
+
+
+if __name__ == "__main__":
+    print(write_on(*sys.argv[1:]))
