@@ -16,7 +16,7 @@ MANUALS = [stage.SOURCES / name for name in ("README.md", "CONTRIBUTING.md")] + 
 OTHERS = [
     (r"\./run( --language \S+)?( \.\.\.| COMMAND\.\.\.)?$|\./run (stand-alone|bus) [A-Z]", "builds; tried on a bare system"),
     (r"\./check|cmake --build build/check|ctest", "this test is a part of it"),
-    (r"tests/fuzz/run|bench/run|scripts/make-pictures.sh", "takes minutes"),
+    (r"tests/fuzz/run|bench/run|campaigns/run|scripts/make-pictures.sh", "takes minutes"),
     (r"packaging/|sudo ", "packaging/try-packages.sh does it on a bare system"),
     (r"\./run bus (examples/|build/examples/|build/host/switchdesk --verbose)", "test_clients and test_surroundings do it"),
     (r"horalink-lng import|horalink-lng check new|cp --remove", "wants an older installation; lng.ImportTest does it"),
