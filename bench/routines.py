@@ -15,6 +15,10 @@ def of_largest(times, benchmark, name, what, floor, limit):
     return Figure.of(name, what, "µs", taken[largest], times[f"{floor}/{largest}"], limit)
 
 
+def growth(times, benchmark, name, what):
+    return Figure.of_growth(name, what, "µs", sizes(times, benchmark), GROWTH)
+
+
 def tables(bench):
     times = bench.benchmark("tables", "cpu_time")
     for name, benchmark, what in (("messages", "Messages", "32,767 messages"),
@@ -22,17 +26,17 @@ def tables(bench):
                                   ("pictures", "Pictures", "1,000 pictures")):
         yield of_largest(times, f"{benchmark}ByAddIn", name, f"{what} read, against SQLite's calls",
                          f"{benchmark}BySqlite", 2)
-        yield Figure.of_growth(f"{name}-growth", f"time of a row, up to {what}", "µs", sizes(times, f"{benchmark}ByAddIn"), GROWTH)
+        yield growth(times, f"{benchmark}ByAddIn", f"{name}-growth", f"time of a row, up to {what}")
 
 
 def lists(bench):
     times = bench.benchmark("lists", "cpu_time")
     yield of_largest(times, "FillRecord", "list-fill", "record filled, against vectors", "FillVectors", 2)
-    yield Figure.of_growth("list-fill-growth", "time of an item, up to the last", "µs", sizes(times, "FillRecord"), GROWTH)
+    yield growth(times, "FillRecord", "list-fill-growth", "time of an item filled, up to the last")
     yield of_largest(times, "CopyByCallBack", "list-copy", "record copied, against its late-bound reads",
                      "ReadLateBound", 2)
     yield of_largest(times, "CopyByCallBack", "list-copy-plain", "record copied, against vectors", "CopyVectors", 20)
-    yield Figure.of_growth("list-copy-growth", "time of an item, up to the last", "µs", sizes(times, "CopyByCallBack"), GROWTH)
+    yield growth(times, "CopyByCallBack", "list-copy-growth", "time of an item copied, up to the last")
 
 
 def answers(bench):

@@ -24,6 +24,12 @@ CALENDAR_NAME = re.compile(r"(\w+day, \d+ )?[A-Z][a-z]+ \d{4}")
 UPPER, LOWER = (0.5, 0.25), (0.5, 0.75)  # the arrows of a spin control
 
 
+def name_pattern(title):
+    """What xdotool finds a window by. The name that it looks at has letters beyond ASCII in locales alone that the
+    display's library knows."""
+    return "^" + re.sub(r"[^\x20-\x7e]+", ".+", re.escape(title)) + "$"
+
+
 class Driver:
     """Drives the programs of one arrangement. One for each process: the accessibility bus is connected once."""
 
@@ -166,10 +172,10 @@ class Driver:
 
     def raise_window(self, title):
         """Brings a window to the front, for the clicks that follow."""
-        self._xdotool("search", "--onlyvisible", "--name", "^" + re.escape(title) + "$", "windowactivate", "--sync")
+        self._xdotool("search", "--onlyvisible", "--name", name_pattern(title), "windowactivate", "--sync")
 
     def move_window(self, title, left, top):
-        self._xdotool("search", "--onlyvisible", "--name", "^" + re.escape(title) + "$", "windowmove", left, top)
+        self._xdotool("search", "--onlyvisible", "--name", name_pattern(title), "windowmove", left, top)
 
     def click(self, node, place=MIDDLE, button=1):
         wait_for(lambda: self.is_enabled(node), LIMIT, f"'{node.get_name()}' to be enabled")

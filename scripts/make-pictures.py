@@ -1,6 +1,5 @@
 """Takes the pictures of the manuals: the dialog and the answer to a lookup in three languages, and the host that
 was told of it."""
-import re
 import subprocess
 import sys
 from pathlib import Path
@@ -15,8 +14,8 @@ LANGUAGES = ("en", "de", "ja")
 
 def take(file, window):
     """A picture of one window with its frame, of which no other window may cover a part."""
-    title = "^" + re.escape(window.get_name()) + "$"
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title],
+    from driver import name_pattern
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", name_pattern(window.get_name())],
                            check=True, capture_output=True, text=True)
     subprocess.run(["import", "-silent", "-frame", "-window", found.stdout.split()[0], "-strip", str(file)], check=True)
 
