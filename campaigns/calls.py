@@ -17,7 +17,7 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 import campaign  # noqa: E402
 from version_register import Register, add_others, database_file  # noqa: E402
 from side_by_side import work_off  # noqa: E402
-from whole_run import NOTICE, WholeRun  # noqa: E402
+from whole_run import Seen, WholeRun  # noqa: E402
 
 LIBRARY = campaign.BUILD / "campaigns/failing-calls.so"
 FAMILIES = ("file", "sqlite", "bus")
@@ -36,13 +36,7 @@ class Life:
     family: str
     number: int
     variant: int
-    steps: list
-    boxes: list
-    names: list
-    status: int
-    errors: str
-    hang: str
-    ended_early: bool
+    seen: Seen
     damage: str
     trace: list = field(repr=False)
     marks: dict = field(repr=False)
@@ -54,9 +48,6 @@ class Life:
     @property
     def failed(self):
         return next((line for line in self.trace if " " in line), None)
-
-    def seen(self):
-        return self.steps, self.boxes, self.names, self.status, self.errors
 
 
 def live(arrangement, driver, task):
@@ -70,15 +61,13 @@ def live(arrangement, driver, task):
     marks = {}
     environment = {"LD_PRELOAD": str(LIBRARY), "FAILING_CALLS": f"{family}:{number}:{variant}",
                    "FAILING_CALLS_TRACE": str(trace)}
-    run = WholeRun(arrangement, driver, environment,
-                   before=lambda step, _: marks.setdefault(step, trace.read_bytes().count(b"\n"))).run()
+    seen = WholeRun(arrangement, driver, environment,
+                   before=lambda step: marks.setdefault(step, trace.read_bytes().count(b"\n"))).run()
     damage = register.damage()
-    if not damage and any(step.startswith("show") for step in run.steps) and register.version() != "13.0.1" \
-            and not run.telling_boxes:
+    if not damage and any(step.startswith("show") for step in seen.steps) and register.version() != "13.0.1" \
+            and not seen.has_notice:
         damage = "the dialog was opened, but the version isn't in the register"
-    return Life(family, number, variant, run.steps, run.boxes, run.names, run.status, run.errors, run.hang,
-                run.ended_early, damage,
-                trace.read_text().splitlines(), marks)
+    return Life(family, number, variant, seen, damage, trace.read_text().splitlines(), marks)
 
 
 class Judge:
@@ -89,23 +78,22 @@ class Judge:
 
     def outcome(self, life):
         """A word for what came of it; (None, why) where that must not be."""
-        for why in (life.hang and f"hangs, waiting for {life.hang}", life.status < 0 and f"signal {-life.status}",
-                    life.status > 1 and f"exit status {life.status}", life.damage):
-            if why:
-                return None, why
+        if life.seen.ill or life.damage:
+            return None, life.seen.ill or life.damage
+        difference = life.seen.difference(self.good.seen)
         if not life.failed:
-            return ("not reached", "") if life.seen() == self.good.seen() else (None, "differs, with no failure in it")
-        if life.seen() == self.good.seen():
+            return (None, f"no failure, and yet {difference}") if difference else ("not reached", "")
+        if not difference:
             return "unchanged", ""
-        return self.of_bus(life) if life.family == "bus" else self.of_data(life)
+        return self.of_bus(life) if life.family == "bus" else self.of_data(life, difference)
 
-    def of_data(self, life):
-        if any(title == NOTICE for title, _ in life.boxes):
+    def of_data(self, life, difference):
+        if life.seen.has_notice:
             return "notice", ""
         # Without names of a set, the pictures are those of the first set: nobody is told.
         if life.family == "sqlite" and life.number in self.silent():
             return "silent", ""
-        return None, f"nobody was told: {self.difference(life)}"
+        return None, f"nobody was told: {difference}"
 
     def silent(self):
         """The calls from the mark of the background up to the end of the first query in it."""
@@ -113,25 +101,20 @@ class Judge:
         return range(first + 1, self.good.marks["lookup 0"] + 1)
 
     def of_bus(self, life):
-        if not ONE_LINE.fullmatch(life.errors):
-            return None, f"standard error: {life.errors!r}"
-        if life.ended_early:
-            told = life.errors or life.number > self.good.marks["create"]
+        seen, good = life.seen, self.good.seen
+        if not ONE_LINE.fullmatch(seen.errors):
+            return None, f"standard error: {seen.errors!r}"
+        if seen.ended_early:
+            # Together with the bus, all who could be told are gone.
+            told = seen.errors or life.number > self.good.marks["create"] or life.failed.startswith("sd_bus_process")
             return ("ended", "") if told else (None, "ended without a word")
-        host_was_told = any(": org." in step or step.startswith("register: [1") for step in life.steps)
-        last = self.good.steps[-2]
-        if last not in life.steps:
-            gave_up = host_was_told and not any(step.startswith("lookup") for step in life.steps)
-            return ("host gave up", "") if gave_up else (None, f"not usable afterwards: {life.steps}")
-        if any(box not in self.good.boxes for box in life.boxes):
+        host_was_told = any(": org." in step or step.startswith("register: [1") for step in seen.steps)
+        if good.steps[-2] not in seen.steps:  # the last lookup
+            gave_up = host_was_told and not any(step.startswith("lookup") for step in seen.steps)
+            return ("host gave up", "") if gave_up else (None, f"not usable afterwards: {seen.steps}")
+        if any(box not in good.boxes for box in seen.boxes):
             return "box", ""
         return "error for the host" if host_was_told else "passed over", ""
-
-    def difference(self, life):
-        for what, now, good in zip(("steps", "boxes", "names", "status", "errors"), life.seen(), self.good.seen()):
-            if now != good:
-                return f"{what} {now}, else {good}"
-        return ""
 
 
 def tasks_of(good, options):
@@ -148,7 +131,7 @@ def tasks_of(good, options):
 
 def run_family(family, options, report, folder):
     good = next(iter(work_off(campaign.BUILD, folder, [(family, 0, 0)], live, workers=1)))
-    if good.hang or good.status or good.damage or good.failed:
+    if good.seen.ill or good.seen.status or good.damage or good.failed:
         report.fault(f"the life without a failure isn't good: {good}")
         return
     judge, counts = Judge(good), defaultdict(Counter)
@@ -159,7 +142,7 @@ def run_family(family, options, report, folder):
         function, _, code = (life.failed or "(behind the end)").partition(" ")
         counts[function][outcome or "fault"] += 1
         if not outcome:
-            report.fault(f"--only {life.name} ({function} gives {code}): {why}")
+            report.fault(f"--only {life.name} ({function} gives {code}): {why}; it had come to {life.seen.steps[-1:]}")
         if options.verbose:
             print(f"    {life.name} {function} {code}: {outcome or why}", flush=True)
     for function in sorted(counts):
@@ -173,7 +156,7 @@ def main():
     parser.add_argument("--family", choices=FAMILIES, help="one family alone")
     parser.add_argument("--verbose", action="store_true", help="a line for each life")
     options = campaign.parse(parser)
-    folder = campaign.BUILD / "campaigns/calls"
+    folder = campaign.BUILD / "campaigns" / ("calls-only" if options.only else "calls")
     if options.only:
         family, number, variant = options.only.split(":")
         tasks = [(family, 0, 0), (family, int(number), int(variant))]

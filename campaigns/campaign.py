@@ -54,8 +54,8 @@ class Report:
 
     def text(self):
         minutes, seconds = divmod(round(time.monotonic() - self.began), 60)
-        lines = [f"# Campaign `{self.name}`", "", f"{datetime.now():%Y-%m-%d %H:%M}, {machine()}, {minutes}:{seconds:02} "
-                 f"minutes.", "", f"    {self.command}", "", "| " + " | ".join(self.columns) + " |",
+        lines = [f"# Campaign `{self.name}`", "",
+                 f"{datetime.now():%Y-%m-%d %H:%M}, {machine()}, {minutes}:{seconds:02} minutes.", "", f"    {self.command}", "", "| " + " | ".join(self.columns) + " |",
                  "|" + "---|" * len(self.columns), *("| " + " | ".join(row) + " |" for row in self.rows), ""]
         if self.faults:
             lines += [f"**Failed**, with {len(self.faults)} faults:", "", *(f"- {fault}" for fault in self.faults)]

@@ -4,7 +4,8 @@ Each life is a process of the add-in, started here so that its exit status is se
 each with a connection of its own. Calls go out in rounds of some hundred at once. What each has to come to is foretold
 from the add-in's own introspection and from the conversions that the contract tells (support/contract.py), and records
 are kept in mind, so that a read has to give what was written last: what introspection lists has to take the listed
-signature, and what it doesn't list has to be refused. A call without an answer for a minute is a hang.
+signature, and what it doesn't list has to be refused. A call without an answer for a minute is a hang. A seed draws the same peers and calls again; in which order the calls of
+different peers arrive is the daemon's affair.
 
 Boxes that would wait for an operator: the host of the walk answers whatever it is asked, late at times but always, so
 that no box of a wait comes up by itself. The boxes of answers do come up. Between two rounds, and whenever nothing has
@@ -69,8 +70,8 @@ class WalkingLife(Walk):
     def be_ready(self):
         """The dialog is there for a click: with a host, a name and no box before it."""
         self.host.honest, self.nesting, self.slow = True, 9, 9
-        self.invoke(self.anchor, self.layers[0], "RegisterPBX", METHOD, ("s", "Main Office"), ("(so)", (self.host.name, HOST)),
-                    ("n", 1))
+        self.invoke(self.anchor, self.layers[0], "RegisterPBX", METHOD, ("s", "Main Office"),
+                    ("(so)", (self.host.name, HOST)), ("n", 1))
         self.invoke(self.anchor, self.layers[0], "Visible", PUT, ("b", True))
         quiet = time.monotonic() + QUIET
 
@@ -108,7 +109,8 @@ class WalkingLife(Walk):
         answer = "(so)", (self.host.name, self.host.response())
         self.member(self.host, self.dialog, "CallBack", METHOD, [answer])
         self.settle()
-        self.wait(lambda: self.operator.close_boxes() or sum(self.operator.closed.values()) > closed, "the answer's box")
+        self.wait(lambda: self.operator.close_boxes() or sum(self.operator.closed.values()) > closed,
+                  "the answer's box")
         self.wait(lambda: not self.operator.boxes(), "the answer's box to close")
         self.host.honest = False
 
@@ -122,11 +124,11 @@ class WalkingLife(Walk):
     def check_count(self):
         """The dialog counts as many objects as are held, after all that was created, left and given back."""
         wanted = len(self.layers) + self.extra
-        self.send(self.host, self.invocation(self.dialog, "IncrementCount", METHOD, []), "IncrementCount")
-        self.send(self.host, self.invocation(self.dialog, "DecrementCount", METHOD, []), "DecrementCount of the end",
+        self.tell(self.host, self.dialog, "IncrementCount", METHOD, [], "IncrementCount")
+        self.tell(self.host, self.dialog, "DecrementCount", METHOD, [], "DecrementCount of the end",
                   result=("n", wanted), arguments=[])
         for i in range(self.extra):
-            self.send(self.host, self.invocation(self.dialog, "DecrementCount", METHOD, []), "DecrementCount to put right",
+            self.tell(self.host, self.dialog, "DecrementCount", METHOD, [], "DecrementCount to put right",
                       result=("n", wanted - i - 1), arguments=[])
         self.extra = 0
         self.settle()
@@ -165,7 +167,7 @@ class WalkingLife(Walk):
             layer = self.random.choice(self.layers)
             for name, kind, arguments in (("Visible", PUT, [("b", True)]), ("SetBackGround", METHOD, [("n", i % 4)])):
                 if name == "Visible" or i == 0:
-                    self.send(self.anchor, self.invocation(layer, name, kind, arguments), f"{name} without a window", number=ANY)
+                    self.tell(self.anchor, layer, name, kind, arguments, f"{name} without a window", number=ANY)
         self.settle()
         self.leave_all()
 
@@ -173,11 +175,11 @@ class WalkingLife(Walk):
         """A stranger takes objects off the count that aren't his; the next one to go then ends the process."""
         stranger = self.join("stranger")
         for i in range(len(self.layers) - 1):
-            self.send(stranger, self.invocation(self.dialog, "DecrementCount", METHOD, []), "DecrementCount of a stranger",
+            self.tell(stranger, self.dialog, "DecrementCount", METHOD, [], "DecrementCount of a stranger",
                       result=("n", len(self.layers) - i - 1), arguments=[])
         self.create(stranger)
         self.settle()
-        self.send(stranger, self.invocation(self.dialog, "DecrementCount", METHOD, []), "DecrementCount of a stranger",
+        self.tell(stranger, self.dialog, "DecrementCount", METHOD, [], "DecrementCount of a stranger",
                   result=("n", 1), arguments=[])
         self.settle()
         self.release(stranger, self.layers[-1].path)
@@ -200,6 +202,10 @@ class WalkingLife(Walk):
             self.report.fault(f"life {self.seed}: of the host's objects were never given back: {dict(kept)}")
         return None
 
+    def how_it_ended(self):
+        status = self.process.poll()
+        return "" if status is None else f"; the process has ended with {status}"
+
     def close(self):
         for peer in self.peers:
             if peer.is_open:
@@ -216,12 +222,13 @@ def walk(arrangement, operator, report, options):
     lives = SHORT_LIVES if options.short else LIVES
     for number in range(lives):
         end = ENDS[number % len(ENDS)]
-        life = WalkingLife(arrangement, operator, report, options.seed * 100 + number, arrangement.folder / "errors.txt")
+        seed = options.seed * 100 + number
+        life = WalkingLife(arrangement, operator, report, seed, arrangement.folder / "errors.txt")
         sizes = []
         try:
             sizes = life.run(options.calls // lives, end)
         except (Lost, TimeoutError, ConnectionError) as lost:
-            report.fault(f"life {life.seed}, step {life.steps}: {lost}")
+            report.fault(f"life {life.seed}, step {life.steps}: {lost}{life.how_it_ended()}")
         finally:
             life.close()
         for key, count in life.seen.items():
@@ -239,7 +246,7 @@ def stand_extremes(arrangement, operator, report, options):
     try:
         extremes.run(life, report, options)
     except (Lost, TimeoutError, ConnectionError) as lost:
-        report.fault(f"life {life.seed}, step {life.steps}: {lost}")
+        report.fault(f"life {life.seed}, step {life.steps}: {lost}{life.how_it_ended()}")
     finally:
         life.close()
 
@@ -247,7 +254,8 @@ def stand_extremes(arrangement, operator, report, options):
 def check_coverage(report, described, seen):
     """Each member that introspection lists was reached both ways."""
     for name, each in described.items():
-        missed = [f"{way} {slot.typed_name}" for slot in each.slots for way in ("late", "typed")[:2 if each.typed else 1]
+        ways = ("late", "typed") if each.typed else ("late",)
+        missed = [f"{way} {slot.typed_name}" for slot in each.slots for way in ways
                   if not seen.get((name, way, slot.typed_name, slot.is_write))]
         if missed:
             report.fault(f"{name}: the walk never reached {', '.join(missed)}")
@@ -259,7 +267,8 @@ def check_coverage(report, described, seen):
 
 def main():
     parser = campaign.arguments("walker", __doc__)
-    parser.add_argument("--calls", type=int, help=f"calls of the walk (default {CALLS:,}; {SHORT_CALLS:,} in the short form)")
+    parser.add_argument("--calls", type=int,
+                        help=f"calls of the walk (default {CALLS:,}; {SHORT_CALLS:,} in the short form)")
     parser.add_argument("--only", choices=("walk", "extremes"), help="leave the other half out")
     options = campaign.parse(parser)
     options.calls = options.calls or (SHORT_CALLS if options.short else CALLS)

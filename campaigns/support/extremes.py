@@ -4,7 +4,6 @@ One life stands all of it. Behind each extreme a client that is new to the bus h
 new host has a whole lookup.
 """
 import random
-import select
 import socket
 import time
 
@@ -19,10 +18,11 @@ LONGEST_SIGNATURE = 255
 LARGEST = 10_000_000
 NEAR_THE_LIMIT = 31 << 20  # bytes; daemons are built to take messages up to 32 MiB
 MOST_ITEMS = 32_767
+KEPT_EACH_TIME = 64 << 10  # KiB; the allocator joins its pieces by chance
 BASICS = "ybnqiuxtdsog"
 VALUES = ("(y)", "(d)", "(so)")  # structures that are values of this system
-SAMPLES = {"y": 1, "b": 1, "n": -2, "q": 2, "i": -3, "u": 3, "x": -4, "t": 4, "d": 0.5, "s": "text", "o": "/a/b", "g": "a{sv}",
-           "v": ("i", 5)}
+SAMPLES = {"y": 1, "b": 1, "n": -2, "q": 2, "i": -3, "u": 3, "x": -4, "t": 4, "d": 0.5, "s": "text", "o": "/a/b",
+           "g": "a{sv}", "v": ("i", 5)}
 
 
 # --- messages ---------------------------------------------------------------------------------------
@@ -42,7 +42,8 @@ def any_type(chance, depth=0, arrays=0):
 def any_signature(chance):
     if chance.random() < 0.1:
         depth = chance.randint(1, DEEPEST)
-        return chance.choice(("a" * depth + "i", "(" * depth + "i" + ")" * depth, "a(" * (depth // 2) + "s" + ")" * (depth // 2)))
+        half = depth // 2
+        return chance.choice(("a" * depth + "i", "(" * depth + "i" + ")" * depth, "a(" * half + "s" + ")" * half))
     while True:
         signature = "".join(any_type(chance) for _ in range(chance.randint(1, 4)))
         if len(signature) <= LONGEST_SIGNATURE:
@@ -67,11 +68,12 @@ def signatures(life, short):
         values = [sample(each) for each in types_of(signature)]
         peer, layer = life.anchor, life.layers[0]
         first = types_of(signature)[0]
-        life.send(peer, (life.owner, layer.path, OBJECT, "Invoke", signature, values), f"Invoke of {signature}", number=13)
+        life.send(peer, (life.owner, layer.path, OBJECT, "Invoke", signature, values), f"Invoke of {signature}",
+                  number=13)
         life.send(peer, (life.owner, layer.path, layer.described.typed, "SetBackGround", signature, values),
                   f"SetBackGround of {signature}", number=DONE if signature == "n" else 13)
         if first not in SAMPLES and first not in VALUES:
-            life.send(peer, life.invocation(layer, "SetBackGround", METHOD, [(first, values[0])]), f"argument of {first}",
+            life.tell(peer, layer, "SetBackGround", METHOD, [(first, values[0])], f"argument of {first}",
                       number=13)
             life.send(peer, (life.owner, layer.path, PROPERTIES, "Set", "ssv",
                              (layer.described.typed, "Visible", (first, values[0]))), f"Visible of {first}", number=13)
@@ -80,12 +82,23 @@ def signatures(life, short):
     nested = "n", 1
     for _ in range(30):  # a variant counts as much as a structure and what is in it
         nested = "v", nested
-        life.send(life.anchor, life.invocation(life.layers[0], "SetBackGround", METHOD, [nested]), "nested variants", number=13)
+        life.tell(life.anchor, life.layers[0], "SetBackGround", METHOD, [nested], "nested variants", number=13)
     life.settle()
     return f"{count:,} signatures"
 
 
 def sizes(life, short):
+    """Over and over in the long form: memory is kept for the next of that size, but no more each time."""
+    grown = []
+    for _ in range(1 if short else 3):
+        all_sizes(life, short)
+        grown.append(life.memory())
+    if grown[-1] - grown[-2:][0] > KEPT_EACH_TIME:
+        life.report.fault(f"life {life.seed}: the same texts again made it grow, KiB: {grown}")
+    return f"texts up to {(LARGEST if short else NEAR_THE_LIMIT) / 1e6:.0f} MB, 100,000 arguments, {MOST_ITEMS:,} items"
+
+
+def all_sizes(life, short):
     """The longest texts and the most arguments, and a record of as many items as it can have."""
     layer, record = life.layers[0], life.records[0]
     long = "x" * LARGEST
@@ -94,11 +107,13 @@ def sizes(life, short):
             life.invoke(life.anchor, record, name, kind, *arguments)
     for target, name, kind, arguments in (
             (layer, long, METHOD, []), (layer, "SetBackGround", METHOD, [("s", long)]),
-            (layer, "SetBackGround", METHOD, [("n", 1)] * 100_000), (layer, "SetBackGround", METHOD, [("ai", [1] * 100_000)]),
+            (layer, "SetBackGround", METHOD, [("n", 1)] * 100_000),
+            (layer, "SetBackGround", METHOD, [("ai", [1] * 100_000)]),
             (layer, "SetBackGround", METHOD, [("as", ["x"] * 100_000)]),
             (layer, "RegisterPBX", METHOD, [("s", long), ("(so)", ("", "/")), ("n", 1)]),
             (layer, "RegisterPBX", METHOD, [("s", "Main Office"), ("(so)", (life.host.name, HOST)), ("n", 1)]),
-            (record, "AddToList", METHOD, [("s", long[:LARGEST // 2])] * 5), (record, "SecondData", GET, [("n", record.count)]),
+            (record, "AddToList", METHOD, [("s", long[:LARGEST // 2])] * 5),
+            (record, "SecondData", GET, [("n", record.count)]),
             (record, "Clear", METHOD, [])):
         life.nesting = life.slow = 1
         life.invoke(life.anchor, target, name, kind, *arguments)
@@ -107,10 +122,9 @@ def sizes(life, short):
         if i % 1000 == 0:
             life.settle()
     life.invoke(life.anchor, record, "CMD", GET, ("n", MOST_ITEMS - 1))
-    life.send(life.anchor, life.invocation(record, "AddToList", METHOD, [("s", "one more")]), "AddToList of one more", number=6)
+    life.tell(life.anchor, record, "AddToList", METHOD, [("s", "one more")], "AddToList of one more", number=6)
     life.invoke(life.anchor, record, "Count", GET)
     life.invoke(life.anchor, record, "Clear", METHOD)
-    return f"texts up to {(LARGEST if short else NEAR_THE_LIMIT) / 1e6:.0f} MB, 100,000 arguments, {MOST_ITEMS:,} items"
 
 
 # --- floods -----------------------------------------------------------------------------------------
@@ -126,11 +140,11 @@ def flood_with_a_box(life, short):
         for peer in crowd:
             dice = chance.random()
             if dice < 0.01:
-                life.send(peer, life.invocation(life.dialog, "CallBack", METHOD, [response]), "CallBack", number=ANY, busy=True)
+                life.tell(peer, life.dialog, "CallBack", METHOD, [response], "CallBack", number=ANY, busy=True)
             elif dice < 0.02:
-                life.send(peer, life.invocation(life.dialog, "TurnFlow", METHOD, [("b", True)]), "TurnFlow", number=ANY, busy=True)
+                life.tell(peer, life.dialog, "TurnFlow", METHOD, [("b", True)], "TurnFlow", number=ANY, busy=True)
             else:
-                life.send(peer, life.invocation(life.layers[0], "Visible", GET, []), "Visible", result=("b", ANY),
+                life.tell(peer, life.layers[0], "Visible", GET, [], "Visible", result=("b", ANY),
                           arguments=[], busy=True)
         if done % 50 == 0:
             life.pump(0)
@@ -159,7 +173,7 @@ def calls_inside_calls(life, short):
     life.host.silent = True
     refused, count = life.refused, 5_000 if short else 50_000
     for done in range(count):
-        life.send(life.anchor, life.invocation(life.dialog, "TurnFlow", METHOD, [("b", False)]), "TurnFlow", number=ANY, busy=True)
+        life.tell(life.anchor, life.dialog, "TurnFlow", METHOD, [("b", False)], "TurnFlow", number=ANY, busy=True)
         if done % 200 == 0:
             life.pump(0)
     life.wait(lambda: len(life.waiting()) <= len(life.host.late) + 1 and life.host.late, "the rest to be refused")
@@ -192,8 +206,9 @@ def deaf_caller(life, short):
     deaf.leave()
     life.invoke(life.anchor, record, "Key", PUT, ("s", ""))
     if most - before > 64 << 10:
-        life.report.fault(f"life {life.seed}: a peer that reads nothing made the add-in grow from {before} to {most} KiB")
-    return f"{sent - left:,} calls without reading; others waited {longest:.2f} s at most, {most - before:,} KiB more meanwhile"
+        life.report.fault(f"life {life.seed}: a peer that reads nothing made it grow from {before} to {most} KiB")
+    return (f"{sent - left:,} calls without reading; others waited {longest:.2f} s at most, "
+            f"{most - before:,} KiB more meanwhile")
 
 
 def deaf_host(life, short):
@@ -204,10 +219,10 @@ def deaf_host(life, short):
     life.nesting = 9
     life.invoke(life.anchor, layer, "RegisterPBX", METHOD, ("s", "Main Office"), ("(so)", ("", "/")), ("n", 1))
     waiting = life.join("waiting")
-    life.send(waiting, life.invocation(layer, "RegisterPBX", METHOD, [("s", "Main Office"), ("(so)", (deaf.name, HOST)), ("n", 1)]),
-              "RegisterPBX of a deaf host")
+    arguments = [("s", "Main Office"), ("(so)", (deaf.name, HOST)), ("n", 1)]
+    life.tell(waiting, layer, "RegisterPBX", METHOD, arguments, "RegisterPBX of a deaf host")
     while not (waiting.pending and WAIT_BOX in life.operator.boxes()):
-        life.send(life.anchor, life.invocation(layer, "Visible", GET, []), "Visible beside a deaf host", result=("b", ANY),
+        life.tell(life.anchor, layer, "Visible", GET, [], "Visible beside a deaf host", result=("b", ANY),
                   arguments=[])
         while life.anchor.pending:
             life.pump(0.05)

@@ -59,7 +59,8 @@ class Target:
 
 @dataclass
 class Expected:
-    """What a call must come to: a number of an error or DONE, or ANY; and what the answer carries, ANY where unknown."""
+    """What a call must come to: a number of an error or DONE, or ANY; and what the answer carries, ANY where
+    unknown."""
     step: int
     what: str
     number: int = DONE
@@ -186,7 +187,8 @@ class Life:
         end = time.monotonic() + seconds
         while not condition():
             self.pump(0.05)
-            self.host.catch_up()
+            if not self.host.silent:
+                self.host.catch_up()
             if time.monotonic() > end:
                 raise Lost(f"waited {seconds} s for {what}")
             if self.process.poll() is not None:

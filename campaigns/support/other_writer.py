@@ -5,9 +5,12 @@ import sqlite3
 import sys
 
 
+PAUSE = 0.002  # seconds; without any the others would never find the register free
+
+
 def write_on(file, name):
     number = 0
-    while not select.select([sys.stdin], [], [], 0)[0]:
+    while not select.select([sys.stdin], [], [], PAUSE)[0]:
         database = sqlite3.connect(file, timeout=30)
         with database:
             database.execute("UPDATE Registry SET Version = ? WHERE AppName = ?", [str(number + 1), name])

@@ -34,7 +34,11 @@ def work_off(build, folder, tasks, work, workers=WORKERS):
 
 
 def _serve(build, folder, waiting, done, work):
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    def end(*_):
+        done.cancel_join_thread()  # nobody reads any more
+        sys.exit(1)
+
+    signal.signal(signal.SIGTERM, end)
     try:
         arrangement = Arrangement(build, folder, own_display=True).lay_out()
         # The add-in is started by the campaign; one that the bus started by itself would hide its end.

@@ -74,7 +74,7 @@ class Walk(Life):
         peer = self.random.choice(leaving)
         for _ in range(self.random.randrange(40)):
             target = self.random.choice(self.layers)
-            self.send(peer, self.invocation(target, "Visible", GET, []), "Visible, and leaves")
+            self.tell(peer, target, "Visible", GET, [], "Visible, and leaves")
         if self.random.random() < 0.5:
             self.send(peer, (ADD_IN_CLASS, "/Factory", FACTORY, "CreateInstance"), "CreateInstance, and leaves")
         peer.send()
@@ -153,6 +153,10 @@ class Walk(Life):
     def invocation(self, target, name, kind, arguments):
         return self.owner, target.path, OBJECT, "Invoke", "sqav", (name, kind, arguments)
 
+    def tell(self, peer, target, name, kind, given, what, **expected):
+        """A late-bound call of which the caller knows what it has to come to."""
+        self.send(peer, self.invocation(target, name, kind, given), what, **expected)
+
     def late_bound(self, peer, target):
         slot = self.random.choice(target.described.slots)
         name, kind = self.spelled(slot.name), self.random.choice((PUT, PUT_OBJECT) if slot.is_write else (METHOD, GET))
@@ -199,10 +203,12 @@ class Walk(Life):
         if not re.fullmatch(r"[A-Za-z_]\w*", name, re.A):
             return
         number, result = self.foretell(target, signature, values,
-                                       [each for each in described.slots if not each.is_property and each.typed_name == name])
+                                       [each for each in described.slots
+                                        if not each.is_property and each.typed_name == name])
         if number == "skip":
             return
-        interface = described.typed if self.random.random() < 0.9 or name in ("Invoke", "Retain", "Release", "Get") else ""
+        is_named = self.random.random() < 0.9 or name in ("Invoke", "Retain", "Release", "Get")
+        interface = described.typed if is_named else ""
         self.send(peer, (self.owner, target.path, interface, name, signature, [value for _, value in values]),
                   f"{described.typed}.{name} {signature} {str(values)[:200]}", number=number, result=result)
 
@@ -253,8 +259,8 @@ class Walk(Life):
                 return None
             self.effect(target, known[True], [content])
             self.seen[described.name, "typed", name, True] += 1
-        return self.send(peer, (*address, "Set", "ssv", (described.typed, name, value)), what + f" {value}", number=number,
-                         result="" if number == DONE else ANY)
+        return self.send(peer, (*address, "Set", "ssv", (described.typed, name, value)), what + f" {value}",
+                         number=number, result="" if number == DONE else ANY)
 
     def may(self, slot):
         """Whether the round has room for one more of those that take long."""
@@ -287,7 +293,8 @@ class Walk(Life):
             (("/Object/0", OBJECT, "Retain"), 462), (("/", OBJECT, "Invoke"), 438),
             ((target.path, "com.example.Other", "Invoke"), 438), ((target.path, OBJECT, "Evoke"), 438),
             ((target.path, OBJECT, "Invoke"), 13), ((target.path, OBJECT, "Invoke", "sqas", ("Count", 2, ["1"])), 13),
-            ((target.path, OBJECT, "Retain", "s", ("x",)), 13), (("/Factory", FACTORY, "CreateInstance", "i", (1,)), 13),
+            ((target.path, OBJECT, "Retain", "s", ("x",)), 13),
+            (("/Factory", FACTORY, "CreateInstance", "i", (1,)), 13),
             (("/Factory", FACTORY, "Create"), 438), (("/Object", OBJECT, "Release"), 438),
             ((target.path, PROPERTIES, "GetAll", "s", ("com.example.Other",)), 438),
             ((target.path, PROPERTIES, "Get", "ss", (OBJECT, "Age")), 438),

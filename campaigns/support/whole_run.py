@@ -6,6 +6,7 @@ The host is in this process, the add-in a child whose end is seen. Boxes are clo
 import re
 import subprocess
 import time
+from dataclasses import dataclass
 
 import dbus
 import dbus.bus
@@ -21,12 +22,38 @@ NOTICE, WAIT_BOX, GIVE_UP = "System Fatal Notice", "Horalink \u2013 Waiting for 
 GONE = [f"org.freedesktop.DBus.Error.{name}" for name in ("NoReply", "ServiceUnknown", "NameHasNoOwner")]
 WAIT_LIMIT = 20  # seconds until the add-in asks the operator whether to go on waiting
 LIMIT = 45  # seconds in which each step comes to its end on a busy machine, that wait included
+IDLE_LIMIT = 60 + LIMIT  # for a process that nobody has used
 QUIET = 4  # seconds without a call, after which no box comes any more
 UNSHOWN = 2000  # milliseconds after which a request is answered whose key was never shown
 SERVED = 0.02  # seconds between two looks at the screen
 
 # What the dialog shows of the moment, and no two lives can have in common.
 MOMENT = re.compile(r"\d|AM|PM|day|January|February|March|April|May|June|July|August|September|October|November|December")
+
+
+@dataclass
+class Seen:
+    """What came of a life, as far as it can be seen from outside."""
+    steps: list
+    boxes: list
+    names: list
+    status: int
+    errors: str
+    ill: str  # a hang or a crash; empty for a life that ended well
+    ended_early: bool
+
+    def shown(self):
+        return self.steps, self.boxes, self.names, self.status, self.errors
+
+    def difference(self, other):
+        for what, now, good in zip(("steps", "boxes", "names", "status", "errors"), self.shown(), other.shown()):
+            if now != good:
+                return f"{what} {now}, else {good}"
+        return ""
+
+    @property
+    def has_notice(self):
+        return any(title == NOTICE for title, _ in self.boxes)
 
 
 class Hang(Exception):
@@ -71,36 +98,41 @@ class Host(scripted_host.Host):
 
 
 class WholeRun:
-    """Runs the add-in once. `steps`, `boxes`, `names`, `status` and `errors` tell what came of it."""
+    """Runs the add-in once. `before` is called ahead of each step, with its name; `prefix` are the words of a command
+    that the add-in is started with."""
 
-    def __init__(self, arrangement, driver, environment=None, lookups=2, before=None):
+    def __init__(self, arrangement, driver, environment=None, lookups=2, before=None, prefix=()):
         self.arrangement, self.driver = arrangement, driver
         self.environment = {**arrangement.environment, **(environment or {})}
-        self.lookups = lookups
-        self.before = before or (lambda step, process: None)
+        self.lookups, self.prefix = lookups, prefix
+        self.before = before or (lambda step: None)
         self.steps, self.boxes, self.names = [], [], []
-        self.status, self.errors, self.hang, self.ended_early = None, "", None, True
 
     def run(self):
         bus = dbus.bus.BusConnection(self.environment["DBUS_SESSION_BUS_ADDRESS"], mainloop=DBusGMainLoop())
         self.host = Host(bus)
-        self.process = subprocess.Popen([str(self.arrangement.add_in), "-Embedding"], env=self.environment,
+        self.process = subprocess.Popen([*self.prefix, str(self.arrangement.add_in), "-Embedding"], env=self.environment,
                                         start_new_session=True, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        hang, ended_early = None, True
         try:
             self.live()
-            self.ended_early = False
+            ended_early = False
             self.wait_for(lambda: False, "the end of the process")
         except Ended:
             self.steps.append("ended")
-        except Hang as hang:
-            self.hang = str(hang)
+        except Hang as reason:
+            hang = f"hangs, waiting for {reason}"
         finally:
             if self.process.poll() is None:
                 self.process.kill()
-            self.errors = self.process.communicate()[1].decode(errors="replace")
-            self.status = self.process.returncode
+            errors = self.process.communicate()[1].decode(errors="replace")
             bus.close()
-        return self
+        return Seen(self.steps, self.boxes, self.names, self.process.returncode, errors, hang or self.illness(),
+                    ended_early)
+
+    def illness(self):
+        status = self.process.returncode
+        return f"signal {-status}" if status < 0 else f"status {status}" if status > 1 else ""
 
     def live(self):
         self.step("serve", lambda: self.bus_has(scripted_host.ADD_IN))
@@ -112,7 +144,7 @@ class WholeRun:
             for number in range(self.lookups):
                 self.look_up(number)
             self.read_names()
-        self.before("release", self.process)
+        self.before("release")
         for name in ["dialog"] * self.host.logins + ["layer"]:
             self.host.send(f"release {name}", *self.host.references[name], scripted_host.OBJECT, "Release")
 
@@ -124,23 +156,23 @@ class WholeRun:
     # --- steps --------------------------------------------------------------------------------------------------
 
     def step(self, name, done):
-        self.before(name, self.process)
-        self.wait_for(done, name)
+        self.before(name)
+        self.wait_for(done, name, IDLE_LIMIT)
 
     def ask(self, name, send):
         """Sends a call and notes how it was answered; gives the values, or None for an error."""
-        self.before(name, self.process)
+        self.before(name)
         asked = len(self.host.events)
         send()
         answer = self.wait_for(lambda: self.host.answer_since(asked), f"the answer to '{name}'")
         self.steps.append(f"{name}: {answer['error'] or answer['values']}")
         if answer["error"] in GONE:
-            self.wait_for(lambda: False, "the end of a process that has left the bus")
+            self.wait_for(lambda: False, "the end of a process that has left the bus", IDLE_LIMIT)
         return None if answer["error"] else answer["values"]
 
     def look_up(self, number):
         """A press on the button, up to the box behind it; notes what the host was asked meanwhile."""
-        self.before(f"lookup {number}", self.process)
+        self.before(f"lookup {number}")
         button = self.wait_for(self.lookup_button, "the button to be enabled")
         boxes, calls = len(self.boxes), len(self.host.calls())
         self.host.last_event = time.monotonic()
@@ -182,9 +214,9 @@ class WholeRun:
 
     # --- waiting ------------------------------------------------------------------------------------------------
 
-    def wait_for(self, condition, what):
+    def wait_for(self, condition, what, limit=LIMIT):
         """Serves the host and closes boxes until the condition holds."""
-        context, end = GLib.MainContext.default(), time.monotonic() + LIMIT
+        context, end = GLib.MainContext.default(), time.monotonic() + limit
         looked = 0.0
         while True:
             while context.iteration(False):
@@ -232,10 +264,3 @@ class WholeRun:
             while GLib.MainContext.default().iteration(False):
                 pass
             time.sleep(0.005)
-
-    # --- judging ------------------------------------------------------------------------------------------------
-
-    @property
-    def telling_boxes(self):
-        """Those that don't belong to a lookup that went well."""
-        return [box for box in self.boxes if box[0] != CLOCK_READ]

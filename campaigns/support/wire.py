@@ -13,13 +13,14 @@ import time
 from collections import deque, namedtuple
 
 CALL, RETURN, ERROR = 1, 2, 3
+NO_ANSWER = 1  # a flag of a call
 BASIC = {"y": "B", "n": "<h", "q": "<H", "i": "<i", "u": "<I", "x": "<q", "t": "<Q", "d": "<d", "b": "<I"}
 SIZES = {"y": 1, "n": 2, "q": 2, "i": 4, "u": 4, "x": 8, "t": 8, "d": 8, "b": 4}
 ALIGNMENTS = {**SIZES, "s": 4, "o": 4, "g": 1, "v": 1, "a": 4, "(": 8, "{": 8}
 PATH, INTERFACE, MEMBER, ERROR_NAME, REPLY_SERIAL, DESTINATION, SENDER, SIGNATURE = range(1, 9)
 LARGEST_READ = 1 << 20
 
-Message = namedtuple("Message", "type serial reply sender path interface member error signature body")
+Message = namedtuple("Message", "type flags serial reply sender path interface member error signature body")
 
 
 @functools.lru_cache(maxsize=4096)
@@ -155,11 +156,13 @@ class Peer:
         return self._put(CALL, flags, fields, signature, arguments)
 
     def answer(self, call, signature="", arguments=()):
-        self._put(RETURN, 1, [(REPLY_SERIAL, ("u", call.serial)), (DESTINATION, ("s", call.sender))], signature, arguments)
+        fields = [(REPLY_SERIAL, ("u", call.serial)), (DESTINATION, ("s", call.sender))]
+        if not call.flags & NO_ANSWER:
+            self._put(RETURN, NO_ANSWER, fields, signature, arguments)
 
     def refuse(self, call, name, text, number=None):
         fields = [(REPLY_SERIAL, ("u", call.serial)), (DESTINATION, ("s", call.sender)), (ERROR_NAME, ("s", name))]
-        self._put(ERROR, 1, fields, "s" if number is None else "si", (text,) if number is None else (text, number))
+        self._put(ERROR, NO_ANSWER, fields, "s" if number is None else "si", (text,) if number is None else (text, number))
 
     def _put(self, kind, flags, fields, signature, arguments):
         self.serial += 1
@@ -215,13 +218,13 @@ class Peer:
 
     @staticmethod
     def _message(data):
-        kind, serial = data[1], struct.unpack_from("<I", data, 8)[0]
+        kind, flags, serial = data[1], data[2], struct.unpack_from("<I", data, 8)[0]
         reader = Reader(data, 12)
         fields = {code: value[1] for code, value in reader.read("a(yv)")}
         reader.align(8)
         body = Reader(data[reader.at:])
         values = [body.read(each) for each in types_of(fields.get(SIGNATURE, ""))]
-        return Message(kind, serial, fields.get(REPLY_SERIAL), fields.get(SENDER), fields.get(PATH),
+        return Message(kind, flags, serial, fields.get(REPLY_SERIAL), fields.get(SENDER), fields.get(PATH),
                        fields.get(INTERFACE), fields.get(MEMBER), fields.get(ERROR_NAME),
                        fields.get(SIGNATURE, ""), values)
 

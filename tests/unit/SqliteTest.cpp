@@ -254,6 +254,15 @@ TEST_F(SqliteTest, TellsOfLocks) {
     EXPECT_EQ(Change(*rows, u"Version", u"z"), 0);
 }
 
+TEST_F(SqliteTest, TellsOfMissingMemory) {
+    RunElsewhere("insert into tMessages values (3, printf('%.*c', 1000000, 'x'))");
+    const auto rows = Rows(u"SELECT * FROM tMessages WHERE ID = 3", forwardOnly);
+    sqlite3_hard_heap_limit64(sqlite3_memory_used() + 100000);
+    const std::int32_t number = ErrorOf([&] { rows->Field(u"Caption"); });
+    sqlite3_hard_heap_limit64(0);
+    EXPECT_EQ(number, 3043);
+}
+
 TEST_F(SqliteTest, WhatIsClosedAnswersNothingAndLetsGoOfTheFile) {
     for (const auto type : {forwardOnly, dynaset}) {
         const auto database = Open();

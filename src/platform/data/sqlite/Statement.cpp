@@ -137,7 +137,7 @@ Value Statement::Column(std::size_t column) const {
         default:
             throw BinaryData();
     }
-    // A long text lies on pages of its own, whose reading can fail; so can the memory for its conversion.
+    // There are none where the memory for their conversion is missing.
     const void* characters = sqlite3_column_text16(statement, index);
     if (!characters) connection_->Fail(sqlite3_errcode(connection_->Handle()));
     return Value(TextOf(characters, sqlite3_column_bytes16(statement, index)));
