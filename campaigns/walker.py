@@ -4,8 +4,8 @@ Each life is a process of the add-in, started here so that its exit status is se
 each with a connection of its own. Calls go out in rounds of some hundred at once. What each has to come to is foretold
 from the add-in's own introspection and from the conversions that the contract tells (support/contract.py), and records
 are kept in mind, so that a read has to give what was written last: what introspection lists has to take the listed
-signature, and what it doesn't list has to be refused. A call without an answer for a minute is a hang. A seed draws the same peers and calls again; in which order the calls of
-different peers arrive is the daemon's affair.
+signature, and what it doesn't list has to be refused. A call without an answer for a minute is a hang. A seed draws
+the same peers and calls again; in which order the calls of different peers arrive is the daemon's affair.
 
 Boxes that would wait for an operator: the host of the walk answers whatever it is asked, late at times but always, so
 that no box of a wait comes up by itself. The boxes of answers do come up. Between two rounds, and whenever nothing has

@@ -162,7 +162,8 @@ class Peer:
 
     def refuse(self, call, name, text, number=None):
         fields = [(REPLY_SERIAL, ("u", call.serial)), (DESTINATION, ("s", call.sender)), (ERROR_NAME, ("s", name))]
-        self._put(ERROR, NO_ANSWER, fields, "s" if number is None else "si", (text,) if number is None else (text, number))
+        body = (text,) if number is None else (text, number)
+        self._put(ERROR, NO_ANSWER, fields, "si"[:len(body)], body)
 
     def _put(self, kind, flags, fields, signature, arguments):
         self.serial += 1
