@@ -33,21 +33,21 @@ class CalendarTest : public FormTest {
         calendar.SetYear(static_cast<std::int16_t>(year));
     }
     CalendarWidget& Widget() const { return static_cast<CalendarWidget&>(WidgetOf("Calendar")); }
-    void ClickAt(QPoint place, Qt::MouseButton button = Qt::LeftButton) {
-        QTest::mouseClick(Handle(), button, {}, Widget().mapTo(Window(), place));
+    void ClickAt(QPoint place, Qt::MouseButton pressed = Qt::LeftButton) {
+        QTest::mouseClick(Handle(), pressed, {}, Widget().mapTo(Window(), place));
     }
-    void ClickDay(int day, Qt::MouseButton button = Qt::LeftButton) {
-        ClickAt(Widget().DayRect(day).center(), button);
+    void ClickDay(int day, Qt::MouseButton pressed = Qt::LeftButton) {
+        ClickAt(Widget().DayRect(day).center(), pressed);
     }
     QAbstractButton& Arrow(const char* name) const {
         return *Widget().findChild<QAbstractButton*>(QLatin1String(name));
     }
     QImage Grab() const { return Widget().grab().toImage(); }
     int PixelsOf(QRgb color, const QRect& rect) const {
-        const QImage image = Grab().copy(rect);
+        const QImage part = Grab().copy(rect);
         int count = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x) count += image.pixel(x, y) == color;
+        for (int y = 0; y < part.height(); ++y)
+            for (int x = 0; x < part.width(); ++x) count += part.pixel(x, y) == color;
         return count;
     }
 
