@@ -233,20 +233,15 @@ BUS_CALL(sd_bus_message_new_method_error, (Message * c, Message** m, const sd_bu
          ENOMEM)
 BUS_CALL(sd_bus_message_new_method_return, (Message * c, Message** m), (c, m), ENOMEM)
 
-extern "C" int sd_bus_message_append(Message* message, const char* types, ...) {
-    if (const int code = CODE("bus", sd_bus_message_append, ENOMEM)) return -code;
-    va_list arguments;
-    va_start(arguments, types);
-    const int result = sd_bus_message_appendv(message, types, arguments);
-    va_end(arguments);
-    return result;
-}
+#define BUS_VARIADIC(function, withList, code)                                \
+    extern "C" int function(Message* message, const char* types, ...) {       \
+        if (const int failure = CODE("bus", function, code)) return -failure; \
+        va_list arguments;                                                    \
+        va_start(arguments, types);                                           \
+        const int result = withList(message, types, arguments);               \
+        va_end(arguments);                                                    \
+        return result;                                                        \
+    }
 
-extern "C" int sd_bus_message_read(Message* message, const char* types, ...) {
-    if (const int code = CODE("bus", sd_bus_message_read, EBADMSG)) return -code;
-    va_list arguments;
-    va_start(arguments, types);
-    const int result = sd_bus_message_readv(message, types, arguments);
-    va_end(arguments);
-    return result;
-}
+BUS_VARIADIC(sd_bus_message_append, sd_bus_message_appendv, ENOMEM)
+BUS_VARIADIC(sd_bus_message_read, sd_bus_message_readv, EBADMSG)
