@@ -1,12 +1,11 @@
 // Preloaded into the add-in: lets the n-th of certain calls fail, or ends the process there.
 //
-// FAILING_CALLS        "FAMILY:N:VARIANT". The families `sqlite` and `bus` are the calls that the add-in
-// makes of SQLite
-//                      and of sd-bus, `file` those by which SQLite changes the disk. The N-th call of the
-//                      family fails, with the VARIANT-th of the codes that its function can give; 0 lets all
-//                      of them pass. The family `kill` has the calls of `file`, and the process is killed
-//                      ahead of the N-th.
-// FAILING_CALLS_TRACE  a file that gets the name of each call of the family, and behind the one that failed
+// FAILING_CALLS is "FAMILY:N:VARIANT". The families `sqlite` and `bus` are the calls that the add-in makes of
+// SQLite and of sd-bus, `file` those by which SQLite changes the disk. The N-th call of the family fails,
+// with the VARIANT-th of the codes that its function can give; 0 lets all of them pass. The family `kill` has
+// the calls of `file`, and the process is killed ahead of the N-th.
+//
+// FAILING_CALLS_TRACE is a file that gets the name of each call of the family, and behind the one that failed
 // its code.
 //
 // Only functions are here that can fail for a reason outside of the program: memory, disk, connection, what

@@ -49,9 +49,8 @@ class CheckTest : public testing::Test {
 };
 
 struct FaultCase {
-    const char* database;
-    const char* statement;
-    const char* place;  // "table, row, field", as far as they are known
+    const char *database, *statement;
+    const char* place;  // table, row and field, as far as they are known
     const char* message;
 };
 
@@ -71,72 +70,64 @@ const FaultCase cases[] = {
     {own, "ALTER TABLE tMsgBox DROP COLUMN HelpFile", "tMsgBox||HelpFile", "the field is missing"},
     {own, "ALTER TABLE tControls DROP COLUMN FontSize", "tControls||FontSize", "the field is missing"},
     {common, "ALTER TABLE PictureFileName DROP COLUMN FileName", "PictureFileName||FileName",
-     "the field is missing"},
+     "field is missing"},
     {help, "ALTER TABLE tTopics DROP COLUMN Title", "tTopics||Title", "the field is missing"},
-    {own, "DELETE FROM tProject", "tProject|EXEName Horalink|", "the row is missing"},
-    {own, "DELETE FROM tMsgBox WHERE MsgNo = 4", "tMsgBox|MsgNo 4|", "the row is missing"},
-    {own, "DELETE FROM tForms", "tForms|ObjectName dlgAddin|", "the row is missing"},
-    {own, "DELETE FROM tControls WHERE ObjectName = 'lblTrack'",
-     "tControls|FormName dlgAddin, ObjectName lblTrack, Index -1|Caption", "\"Track PC Time\" of its design"},
+    {own, "DELETE FROM tProject", "tProject|Horalink|", "the row is missing"},
+    {own, "DELETE FROM tMsgBox WHERE MsgNo = 4", "tMsgBox|4|", "the row is missing"},
+    {own, "DELETE FROM tForms", "tForms|dlgAddin|", "the row is missing"},
+    {own, "DELETE FROM tControls WHERE ObjectName = 'lblTrack'", "tControls|dlgAddin lblTrack -1|Caption",
+     "of its design"},
     {own, "DELETE FROM tPicture", "tPicture||", "no row for the dialog"},
-    {help, "DELETE FROM tTopics WHERE ID = 3", "tTopics|ID 3|", "the row is missing: the control"},
-    {help, "DELETE FROM tTopics WHERE ID = 1", "tTopics|ID 1|", "opens with it"},
+    {help, "DELETE FROM tTopics WHERE ID = 3", "tTopics|3|", "the row is missing: the control"},
+    {help, "DELETE FROM tTopics WHERE ID = 1", "tTopics|1|", "opens with it"},
     // Null where it fails, and texts that are missing.
-    {own, "UPDATE tMsgBox SET Prompt = NULL WHERE MsgNo = 1", "tMsgBox|MsgNo 1|Prompt", "it is Null"},
-    {common, "INSERT INTO tMsgBox (MsgNo, Buttons) VALUES (7, 'vbOKOnly')", "tMsgBox|MsgNo 7|Prompt",
-     "it is Null"},
-    {own, "UPDATE tControls SET \"Index\" = NULL WHERE ObjectName = 'imgBack' OR ObjectName = 'updTime'",
-     "tControls|FormName dlgAddin, ObjectName updTime, Index null|Index", "it is Null"},
+    {own, "UPDATE tMsgBox SET Prompt = NULL WHERE MsgNo = 1", "tMsgBox|1|Prompt", "it is Null"},
+    {common, "INSERT INTO tMsgBox (MsgNo, Buttons) VALUES (7, 'vbOKOnly')", "tMsgBox|7|Prompt", "it is Null"},
+    {own, "UPDATE tControls SET \"Index\" = NULL WHERE ObjectName = 'updTime'",
+     "tControls|dlgAddin updTime null|Index", "it is Null"},
     {common, "UPDATE PictureFileName SET FileName = NULL WHERE ID = 2",
-     "PictureFileName|ID 2, DefaultName plain.svg|FileName", "the name of the picture is missing"},
-    {own, "UPDATE tProject SET OleServerBusyMsgText = ''", "tProject|EXEName Horalink|OleServerBusyMsgText",
-     "the text is missing"},
-    {help, "UPDATE tTopics SET Body = NULL WHERE ID = 5", "tTopics|ID 5|Body", "the text is missing"},
+     "PictureFileName|2 plain.svg|FileName", "the name"},
+    {own, "UPDATE tProject SET OleServerBusyMsgText = ''", "tProject|Horalink|OleServerBusyMsgText",
+     "text is missing"},
+    {help, "UPDATE tTopics SET Body = NULL WHERE ID = 5", "tTopics|5|Body", "the text is missing"},
     // Messages by number.
-    {own, "DELETE FROM tMessages WHERE ID = 6", "tMessages||",
-     "there are 6 messages, and the add-in reads 7"},
-    {own, "UPDATE tMessages SET ID = 9 WHERE ID = 6", "tMessages|ID 6 to 8|", "the row is missing"},
-    {own, "INSERT INTO tMessages VALUES (4, 'Another')", "tMessages|ID 4|ID",
-     "another row has the same number"},
-    {own, "UPDATE tMessages SET ID = 'six' WHERE ID = 6", "tMessages|ID six|ID", "it has to be a number"},
+    {own, "DELETE FROM tMessages WHERE ID = 6", "tMessages||", "and the add-in reads 7"},
+    {own, "UPDATE tMessages SET ID = 9 WHERE ID = 6", "tMessages|6 to 8|", "the row is missing"},
+    {own, "INSERT INTO tMessages VALUES (4, 'Another')", "tMessages|4|ID", "the same number"},
+    {own, "UPDATE tMessages SET ID = 'six' WHERE ID = 6", "tMessages|six|ID", "it has to be a number"},
     {own, "ALTER TABLE tMessages ADD COLUMN Note TEXT", "tMessages||", "different numbers of fields"},
-    {own, "UPDATE tMessages SET Caption = '100 %' WHERE ID = 2", "tMessages|ID 2|Caption", "cut at its %"},
-    {own, "INSERT INTO tMsgBox SELECT * FROM tMsgBox WHERE MsgNo = 3", "tMsgBox|MsgNo 3|MsgNo",
-     "another row has the same number"},
-    {own, "INSERT INTO tMsgBox VALUES ('x', 'Text', 'vbOKOnly', '-1', NULL, '-1')", "tMsgBox|MsgNo x|MsgNo",
-     "a number of 16 bits"},
+    {own, "UPDATE tMessages SET Caption = '100 %' WHERE ID = 2", "tMessages|2|Caption", "cut at its %"},
+    {own, "INSERT INTO tMsgBox SELECT * FROM tMsgBox WHERE MsgNo = 3", "tMsgBox|3|MsgNo", "the same number"},
+    {own, "INSERT INTO tMsgBox VALUES ('x', 'Text', '', '-1', NULL, '-1')", "tMsgBox|x|MsgNo", "16 bits"},
     // The languages of texts and buttons.
-    {own, "UPDATE tMsgBox SET Buttons = 'vbOKOnly+vbInfo' WHERE MsgNo = 0", "tMsgBox|MsgNo 0|Buttons",
-     "\"vbInfo\" is no name of a button"},
-    {own, "UPDATE tMsgBox SET Title = 'Date & Time' WHERE MsgNo = 1", "tMsgBox|MsgNo 1|Title", "%AND"},
-    {own, "UPDATE tMsgBox SET Prompt = 'The clock was read.' WHERE MsgNo = 0", "tMsgBox|MsgNo 0|Prompt",
-     "%ST is missing"},
-    {own, "UPDATE tMsgBox SET Prompt = 'Done: & %SP & %ST' WHERE MsgNo = 1", "tMsgBox|MsgNo 1|Prompt",
-     "there is no text for %ST"},
-    {own, "UPDATE tMsgBox SET Prompt = '' WHERE MsgNo = 1", "tMsgBox|MsgNo 1|Prompt", "the box has no text"},
-    {own, "UPDATE tMsgBox SET HelpFile = '..\\HELP\\Horalink.hlp', Context = '77' WHERE MsgNo = 1",
-     "tMsgBox|MsgNo 1|Context", "no topic of this number"},
-    {own, "UPDATE tForms SET Caption = 'Date & Time'", "tForms|ObjectName dlgAddin|Caption", "%AND"},
+    {own, "UPDATE tMsgBox SET Buttons = 'vbInfo' WHERE MsgNo = 0", "tMsgBox|0|Buttons", "\"vbInfo\" is no"},
+    {own, "UPDATE tMsgBox SET Title = 'Date & Time' WHERE MsgNo = 1", "tMsgBox|1|Title", "%AND"},
+    {own, "UPDATE tMsgBox SET Prompt = 'Read.' WHERE MsgNo = 0", "tMsgBox|0|Prompt", "%ST is missing"},
+    {own, "UPDATE tMsgBox SET Prompt = 'Done: & %SP & %ST' WHERE MsgNo = 1", "tMsgBox|1|Prompt",
+     "no text for %ST"},
+    {own, "UPDATE tMsgBox SET Prompt = '' WHERE MsgNo = 1", "tMsgBox|1|Prompt", "the box has no text"},
+    {own, "UPDATE tMsgBox SET HelpFile = 'Horalink.hlp', Context = '77' WHERE MsgNo = 1", "tMsgBox|1|Context",
+     "no topic of this number"},
+    {own, "UPDATE tForms SET Caption = 'Date & Time'", "tForms|dlgAddin|Caption", "%AND"},
     {own, "UPDATE tControls SET Caption = 'One & %CR & Two' WHERE ObjectName = 'lblTrack'",
-     "tControls|FormName dlgAddin, ObjectName lblTrack, Index -1|Caption", "shown as it is"},
+     "tControls|dlgAddin lblTrack -1|Caption", "shown as it is"},
     // What the dialog doesn't have, and fonts that are none.
-    {own, "UPDATE tForms SET FontSize = 0", "tForms|ObjectName dlgAddin|FontSize", "the add-in fails on it"},
-    {own, "UPDATE tForms SET FontName = '-1'", "tForms|ObjectName dlgAddin|FontName", "has no meaning here"},
+    {own, "UPDATE tForms SET FontSize = 0", "tForms|dlgAddin|FontSize", "the add-in fails on it"},
+    {own, "UPDATE tForms SET FontName = '-1'", "tForms|dlgAddin|FontName", "has no meaning here"},
     {own, "INSERT INTO tControls VALUES ('dlgAddin', 'cmdHelp', -1, '-1', '-1', NULL, 'Help')",
-     "tControls|FormName dlgAddin, ObjectName cmdHelp, Index -1|", "'cmdHelp' not found"},
+     "tControls|dlgAddin cmdHelp -1|", "'cmdHelp' not found"},
     {own, "INSERT INTO tControls VALUES ('dlgOther', 'cmdButton', 0, '-1', '-1', NULL, 'Help')",
-     "tControls|FormName dlgOther, ObjectName cmdButton, Index 0|FormName", "no form of this name"},
+     "tControls|dlgOther cmdButton 0|FormName", "no form of this name"},
     {own, "UPDATE tControls SET Caption = 'Hour' WHERE ObjectName = 'txtTime' AND \"Index\" = 0",
-     "tControls|FormName dlgAddin, ObjectName txtTime, Index 0|Caption", "the add-in fails on it"},
+     "tControls|dlgAddin txtTime 0|Caption", "the add-in fails on it"},
     {own, "INSERT INTO tControls SELECT * FROM tControls WHERE ObjectName = 'updTime'",
-     "tControls|FormName dlgAddin, ObjectName updTime, Index -1|", "another row is for the same control"},
+     "tControls|dlgAddin updTime -1|", "for the same control"},
     // Pictures.
-    {own, "UPDATE tPicture SET FileName = 'gone.svg'",
-     "tPicture|FormName dlgAddin, ObjectName imgBack, Index -1|FileName", "gone.svg is missing"},
+    {own, "UPDATE tPicture SET FileName = 'gone.svg'", "tPicture|dlgAddin imgBack -1|FileName", "is missing"},
     {common, "INSERT INTO PictureFileName VALUES (1, 'PLAIN.SVG', 'sand.svg')",
-     "PictureFileName|ID 1, DefaultName PLAIN.SVG|", "the same picture in the same set"},
-    {common, "UPDATE PictureFileName SET ID = 70000 WHERE ID = 3",
-     "PictureFileName|ID 70000, DefaultName plain.svg|ID", "16 bits"},
+     "PictureFileName|1 PLAIN.SVG|", "the same picture in the same set"},
+    {common, "UPDATE PictureFileName SET ID = 70000 WHERE ID = 3", "PictureFileName|70000 plain.svg|ID",
+     "16 bits"},
 };
 
 class FaultTest : public CheckTest, public testing::WithParamInterface<FaultCase> {};
@@ -147,7 +138,9 @@ TEST_P(FaultTest, IsFoundWithItsPlace) {
     const Finding finding = OnlyOf(Check());
     const Place& place = finding.place;
     EXPECT_EQ(place.database, expected.database);
-    const std::string found = place.table + "|" + KeyText(place.row) + "|" + place.field;
+    std::string found = place.table + "|";
+    for (const auto& [name, value] : place.row) found += value + (name == place.row.back().first ? "" : " ");
+    found += "|" + place.field;
     EXPECT_TRUE(found.starts_with(expected.place)) << found;
     EXPECT_NE(finding.message.find(expected.message), std::string::npos) << finding.message;
 }
@@ -189,6 +182,7 @@ TEST_F(CheckTest, LeadsToTheLineOfTheSource) {
     const Findings findings = CheckSet(files);
     const auto line = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(place), '\n') + 1;
     EXPECT_EQ(OnlyOf(findings).line, line);
+    EXPECT_TRUE(KeyText(OnlyOf(findings).place.row).starts_with("MsgNo "));
     EXPECT_TRUE(
         findings.AsText(files.SourcePath()).starts_with(file.string() + ":" + std::to_string(line) + ": "));
 }

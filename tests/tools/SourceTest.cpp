@@ -46,7 +46,8 @@ TEST(Source, PassesOverCommentsAndAByteOrderMark) {
 }
 
 TEST(Source, NamesTheLineOfAMistake) {
-    const std::pair<std::string_view, std::string_view> cases[] = {
+    const std::string row = "[database d]\n[table t]\n[row]\n";
+    const std::pair<std::string, std::string_view> cases[] = {
         {"", "x: there is no [database ...]"},
         {"c: v", "x:1: a field belongs to a [row]"},
         {"[row]", "x:1: a [row] belongs to a [table ...]"},
@@ -58,18 +59,16 @@ TEST(Source, NamesTheLineOfAMistake) {
         {"[database \"../d\"]", "x:1: '../d' is no name for a file"},
         {"[database d]\n[database D]", "x:2: d: there are two databases D"},
         {"[database d]\n[table t]\n[table T]", "x:3: d, table t: there are two tables T"},
-        {"[database d]\n[table t]\n[row]\nwords", "x:4: d, table t, row 1: this is no field"},
-        {"[database d]\n[table t]\n[row]\n[row]\nc = 1x",
-         "x:5: d, table t, row 2: field c: '1x' is no number"},
-        {"[database d]\n[table t]\n[row]\nc = \"a", "row 1: field c: the closing quote is missing"},
-        {"[database d]\n[table t]\n[row]\nc = \"\\q\"", "\\q means nothing"},
-        {"[database d]\n[table t]\n[row]\nc = \"\\u{d800}\"", "there is no character \\u{d800}"},
-        {"[database d]\n[table t]\n[row]\nc = x'0'", "binary data"},
-        {"[database d]\n[table t]\n[row]\nc =", "the value is missing"},
-        {"[database d]\n[table t]\n[row]\nc = 99999999999999999999", "out of range"},
-        {"[database d]\n[table t]\n[row]\nc: v\nC: v",
-         "x:5: d, table t, row 1: field C stands in this row twice"},
-        {"[database d]\n[table t]\n[row]\nc: v\n| more", "x:5: d, table t, row 1: a line with |"},
+        {row + "words", "x:4: d, table t, row 1: this is no field"},
+        {row + "[row]\nc = 1x", "x:5: d, table t, row 2: field c: '1x' is no number"},
+        {row + "c = \"a", "row 1: field c: the closing quote is missing"},
+        {row + "c = \"\\q\"", "\\q means nothing"},
+        {row + "c = \"\\u{d800}\"", "there is no character \\u{d800}"},
+        {row + "c = x'0'", "binary data"},
+        {row + "c =", "the value is missing"},
+        {row + "c = 99999999999999999999", "out of range"},
+        {row + "c: v\nC: v", "x:5: d, table t, row 1: field C stands in this row twice"},
+        {row + "c: v\n| more", "x:5: d, table t, row 1: a line with |"},
         {"[database d]\n\xFF", "x:2: d: this line is not UTF-8"},
     };
     for (const auto& [text, expected] : cases) {

@@ -43,7 +43,7 @@ TEST_F(ToolTest, RefusesCallsThatMeanNothing) {
     for (const auto& call : calls) {
         const ProcessResult result = Tool(call);
         EXPECT_EQ(result.status, 2) << testing::PrintToString(call) << result.errors;
-        EXPECT_NE(result.errors.find("--help"), std::string::npos) << result.errors;
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, "--help", result.errors);
     }
     EXPECT_EQ(NamesIn(scratch_.Path()), std::vector<std::string>{"s.lngtext"});
 }
@@ -67,8 +67,7 @@ TEST_F(ToolTest, ReplacesFilesOnlyWhenToldTo) {
         const std::string target = scratch_.Write("target", "mine");
         const ProcessResult refused = Tool({command, file, "--output", target});
         EXPECT_EQ(refused.status, 1);
-        EXPECT_NE(refused.errors.find(target + ": the file is there already"), std::string::npos)
-            << refused.errors;
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, target + ": the file is there already", refused.errors);
         EXPECT_EQ(ReadWholeFile(target), "mine");
         EXPECT_EQ(Tool({command, file, "--output", target, "--force"}).status, 0);
         EXPECT_NE(ReadWholeFile(target), "mine");
@@ -79,9 +78,8 @@ TEST_F(ToolTest, LeavesNothingOfAFailure) {
     const std::string source = scratch_.Write("s.lngtext", half);
     const ProcessResult failed = Tool({"build", source, "--output", Path("deep/folder/")});
     EXPECT_EQ(failed.status, 1);
-    EXPECT_NE(failed.errors.find(source + ":8: b.db, table t, row 1: the table has no field d"),
-              std::string::npos)
-        << failed.errors;
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, source + ":8: b.db, table t, row 1: the table has no field d",
+                        failed.errors);
     EXPECT_FALSE(fs::exists(Path("deep")));
 
     scratch_.Write("kept/b.db", "mine");
@@ -89,9 +87,9 @@ TEST_F(ToolTest, LeavesNothingOfAFailure) {
     EXPECT_EQ(NamesIn(Path("kept")), std::vector<std::string>{"b.db"});
     EXPECT_EQ(ReadWholeFile(Path("kept/b.db")), "mine");
 
-    EXPECT_EQ(Tool({"build", source, "--output", Path("one.db")}).status, 1);
-    EXPECT_EQ(Tool({"build", Path("nosuch"), "--output", Path("one.db")}).status, 1);
-    EXPECT_EQ(Tool({"dump", source, "--output", Path("text")}).status, 1);
+    for (const auto& [command, file] :
+         {std::pair("build", source), {"build", Path("nosuch")}, {"dump", source}})
+        EXPECT_EQ(Tool({command, file, "--output", Path("one")}).status, 1);
     EXPECT_EQ(NamesIn(scratch_.Path()), (std::vector<std::string>{"kept", "s.lngtext"}));
 }
 
@@ -105,13 +103,12 @@ TEST_F(ToolTest, ReportsForPeopleAndPrograms) {
     EXPECT_EQ(Tool({"check", source, "--backgrounds", LNG_DATA "/backgrounds"}).status, 0);
     const ProcessResult people = Tool({"check", broken});
     EXPECT_EQ(people.status, 1);
-    EXPECT_NE(people.output.find("Common.LNG, table tMsgBox, field Context: the field is missing"),
-              std::string::npos)
-        << people.output;
+    EXPECT_PRED_FORMAT2(testing::IsSubstring,
+                        "Common.LNG, table tMsgBox, field Context: the field is missing", people.output);
     const ProcessResult programs = Tool({"check", broken, "--json"});
     EXPECT_EQ(programs.status, 1);
-    EXPECT_NE(programs.output.find("\"field\": \"Context\""), std::string::npos) << programs.output;
-    EXPECT_NE(programs.output.find("\"notes\": ["), std::string::npos) << programs.output;
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "\"field\": \"Context\"", programs.output);
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "\"notes\": [", programs.output);
     EXPECT_EQ(programs.errors, "");
 }
 

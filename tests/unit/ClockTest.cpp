@@ -4,6 +4,7 @@
 #include <random>
 
 #include "Fakes.h"
+#include "Table.h"
 
 using namespace horalink;
 using namespace platform;
@@ -78,26 +79,24 @@ TEST_F(ClockTest, EachBoxTracksForItself) {
 
 TEST_F(ClockTest, SectionsAreSteppedOneAtATime) {
     Open(u"Main", false);
-    const struct {
-        std::size_t section;
-        const char16_t *before, *up, *down;
-    } cases[] = {{0, u"09", u"10", u"08"}, {0, u"12", u"01", u"11"}, {0, u"01", u"02", u"12"},
-                 {1, u"04", u"05", u"03"}, {1, u"59", u"00", u"58"}, {2, u"00", u"01", u"59"},
-                 {3, u"AM", u"PM", u"PM"}, {3, u"PM", u"AM", u"AM"}, {3, u"??", u"PM", u"PM"}};
-    for (const auto& c : cases) {
-        auto& box = *controls.txtTime[c.section];
-        for (const bool up : {true, false}) {
-            box.Text = c.before;
+    const Table<std::size_t, Text, Text, Text> cases = {
+        {0, u"09", u"10", u"08"}, {0, u"12", u"01", u"11"}, {0, u"01", u"02", u"12"},
+        {1, u"04", u"05", u"03"}, {1, u"59", u"00", u"58"}, {2, u"00", u"01", u"59"},
+        {3, u"AM", u"PM", u"PM"}, {3, u"PM", u"AM", u"AM"}, {3, u"??", u"PM", u"PM"}};
+    for (const auto& [section, from, up, down] : cases)
+        for (const auto& [step, to] :
+             {std::pair(&forms::UpDown::StepUp, up), {&forms::UpDown::StepDown, down}}) {
+            auto& box = *controls.txtTime[section];
+            box.Text = from;
             const Text before = Time();
             box.GotFocus();
             EXPECT_EQ(Time(), before) << "the focus changes nothing";
-            up ? spin.StepUp() : spin.StepDown();
-            EXPECT_EQ(box.Text(), up ? c.up : c.down);
+            (spin.*step)();
+            EXPECT_EQ(box.Text(), to);
             EXPECT_EQ(box.SelLength(), 2) << "stays selected";
-            box.Text = c.before;
+            box.Text = from;
             EXPECT_EQ(Time(), before) << "no other section is touched";
         }
-    }
     controls.txtTime[3]->LostFocus();
     const Text before = Time();
     spin.StepUp();
@@ -136,9 +135,8 @@ TEST_F(ClockTest, WithoutAChosenDayOrANameTheUpdateButtonIsOff) {
 
 TEST_F(ClockTest, TheYearStaysBetween1901And2099) {
     Open(u"Main", false);
-    const std::array<std::int16_t, 3> cases[] = {
-        {1901, 1900, 1901}, {2099, 2100, 2099}, {1901, 1902, 1902}, {2099, 2098, 2098}};
-    for (const auto& [from, to, result] : cases) {
+    for (const auto& [from, to, result] : std::vector<std::array<std::int16_t, 3>>{
+             {1901, 1900, 1901}, {2099, 2100, 2099}, {1901, 1902, 1902}, {2099, 2098, 2098}}) {
         calendar.ChooseDate({from, 5, 5});
         computer.boxes.shown.clear();
         calendar.TurnTo(to, 5);

@@ -2,11 +2,13 @@
 
 #include "ErrorOf.h"
 #include "Fakes.h"
+#include "Table.h"
 
 using namespace horalink;
 using namespace platform;
 using fakes::RecordedObject;
 using Calls = std::vector<std::string>;
+using Items = std::vector<std::array<const char16_t*, 3>>;  // FirstData, SecondData, ExtraData
 
 namespace {
 
@@ -51,24 +53,24 @@ struct DialogTest : testing::Test {
     void Click(std::size_t button) { dialog->Controls().cmdButton[button]->Click(); }
     void PassTick() { computer.scheduler.Pass(100); }
     void Request(std::size_t button) {
-        calls.clear();
+        for (Calls* noted : {&calls, &told, &loggedOut}) noted->clear();
+        computer.boxes.shown.clear();
         Click(button);
         PassTick();
     }
-    // An answer of the host's own class, one item each.
-    std::shared_ptr<RecordedObject> Response(int errCode, const char16_t* tag = u"",
-                                             std::vector<std::array<const char16_t*, 3>> items = {}) {
+    // An answer of the host's own class.
+    std::shared_ptr<RecordedObject> Response(int errCode, const char16_t* tag = u"", Items items = {}) {
         static Calls reads;
         auto response = std::make_shared<RecordedObject>(reads);
         auto& answers = response->answers;
-        answers["Count"] = Gives(static_cast<std::int16_t>(items.size()));
-        const char* names[] = {"FirstData", "SecondData", "ExtraData"};
-        for (std::size_t k = 0; k < 3; ++k)
-            answers[names[k]] = [items, k](Arguments& a) { return items[std::size_t(a[0].ToInteger())][k]; };
         answers["CMD"] = Gives(u"02");
         answers["ErrCode"] = Gives(errCode);
         answers["Tag"] = Gives(tag);
         answers["LoginID"] = Gives(u"L1");
+        answers["Count"] = Gives(static_cast<std::int16_t>(items.size()));
+        const char* names[] = {"FirstData", "SecondData", "ExtraData"};
+        for (std::size_t k = 0; k < 3; ++k)
+            answers[names[k]] = [items, k](Arguments& a) { return items[std::size_t(a[0].ToInteger())][k]; };
         answers["Message"] = [this](Arguments&) { return responseMessage; };
         answers["=Message"] = [this](Arguments& a) { return responseMessage = a[0].ToText(), Value(); };
         return response;
@@ -76,6 +78,11 @@ struct DialogTest : testing::Test {
     void Deliver(ObjectRef response) {
         dialog->CallBack(response);
         EXPECT_EQ(response, nullptr) << "the host's variable is emptied";
+    }
+    void Exchange(std::size_t button, ObjectRef response) {
+        Request(button);
+        Deliver(response);
+        PassTick();
     }
     bool IsIdle() {
         return form.Enabled && computer.screen.pointer == MousePointer::Default &&
@@ -95,12 +102,12 @@ struct DialogTest : testing::Test {
 
 TEST_F(DialogTest, TheNameTurnsTheButtonsOnAndOffAndStandsInTheCaption) {
     Open();
-    EXPECT_TRUE(Enabled(1) && Enabled(2));
-    EXPECT_EQ(form.Caption(), u"entry 4 (Main)");
-    dialog->PutPBXName(u"");
-    EXPECT_FALSE(Enabled(1) || Enabled(2));
-    EXPECT_TRUE(Enabled(0));
-    EXPECT_EQ(form.Caption(), u"entry 4 ()");
+    for (const Text name : {u"Main", u""}) {
+        dialog->PutPBXName(name);
+        for (std::size_t button = 0; button < 3; ++button)
+            EXPECT_EQ(Enabled(button), button == 0 || !name.empty());
+        EXPECT_EQ(form.Caption(), u"entry 4 (" + name + u")");
+    }
 }
 
 TEST_F(DialogTest, AGoodExchangeInOrder) {
@@ -128,123 +135,90 @@ TEST_F(DialogTest, AGoodExchangeInOrder) {
 
 TEST_F(DialogTest, ALoginThatFailsIsToldToBoth) {
     Open();
-    Request(2);
-    Deliver(Response(99));
+    Exchange(2, Response(99));
     exchange->answers["Login"] = Raises(1004);
-    told.clear();
-    Request(2);
-    EXPECT_EQ(told, (Calls{"entry 3: L1"})) << "the value of the last login";
-    ASSERT_EQ(computer.boxes.shown.size(), 1U);
-    EXPECT_EQ(computer.boxes.LastPrompt(), "entry 0");
-    EXPECT_EQ(computer.boxes.shown[0].buttons, 48);
-    EXPECT_EQ(computer.boxes.shown[0].title, u"entry 1");
-    EXPECT_TRUE(IsIdle());
-    host->answers.erase("ShowMessage");
-    Request(2);
-    EXPECT_EQ(computer.boxes.shown.size(), 2U) << "also where the host can't be told";
+    for (const bool hostIsTold : {true, false}) {
+        if (!hostIsTold) host->answers.erase("ShowMessage");
+        Request(2);
+        EXPECT_EQ(told, hostIsTold ? Calls{"entry 3: L1"} : Calls()) << "the value of the last login";
+        ASSERT_EQ(computer.boxes.shown.size(), 1U);
+        EXPECT_EQ(computer.boxes.LastPrompt(), "entry 0");
+        EXPECT_EQ(computer.boxes.shown[0].buttons, 48);
+        EXPECT_EQ(computer.boxes.shown[0].title, u"entry 1");
+        EXPECT_TRUE(IsIdle());
+    }
 }
 
 TEST_F(DialogTest, ARefusedSendLogsOut) {
     Open();
-    const std::pair<RecordedObject::Answer, const char*> cases[] = {{Gives(u"BUSY"), "entry 3: BUSY"},
-                                                                    {Gives(u"ERROR"), "entry 3: ERROR"},
-                                                                    {Gives(u""), "entry 3: "},
-                                                                    {Raises(1004), "entry 3: "},
-                                                                    {Gives(Null{}), "entry 3: "}};
-    for (const auto& [answer, text] : cases) {
-        exchange->answers["SendRequest"] = answer;
-        loggedOut.clear();
+    const RecordedObject::Answer answers[] = {Gives(u"BUSY"), Gives(u"ERROR"), Gives(u""), Gives(Null{}),
+                                              Raises(1004)};
+    const char* texts[] = {"entry 3: BUSY", "entry 3: ERROR", "entry 3: ", "entry 3: ", "entry 3: "};
+    for (std::size_t i = 0; i < std::size(texts); ++i) {
+        exchange->answers["SendRequest"] = answers[i];
         Request(1);
         EXPECT_EQ(calls, (Calls{"oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage", "oPBX",
                                 "LogOut"}));
-        EXPECT_EQ(told.back(), text);
+        EXPECT_EQ(told.back(), texts[i]);
         EXPECT_EQ(loggedOut, (Calls{"L1"}));
         EXPECT_TRUE(IsIdle());
     }
     exchange->answers["SendRequest"] = Gives(u"taken");
     host->answers["ShowMessage"] = Raises(1004);
-    loggedOut.clear();
     Request(1);
     EXPECT_EQ(loggedOut, (Calls{"L1"})) << "a host that can't be told of the login";
     EXPECT_TRUE(IsIdle());
     EXPECT_TRUE(computer.boxes.shown.empty());
 }
 
-TEST_F(DialogTest, OutcomesOfAnAnswer) {
+TEST_F(DialogTest, TheAnswerDecidesMessageAndBox) {
     Open();
-    const struct {
-        int errCode;
-        const char16_t *before, *after;
-        bool shows;
-    } cases[] = {
-        {0, u"", u"OK", true},   {0, u"fine", u"fine", true},        {99, u"", u"", false},
-        {99, u"x", u"x", false}, {7, u"x", u"entry 6 : <7>", false}, {-1, u"", u"entry 6 : <-1>", false}};
-    for (const auto& [errCode, before, after, shows] : cases) {
-        Request(1);
+    const Text update = u"UPDATE_CLOCK", lookup = u"LOOKUP_CLOCK";
+    const Table<int, Text, Text, Items, Text, std::string> cases = {
+        {0, u"", update, {}, u"OK", "box 1 "},
+        {0, u"fine", update, {}, u"fine", "box 1 "},
+        {99, u"", update, {}, u"", ""},
+        {99, u"x", update, {}, u"x", ""},
+        {7, u"x", update, {}, u"entry 6 : <7>", ""},
+        {-1, u"", update, {}, u"entry 6 : <-1>", ""},
+        {0, u"", update, {{u"0", u"2026", u"WRONG"}}, u"OK", "box 2 \r\nCM = 02, FD = 0, SD = 2026 WRONG"},
+        {0, u"", update, {{u"0", u"1", u"LNK_TIMEOUT"}}, u"OK", "box 2 \r\nCM = 02, FD = 0, SD = 1 entry 2"},
+        {0, u"", lookup, {}, u"OK", "box 3 "},
+        {0, u"", lookup, {{u"0", u"LNK_TIMEOUT", u""}}, u"OK", "box 3 "},
+        {0, u"", u"lookup_clock", {}, u"OK", ""},
+        {0, u"", u"", {}, u"OK", ""}};
+    for (const auto& [errCode, before, tag, items, after, box] : cases) {
         responseMessage = before;
-        computer.boxes.shown.clear();
-        Deliver(Response(errCode, u"UPDATE_CLOCK"));
-        PassTick();
+        Exchange(1, Response(errCode, tag.c_str(), items));
         EXPECT_EQ(responseMessage, after);
-        EXPECT_EQ(told[told.size() - 2], ToUtf8(after));
-        EXPECT_EQ(told.back(), std::to_string(errCode));
-        EXPECT_EQ(computer.boxes.LastPrompt(), shows ? "box 1 " : "") << errCode;
+        EXPECT_EQ(told, (Calls{"entry 3: L1", "entry 3: taken", "", ToUtf8(after), std::to_string(errCode)}));
+        EXPECT_EQ(computer.boxes.LastPrompt(), box) << errCode << ToUtf8(tag);
         EXPECT_TRUE(IsIdle());
-    }
-}
-
-TEST_F(DialogTest, TheTagAndTheItemsChooseTheBox) {
-    Open();
-    const struct {
-        const char16_t* tag;
-        std::vector<std::array<const char16_t*, 3>> items;
-        const char* box;
-    } cases[] = {
-        {u"UPDATE_CLOCK", {{u"0", u"2026", u"WRONG"}}, "box 2 \r\nCM = 02, FD = 0, SD = 2026 WRONG"},
-        {u"UPDATE_CLOCK", {{u"0", u"2026", u"LNK_TIMEOUT"}}, "box 2 \r\nCM = 02, FD = 0, SD = 2026 entry 2"},
-        {u"LOOKUP_CLOCK", {}, "box 3 "},
-        {u"LOOKUP_CLOCK", {{u"0", u"LNK_TIMEOUT", u""}}, "box 3 "},
-        {u"lookup_clock", {}, ""},
-        {u"", {}, ""}};
-    for (const auto& [tag, items, box] : cases) {
-        computer.boxes.shown.clear();
-        Request(2);
-        Deliver(Response(0, tag, items));
-        PassTick();
-        EXPECT_EQ(computer.boxes.LastPrompt(), box) << ToUtf8(tag);
     }
 }
 
 TEST_F(DialogTest, AnswersWithHolesNeverLeaveTheDialogDisabled) {
     Open();
-    for (const char* hole :
-         {"Count", "CMD", "FirstData", "ExtraData", "ErrCode", "Tag", "LoginID", "Message", "=Message"}) {
+    for (const std::string hole :
+         {"Count", "CMD", "FirstData", "ExtraData", "ErrCode", "Tag", "LoginID", "Message", "=Message"})
         for (const int errCode : {0, 7}) {
-            loggedOut.clear();
-            computer.boxes.shown.clear();
             responseMessage.clear();
-            Request(1);
-            ASSERT_FALSE(form.Enabled);
             const auto response = Response(errCode, u"UPDATE_CLOCK", {{u"0", u"2026", u"OK"}});
             response->answers.erase(hole);
-            Deliver(response);
+            Exchange(1, response);
             EXPECT_EQ(loggedOut, (Calls{"L1"})) << hole;
-            PassTick();
             EXPECT_TRUE(IsIdle()) << hole;
             EXPECT_TRUE(computer.boxes.shown.empty() || errCode == 0) << hole;
-            EXPECT_TRUE(responseMessage.empty() || hole != std::string("ErrCode")) << "no success";
+            EXPECT_TRUE(responseMessage.empty() || hole != "ErrCode") << "no success";
         }
-    }
-    Request(1);
-    Deliver(nullptr);
+    Exchange(1, nullptr);
     EXPECT_TRUE(form.Enabled);
     exchange->answers.erase("LogOut");
-    Request(2);
-    Deliver(Response(7));
+    Exchange(2, Response(7));
     EXPECT_TRUE(IsIdle()) << "a LogOut that fails is passed over";
 }
 
-TEST_F(DialogTest, TheWaitBoxIsTheWayOutOfAnAnswerThatNeverComes) {
+TEST_F(DialogTest, WaysOutOfAnAnswerThatNeverComes) {
     Open();
     Request(2);
     computer.scheduler.Pass(19999);
@@ -266,6 +240,11 @@ TEST_F(DialogTest, TheWaitBoxIsTheWayOutOfAnAnswerThatNeverComes) {
     EXPECT_EQ(computer.waits.open, 0) << "the answer closes the box";
     computer.scheduler.Pass(60000);
     EXPECT_EQ(computer.waits.opened.size(), 3U);
+    Request(2);
+    exchange->LeaveBus();
+    EXPECT_TRUE(IsIdle()) << "a host that leaves ends the wait";
+    exchange->LeaveBus();
+    EXPECT_EQ(loggedOut.size(), 1U);
 }
 
 TEST_F(DialogTest, AnswersThatComeWhileABoxIsOpenWaitBehindIt) {
@@ -290,7 +269,6 @@ TEST_F(DialogTest, AnswersThatComeWhileABoxIsOpenWaitBehindIt) {
 TEST_F(DialogTest, OnlyTheAnswerToThisRequestSavesWaitingWhereItComesAsSoonAsTheRequestIsTaken) {
     Open();
     for (const char16_t* login : {u"L1", u"L0"}) {
-        told.clear();
         host->answers["ShowMessage"] = [&](Arguments& a) {
             told.push_back(ToUtf8(a[0].ToText()));
             if (told.back() != "entry 3: taken") return Value();
@@ -304,17 +282,7 @@ TEST_F(DialogTest, OnlyTheAnswerToThisRequestSavesWaitingWhereItComesAsSoonAsThe
         EXPECT_EQ(computer.screen.pointer == MousePointer::Default, form.Enabled);
         PassTick();
         EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
-        computer.boxes.shown.clear();
     }
-}
-
-TEST_F(DialogTest, AHostThatLeavesEndsTheWaitAtOnce) {
-    Open();
-    Request(2);
-    exchange->LeaveBus();
-    EXPECT_TRUE(IsIdle());
-    exchange->LeaveBus();
-    EXPECT_EQ(loggedOut.size(), 1U);
 }
 
 TEST_F(DialogTest, TheFirstButtonHidesAndUnloadingTellsTheHost) {
@@ -352,15 +320,12 @@ TEST_F(DialogTest, FlowIsSwitchedAtTheHost) {
 
 TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
     const float middle = (15000 - 7110) / 2.0F, centre = (12000 - 4365) / 2.0F;
-    const struct {
-        const char16_t* stored;
-        float left, top;
-    } cases[] = {{u"", middle, centre}, {u"0,0", 0, 0},        {u"-30,45.5", -30, 45.5F},
-                 {u"10,20,30", 10, 20}, {u"10", 3150, 2295},   {u"a,b", 3150, 2295},
-                 {u"10,", 3150, 2295},  {u",", middle, centre}};
+    const Table<Text, float, float> cases = {
+        {u"", middle, centre}, {u"0,0", 0, 0},       {u"-30,45.5", -30, 45.5F}, {u"10,20,30", 10, 20},
+        {u"10", 3150, 2295},   {u"a,b", 3150, 2295}, {u"10,", 3150, 2295},      {u",", middle, centre}};
     for (const auto& [stored, left, top] : cases) {
         form.Move(3150, 2295);
-        host->answers["GetComData"] = [&, text = stored](Arguments& a) {
+        host->answers["GetComData"] = [&, &text = stored](Arguments& a) {
             EXPECT_EQ(a[0].ToText() + a[1].ToText(), u"HoralinkMOVE");
             return a[2] = Value(text), Value();
         };

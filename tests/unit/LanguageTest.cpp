@@ -2,6 +2,7 @@
 
 #include "ErrorOf.h"
 #include "Fakes.h"
+#include "Table.h"
 #include "language/LanguageDatabase.h"
 #include "language/LanguageMsgBox.h"
 #include "language/MsgBoxButtons.h"
@@ -13,23 +14,21 @@ using namespace platform;
 namespace {
 
 TEST(TokensTest, ExpandAsWritten) {
-    const struct {
-        const char16_t *text, *args, *result, *left;
-    } cases[] = {{u"", u"a%", u"", u"a%"},
-                 {u"Hello & -1", u"", u"-1", u""},
-                 {u"-1 & Hello", u"", u"-1Hello", u""},
-                 {u"Line one & %CR & Line two", u"", u"Line one\rLine two", u""},
-                 {u"Saving & %SP & %ST & %SP & failed", u"A.DAT%", u"Saving A.DAT failed", u""},
-                 {u"%ST & %SP & %ST", u"left%right", u"left right", u"right"},
-                 {u"Text (%ST) here", u"X%", u"X", u""},
-                 {u"%sp", u"", u"%sp", u""},
-                 {u"Fish&%SP&%AND&%SP4&Chips&", u"", u"Fish &    Chips", u""},
-                 {u"%ST", u"50% off", u"50", u" off"}};
+    const Table<Text, Text, Text, Text> cases = {
+        {u"", u"a%", u"", u"a%"},
+        {u"Hello & -1", u"", u"-1", u""},
+        {u"-1 & Hello", u"", u"-1Hello", u""},
+        {u"Line one & %CR & Line two", u"", u"Line one\rLine two", u""},
+        {u"Saving & %SP & %ST & %SP & failed", u"A.DAT%", u"Saving A.DAT failed", u""},
+        {u"%ST & %SP & %ST", u"left%right", u"left right", u"right"},
+        {u"Text (%ST) here", u"X%", u"X", u""},
+        {u"%sp", u"", u"%sp", u""},
+        {u"Fish&%SP&%AND&%SP4&Chips&", u"", u"Fish &    Chips", u""},
+        {u"%ST", u"50% off", u"50", u" off"}};
     fakes::FakeBoxes boxes;
-    for (const auto& c : cases) {
-        Text args = c.args;
-        EXPECT_EQ(ExpandTextTokens(boxes, c.text, args), c.result) << ToUtf8(c.text);
-        EXPECT_EQ(args, c.left) << ToUtf8(c.text);
+    for (auto [text, args, result, left] : cases) {
+        EXPECT_EQ(ExpandTextTokens(boxes, text, args), result) << ToUtf8(text);
+        EXPECT_EQ(args, left) << ToUtf8(text);
     }
     EXPECT_TRUE(boxes.shown.empty());
 }
@@ -55,15 +54,12 @@ TEST(ButtonsTest, NamesAddUp) {
     Text many;
     for (int i = 0; i < 2047; ++i) many += u"vbMsgBoxRtlReading+";
     const std::pair<Text, int> cases[] = {
-        {u"", 0},
-        {u"vbYesNo+vbQuestion", 36},
-        {u"vbYesNo + vbQuestion", 0},
-        {u"vbYesNo+vbYesNo", 8},
-        {u"+vbYesNo", 4},
-        {u"vbyesno", 0},
-        {u"vbCritical+vbDefaultButton4+vbSystemModal+vbMsgBoxHelpButton", 16 + 768 + 4096 + 16384},
-        {many, 2047 * 1048576}};
+        {u"vbYesNo + vbQuestion", 0}, {u"vbYesNo+vbYesNo", 8}, {u"+vbYesNo", 4}, {u"vbyesno", 0}, {u"", 0},
+        {u"vbYesNo+vbQuestion", 36}};
     for (const auto& [text, value] : cases) EXPECT_EQ(ParseMsgBoxButtons(text), value) << ToUtf8(text);
+    EXPECT_EQ(ParseMsgBoxButtons(u"vbCritical+vbDefaultButton4+vbSystemModal+vbMsgBoxHelpButton"),
+              16 + 768 + 4096 + 16384);
+    EXPECT_EQ(ParseMsgBoxButtons(many), 2047 * 1048576);
     EXPECT_EQ(ErrorOf([&] { ParseMsgBoxButtons(many + u"vbMsgBoxRtlReading"); }), 6);
 }
 
@@ -98,18 +94,12 @@ TEST_F(LanguageTest, ABoxTakesPromptTitleAndHelpFromItsRow) {
 }
 
 TEST_F(LanguageTest, TitleAndContextAreLeftOutEachForItself) {
-    const struct {
-        Value title, context;
-        bool hasTitle, hasHelp;
-    } cases[] = {{u"T", 5, true, true},
-                 {u"T", u"-1", true, false},
-                 {u"-1", 5, false, true},
-                 {u"-1", Null{}, false, false}};
-    for (const auto& c : cases) {
-        BoxRow(0)[u"Title"] = c.title;
-        BoxRow(0)[u"Context"] = c.context;
-        EXPECT_EQ(Show(0).title.has_value(), c.hasTitle);
-        EXPECT_EQ(Show(0).helpFile.has_value(), c.hasHelp);
+    for (const auto& [title, context] :
+         {std::pair<Value, Value>(u"T", 5), {u"T", u"-1"}, {u"-1", 5}, {u"-1", Null{}}}) {
+        BoxRow(0)[u"Title"] = title;
+        BoxRow(0)[u"Context"] = context;
+        EXPECT_EQ(Show(0).title.has_value(), title == Value(u"T"));
+        EXPECT_EQ(Show(0).helpFile.has_value(), context == Value(5));
     }
 }
 

@@ -75,13 +75,10 @@ TEST_F(PicturesTest, ASetReplacesDefaultNamesAndZeroNever) {
     Names(0, {{u"one.png", u"two.png"}});
     Names(3, {{u"ONE.PNG", u"two.png"}, {u"one.png", u"bad.png"}});
     Names(5, {{u"one.png", u"missing.png"}});
-    const std::pair<std::int16_t, const char*> cases[] = {{0, "one"},
-                                                          {3, "two"},  // the first row of a key wins
-                                                          {4, "one"},  // a set that can't be read falls back
-                                                          {5, ""}};  // the default file is not tried instead
-    for (const auto& [set, content] : cases) {
+    // The first row of a key wins, a set that can't be read falls back, and no file is tried in place of one.
+    for (const auto& [set, content] : {std::pair(0, "one"), {3, "two"}, {4, "one"}, {5, ""}}) {
         image.Picture = nullptr;
-        EXPECT_TRUE(Load(set, {{u"image", u"one.png"}}));
+        EXPECT_TRUE(Load(static_cast<std::int16_t>(set), {{u"image", u"one.png"}}));
         EXPECT_EQ(Shown(), content) << set;
         EXPECT_TRUE(computer.boxes.shown.empty());
     }
@@ -89,9 +86,11 @@ TEST_F(PicturesTest, ASetReplacesDefaultNamesAndZeroNever) {
 }
 
 TEST_F(PicturesTest, FailuresShowOneNoticeAndStop) {
-    for (const Picture& fault :
-         {Picture{u"none", u"-1"}, Picture{u"image", u"bad.png"}, Picture{u"image", u"one.png", u"me", 2},
-          Picture{u"image", u"one.png", u"Me"}}) {
+    const Picture faults[] = {{u"none", u"-1"},
+                              {u"image", u"bad.png"},
+                              {u"image", u"one.png", u"me", 2},
+                              {u"image", u"one.png", u"Me"}};
+    for (const Picture& fault : faults) {
         EXPECT_FALSE(Load(0, {fault, {u"image", u"one.png"}}));
         EXPECT_EQ(computer.boxes.shown.size(), 1U);
         EXPECT_EQ(Shown(), "");

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "Fakes.h"
+#include "Table.h"
+#include "locator/comRegMarket.h"
+#include "locator/comRegMora32.h"
 #include "shell/cOLELayer.h"
 
 using namespace horalink;
@@ -8,6 +11,45 @@ using namespace platform;
 using Calls = std::vector<std::string>;
 
 namespace {
+
+TEST(MarketCodeTest, IsReadOutOfThePath) {
+    const std::array<const char16_t*, 3> cases[] = {{u"C:\\VELMORA32\\12345\\ADDINS", u"Addins", u"12345"},
+                                                    {u"C:\\VELMORA32\\12345\\ADDINS", u"MORA32", u"NONE"},
+                                                    {u"C:\\X\\VELMORA32X12345XADDINS", u"ADDINS", u"12345"},
+                                                    {u"\\opt\\velmora32\\ab1cd\\addins", u"addins", u"AB1CD"},
+                                                    {u"VELMORA32\\1234\\ADDINS", u"ADDINS", u"NONE"},
+                                                    {u"", u"ADDINS", u"NONE"},
+                                                    {u"C:\\READER\\54321", u"Reader", u"54321"}};
+    for (const auto& [path, keyword, code] : cases)
+        EXPECT_EQ(GetMarketCode(path, keyword), code) << ToUtf8(path);
+}
+
+TEST(DirectoryTest, FollowsTheSettingTheKeywordAndThePath) {
+    const TextView ours = u"C:\\velmora32\\10001\\addins", tools = u"C:\\Tools",
+                   mora = u"C:\\VELMORA32\\10001\\MORA32";
+    const Text own = u"VELMORA32/10001/Printer", none = u"VELMORA32/NONE/InstallPath";
+    const Table<TextView, TextView, TextView, std::map<Text, Text>, Text> cases = {
+        {tools, u"Addins", u"Database", {}, u"C:\\TOOLS\\DATABASE\\"},
+        {tools, u"Addins", u"ME", {{none, u"NONE"}}, u"C:\\TOOLS\\"},
+        {tools, u"Addins", u"ME", {{none, u"none"}}, u"NONEADDINS\\"},
+        {ours, u"addins", u"me", {}, u"D:\\VELMORA32\\10001\\ADDINS\\"},
+        {ours, u"Addins", u"BackGrnd", {}, u"D:\\VELMORA32\\10001\\ADDINS\\..\\BACKGRND\\"},
+        {ours, u"Addins", u"ACROBATRD", {}, u"30000"},
+        {ours, u"Other", u"BackGrnd", {}, u"30000"},
+        {mora, u"Mora32", u"ACROBATRD", {}, u"D:\\VELMORA32\\10001\\MORA32\\READER\\"},
+        {mora, u"Mora32", u"RegDBofMora32", {}, u"D:\\VELMORA32\\10001\\MORA32\\DATABASE\\"},
+        // Another application lies under its own market code.
+        {ours, u"Addins", u"Printer", {{own, u"20002"}}, u"E:\\PRINTER\\"},
+        {ours, u"Addins", u"Printer", {{own, u"2000"}}, u"C:\\VELMORA32\\10001\\ADDINS\\"},
+        {ours, u"Addins", u"Printer", {{own, u"99999"}}, u"\\"}};
+    for (const auto& [path, base, directory, more, result] : cases) {
+        fakes::FakeSettings settings;
+        settings.values = more;
+        settings.values.insert({{u"VELMORA32/10001/InstallPath", u"D:\\Velmora32\\10001\\"},
+                                {u"Printer/20002/InstallPath", u"E:\\Printer\\"}});
+        EXPECT_EQ(ResolveDirectory(path, settings, base, directory), result) << ToUtf8(result);
+    }
+}
 
 struct ShellTest : testing::Test {
     ShellTest() { computer.app.startMode = 1; }

@@ -5,11 +5,12 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <limits>
 
 #include "ErrorOf.h"
+#include "Table.h"
 #include "TemporaryDirectory.h"
 #include "platform/data/Database.h"
+#include "platform/data/Dialect.h"
 #include "platform/desktop/Paths.h"
 
 namespace platform {
@@ -83,16 +84,41 @@ struct SqliteTest : testing::Test {
     std::unique_ptr<DatabaseEngine> engine = MakeSqliteEngine();
 };
 
+TEST(DialectTest, TranslatesNamesAndStrings) {
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
+        {u"", u""},
+        {u"select ObjectName,Index,Caption from t", u"select ObjectName,[Index],Caption from t"},
+        {u"select INDEX, tControls.Index", u"select [INDEX], tControls.[Index]"},
+        {u"select BasePanelIndex, Index2 from t", u"select BasePanelIndex, Index2 from t"},
+        {u"select Größe,Index", u"select Größe,[Index]"},
+        {u"select [Index], `Index` from [From]", u"select [Index], `Index` from [From]"},
+        {u"a = \"Horalink.mra\"", u"a = 'Horalink.mra'"},
+        {u"a = \"say \"\"Index\"\"\"", u"a = 'say \"Index\"'"},
+        {u"a = \"it's\"", u"a = 'it''s'"},
+        {u"a = 'it''s \"Index\"'", u"a = 'it''s \"Index\"'"},
+        {u"a = '[' and Index = ']'", u"a = '[' and [Index] = ']'"},
+        {u"a = \"open\"\"", u"a = 'open\""},
+        {u"a = \"", u"a = '"},
+        {u"a = 'open Index", u"a = 'open Index"}};
+    for (const auto& [query, expected] : cases) EXPECT_EQ(ToUtf8(ToSqliteDialect(query)), ToUtf8(expected));
+}
+
+TEST(DialectTest, TheRowsNumberStandsBeforeTheOtherColumnsOfASelection) {
+    const std::pair<const char16_t*, std::optional<Text>> cases[] = {
+        {u"  SELECT * FROM Registry", u"select rowid, * FROM Registry"},
+        {u"select a from t where b = 'group'", u"select rowid, a from t where b = 'group'"},
+        {u"select a from t Group by a", {}},
+        {u"  ", {}}};
+    for (const auto& [query, expected] : cases) EXPECT_EQ(WithRowNumber(query), expected) << ToUtf8(query);
+}
+
 TEST_F(SqliteTest, ReadsRowsInOrder) {
     const auto rows = Rows(u"select Caption,ID from tMessages order by ID", forwardOnly);
-    EXPECT_EQ(rows->Field(u"Caption"), Value(u"zero"));
-    rows->MoveNext();
-    EXPECT_EQ(rows->Field(u"CAPTION"), Value(u"one"));
-    EXPECT_EQ(rows->Field(u"id"), Value(std::int32_t{1}));
-    rows->MoveNext();
-    EXPECT_FALSE(rows->EndOfFile());
-    EXPECT_TRUE(rows->Field(u"Caption").IsNull());
-    rows->MoveNext();
+    for (const auto& [id, caption] : {std::pair<int, Value>(0, u"zero"), {1, u"one"}, {2, Null()}}) {
+        EXPECT_EQ(rows->Field(u"CAPTION"), caption);
+        EXPECT_EQ(rows->Field(u"id"), Value(id));
+        rows->MoveNext();
+    }
     EXPECT_TRUE(rows->EndOfFile());
     EXPECT_EQ(rows->RecordCount(), 3);
     EXPECT_EQ(ErrorOf([&] { rows->Field(u"Caption"); }), 3021);
@@ -100,15 +126,11 @@ TEST_F(SqliteTest, ReadsRowsInOrder) {
 }
 
 TEST_F(SqliteTest, GivesEachKindOfValue) {
-    const std::pair<TextView, Value> kinds[] = {{u"whole", std::int32_t{2147483647}},
-                                                {u"least", std::numeric_limits<std::int32_t>::min()},
-                                                {u"large", 2147483648.0},
-                                                {u"real", 0.5},
-                                                {u"text", u"Größe 𝄞"},
-                                                {u"null", Null()},
-                                                {u"empty", u""}};
+    const std::pair<Text, Value> kinds[] = {
+        {u"whole", 2147483647}, {u"least", -2147483647 - 1}, {u"large", 2147483648.0}, {u"real", 0.5},
+        {u"text", u"Größe 𝄞"},  {u"null", Null()},           {u"empty", u""}};
     for (const auto& [name, value] : kinds)
-        EXPECT_EQ(Single(Text(u"select Value from Kinds where Name = '").append(name) + u"'"), value);
+        EXPECT_EQ(Single(u"select Value from Kinds where Name = '" + name + u"'"), value);
     for (const auto type : {forwardOnly, dynaset}) {
         const auto rows = Rows(u"select Name,Value from Kinds where Name = 'binary'", type);
         EXPECT_EQ(rows->Field(u"Name"), Value(u"binary"));
@@ -118,24 +140,19 @@ TEST_F(SqliteTest, GivesEachKindOfValue) {
 }
 
 TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
-    const struct {
-        const char16_t* query;
-        DataError number;
-        const char16_t* named;  // in the description
-    } cases[] = {{u"select * from tProject", DataError::NoSuchTable,
-                  u"The table 'tProject' was not found in Test.mdb"},
-                 {u"select Title from Registry", DataError::NoSuchQueryField, u"'Title'"},
-                 {u"select Index from Kinds", DataError::NoSuchQueryField, u"'Index'"},
-                 {u"SELECT * FROM Kinds UNION SELECT -1, COUNT(*) FROM Kinds ORDER BY ID",
-                  DataError::NoSuchQueryField, u"sorted"},
-                 {u"SELECT * FROM Registry UNION SELECT -1, COUNT(*) FROM Registry ORDER BY ID",
-                  DataError::UnionColumns, u"union"},
-                 {u"select * from Kinds where Name = 'it's'", DataError::QuerySyntax, u"s"},
-                 {u"select * from Kinds where", DataError::QuerySyntax, u"incomplete"},
-                 {u"select * from Kinds; select 1", DataError::QuerySyntax, u"behind"},
-                 {u"", DataError::QuerySyntax, u"empty"},
-                 {u"delete from Kinds", DataError::QuerySyntax, u"delete"},
-                 {u"vacuum", DataError::QuerySyntax, u"no rows"}};
+    using enum DataError;
+    const Table<TextView, DataError, TextView> cases = {
+        {u"select * from tProject", NoSuchTable, u"The table 'tProject' was not found in Test.mdb"},
+        {u"select Title from Registry", NoSuchQueryField, u"'Title'"},
+        {u"select Index from Kinds", NoSuchQueryField, u"'Index'"},
+        {u"SELECT * FROM Kinds UNION SELECT 1, 2 ORDER BY ID", NoSuchQueryField, u"sorted"},
+        {u"SELECT * FROM Registry UNION SELECT 1, 2 ORDER BY ID", UnionColumns, u"union"},
+        {u"select * from Kinds where Name = 'it's'", QuerySyntax, u"s"},
+        {u"select * from Kinds where", QuerySyntax, u"incomplete"},
+        {u"select * from Kinds; select 1", QuerySyntax, u"behind"},
+        {u"", QuerySyntax, u"empty"},
+        {u"delete from Kinds", QuerySyntax, u"delete"},
+        {u"vacuum", QuerySyntax, u"no rows"}};
     for (const auto& [query, number, named] : cases)
         for (const auto type : {forwardOnly, dynaset}) {
             const RuntimeError error = Raised([&, text = query] { Rows(text, type); });
@@ -144,33 +161,26 @@ TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
         }
 }
 
-TEST_F(SqliteTest, ChangesTheCurrentRowAlone) {
-    const auto rows = Rows();
-    ASSERT_GT(rows->RecordCount(), 0);
-    rows->Edit();
-    rows->SetField(u"version", u"13.0.1");
-    EXPECT_EQ(rows->Field(u"Version"), Value(u"2.0")) << "before Update";
-    rows->Update();
-    EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020) << "the edit has ended";
-    EXPECT_EQ(rows->Field(u"Version"), Value(u"13.0.1"));
-    rows->MoveNext();
-    EXPECT_EQ(rows->Field(u"Version"), Value(u"3.0"));
-    EXPECT_EQ(Single(u"select group_concat(AppName || Version || Count || [Index]) from Registry"),
-              Value(u"Other.mra1.01-1,Horalink.mra13.0.120,Horalink.mra3.031"));
-}
-
-TEST_F(SqliteTest, EditsInOrderOnly) {
+TEST_F(SqliteTest, ChangesTheCurrentRowAloneBetweenEditAndUpdate) {
     const auto rows = Rows();
     EXPECT_EQ(ErrorOf([&] { rows->SetField(u"Version", u"x"); }), 3020);
     EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020);
     rows->Edit();
     EXPECT_EQ(ErrorOf([&] { rows->SetField(u"Nothing", u"x"); }), 3265);
+    rows->SetField(u"version", u"13.0.1");
+    EXPECT_EQ(rows->Field(u"Version"), Value(u"2.0")) << "before Update";
+    rows->Update();
+    EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020) << "the edit has ended";
+    EXPECT_EQ(rows->Field(u"Version"), Value(u"13.0.1"));
+    rows->Edit();
     rows->SetField(u"Version", u"dropped");
     rows->MoveNext();
+    EXPECT_EQ(rows->Field(u"Version"), Value(u"3.0"));
     EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020);
     rows->MoveNext();
     EXPECT_EQ(ErrorOf([&] { rows->Edit(); }), 3021);
-    EXPECT_EQ(Single(u"select count(*) from Registry where Version = 'dropped'"), Value(std::int32_t{0}));
+    EXPECT_EQ(Single(u"select group_concat(AppName || Version || Count || [Index]) from Registry"),
+              Value(u"Other.mra1.01-1,Horalink.mra13.0.120,Horalink.mra3.031"));
 }
 
 TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
@@ -208,10 +218,7 @@ TEST_F(SqliteTest, LeavesTheRowAloneWhenTheTableRefusesTheValueOrTheRowIsGone) {
 
 TEST_F(SqliteTest, PermissionsDecideWhatCanBeDone) {
     EXPECT_EQ(ErrorOf([&] { Open(true)->OpenRecordset(horalink, dynaset)->Edit(); }), 3027);
-    const struct {
-        int fileMode, directoryMode;
-        std::int32_t opening, editing, updating;
-    } cases[] = {
+    const Table<int, int, int, int, int> cases = {
         {0444, 0755, 0, 3027, 0}, {0666, 0555, 0, 0, 3027}, {0, 0755, 3051, 0, 0}, {0666, 0, 3051, 0, 0}};
     for (const auto& [fileMode, directoryMode, opening, editing, updating] : cases) {
         Allow(file, fileMode);
@@ -229,15 +236,17 @@ TEST_F(SqliteTest, PermissionsDecideWhatCanBeDone) {
 TEST_F(SqliteTest, OpensNothingButDatabases) {
     RunElsewhere("vacuum");
     const std::string whole(std::istreambuf_iterator<char>(std::ifstream(file).rdbuf()), {});
-    const std::pair<const char16_t*, std::int32_t> cases[] = {
-        {u"Missing.mdb", 3024}, {u"empty", 3343}, {u"short", 3343}, {u"damaged", 3343}, {u"TEST.MDB", 0}};
     directory.Write("empty");
     directory.Write("short", "SQLite format 3");
     directory.Write("damaged", std::string(whole).replace(100, 200, 200, '\x7f'));
-    for (const auto& [name, number] : cases)
-        EXPECT_EQ(ErrorOf([&] { engine->OpenDatabase(PathText(directory.Path()) + u"\\" + name, true); }),
-                  number)
-            << ToUtf8(name);
+    for (const auto& [name, number] : {std::pair(u"Missing.mdb", 3024),
+                                       {u"empty", 3343},
+                                       {u"short", 3343},
+                                       {u"damaged", 3343},
+                                       {u"TEST.MDB", 0}}) {
+        const Text path = PathText(directory.Path()) + u"\\" + name;
+        EXPECT_EQ(ErrorOf([&] { engine->OpenDatabase(path, true); }), number) << ToUtf8(name);
+    }
     EXPECT_FALSE(fs::exists(directory.Path() / "Missing.mdb"));
 }
 

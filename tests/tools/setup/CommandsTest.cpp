@@ -27,12 +27,11 @@ class CommandsTest : public SetupTest {
 TEST_F(CommandsTest, LinksIntoThePackageAndCopiesTheRegister) {
     places_.locale = "de_CH.UTF-8";
     AddMarket();
-    EXPECT_EQ(LinkOf(place::addIn), "ADDINS/horalink");
-    EXPECT_EQ(LinkOf(place::host), "MORA32/switchdesk");
-    EXPECT_EQ(LinkOf(place::addInTexts), "ADDINS/DATABASE/de/Horalink.lng");
-    EXPECT_EQ(LinkOf(place::commonTexts), "MORA32/DATABASE/de/Common.LNG");
-    EXPECT_EQ(LinkOf(place::help), "ADDINS/HELP/de/Horalink.hlp");
-    EXPECT_EQ(LinkOf(place::backgrounds), "BACKGRND");
+    const std::pair<const char*, const char*> links[] = {
+        {place::addIn, "ADDINS/horalink"},  {place::addInTexts, "ADDINS/DATABASE/de/Horalink.lng"},
+        {place::host, "MORA32/switchdesk"}, {place::commonTexts, "MORA32/DATABASE/de/Common.LNG"},
+        {place::backgrounds, "BACKGRND"},   {place::help, "ADDINS/HELP/de/Horalink.hlp"}};
+    for (const auto& [piece, target] : links) EXPECT_EQ(LinkOf(piece), target);
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(Tree() / place::registry)));
     std::string path = Tree().string();
     std::replace(path.begin(), path.end(), '/', '\\');
@@ -71,18 +70,15 @@ TEST_F(CommandsTest, MovesAMarketOnlyByForce) {
     AddByForce(top_ / "home/other place");
     EXPECT_FALSE(fs::exists(Tree()));
     EXPECT_TRUE(fs::exists(top_ / "home/other place/VELMORA32/10001/ADDINS/horalink"));
-    EXPECT_NE(Settings().find("\\other place\\VELMORA32\\10001\\\n"), std::string::npos) << Settings();
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "\\other place\\VELMORA32\\10001\\\n", Settings());
     AddMarket();
     EXPECT_FALSE(fs::exists(Tree())) << "without a root it stays where it is";
 }
 
-TEST_F(CommandsTest, RefusesRootsThatTheSettingsCannotHold) {
+TEST_F(CommandsTest, RefusesRootsThatTheSettingsCannotHoldAndEntriesThatProgramsTakeForAnotherMarket) {
     for (const char* root : {"back\\slash", "new\nline", "bad\xFFutf8"})
         EXPECT_THROW(AddMarket("10001", top_ / root), tools::WrongCall) << root;
     EXPECT_EQ(Home(), "");
-}
-
-TEST_F(CommandsTest, RefusesAnEntryThatProgramsWouldTakeForAnotherMarket) {
     directory_.Write("home/.config/velmora/settings.ini",
                      "[VELMORA32/10001]\nInstallPath=" + top_.string() + "/x/\n");
     EXPECT_THROW(AddMarket(), tools::Fault);
@@ -178,9 +174,9 @@ TEST_F(CommandsTest, WritesServiceFilesOnlyForWhatNoPackageServes) {
     EXPECT_EQ(bus_.reloads, 0);
     AddMarket("20002");
     const fs::path file = places_.ownServices / (ExchangeClass("20002") + ".service");
-    EXPECT_NE(ReadFile(file)->find("\nExec=" + places_.program.string() +
-                                   " start --market 20002 switchdesk --service\n"),
-              std::string::npos);
+    EXPECT_PRED_FORMAT2(testing::IsSubstring,
+                        "\nExec=" + places_.program.string() + " start --market 20002 switchdesk --service\n",
+                        *ReadFile(file));
     EXPECT_EQ(std::distance(fs::directory_iterator(places_.ownServices), {}), 1);
     EXPECT_EQ(bus_.reloads, 1);
 }
@@ -203,9 +199,8 @@ TEST_F(CommandsTest, QuotesAProgramWithABlankInItsPath) {
     places_.program = top_ / "my $tools/horalink-setup";
     AddMarket();
     const auto content = ReadFile(places_.ownServices / "Horalink10013.cOLELayer.service");
-    EXPECT_NE(content->find("Exec=\"" + top_.string() + "/my \\$tools/horalink-setup\" start"),
-              std::string::npos)
-        << *content;
+    EXPECT_PRED_FORMAT2(testing::IsSubstring,
+                        "Exec=\"" + top_.string() + "/my \\$tools/horalink-setup\" start", *content);
 }
 
 TEST_F(CommandsTest, ALinkedSettingsFileStaysALink) {

@@ -51,7 +51,7 @@ TEST_F(ToolTest, NamesWhatIsWrongWithACall) {
     for (const auto& [words, message] : cases) {
         EXPECT_EQ(Run(words), 2) << message;
         EXPECT_TRUE(errors_.starts_with("horalink-setup: ")) << errors_;
-        EXPECT_NE(errors_.find(message), std::string::npos) << errors_;
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, message, errors_);
         EXPECT_EQ(output_, "") << message;
     }
     EXPECT_FALSE(std::filesystem::exists(directory_.Path() / ".config/velmora"));
@@ -69,7 +69,7 @@ TEST_F(ToolTest, HelpsOnStandardOutput) {
 // The test's own program lies in no package's tree.
 TEST_F(ToolTest, TellsThatThePackageIsMissing) {
     EXPECT_EQ(Run({"add"}), 1);
-    EXPECT_NE(errors_.find("no tree of an installed package"), std::string::npos) << errors_;
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "no tree of an installed package", errors_);
     EXPECT_EQ(Run({"start", "horalink", "--help"}), 1);
     EXPECT_TRUE(executed_.empty());
     EXPECT_EQ(Run({"status", "--json"}), 1);

@@ -1,13 +1,13 @@
-#include "host/ExchangeDesk.h"
-
 #include <gtest/gtest.h>
 
 #include "ErrorOf.h"
 #include "FakeTime.h"
 #include "TemporaryDirectory.h"
+#include "host/ExchangeDesk.h"
 #include "host/ExchangeObject.h"
 #include "host/Options.h"
 #include "host/ResponseObject.h"
+#include "host/SimulatedExchange.h"
 #include "host/Store.h"
 
 namespace switchdesk {
@@ -15,6 +15,7 @@ namespace {
 
 using namespace platform;
 using Lines = std::vector<std::string>;
+using Texts = std::vector<Text>;
 
 struct SetLoop : fakes::FakeTime<EventLoop> {
     HandleRef WhenReadable(int, std::function<void()>) override { return nullptr; }
@@ -112,27 +113,74 @@ TEST_F(HostTest, RefusesOptionsThatCannotBe) {
         EXPECT_THROW(ParseOptions(arguments), RuntimeError) << arguments[0];
 }
 
+struct SimulatedExchangeTest : testing::Test {
+    Texts Values(const std::vector<Item>& items, Text Item::*field) {
+        Texts values;
+        for (const Item& item : items) values.push_back(item.*field);
+        return values;
+    }
+    std::vector<Item> Perform(const Texts& values) {
+        return exchange.Perform(
+            {{u"02", u"0", values[0], u""}, {u"02", u"1", values[1], u""}, {u"02", u"2", values[2], u""}});
+    }
+    Texts Read() { return Values(Perform({u"", u"", u""}), &Item::second); }
+    void Pass(double seconds) { pc.now.days += seconds / 86400; }
+    fakes::FakeClock pc;
+    SimulatedExchange exchange{pc, 7};
+};
+
+TEST_F(SimulatedExchangeTest, RunsOnFromWhereItIsSet) {
+    EXPECT_EQ(Read(), (Texts{u"2026", u"11/18 WED", u"13:09:03"}));
+    Pass(61);
+    EXPECT_EQ(Read()[2], u"13:10:04");
+    EXPECT_EQ(Values(Perform({u"2028", u"022902", u"000530"}), &Item::extra), (Texts{u"OK", u"OK", u"OK"}));
+    Pass(30);
+    EXPECT_EQ(Read(), (Texts{u"2028", u"02/29 TUE", u"00:06:00"}));
+    exchange.Perform({{u"02", u"2", u"010203", u""}});
+    EXPECT_EQ(Read(), (Texts{u"2028", u"02/29 TUE", u"01:02:03"})) << "the time alone";
+}
+
+TEST_F(SimulatedExchangeTest, ARefusedItemLeavesTheClockAlone) {
+    const Text no = u"DATA ERROR", ok = u"OK";
+    const std::pair<Texts, Texts> cases[] = {
+        {{u"1900", u"111800", u"000000"}, {no, ok, ok}}, {{u"2100", u"111800", u"000000"}, {no, ok, ok}},
+        {{u"2o26", u"1118o3", u"13:02:"}, {no, no, no}}, {{u"2026", u"022901", u"130203"}, {no, no, ok}},
+        {{u"2026", u"111804", u"130203"}, {no, no, ok}}, {{u"2026", u"111813", u"130203"}, {ok, no, ok}},
+        {{u"2026", u"111803", u"240000"}, {ok, ok, no}}, {{u"2026", u"111803", u"236000"}, {ok, ok, no}},
+        {{u"2026", u"111803", u"235960"}, {ok, ok, no}}, {{u"2026", u"111803", u"1302030"}, {ok, ok, no}}};
+    for (const auto& [values, answers] : cases) {
+        SCOPED_TRACE(ToUtf8(values[0] + u" " + values[1] + u" " + values[2]));
+        const auto answer = Perform(values);
+        EXPECT_EQ(Values(answer, &Item::extra), answers);
+        EXPECT_EQ(Values(answer, &Item::second), values);
+        EXPECT_EQ(Read()[2], u"13:09:03");
+    }
+}
+
+TEST_F(SimulatedExchangeTest, AnswersWhatItDoesNotHave) {
+    const auto answer =
+        exchange.Perform({{u"03", u"0", u"", u""}, {u"02", u"3", u"", u""}, {u"02", u"2", u"010203", u""}});
+    EXPECT_EQ(Values(answer, &Item::extra), (Texts{u"CODE NOT USED", u"DATA NOT FOUND", u"OK"}));
+    EXPECT_EQ(Read()[2], u"13:09:03");
+}
+
 TEST(OptionsTest, AreReadBehindABlankOrAnEqualsSign) {
     const Options options = ParseOptions({"--exchange", "A", "--exchange=B=C", "--leave=show-results"});
-    EXPECT_EQ(options.exchanges, (std::vector<Text>{u"A", u"B=C"}));
+    EXPECT_EQ(options.exchanges, (Texts{u"A", u"B=C"}));
     EXPECT_EQ(options.misbehaviour.leaveAt, "showresults");
 }
 
-TEST(StoreTest, KeepsAnyTextUnderAnyName) {
+TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {
     const TemporaryDirectory directory;
     const auto file = directory.Path() / "new/store.ini";
     const Text kept = u"3150,2295\n[x]=\\";
-    Store store(file);
+    Store store(file), nowhere("/proc/no/store.ini");
     store.Set(u"A", u"k=[1]", kept);
     store.Set(u"B", u"k=[1]", u"other");
     EXPECT_EQ(Store(file).Get(u"A", u"k=[1]"), kept);
     EXPECT_EQ(store.Get(u"A", u"MOVE"), std::nullopt);
-}
-
-TEST(StoreTest, AFileThatCannotBeWrittenKeepsItsValues) {
-    Store store("/proc/no/store.ini");
-    EXPECT_THROW(store.Set(u"A", u"K", u"v"), RuntimeError);
-    EXPECT_EQ(store.Get(u"A", u"K"), std::nullopt);
+    EXPECT_THROW(nowhere.Set(u"A", u"K", u"v"), RuntimeError);
+    EXPECT_EQ(nowhere.Get(u"A", u"K"), std::nullopt);
 }
 
 }  // namespace

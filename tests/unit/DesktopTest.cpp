@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include "Table.h"
+#include "TemporaryDirectory.h"
+#include "platform/desktop/IniSettings.h"
+#include "platform/desktop/Paths.h"
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct PathsTest : testing::Test {
+    // A path with backslashes below the test's directory.
+    Text Below(TextView path) const { return PathText(directory.Path()).append(u"\\").append(path); }
+    TemporaryDirectory directory;
+};
+
+TEST_F(PathsTest, FindsWithoutRegardToCaseAndPrefersTheExactSpelling) {
+    for (const char* file :
+         {"Mora32/Database/Common.LNG", "größe/ж.txt", "EXACT/file", "exact/file", "Exact/file", "DATA/other",
+          "Data/sub/other", "data/Sub/File", "FILE", "file/inside", "ADDINS/a", "Backgrnd/picture.png"})
+        directory.Write(file);
+    const std::pair<const char16_t*, const char*> cases[] = {
+        {u"Mora32\\Database\\Common.LNG", "Mora32/Database/Common.LNG"},
+        {u"MORA32\\DATABASE\\common.lng", "Mora32/Database/Common.LNG"},
+        {u"GRÖßE\\Ж.TXT", "größe/ж.txt"},
+        {u"exact\\FILE", "exact/file"},
+        {u"Exact\\file", "Exact/file"},
+        {u"DATA\\SUB\\FILE", "data/Sub/File"},  // every directory that matches is tried
+        {u"DATA\\OTHER", "DATA/other"},
+        {u"FILE\\inside", "file/inside"},        // a file where a directory is needed is passed
+        {u"MORA32\\New.Txt", "Mora32/New.Txt"},  // what does not exist keeps its spelling
+        {u"BACKGRND\\PICTURE.PNG\\Below", "Backgrnd/picture.png/Below"},
+        {u"ADDINS\\..\\BACKGRND\\PICTURE.PNG", "Backgrnd/picture.png"},  // dots are taken away by text
+        {u"missing\\..\\.\\BACKGRND\\\\picture.png", "Backgrnd/picture.png"}};
+    for (const auto& [path, real] : cases)
+        EXPECT_EQ(RealPath(Below(path)).lexically_relative(directory.Path()).generic_string(), real);
+    EXPECT_EQ(RealPath(UpperCase(Below(u"FILE"))), directory.Path() / "FILE");
+}
+
+TEST_F(PathsTest, LeavesTheKindOfThePath) {
+    const std::pair<const char16_t*, const char*> cases[] = {
+        {u"\\no-such\\Name.TXT", "/no-such/Name.TXT"}, {u"SUB\\FILE", "Sub/File"}, {u"\\", "/"}, {u"", ""},
+        {u"..\\no such\\..\\..\\no-x", "../../no-x"},  {u"\\..\\..", "/"}};
+    directory.Write("Sub/File");
+    const auto before = fs::current_path();
+    fs::current_path(directory.Path());
+    for (const auto& [path, real] : cases) EXPECT_EQ(RealPath(path).native(), real);
+    EXPECT_EQ(PathText("Sub/File"), Below(u"Sub\\File"));
+    fs::current_path(before);
+}
+
+TEST_F(PathsTest, DirNamesNormalFilesOnly) {
+    directory.Write("Backgrnd/Picture.png");
+    EXPECT_EQ(Dir(Below(u"BACKGRND\\PICTURE.PNG")), u"Picture.png");
+    for (const char16_t* none :
+         {u"BACKGRND\\MISSING.PNG", u"BACKGRND", u"BACKGRND\\", u"BACKGRND\\PICTURE.PNG\\"})
+        EXPECT_EQ(Dir(Below(none)), u"") << ToUtf8(none);
+    EXPECT_EQ(Dir(u""), u"");
+}
+
+// Each looks for InstallPath in the section VELMORA32/10001.
+TEST(IniSettingsTest, FindsTheFirstEntryOfTheSection) {
+    const std::pair<const char*, const char16_t*> cases[] = {
+        {"", u"NONE"},
+        {"[VELMORA32/10001]\nInstallPath=D:\\NEW\\10001\\\n", u"D:\\NEW\\10001\\"},
+        {"\xEF\xBB\xBF[VELMORA32/10001]\r\nInstallPath=/opt/a\r\n", u"/opt/a"},
+        {" [ velmora32/10001 ] \n\tinstallpath \t=  /opt/with blank  \n", u"/opt/with blank"},
+        {"[VELMORA32/10001]\nInstallPath=\n", u""},
+        {"[VELMORA32/10001]\nInstallPath\nInstallPathX=a\n", u"NONE"},
+        {"[VELMORA32/10001]\na=b\n[x/y]\nInstallPath=c\n[VELMORA32/10001]\nInstallPath=d\n", u"d"},
+        {"[VELMORA32/10001]\nInstallPath=first\nINSTALLPATH=second\n", u"first"},
+        {"[VELMORA32/10001\nInstallPath=a\n[\n]\nInstallPath=b\n", u"NONE"}};
+    const TemporaryDirectory directory;
+    const IniSettings settings(directory.Path() / "settings.ini");
+    const auto path = [](const IniSettings& from) {
+        return ToUtf8(from.Get(u"VELMORA32", u"10001", u"InstallPath", u"NONE"));
+    };
+    EXPECT_EQ(path(settings), "NONE") << "no file yet, and it is read anew each time";
+    EXPECT_EQ(path(IniSettings(directory.Path())), "NONE") << "a directory";
+    for (const auto& [content, value] : cases) {
+        directory.Write("settings.ini", content);
+        EXPECT_EQ(path(settings), ToUtf8(value)) << content;
+    }
+}
+
+TEST(SettingsFileTest, FollowsTheEnvironment) {
+    const Table<const char*, const char*, fs::path> cases = {
+        {"/c", "/h", "/c/velmora/settings.ini"},
+        {nullptr, "/h", "/h/.config/velmora/settings.ini"},
+        {"", "/h", "/h/.config/velmora/settings.ini"},
+        {"relative", "/h", "/h/.config/velmora/settings.ini"},
+        {nullptr, nullptr, ""}};
+    const auto set = [](const char* name, const char* value) {
+        value ? setenv(name, value, 1) : unsetenv(name);
+    };
+    for (const auto& [configuration, home, file] : cases) {
+        set("XDG_CONFIG_HOME", configuration);
+        set("HOME", home);
+        EXPECT_EQ(SettingsFile(), file);
+    }
+}
+
+}  // namespace
+}  // namespace platform
