@@ -14,8 +14,7 @@ from pathlib import Path
 
 import campaign
 
-for folder in (Path(__file__).parent / "support", Path(__file__).parent.parent / "tests/e2e"):
-    sys.path.insert(0, str(folder))
+sys.path.insert(0, str(Path(__file__).parent / "support"))
 from faults import ANSWER, FAILED, FAULTS, GONE, NOTHING, STATES, UNREADABLE, TooLate  # noqa: E402
 from scene import INSIDE, Scene, take_stage  # noqa: E402
 from side_by_side import work_off  # noqa: E402

@@ -15,13 +15,12 @@ import sys
 import time
 from pathlib import Path
 
-sys.path[:0] = [str(Path(__file__).resolve().parent / "support"),
-                str(Path(__file__).resolve().parent.parent / "tests/e2e")]
+sys.path.insert(0, str(Path(__file__).parent / "support"))
 import campaign  # noqa: E402
 import extremes  # noqa: E402
-from arrangement import Arrangement, wait_for  # noqa: E402
+from arrangement import Arrangement  # noqa: E402
 from contract import ANY, METHOD, PUT  # noqa: E402
-from driver import LIMIT, Driver  # noqa: E402
+from driver import Driver  # noqa: E402
 from peers import HOST, Operator  # noqa: E402
 from walk import Walk  # noqa: E402
 from life import Lost  # noqa: E402
@@ -184,37 +183,6 @@ class WalkingLife(Walk):
         self.settle()
         self.release(stranger, self.layers[-1].path)
         stranger.pending.clear()
-
-    def wait_for_end(self):
-        def ended():
-            self.pump(0.02)
-            self.host.catch_up()
-            return self.process.poll() is not None
-        try:
-            wait_for(ended, LIMIT, "the process to end with its last object")
-        except TimeoutError as error:
-            return self.report.fault(f"life {self.seed}: {error}")
-        if self.process.returncode != 0:
-            self.report.fault(f"life {self.seed}: the process ended with {self.process.returncode} in the end")
-        while self.pump(0.2):
-            continue
-        if kept := +self.host.kept:
-            self.report.fault(f"life {self.seed}: of the host's objects were never given back: {dict(kept)}")
-        return None
-
-    def how_it_ended(self):
-        status = self.process.poll()
-        return "" if status is None else f"; the process has ended with {status}"
-
-    def close(self):
-        for peer in self.peers:
-            if peer.is_open:
-                peer.leave()
-        self.arrangement.end(self.process)
-        self.errors.close()
-        said = self.log.read_text(encoding="utf-8").strip()
-        if said:
-            self.report.fault(f"life {self.seed}: the process said: {said[:300]}")
 
 
 def walk(arrangement, operator, report, options):

@@ -8,6 +8,7 @@ from dataclasses import dataclass, field
 from pathlib import Path
 
 import contract
+from arrangement import wait_for
 from contract import ANY, DIALOG, DONE
 from driver import LIMIT
 from peers import BUSY, FACTORY, OBJECT, Client, Host
@@ -92,10 +93,11 @@ class Life:
 
     # --- start ------------------------------------------------------------------------------------
 
-    def start(self):
+    def start(self, environment=None):
         self.operator.meanwhile = lambda: self.pump(0.02)
         self.errors = open(self.log, "w", encoding="utf-8")
-        self.process = self.arrangement.start([self.arrangement.add_in, "-Embedding"], stderr=self.errors)
+        self.process = self.arrangement.start([self.arrangement.add_in, "-Embedding"], environment,
+                                              stderr=self.errors)
         self.host = Host(self.address, self.seed, self.retained_by_host)
         self.peers.append(self.host)
         self.anchor = self.join("anchor")
@@ -258,6 +260,38 @@ class Life:
         """KiB in RAM."""
         return int(Path(f"/proc/{self.process.pid}/statm").read_text().split()[1]) * 4
 
+    # --- end --------------------------------------------------------------------------------------
+
+    def wait_for_end(self):
+        def ended():
+            self.pump(0.02)
+            self.host.catch_up()
+            return self.process.poll() is not None
+        try:
+            wait_for(ended, LIMIT, "the process to end with its last object")
+        except TimeoutError as error:
+            return self.report.fault(f"life {self.seed}: {error}")
+        if self.process.returncode != 0:
+            self.report.fault(f"life {self.seed}: the process ended with {self.process.returncode} in the end")
+        while self.pump(0.2):
+            continue
+        if kept := +self.host.kept:
+            self.report.fault(f"life {self.seed}: of the host's objects were never given back: {dict(kept)}")
+        return None
+
+    def how_it_ended(self):
+        status = self.process.poll()
+        return "" if status is None else f"; the process has ended with {status}"
+
+    def close(self):
+        for peer in self.peers:
+            if peer.is_open:
+                peer.leave()
+        self.arrangement.end(self.process)
+        self.errors.close()
+        said = self.log.read_text(encoding="utf-8").strip()
+        if said:
+            self.report.fault(f"life {self.seed}: the process said: {said[:300]}")
 
 
 def _same(values, others):

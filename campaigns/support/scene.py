@@ -12,13 +12,11 @@ from gi.repository import GLib
 
 import stage
 from client import Client
-from stage import ADD_IN, CLOCK_READ, EXCHANGE, LIMIT, LOGIN_FAILED, LOOKUP, WAIT_BOX, wait_for
+from stage import ADD_IN, CLOCK_READ, EXCHANGE, GOOD, LIMIT, LOGIN_FAILED, LOOKUP, WAIT_BOX, wait_for
 
 BUSY_BOX, READING_FAILED = "Horalink \u2013 Busy", "Reading Failed"
 GIVE_UP = {WAIT_BOX: "Cancel", BUSY_BOX: "Cancel"}
 WAIT_LIMIT = 20  # seconds until the add-in asks the operator
-GOOD = ["oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage",
-        "ShowResults", "ShowMessage", "ShowCode", "oPBX", "LogOut"]
 HOST_PROGRAM = Path(__file__).parent / "scripted_host.py"
 INTROSPECTABLE = "org.freedesktop.DBus.Introspectable"
 
@@ -30,8 +28,7 @@ class TooLate(Exception):
 def take_stage(arrangement, driver):
     """Display, bus and installation that this process plays on."""
     if stage.arrangement is not arrangement:
-        stage.arrangement, stage.driver = arrangement, driver
-        stage.bus = stage.connect()
+        stage.take(arrangement, driver)
 
 
 def stand_still(pid):

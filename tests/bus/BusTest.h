@@ -33,6 +33,13 @@ class BusTest : public testing::Test {
   protected:
     BusTest() {
         server->ServeClass("Test.cScripted", [this] { return create(); });
+        sd_bus_request_name(stranger.Bus(), "Test.cStranger", 0);
+        stranger.whenCalled = [this](const MessageRef& call) {
+            stranger.Return(call, "(so)", stranger.Name(), "/Host");
+        };
+        host = client->CreateObject(u"Test.cStranger");
+        stranger.whenCalled = nullptr;
+        stranger.calls.clear();
     }
     std::unique_ptr<Automation> Connect() { return ConnectToSessionBus(loop, boxes, settings); }
 
@@ -58,17 +65,6 @@ class BusTest : public testing::Test {
         stranger.Notify(stranger.NewInvoke(object, member));
     }
 
-    // The client gets an object of the stranger's, at "/Host".
-    ObjectRef StrangersObject() {
-        sd_bus_request_name(stranger.Bus(), "Test.cStranger", 0);
-        stranger.whenCalled = [this](const MessageRef& call) {
-            stranger.Return(call, "(so)", stranger.Name(), "/Host");
-        };
-        ObjectRef host = client->CreateObject(u"Test.cStranger");
-        stranger.whenCalled = nullptr;
-        stranger.calls.clear();
-        return host;
-    }
     // The stranger answers all late-bound calls with a text.
     void AnswerAll(const char* text) {
         stranger.whenCalled = [this, text](const MessageRef& call) {
@@ -83,6 +79,7 @@ class BusTest : public testing::Test {
     std::function<ObjectRef()> create;
     std::unique_ptr<Automation> server = Connect(), client = Connect();
     RawPeer stranger{loop};
+    ObjectRef host;  // of the stranger's, held by the client
 };
 
 }  // namespace platform::test

@@ -29,7 +29,6 @@ TEST_F(ConnectionTest, CreationWithoutAnswerMakesNothing) {
 }
 
 TEST_F(ConnectionTest, ACreatorMayCallOut) {
-    const ObjectRef host = StrangersObject();
     AnswerAll("asked");
     Text told;
     const auto second = Connect();
@@ -39,7 +38,6 @@ TEST_F(ConnectionTest, ACreatorMayCallOut) {
 }
 
 TEST_F(ConnectionTest, LossEndsWaitsAndGivesBackReferences) {
-    const ObjectRef host = StrangersObject();
     const auto object = Scripted();
     int gone = 0, ownerGone = 0;
     object->whenLastClientGone = [&] { ++gone; };
@@ -60,7 +58,6 @@ TEST_F(ConnectionTest, LossEndsWaitsAndGivesBackReferences) {
 }
 
 TEST_F(ConnectionTest, LossEndsABusyRetry) {
-    const ObjectRef host = StrangersObject();
     stranger.whenCalled = [&](const MessageRef& call) {
         sd_bus_reply_method_errorf(call.get(), bus::busyErrorName, "later");
     };
@@ -88,7 +85,6 @@ TEST_F(ConnectionTest, FlushSendsWhatWaitsAndKeepsCallsForLater) {
 }
 
 TEST_F(ConnectionTest, FlushDoesNotHangOnADaemonThatStandsStill) {
-    const ObjectRef host = StrangersObject();
     bus.Freeze();
     const auto timer = loop.After(Milliseconds(0), [&] {
         client->Flush();

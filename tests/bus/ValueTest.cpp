@@ -9,24 +9,14 @@ namespace {
 using ValueTest = BusTest;
 
 TEST_F(ValueTest, EveryKindComesBackAsItWent) {
-    const std::vector<Value> values = {Value(),
-                                       Null{},
-                                       Missing{},
-                                       true,
-                                       false,
-                                       std::int16_t{-32768},
-                                       std::int16_t{32767},
-                                       0.1,
-                                       -1e308,
-                                       u"",
-                                       std::numeric_limits<std::int32_t>::min(),
-                                       std::numeric_limits<std::int32_t>::max(),
-                                       Date{36161.75},
-                                       u"Gr\u00FC\u00DFe \U0001F600 \uFFFD\uFDCF\uFDF0\U0001FFFD\U00020000",
-                                       ObjectRef(),
-                                       Text(10 * 1024 * 1024 / 3, u'\u20AC')};
+    const Text letters = u"Gr\u00FC\u00DFe \U0001F600 \uFFFD\uFDCF\uFDF0\U0001FFFD\U00020000",
+               huge = Text(10 * 1024 * 1024 / 3, u'\u20AC');
+    const std::int16_t lowest = -32768, highest = 32767;
+    const Value values[] = {Value(),     Null(),    Missing(), true, false,  lowest,
+                            highest,     INT32_MIN, INT32_MAX, 0.1,  -1e308, Date(36161.75),
+                            ObjectRef(), u"",       letters,   huge};
     const ObjectRef object = Created({Echo()});
-    for (std::size_t i = 0; i < values.size(); ++i)
+    for (std::size_t i = 0; i < std::size(values); ++i)
         EXPECT_TRUE(Call(object, "echo", values[i]) == values[i]) << "value " << i;
     EXPECT_EQ(Call(object, "Echo", 1.5f), Value(1.5)) << "a Single arrives as a Double";
 }
@@ -42,21 +32,18 @@ TEST_F(ValueTest, TextThatCannotTravelIsRefusedOnBothSides) {
 }
 
 TEST_F(ValueTest, ByReferenceTakesBackWhatChanged) {
-    const ObjectRef object = Created({Method("Change", 4, [](Arguments& a) {
+    const ObjectRef object = Created({Method("Change", 3, [](Arguments& a) {
         a[0] = u"new";
         a[1] = std::int16_t{7};
-        return a.size() == 4;
+        return a.size() == 3;
     })});
     Text text = u"old";
     std::int16_t number = 1;
     float untouched = 0.1f;
-    std::int32_t untouchedLong = 5;
-    EXPECT_EQ(Call(object, "Change", ByRef(text), ByRef(number), ByRef(untouched), ByRef(untouchedLong)),
-              Value(true));
+    EXPECT_EQ(Call(object, "Change", ByRef(text), ByRef(number), ByRef(untouched)), Value(true));
     EXPECT_EQ(text, u"new");
     EXPECT_EQ(number, 7);
     EXPECT_EQ(untouched, 0.1f);
-    EXPECT_EQ(untouchedLong, 5);
 }
 
 TEST_F(ValueTest, AnObjectByReferenceStaysTheSameOrIsReplaced) {

@@ -5,19 +5,7 @@ namespace platform::test {
 namespace {
 
 struct WaitTest : BusTest {
-    WaitTest() {
-        settings = {10000, 60000, u"busy", u"refused", u"pending", u"no answer"};
-        host = StrangersObject();
-    }
-    // Has the stranger refuse so many calls, and answer those behind them.
-    void RefuseFirst(long count) {
-        stranger.whenCalled = [this, count](const MessageRef& call) {
-            if (stranger.CallsOf("Invoke") <= count)
-                sd_bus_reply_method_errorf(call.get(), bus::busyErrorName, "later");
-            else
-                stranger.ReturnResult(call, "s", "taken");
-        };
-    }
+    WaitTest() { settings = {10000, 60000, u"busy", u"refused", u"pending", u"no answer"}; }
     std::int32_t ErrorOfCall() {
         return ErrorOf([&] { Call(host, "Anything"); });
     }
@@ -27,17 +15,7 @@ struct WaitTest : BusTest {
         stranger.Notify(stranger.NewCall(taken, bus::objectInterface, "Retain"));
         return taken;
     }
-    ObjectRef host;
 };
-
-TEST_F(WaitTest, ServesCallsOfTheCalleeMeanwhile) {
-    // The server calls the client's object back, and that calls the server again.
-    ObjectRef object;
-    const auto mine = Scripted({Method("Back", 0, [&](Arguments&) { return Call(object, "Name"); })});
-    object = Created(
-        {Method("Run", 1, [](Arguments& a) { return Call(a[0].ToObject(), "Back"); }), Named(u"deep")});
-    EXPECT_EQ(Call(object, "Run", mine), Value(u"deep"));
-}
 
 TEST_F(WaitTest, CallsFromInsideCallsAreRefusedAsBusyBeforeTheStackEnds) {
     // Each call of the stranger's makes the server ask the stranger, who says nothing until all of them are
@@ -127,10 +105,14 @@ TEST_F(WaitTest, ABusyCalleeIsTriedAgainUntilTheOperatorGivesUp) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.refusals);
         stranger.calls.clear();
-        boxes.opened.clear();
+        boxes = {};
         settings.busyTimeout = c.limit;
-        RefuseFirst(c.refusals);
-        boxes.decide = nullptr;
+        stranger.whenCalled = [&](const MessageRef& call) {
+            if (stranger.CallsOf("Invoke") <= c.refusals)
+                sd_bus_reply_method_errorf(call.get(), bus::busyErrorName, "later");
+            else
+                stranger.ReturnResult(call, "s", "taken");
+        };
         if (c.giveUp) boxes.decide = [&] { return *c.giveUp; };
         EXPECT_EQ(ErrorOfCall(), c.error);
         EXPECT_EQ(boxes.opened.size(), c.boxes);
@@ -157,20 +139,14 @@ TEST_F(WaitTest, ThePendingBoxClosesWhenTheAnswerComes) {
     boxes.opened[0].answer(true);
 }
 
-TEST_F(WaitTest, ThePendingBoxComesAgainAfterGoingOn) {
+TEST_F(WaitTest, AfterGivingUpALateAnswerIsDroppedAndItsReferencesGoBack) {
     settings.pendingTimeout = 20;
-    boxes.decide = [&] { return boxes.opened.size() == 3; };
-    EXPECT_EQ(ErrorOfCall(), 462);
-    EXPECT_EQ(boxes.opened.size(), 3u);
-    EXPECT_EQ(boxes.open, 0);
-}
-
-TEST_F(WaitTest, ALateAnswerIsDroppedAndItsReferencesGoBack) {
-    settings.pendingTimeout = 20;
-    boxes.decide = [] { return true; };
+    boxes.decide = [this] { return boxes.opened.size() == 3; };
     auto given = Scripted({Named(u"here")});
     const std::weak_ptr<Object> argument = given;
     EXPECT_EQ(ErrorOf([&] { Call(host, "Take", given); }), 462);
+    EXPECT_EQ(boxes.opened.size(), 3U) << "it comes again after going on";
+    EXPECT_EQ(boxes.open, 0);
     given = nullptr;
     // The callee may still use what it borrowed.
     EXPECT_FALSE(argument.expired());

@@ -1,15 +1,15 @@
-"""What tests of the dialog's own controls share: names, the values that it shows, and pictures of them."""
+"""What tests of the dialog's own controls share: names, and the values that it shows."""
 import re
 from datetime import date
 
+from end_to_end import Host
+
 import stage
-from driver import LOWER, UPPER
-from stage import ADD_IN, EndToEndTest, Host
+from stage import ADD_IN, EndToEndTest
 
 SECTIONS = ["Hour", "Minute", "Second", "AM or PM"]
 SPIN = "Change the selected part of the time"
 FOLLOW_TIME, FOLLOW_DATE = "Follow the time of this PC", "Follow the date of this PC"
-UP, DOWN = UPPER, LOWER
 
 
 def month_name(day, months=0):
@@ -69,12 +69,6 @@ class DialogTest(EndToEndTest):
         self.assertEqual(self.close_box(stage.CLOCK_READ), "The date and time of the PBX have been updated.")
         sent = [re.fullmatch(r'SecondData\(\d\) -> "(\d+)"', line) for line in self.host.lines()]
         return [match[1] for match in sent if match][:3]
-
-    def picture(self, name):
-        """For whoever wants to see what the test saw."""
-        folder = stage.arrangement.folder / "pictures"
-        folder.mkdir(exist_ok=True)
-        stage.driver.picture(folder / f"{name}.png")
 
 
 def items_of(day, time):

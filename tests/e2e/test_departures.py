@@ -3,11 +3,12 @@ import os
 import signal
 import unittest
 
+from end_to_end import Host
+from end_to_end import open_stage as setUpModule  # noqa: F401
+
 import stage
 from client import Client
-from stage import (ADD_IN, CLOCK_READ, LOGIN_FAILED, LOOKUP, SWITCHDESK, EndToEndTest, Host, dialog_title, pids)
-from stage import open_stage as setUpModule  # noqa: F401
-
+from stage import ADD_IN, CLOCK_READ, LOGIN_FAILED, LOOKUP, EndToEndTest, dialog_title, pids
 
 
 def calling(line):
@@ -92,11 +93,6 @@ class DyingHosts(EndToEndTest):
 
 
 class SharedDialog(EndToEndTest):
-    def close_add_in(self, exchange):
-        window = f"Switchdesk \u2013 {exchange}"
-        stage.driver.raise_window(window)
-        stage.driver.click(stage.driver.find(SWITCHDESK, "Close add-in", "push button", window=window))
-
     def test_last_of_two_hosts_ends_the_process(self):
         first = Host(self).open()
         second = Host(self, exchange="Warehouse").open()
@@ -105,28 +101,17 @@ class SharedDialog(EndToEndTest):
         self.look_up()
         self.assertIn('Login("Warehouse", <object>) -> "L1"', second.lines())
         self.assertEqual(first.exchange_lines(), [])
-        self.close_add_in("Main Office")
+        first.close_add_in()
         first.wait_for_line("# lets go of the add-in")
         stage.driver.raise_window(dialog_title("Warehouse"))
         self.assert_usable()
-        self.close_add_in("Warehouse")
+        second.close_add_in()
         second.wait_for_line("# add-in has left")
         self.wait_until_gone()
         self.assertFalse(any(line.startswith("REGComData") for line in first.lines()))
         saved = [line for line in second.lines() if line.startswith("REGComData")]
         self.assertRegex(saved[0], r'^REGComData\("Horalink", "MOVE", "-?[\d.]+,-?[\d.]+"\) -> Nothing$')
         self.assertEqual(len(saved), 1)
-
-    def test_objects_of_one_client(self):
-        first, second = Client(self).created(), Client(self).created()
-        self.assertEqual(len(pids(ADD_IN)), 1)
-        second.call("Visible", 4, True)
-        self.assertTrue(first.visible())
-        first.leave()
-        self.assertTrue(second.visible())
-        second.release()
-        self.wait_until_gone()
-        second.leave()
 
 
 if __name__ == "__main__":

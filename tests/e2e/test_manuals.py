@@ -8,11 +8,14 @@ import shutil
 import subprocess
 import unittest
 
-import stage
-from stage import BUILD, EndToEndTest
-from stage import open_stage as setUpModule  # noqa: F401
+from end_to_end import BUILD, run
+from end_to_end import open_stage as setUpModule  # noqa: F401
 
-MANUALS = [stage.SOURCES / name for name in ("README.md", "CONTRIBUTING.md")] + sorted(stage.SOURCES.glob("docs/*.md"))
+import stage
+from arrangement import SOURCES
+from stage import EndToEndTest
+
+MANUALS = [SOURCES / name for name in ("README.md", "CONTRIBUTING.md")] + sorted(SOURCES.glob("docs/*.md"))
 OTHERS = [
     (r"\./run( --language \S+)?( \.\.\.| COMMAND\.\.\.)?$|\./run (stand-alone|bus) [A-Z]", "builds; tried on a bare system"),
     (r"\./check|cmake --build build/check|ctest", "this test is a part of it"),
@@ -53,8 +56,8 @@ class Manuals(EndToEndTest):
     def lay_out(self, name):
         """A checkout as far as the commands need it, and an empty home."""
         folder = self.top / name
-        shutil.copytree(stage.SOURCES / "data", folder / "data")
-        shutil.copytree(stage.SOURCES / "examples", folder / "examples")
+        for part in ("data", "examples"):
+            shutil.copytree(SOURCES / part, folder / part)
         (folder / "build").mkdir()
         for part in BUILD.iterdir():
             (folder / "build" / part.name).symlink_to(part)
@@ -82,7 +85,7 @@ class Manuals(EndToEndTest):
         if not commands:
             return
         folder, environment = self.lay_out(name)
-        done = stage.run(["bash", "-exc", "\n".join(commands)], environment=environment, cwd=folder)
+        done = run(["bash", "-exc", "\n".join(commands)], environment=environment, cwd=folder)
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
 
     def test_what_is_named_is_there(self):
@@ -90,7 +93,7 @@ class Manuals(EndToEndTest):
             text = manual.read_text(encoding="utf-8")
             links = {manual.parent / link for link in re.findall(r"\]\(([^):#]+)\)", text)}
             folders = "docs|scripts|examples|tests|data|src|tools|bench|packaging"
-            named = {stage.SOURCES / path for path in re.findall(rf"`((?:{folders})/[\w./-]*)`", text)}
+            named = {SOURCES / path for path in re.findall(rf"`((?:{folders})/[\w./-]*)`", text)}
             self.assertEqual([str(path) for path in sorted(links | named) if not path.exists()], [], manual.name)
 
 

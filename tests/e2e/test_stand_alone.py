@@ -1,13 +1,14 @@
 """The add-in as a plain program, which creates the host's exchange object by the name of its class."""
-import os
-import signal
 import subprocess
 import unittest
 
+from end_to_end import Host
+from end_to_end import open_stage as setUpModule  # noqa: F401
+from end_to_end import run
+
 import stage
 from stage import (ADD_IN, CLOCK_READ, CLOSE, EXCHANGE, LOGIN_FAILED, LOOKUP, SWITCHDESK, UPDATE, WAIT_BOX,
-                   EndToEndTest, Host, dialog_title, pids, run)
-from stage import open_stage as setUpModule  # noqa: F401
+                   EndToEndTest, dialog_title, pids)
 
 GOOD = ["Login", "SendRequest", "LogOut"]
 
@@ -33,6 +34,9 @@ class StandAloneTest(EndToEndTest):
     def close(self):
         """Closes the dialog, and with it the program."""
         self.press(CLOSE)
+        self.assert_good_end()
+
+    def assert_good_end(self):
         self.wait_for(lambda: self.add_in.poll() is not None, "the add-in to end")
         # What the toolkit says of a widget that went while an assistive program looked at it is not ours.
         said = [line for line in self.add_in.stderr if not line.startswith("qt.accessibility")]
@@ -47,7 +51,9 @@ class Runs(StandAloneTest):
         self.press(UPDATE)
         self.assertEqual(self.close_box(CLOCK_READ), "The date and time of the PBX have been updated.")
         self.assert_usable()
-        self.close()
+        stage.driver.raise_window(dialog_title())
+        stage.driver.press("alt+F4")
+        self.assert_good_end()
         self.wait_until_gone(SWITCHDESK)
 
     def test_order_of_calls(self):
@@ -59,14 +65,6 @@ class Runs(StandAloneTest):
         ends = [line for line in host.lines() if line.startswith(("ConnectToPbx", "LogOut"))]
         self.assertEqual(ends, [f'ConnectToPbx("{EXCHANGE}", <object>) -> "C1"',
                                 f'LogOut("{EXCHANGE}", "L1") -> Nothing', f'LogOut("{EXCHANGE}", "C1") -> Nothing'])
-
-    def test_window_closed_by_the_operator(self):
-        self.serve()
-        self.start_add_in()
-        stage.driver.raise_window(dialog_title())
-        stage.driver.press("alt+F4")
-        self.wait_for(lambda: self.add_in.poll() is not None, "the add-in to end")
-        self.assertEqual(self.add_in.returncode, 0)
 
     def test_empty_command_line_ends_at_once(self):
         done = run([stage.arrangement.add_in])
@@ -114,45 +112,18 @@ class Failures(StandAloneTest):
                 self.assertEqual(host.calls(), GOOD)
                 self.close()
 
-
-class Waiting(StandAloneTest):
     def test_answer_that_never_comes(self):
         host = self.begin_on("--logins=1", "--answer=never")
         self.press(LOOKUP)
         host.wait_for_line("SendRequest(")
         stage.driver.click(stage.driver.find(ADD_IN, UPDATE, "push button"))
-        self.assertIn("has not answered yet", self.close_box(WAIT_BOX, "Cancel"))
+        for button in ("Retry", "Cancel"):
+            self.assertIn("has not answered yet", self.close_box(WAIT_BOX, button))
         host.wait_for_line(f'LogOut("{EXCHANGE}", "L1")')
         # The click on the disabled dialog came to nothing.
         self.assertEqual(host.calls(), GOOD)
         self.assert_usable()
         self.close()
-
-    def test_answer_that_comes_after_going_on(self):
-        host = self.begin_on("--answer=late:12000")
-        self.press(LOOKUP)
-        self.close_box(WAIT_BOX, "Retry")
-        self.box_text(WAIT_BOX)
-        # The box gives way to the answer.
-        self.wait_for(lambda: WAIT_BOX not in self.boxes(), "the wait box to close itself")
-        self.close_box(CLOCK_READ)
-        self.assertEqual(host.calls(), GOOD)
-        self.close()
-
-    def test_host_that_stands_still_in_the_login(self):
-        for button in ("Cancel", "Retry"):
-            with self.case(button):
-                host = self.begin_on()
-                os.kill(host.process.pid, signal.SIGSTOP)
-                self.press(LOOKUP)
-                self.close_box(WAIT_BOX, button)
-                if button == "Cancel":
-                    self.assertIn("could not be reached", self.close_box(LOGIN_FAILED))
-                os.kill(host.process.pid, signal.SIGCONT)
-                host.wait_for_line("Login(")
-                if button == "Retry":
-                    self.close_box(CLOCK_READ)
-                self.close()
 
     def test_host_that_leaves_while_its_answer_is_out(self):
         for name, options, box in (("send", ["--leave=send"], None), ("answer", ["--leave=waiting"], None),

@@ -26,30 +26,38 @@ std::int16_t AnswerOf(std::int32_t buttons, std::function<void(QWidget&)> act) {
     return ShowBox(std::move(act), {u"Prompt", buttons, {}, {}, 0});
 }
 
-struct SetCase {
-    std::int32_t set;
-    const char* texts;
-    std::vector<std::int16_t> answers;
-    std::int16_t escape;  // 0 where Escape does nothing
-};
-
-const SetCase setCases[] = {
-    {okOnly, "OK", {1}, 1},
-    {okCancel, "OK Cancel", {1, 2}, 2},
-    {abortRetryIgnore, "Abort Retry Ignore", {3, 4, 5}, 0},
-    {yesNoCancel, "Yes No Cancel", {6, 7, 2}, 2},
-    {yesNo, "Yes No", {6, 7}, 0},
-    {retryCancel, "Retry Cancel", {4, 2}, 2},
-};
-
-TEST(MessageBoxTest, EachButtonOfEachSetAnswers) {
-    for (const SetCase& set : setCases) {
-        for (std::size_t i = 0; i < set.answers.size(); ++i) {
-            const auto answer = AnswerOf(set.set + critical, [&](QWidget& box) {
-                EXPECT_EQ(ButtonTexts(box).join(u' ').toStdString(), set.texts);
+TEST(MessageBoxTest, EachButtonOfEachSetAnswersAndEscapeAndClosingCancel) {
+    const struct {
+        std::int32_t set;
+        const char* texts;
+        std::vector<std::int16_t> answers;
+        std::int16_t escape;  // 0 where Escape does nothing
+    } cases[] = {
+        {okOnly, "OK", {1}, 1},
+        {okCancel, "OK Cancel", {1, 2}, 2},
+        {abortRetryIgnore, "Abort Retry Ignore", {3, 4, 5}, 0},
+        {yesNoCancel, "Yes No Cancel", {6, 7, 2}, 2},
+        {yesNo, "Yes No", {6, 7}, 0},
+        {retryCancel, "Retry Cancel", {4, 2}, 2},
+    };
+    const std::function<void(QWidget&)> ways[] = {
+        [](QWidget& box) { QTest::keyClick(box.windowHandle(), Qt::Key_Escape); },
+        [](QWidget& box) { box.windowHandle()->close(); }};
+    for (const auto& [set, texts, answers, escape] : cases) {
+        for (std::size_t i = 0; i < answers.size(); ++i) {
+            const auto answer = AnswerOf(set + critical, [&](QWidget& box) {
+                EXPECT_EQ(ButtonTexts(box).join(u' ').toStdString(), texts);
                 box.findChildren<QPushButton*>()[static_cast<qsizetype>(i)]->click();
             });
-            EXPECT_EQ(answer, set.answers[i]) << set.texts << " " << i;
+            EXPECT_EQ(answer, answers[i]) << texts << " " << i;
+        }
+        for (const auto& leave : ways) {
+            const auto answer = AnswerOf(set, [&](QWidget& box) {
+                leave(box);
+                EXPECT_EQ(box.isVisible(), escape == 0) << texts;
+                if (box.isVisible()) box.findChildren<QPushButton*>().last()->click();
+            });
+            EXPECT_EQ(answer, escape ? escape : answers.back()) << texts;
         }
     }
 }
@@ -62,22 +70,6 @@ TEST(MessageBoxTest, EnterPressesTheDefaultButton) {
         {yesNo + defaultButton3, 6},  // there is no third button
     };
     for (const auto& [value, answer] : cases) EXPECT_EQ(AnswerOf(value, PressReturn), answer) << value;
-}
-
-TEST(MessageBoxTest, EscapeAndClosingCancel) {
-    const std::function<void(QWidget&)> ways[] = {
-        [](QWidget& box) { QTest::keyClick(box.windowHandle(), Qt::Key_Escape); },
-        [](QWidget& box) { box.windowHandle()->close(); }};
-    for (const SetCase& set : setCases) {
-        for (const auto& leave : ways) {
-            const auto answer = AnswerOf(set.set, [&](QWidget& box) {
-                leave(box);
-                EXPECT_EQ(box.isVisible(), set.escape == 0) << set.texts;
-                if (box.isVisible()) box.findChildren<QPushButton*>().last()->click();
-            });
-            EXPECT_EQ(answer, set.escape ? set.escape : set.answers.back()) << set.texts;
-        }
-    }
 }
 
 TEST(MessageBoxTest, UnknownSetRaises) {

@@ -133,35 +133,38 @@ TEST_F(FormViewTest, FollowsTheOperatorsMovesAndMovesItself) {
 }
 
 TEST_F(FormViewTest, EventsMayTakeTheFormAway) {
-    const std::pair<const char*, std::function<void(std::function<void()>)>> events[] = {
-        {"cmdButton", [this](auto act) { button.Click = act; }},
-        {"chkTrack", [this](auto act) { track.Click = act; }},
-        {"txtMinute", [this](auto act) { minute.GotFocus = act; }},
-        {"imgBack", [this](auto act) { image.MouseUp = [act](auto...) { act(); }; }},
+    const auto away = [this](auto&&...) {
+        log += "away ";
+        TakeAway();
     };
-    for (const auto& [name, set] : events) {
-        int gone = 0;
-        set([&] {
-            ++gone;
-            TakeAway();
-        });
+    const struct {
+        std::function<void()> handle;
+        const char* widget;
+        Qt::Key key = Qt::Key_unknown;  // a click otherwise
+    } cases[] = {
+        {[&] { button.Click = away; }, "cmdButton"},
+        {[&] { track.Click = away; }, "chkTrack"},
+        {[&] { image.MouseUp = away; }, "imgBack"},
+        {[&] { calendar.AfterUpdate = away; }, "Calendar"},
+        {[] {}, "Calendar", Qt::Key_Right},
+        {[&] { calendar.NewMonth = away; }, "Next month"},
+        {[&] { minute.GotFocus = away; }, "txtMinute"},
+        // The button has a handler too, but doesn't see the key any more.
+        {[&] { form.KeyDown = away; }, "cmdButton", Qt::Key_Return},
+    };
+    for (const auto& [handle, widget, key] : cases) {
+        handle();
         Show();
-        Click(name);
+        if (key == Qt::Key_unknown) {
+            Click(widget);
+        } else {
+            WidgetOf(widget).setFocus();
+            QTest::keyPress(Handle(), key);
+        }
         Settle();
-        EXPECT_EQ(gone, 1) << name;
-        EXPECT_EQ(Window(), nullptr) << name;
-        set([] {});
+        EXPECT_EQ(log, "away unloaded ") << widget << " " << key;
+        EXPECT_EQ(Window(), nullptr) << widget << " " << key;
     }
-}
-
-TEST_F(FormViewTest, KeyMayTakeTheFormAwayBeforeAControlSeesIt) {
-    form.KeyDown = [this](std::int16_t, std::int16_t) { form.Unload(); };
-    Show();
-    WidgetOf("cmdButton").setFocus();
-    log.clear();
-    QTest::keyPress(Handle(), Qt::Key_Return);
-    Settle();
-    EXPECT_EQ(log, "unloaded ");
 }
 
 }  // namespace

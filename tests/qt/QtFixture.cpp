@@ -112,7 +112,8 @@ QWidget& FormTest::WidgetOf(const char* name) const {
 }
 
 void FormTest::Click(const char* name, Qt::MouseButton pressed) const {
-    QTest::mouseClick(Handle(), pressed, {}, WidgetOf(name).geometry().center());
+    const QWidget& widget = WidgetOf(name);
+    QTest::mouseClick(Handle(), pressed, {}, widget.mapTo(Window(), widget.rect().center()));
 }
 
 void FormTest::Key(Qt::Key key, Qt::KeyboardModifiers modifiers) const {

@@ -10,10 +10,6 @@ from stage import LIMIT, connect
 FACTORY, OBJECT, TYPED = "org.velmora.Automation1.Factory", "org.velmora.Automation1.Object", "Horalink10013._cOLELayer"
 
 
-def reference(owner, path):
-    return dbus.Struct((owner, dbus.ObjectPath(path)), signature="so")
-
-
 class Client:
     """Calls the add-in over a connection of its own and holds one object of it, to the end of a test at most."""
 
@@ -55,9 +51,6 @@ class Client:
 
     def visible(self):
         return self.call("Visible", 2)[0]
-
-    def release(self):
-        return self.ask(self.owner, self.path, OBJECT, "Release")
 
     def leave(self):
         if self.bus:

@@ -1,25 +1,17 @@
-"""What all end-to-end tests stand on: a display and a bus for each module, and for each test an installation
-of its own, real programs in it, and the certainty that none of them is left behind.
-
-HORALINK_BUILD names the build folder.
+"""Where whole programs are played with: display, bus and installation of this process, and the tools of a test that
+starts programs there, works the dialog, and is certain that none of them is left behind.
 """
 import contextlib
 import os
 import signal
-import sqlite3
-import subprocess
-import sys
 import unittest
 from pathlib import Path
 
 import dbus.bus
 
-SOURCES = Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(SOURCES / "scripts"))
-from arrangement import Arrangement, wait_for  # noqa: E402
-from driver import LIMIT, Driver  # noqa: E402
+from arrangement import wait_for
+from driver import LIMIT
 
-BUILD = Path(os.environ["HORALINK_BUILD"])
 EXCHANGE = "Main Office"
 ADD_IN, SWITCHDESK = "horalink", "switchdesk"
 LOOKUP, UPDATE, CLOSE = "Read the clock of the PBX", "Set the clock of the PBX", "Close this window"
@@ -29,6 +21,9 @@ WAIT_BOX = "Horalink – Waiting for an Answer"
 NOTICE = "System Fatal Notice"
 
 ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.cPBXOle"
+# What a good exchange calls of the host, in this order.
+GOOD = ["oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage",
+        "ShowResults", "ShowMessage", "ShowCode", "oPBX", "LogOut"]
 
 # The accessibility library can be connected once in a process, so there is one stage in each.
 arrangement = None
@@ -36,16 +31,11 @@ driver = None
 bus = None
 
 
-def open_stage():
-    """Serves a module as its setUpModule."""
+def take(installation, its_driver):
+    """Makes an installation the one that is played on."""
     global arrangement, driver, bus
-    folder = BUILD / "tests/e2e" / Path(sys.argv[0]).stem
-    arrangement = Arrangement(BUILD, folder, own_display=True).lay_out()
-    arrangement.__enter__()
-    unittest.addModuleCleanup(arrangement.__exit__)
-    driver = Driver(arrangement)
+    arrangement, driver = installation, its_driver
     bus = connect()
-    unittest.addModuleCleanup(bus.close)
 
 
 def dialog_title(exchange=EXCHANGE):
@@ -76,19 +66,6 @@ def is_deserted():
 
 def pids(program):
     return [pid for pid, name in running().items() if name == program]
-
-
-def database_file(name):
-    return next(arrangement.root.glob(f"*/DATABASE/{name}"))
-
-
-def change_database(name, *statements):
-    """Changes a database of the installation, before the add-in is started."""
-    database = sqlite3.connect(database_file(name))
-    with database:
-        for statement in statements:
-            database.execute(statement)
-    database.close()
 
 
 def connect(main_loop=None):
@@ -192,64 +169,3 @@ class EndToEndTest(unittest.TestCase):
         self.assertEqual(self.boxes(), [])
         self.wait_until_enabled()
         self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
-
-
-class Host:
-    """The companion host, with the add-in open and every call that it sees in a log."""
-
-    number = 0
-    MEMBERS = ("oPBX", "Login", "SendRequest", "LogOut", "ShowMessage", "ShowResults", "ShowCode")
-
-    def __init__(self, test, *options, exchange=EXCHANGE, environment=None):
-        Host.number += 1
-        self.log = arrangement.folder / f"host-{Host.number}.log"
-        opening = ["--open", exchange] if exchange else []
-        self.process = test.start([arrangement.host, "--log", self.log, *opening, *options], environment=environment)
-        self.test, self.exchange = test, exchange
-        self.mark = 0
-
-    def open(self):
-        """Waits until the dialog is up and everything about it is logged; `calls` counts from here."""
-        self.wait_for_line("# Visible is written")
-        self.test.dialog(self.exchange)
-        self.skip()
-        return self
-
-    def all_lines(self):
-        try:
-            return self.log.read_text(encoding="utf-8").splitlines()
-        except FileNotFoundError:
-            return []
-
-    def lines(self):
-        return self.all_lines()[self.mark:]
-
-    def skip(self):
-        self.mark = len(self.all_lines())
-
-    def wait_for_line(self, start, count=1):
-        """Waits for a line with this start, the `count`th of them."""
-        self.test.wait_for(lambda: sum(line.startswith(start) for line in self.lines()) >= count,
-                           f"'{start}' in {self.log.name}")
-
-    def exchange_lines(self):
-        """The calls of the host object and the exchange object, without what was read of an answer."""
-        return [line for line in self.lines() if line.split("(")[0].split(" ")[0] in self.MEMBERS]
-
-    def calls(self):
-        return [line.split("(")[0].split(" ")[0] for line in self.exchange_lines()]
-
-    def told(self):
-        """The texts and codes that came by ShowMessage and ShowCode."""
-        return [line.partition("(")[2].rpartition(") -> ")[0] for line in self.exchange_lines()
-                if line.startswith(("ShowMessage(", "ShowCode("))]
-
-    def kill(self):
-        self.process.kill()
-        self.process.wait()
-
-
-def run(command, **options):
-    """Runs a program to its end and catches what it prints."""
-    return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=LIMIT,
-                          check=False, env=options.pop("environment", arrangement.environment), **options)
