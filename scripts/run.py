@@ -27,6 +27,8 @@ def open_host(arrangement):
 
 def run_command(arrangement, command):
     if not shutil.which(command[0], path=arrangement.environment["PATH"]):
+        if Path(command[0]).is_file():
+            sys.exit(f"run: '{command[0]}' can't be run; chmod +x makes it a command")
         sys.exit(f"run: there is no command '{command[0]}'")
     return arrangement.start(command).wait()
 

@@ -21,11 +21,12 @@ OTHERS = [
     (r"\./check|cmake --build build/check|ctest", "this test is a part of it"),
     (r"tests/fuzz/run|bench/run|campaigns/run|scripts/make-pictures.sh", "takes minutes"),
     (r"packaging/|sudo ", "packaging/try-packages.sh does it on a bare system"),
-    (r"\./run bus (examples/|build/examples/|build/host/switchdesk --verbose)", "test_clients and test_surroundings do it"),
+    (r"\./run( --language \S+)? bus (examples/|build/examples/|switchdesk --(verbose|open))",
+     "test_clients and test_round_trip do it"),
     (r"horalink-lng import|horalink-lng check new|cp --remove", "wants an older installation; lng.ImportTest does it"),
 ]
 AS_IS = (r"horalink-(lng|setup) |cp data/|PATH=|cmake -S examples|busctl |examples/host.py &|exit$|"
-         r"\./run bus (bash$|build/host/switchdesk --help)")
+         r"\./run bus (bash$|switchdesk --help)")
 # What a shell that nobody types into does in place of what stands there.
 INSTEAD = [
     (r"^\./run bus bash$", "trap 'kill $!' EXIT"),

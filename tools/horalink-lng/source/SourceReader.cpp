@@ -142,7 +142,9 @@ class Reader {
         const auto name = TakeName(content);
         content = TrimBlanks(content);
         if (!name || content.empty() || (content.front() != ':' && content.front() != '='))
-            throw tools::Fault("this is no field: write NAME: TEXT, or NAME = NUMBER");
+            throw tools::Fault(
+                "this is no field: write NAME: TEXT, or NAME = NUMBER, and | before each line of a long "
+                "text");
         AddField(*name, content.front() == '=', TrimBlanks(content.substr(1)));
     }
 

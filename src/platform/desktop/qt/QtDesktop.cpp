@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QPixmapCache>
 #include <QStyleFactory>
 #include <cstdio>
 
@@ -61,6 +62,8 @@ class Desktop : public QtDesktop {
         QApplication::setDesktopFileName(name);
         QApplication::setPalette(forms::LightPalette());
         QApplication::setFont(forms::DialogFont());
+        // The style keeps pictures of each box's buttons and never finds them again, up to 10 MiB of them.
+        QPixmapCache::setCacheLimit(0);
     }
 
     EventLoop& Loop() override { return loop_; }
