@@ -57,12 +57,14 @@ class Driver:
             yield from self.nodes(child)
 
     @staticmethod
-    def _program_of(application):
-        """Its name, without asking it: a program that stands still would not answer."""
+    def _runs(application, program):
+        """By its command, without asking it: a program that stands still would not answer. It may be run by another
+        one, which then has it as an argument."""
         try:
-            return Path(f"/proc/{application.get_process_id()}/comm").read_text(encoding="utf-8").strip()
+            command = Path(f"/proc/{application.get_process_id()}/cmdline").read_bytes().decode(errors="replace")
         except OSError:
-            return None
+            return False
+        return any(Path(word).name == program for word in command.split("\0"))
 
     def windows(self, program):
         """The windows of a program that are on the screen."""
@@ -71,7 +73,7 @@ class Driver:
         for index in range(desktop.get_child_count()):
             application = desktop.get_child_at_index(index)
             try:
-                if application is None or self._program_of(application) != program:
+                if application is None or not self._runs(application, program):
                     continue
                 for window in self._children(application):
                     if self._is_showing(window):

@@ -93,10 +93,11 @@ class Life:
 
     # --- start ------------------------------------------------------------------------------------
 
-    def start(self, environment=None):
+    def start(self, environment=None, under=()):
+        """The process, and an object that keeps it; `under` is a command that runs it."""
         self.operator.meanwhile = lambda: self.pump(0.02)
         self.errors = open(self.log, "w", encoding="utf-8")
-        self.process = self.arrangement.start([self.arrangement.add_in, "-Embedding"], environment,
+        self.process = self.arrangement.start([*under, self.arrangement.add_in, "-Embedding"], environment,
                                               stderr=self.errors)
         self.host = Host(self.address, self.seed, self.retained_by_host)
         self.peers.append(self.host)

@@ -12,8 +12,8 @@ TICK = os.sysconf("SC_CLK_TCK")
 
 
 class PlainLife(Walk):
-    def open(self, environment=None):
-        self.start(environment)
+    def open(self, environment=None, under=()):
+        self.start(environment, under)
         layer = self.layers[0]
         self.tell(self.anchor, layer, "RegisterPBX", METHOD,
                   [("s", EXCHANGE), ("(so)", (self.host.name, HOST)), ("n", 1)], "RegisterPBX")

@@ -84,15 +84,14 @@ TEST_F(ClockTest, SectionsAreSteppedOneAtATime) {
         {1, u"04", u"05", u"03"}, {1, u"59", u"00", u"58"}, {2, u"00", u"01", u"59"},
         {3, u"AM", u"PM", u"PM"}, {3, u"PM", u"AM", u"AM"}, {3, u"??", u"PM", u"PM"}};
     for (const auto& [section, from, up, down] : cases)
-        for (const auto& [step, to] :
-             {std::pair(&forms::UpDown::StepUp, up), {&forms::UpDown::StepDown, down}}) {
+        for (const bool isUp : {true, false}) {
             auto& box = *controls.txtTime[section];
             box.Text = from;
             const Text before = Time();
             box.GotFocus();
             EXPECT_EQ(Time(), before) << "the focus changes nothing";
-            (spin.*step)();
-            EXPECT_EQ(box.Text(), to);
+            isUp ? spin.StepUp() : spin.StepDown();
+            EXPECT_EQ(box.Text(), isUp ? up : down);
             EXPECT_EQ(box.SelLength(), 2) << "stays selected";
             box.Text = from;
             EXPECT_EQ(Time(), before) << "no other section is touched";
