@@ -1,7 +1,6 @@
 """What ./bench/run does once everything is built: measures, prints a table, writes JSON and a plot."""
 import argparse
 import json
-import re
 import sys
 from dataclasses import asdict
 from datetime import date
@@ -9,6 +8,7 @@ from pathlib import Path
 
 SOURCES = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(SOURCES / "scripts"))
+import manual  # noqa: E402
 import routines  # noqa: E402
 from arrangement import Arrangement  # noqa: E402
 from figure import growth_table, table  # noqa: E402
@@ -18,7 +18,7 @@ from programs import Bench  # noqa: E402
 
 # The rows that each measurement gives.
 GROUPS = {
-    Bench.starts: ("start", "start-created", "memory-private", "memory-shared"),
+    Bench.starts: ("start", "start-created", "memory-private", "memory-shared", "memory", "memory-text"),
     Bench.calls: ("call", "call-typed", "call-1000"),
     Bench.records: ("record-reads",),
     Bench.lookups: ("exchange", "click-to-box"),
@@ -29,7 +29,6 @@ GROUPS = {
 }
 NAMES = [name for members in GROUPS.values() for name in members]
 REPORT, PICTURE = SOURCES / "docs/measurements.md", SOURCES / "docs/pictures/figures.svg"
-MARKERS = ("<!-- What stands from here is written by ./bench/run --record -->", "<!-- to here -->")
 
 
 def arguments():
@@ -57,18 +56,6 @@ def measure(bench, wanted):
                     yield figure
 
 
-def record(content, picture):
-    """Puts the tables into the manual between its two markers, and the plot beside it."""
-    start, end = MARKERS
-    text = REPORT.read_text(encoding="utf-8")
-    new, count = re.subn(f"{re.escape(start)}\n.*?{re.escape(end)}", lambda _: f"{start}\n\n{content}\n\n{end}", text,
-                         flags=re.S)
-    if count != 1:
-        raise ValueError(f"{REPORT} has no place for the figures")
-    REPORT.write_text(new, encoding="utf-8")
-    PICTURE.write_text(picture, encoding="utf-8")
-
-
 def main():
     options = arguments()
     build = options.build.resolve()
@@ -84,7 +71,8 @@ def main():
     picture = plot(figures)
     (folder / "figures.svg").write_text(picture, encoding="utf-8")
     if options.record:
-        record(content, picture)
+        manual.write(REPORT, "./bench/run --record", content)
+        PICTURE.write_text(picture, encoding="utf-8")
     return 0 if all(figure.holds for figure in figures) else 1
 
 

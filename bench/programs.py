@@ -1,5 +1,6 @@
 """What is measured from outside, on whole programs: the add-in on a bus and a display of its own."""
 import json
+import os
 import subprocess
 
 from arrangement import CLASS_NAMES, wait_for
@@ -19,10 +20,11 @@ class Bench:
         self.arrangement = arrangement
         self.runs = runs
         self.bare = self.programs / "bare-dialog"
+        self.silence, self._kept_open = os.pipe()  # for programs that end with their input
 
     def output(self, *command):
         done = subprocess.run([str(part) for part in command], env=self.arrangement.environment, text=True,
-                              stdout=subprocess.PIPE, check=True, timeout=900)
+                              stdin=self.silence, stdout=subprocess.PIPE, check=True, timeout=900)
         return done.stdout
 
     def benchmark(self, program, clock="real_time"):
@@ -42,10 +44,10 @@ class Bench:
     # --- start and memory -------------------------------------------------------------------------
 
     def first_paint(self, *command):
-        """Milliseconds to the first paint, private and shared KiB."""
-        values = [float(word) for word in self.output(self.programs / "first-paint", *command).split()]
+        """Milliseconds to the first paint; private, shared and all KiB."""
+        time, private, shared = [float(word) for word in self.output(self.programs / "first-paint", *command).split()]
         self.wait_for_end()
-        return values
+        return time, private, shared, private + shared
 
     def wait_for_end(self):
         wait_for(lambda: ADD_IN_CLASS not in self.names(), 20, "the add-in to end")
@@ -63,6 +65,7 @@ class Bench:
         wait_for(lambda: EXCHANGE_CLASS in self.names(), 20, "the exchange object's class")
         commands = {
             "empty": [self.programs / "empty-dialog"],
+            "text": [self.bare],
             "alone": [self.arrangement.add_in, EXCHANGE],
             "created": ["--create", ADD_IN_CLASS, EXCHANGE],
         }
@@ -77,8 +80,11 @@ class Bench:
         floor = column["empty"]
         yield Figure.of("start", "start to first paint, stand-alone", "ms", column["alone"][0], floor[0], 1.5)
         yield Figure.of("start-created", "creation by a host to first paint", "ms", column["created"][0], floor[0], 1.5)
-        for name, index, what in (("memory-private", 1, "private memory"), ("memory-shared", 2, "shared memory")):
+        for name, index, what in (("memory-private", 1, "private memory"), ("memory-shared", 2, "shared memory"),
+                                  ("memory", 3, "all memory")):
             yield Figure.of(name, f"{what} of the running add-in", "KiB", column["created"][index], floor[index], 1.3)
+        yield Figure.of("memory-text", "all memory, against a dialog that shows text", "KiB", column["created"][3],
+                        column["text"][3], 1.3)
 
     # --- calls ------------------------------------------------------------------------------------
 

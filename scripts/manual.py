@@ -1,0 +1,26 @@
+"""Pages of the manuals of which a part is written by a program, between two markers."""
+import re
+
+END = "<!-- to here -->"
+
+
+def marker(command):
+    return f"<!-- What stands from here is written by {command} -->"
+
+
+def _part(page, command):
+    text = page.read_text(encoding="utf-8")
+    found = re.search(f"(?<={re.escape(marker(command))}\n).*?(?={re.escape(END)})", text, re.S)
+    if not found:
+        raise ValueError(f"{page} has no place for what {command} writes")
+    return text, found
+
+
+def written(page, command):
+    """What stands there now."""
+    return _part(page, command)[1][0].strip()
+
+
+def write(page, command, content):
+    text, found = _part(page, command)
+    page.write_text(f"{text[:found.start()]}\n{content}\n\n{text[found.end():]}", encoding="utf-8")
