@@ -164,12 +164,6 @@ TEST_F(SimulatedExchangeTest, AnswersWhatItDoesNotHave) {
     EXPECT_EQ(Read()[2], u"13:09:03");
 }
 
-TEST(OptionsTest, AreReadBehindABlankOrAnEqualsSign) {
-    const Options options = ParseOptions({"--exchange", "A", "--exchange=B=C", "--leave=show-results"});
-    EXPECT_EQ(options.exchanges, (Texts{u"A", u"B=C"}));
-    EXPECT_EQ(options.misbehaviour.leaveAt, "showresults");
-}
-
 TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {
     const TemporaryDirectory directory;
     const auto file = directory.Path() / "new/store.ini";

@@ -59,12 +59,5 @@ annotation org.freedesktop.DBus.Property.EmitsChangedSignal false
     EXPECT_EQ(TypedInterfaceName(hidden) + TypedInterfaceXml(hidden), "");
 }
 
-TEST(IntrospectionTest, TheLateBoundInterfaceIsTheContract) {
-    EXPECT_EQ(Elements(ObjectInterfaceXml()),
-              "method Invoke\narg member s in\narg kind q in\narg arguments av in\narg result v out\n"
-              "arg arguments av out\nmethod Retain\nmethod Release\n");
-    EXPECT_EQ(Elements(FactoryInterfaceXml()), "method CreateInstance\narg object (so) out\n");
-}
-
 }  // namespace
 }  // namespace platform

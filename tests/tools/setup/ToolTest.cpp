@@ -57,15 +57,6 @@ TEST_F(ToolTest, NamesWhatIsWrongWithACall) {
     EXPECT_FALSE(std::filesystem::exists(directory_.Path() / ".config/velmora"));
 }
 
-TEST_F(ToolTest, HelpsOnStandardOutput) {
-    for (const Words& words : {Words{"--help"}, {"-h"}, {"add", "--help"}, {"status", "--help"}}) {
-        EXPECT_EQ(Run(words), 0);
-        EXPECT_TRUE(output_.starts_with("Usage: horalink-setup")) << output_;
-    }
-    EXPECT_EQ(Run({"--version"}), 0);
-    EXPECT_TRUE(output_.starts_with("horalink-setup 13.")) << output_;
-}
-
 // The test's own program lies in no package's tree.
 TEST_F(ToolTest, TellsThatThePackageIsMissing) {
     EXPECT_EQ(Run({"add"}), 1);
