@@ -7,7 +7,6 @@ click is armed, with a request out, and back again. Each time date and time in t
 have to be those that Python's calendar gives for the zone; the waits keep their limits, and a processor that is kept
 busy tells of timers that make up for what was jumped over.
 """
-import contextlib
 import os
 import random
 import sys
@@ -189,16 +188,9 @@ def jump(life, seconds):
     return share
 
 
-@contextlib.contextmanager
 def life_of(arrangement, operator, report, options, what):
-    life = ClockedLife(arrangement, operator, report, options.seed, arrangement.folder / "errors.txt")
-    try:
-        yield life
-    except (Lost, TimeoutError, ConnectionError) as lost:
-        report.fault(f"{what}: {lost}{life.how_it_ended()}")
-        operator.driver.picture(arrangement.folder / f"{what.replace(' ', '-')}.png")
-    finally:
-        life.close()
+    log = arrangement.folder / "errors.txt"
+    return ClockedLife(arrangement, operator, report, options.seed, log).lived(what)
 
 
 def main():

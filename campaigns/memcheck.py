@@ -11,7 +11,6 @@ import campaign  # noqa: E402
 from arrangement import Arrangement  # noqa: E402
 from contract import METHOD  # noqa: E402
 from driver import Driver  # noqa: E402
-from life import Lost  # noqa: E402
 from peers import Operator  # noqa: E402
 from plain_life import SUCCESS, PlainLife  # noqa: E402
 from stage import ADD_IN, LOOKUP, UPDATE  # noqa: E402
@@ -47,12 +46,8 @@ def main():
         told = arrangement.folder / "valgrind.txt"
         life = PlainLife(arrangement, Operator(Driver(arrangement)), report, options.seed,
                          arrangement.folder / "errors.txt")
-        try:
+        with life.lived("under valgrind"):
             live(life, told)
-        except (Lost, TimeoutError, ConnectionError) as lost:
-            report.fault(f"{lost}{life.how_it_ended()}")
-        finally:
-            life.close()
         for line in told.read_text(encoding="utf-8").splitlines():
             if "ERROR SUMMARY" in line or "definitely lost" in line:
                 report.row(line.partition("==")[2].partition("== ")[2].strip())

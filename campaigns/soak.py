@@ -22,7 +22,7 @@ import campaign  # noqa: E402
 from arrangement import Arrangement  # noqa: E402
 from contract import METHOD  # noqa: E402
 from driver import Driver  # noqa: E402
-from life import BUS, Lost  # noqa: E402
+from life import BUS  # noqa: E402
 from peers import Operator  # noqa: E402
 from plain_life import MESSAGE_STANDS, SUCCESS, PlainLife  # noqa: E402
 from stage import ADD_IN, LOOKUP  # noqa: E402
@@ -113,9 +113,8 @@ def judge(report, parts, is_short):
     if last.memory > middle.memory + (SHORT_GROWTH if is_short else GROWTH):
         report.fault(f"the memory grew by {last.memory - middle.memory:,.0f} KiB over the second half")
     for what in ("descriptors", "rules"):
-        if getattr(last, what) > getattr(first, what):
-            report.fault(f"there are {getattr(last, what):.0f} {what}, in the beginning there were "
-                         f"{getattr(first, what):.0f}")
+        if getattr(last, what) > getattr(middle, what):
+            report.fault(f"there are {getattr(last, what):.0f} {what}, half way there were {getattr(middle, what):.0f}")
     if not is_short and last.busy > SLOWER * first.busy:
         report.fault(f"an exchange takes the processor {last.busy * 1000:.2f} ms, in the beginning it took "
                      f"{first.busy * 1000:.2f}")
@@ -141,12 +140,8 @@ def main():
     with Arrangement(campaign.BUILD, campaign.BUILD / "campaigns/soak", own_display=True).lay_out() as arrangement:
         life = LongLife(arrangement, Operator(Driver(arrangement)), report, options.seed,
                         arrangement.folder / "errors.txt")
-        try:
+        with life.lived("long life"):
             live(life, report, options)
-        except (Lost, TimeoutError, ConnectionError) as lost:
-            report.fault(f"{lost}{life.how_it_ended()}")
-        finally:
-            life.close()
     return report.finish()
 
 

@@ -1,8 +1,10 @@
 """A life in which everything goes as it should: the dialog is open, requests are pressed and answered."""
+import contextlib
 import os
 from pathlib import Path
 
 from contract import METHOD, NOTHING, PUT
+from life import Lost
 from peers import HOST
 from stage import EXCHANGE
 from walk import Walk
@@ -12,6 +14,17 @@ TICK = os.sysconf("SC_CLK_TCK")
 
 
 class PlainLife(Walk):
+    @contextlib.contextmanager
+    def lived(self, what):
+        """What keeps it from going on is a fault, with a picture of the screen; the process ends in any case."""
+        try:
+            yield self
+        except (Lost, TimeoutError, ConnectionError) as lost:
+            self.report.fault(f"{what}: {lost}{self.how_it_ended()}")
+            self.operator.driver.picture(self.arrangement.folder / f"{what.replace(' ', '-')}.png")
+        finally:
+            self.close()
+
     def open(self, environment=None, under=()):
         self.start(environment, under)
         layer = self.layers[0]
