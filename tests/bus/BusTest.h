@@ -16,16 +16,15 @@ namespace platform::test {
 inline const Reference factory{"Test.cScripted", bus::factoryPath};
 
 // The object in an answer, in the result of a late-bound call, or the one argument of such a call.
-inline Reference ReferenceIn(const MessageRef& message, bool isResult = false) {
+inline Reference ReferenceIn(const MessageRef& message) {
     const char *owner = "", *path = "";
     sd_bus_message_rewind(message.get(), true);
-    if (sd_bus_message_is_method_call(message.get(), nullptr, nullptr)) {
+    if (sd_bus_message_has_signature(message.get(), "sqav")) {
         sd_bus_message_skip(message.get(), "sq");
         sd_bus_message_enter_container(message.get(), 'a', "v");
-        isResult = true;
     }
-    isResult ? sd_bus_message_read(message.get(), "v", "(so)", &owner, &path)
-             : sd_bus_message_read(message.get(), "(so)", &owner, &path);
+    if (sd_bus_message_read(message.get(), "v", "(so)", &owner, &path) <= 0)
+        sd_bus_message_read(message.get(), "(so)", &owner, &path);
     return {owner, path};
 }
 

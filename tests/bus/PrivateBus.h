@@ -14,20 +14,19 @@ class PrivateBus {
   public:
     // Starts the daemon and makes it the session bus of the environment.
     PrivateBus() {
-        const std::string path = directory_.Path(), address = "unix:path=" + path + "/socket";
-        directory_.Write("bus.conf", "<busconfig><type>session</type><listen>" + address +
-                                         "</listen><policy context='default'><allow send_destination='*'/>" +
-                                         "<allow receive_sender='*'/><allow own='*'/></policy>" +
-                                         Limit("message_size") + Limit("incoming_bytes") +
-                                         Limit("outgoing_bytes") + "</busconfig>");
-        const std::string command = "exec " DBUS_DAEMON " --nofork --print-address --config-file=" + path +
-                                    "/bus.conf 2>" + path + "/log";
+        const std::string address = "unix:path=" + (directory_.Path() / "socket").string();
+        const auto file = directory_.Write(
+            "bus.conf", "<busconfig><listen>" + address + "</listen><policy context='default'>" +
+                            "<allow send_destination='*'/><allow receive_sender='*'/><allow own='*'/>" +
+                            "</policy></busconfig>");
+        const std::string configuration = "--config-file=" + file.string();
         int output[2];
         if (pipe(output) != 0) throw std::runtime_error("no pipe");
         daemon_ = fork();
         if (daemon_ == 0) {
             dup2(output[1], STDOUT_FILENO);
-            execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+            freopen("/dev/null", "w", stderr);
+            execlp(DBUS_DAEMON, DBUS_DAEMON, "--nofork", "--print-address", configuration.c_str(), nullptr);
             _exit(127);
         }
         close(output[1]);
@@ -58,10 +57,6 @@ class PrivateBus {
     void Thaw() { kill(daemon_, SIGCONT); }
 
   private:
-    static std::string Limit(const std::string& name) {
-        return "<limit name='max_" + name + "'>100000000</limit>";
-    }
-
     TemporaryDirectory directory_;
     pid_t daemon_ = 0;
 };

@@ -1,6 +1,7 @@
 // A stranger on the bus: messages by hand.
 #pragma once
 
+#include <list>
 #include <string>
 
 #include "PollLoop.h"
@@ -64,31 +65,25 @@ class RawPeer {
         return Await(NewInvoke(parts...));
     }
 
-    // Sends a call; the result gets its answer once the loop is served.
-    struct Pending {
-        SlotRef slot;
-        MessageRef message;
-    };
-    std::unique_ptr<Pending> Send(const MessageRef& call) {
-        auto pending = std::make_unique<Pending>();
+    // Sends a call; the result is the answer, once the loop has been served for so long.
+    const MessageRef& Send(const MessageRef& call) {
+        MessageRef& answer = answers_.emplace_back();
         const auto keep = [](sd_bus_message* message, void* place, sd_bus_error*) {
-            static_cast<Pending*>(place)->message = Shared(message);
+            *static_cast<MessageRef*>(place) = Shared(message);
             return 1;
         };
-        sd_bus_slot* slot = nullptr;
-        sd_bus_call_async(Bus(), &slot, call.get(), keep, pending.get(), UINT64_MAX);
-        pending->slot.reset(slot);
-        return pending;
+        sd_bus_call_async(Bus(), nullptr, call.get(), keep, &answer, UINT64_MAX);
+        return answer;
     }
     Answer Await(const MessageRef& call) {
-        const auto pending = Send(call);
-        loop_.ServeUntil([&] { return Process(), pending->message != nullptr; });
-        if (!pending->message) throw std::runtime_error("no answer");
-        Answer answer{pending->message, {}, 0};
-        if (const sd_bus_error* error = sd_bus_message_get_error(pending->message.get())) {
+        const MessageRef& message = Send(call);
+        loop_.ServeUntil([&] { return Process(), message != nullptr; });
+        if (!message) throw std::runtime_error("no answer");
+        Answer answer{message, {}, 0};
+        if (const sd_bus_error* error = sd_bus_message_get_error(message.get())) {
             answer.error = error->name;
-            sd_bus_message_rewind(pending->message.get(), true);
-            sd_bus_message_read(pending->message.get(), "si", nullptr, &answer.number);
+            sd_bus_message_rewind(message.get(), true);
+            sd_bus_message_read(message.get(), "si", nullptr, &answer.number);
         }
         return answer;
     }
@@ -144,6 +139,7 @@ class RawPeer {
     }
 
     PollLoop& loop_;
+    std::list<MessageRef> answers_;
     BusRef bus_;
     HandleRef readable_;
 };

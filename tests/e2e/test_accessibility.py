@@ -1,7 +1,7 @@
 """What assistive programs are told of the dialog, and that it is worked by keys alone; in two languages."""
 import contextlib
 import unittest
-from datetime import date, timedelta
+from datetime import date
 
 from end_to_end import open_stage as setUpModule  # noqa: F401
 
@@ -14,9 +14,7 @@ BUTTONS = [("push button", "cmdButton", index) for index in (0, 1, 2)]
 TIME = [("text", "txtTime", 3), ("spin button", "updTime", -1)] + [("text", "txtTime", index) for index in (2, 1, 0)]
 BOXES = [("check box", "chkTrack", -1), ("check box", "chkTrackDate", -1)]
 STOPS = len(BUTTONS + TIME + BOXES) + 1  # the calendar has no name of its own
-ARROWS = 4  # of the calendar
 DAY = {"en": "{0:%A}, {0.day} {0:%B} {0.year}", "ja": "{0.year}年{0.month}月{0.day}日"}
-MONTH = {"en": "{0:%B} {0.year}", "ja": "{0.year}年{0.month}月"}
 LANGUAGES = tuple(DAY)
 SAYS_NOTHING = ("unknown", "invalid", "filler")
 
@@ -28,7 +26,7 @@ class Accessibility(EndToEndTest):
             stage.arrangement.language = language
             stage.arrangement.speak()
             stage.arrangement.install()
-            self.language, self.texts = language, Texts(stage.arrangement)
+            self.texts = Texts(stage.arrangement)
             self.title = self.texts.title(EXCHANGE)
             self.start([stage.arrangement.add_in, EXCHANGE])
             self.window = stage.driver.window(ADD_IN, self.title)
@@ -41,14 +39,6 @@ class Accessibility(EndToEndTest):
     def focused(self):
         return next((node for node in stage.driver.nodes(self.window)
                      if node.get_state_set().contains(Atspi.StateType.FOCUSED)), None)
-
-    def calendar(self):
-        return next(node for node in stage.driver.nodes(self.window) if node.get_role_name() == "panel" and
-                    node.get_state_set().contains(Atspi.StateType.FOCUSABLE))
-
-    def calendar_says(self, day, form):
-        said = form[self.language].format(day)
-        self.wait_for(lambda: self.calendar().get_name().startswith(said), f"the calendar to say {said}")
 
     def press_tab(self):
         before = self.focused().get_name()
@@ -74,7 +64,8 @@ class Accessibility(EndToEndTest):
                 for node in stage.driver.nodes(self.window):
                     self.assertTrue(node.get_name(), node.get_role_name())
                     self.assertNotIn(node.get_role_name(), SAYS_NOTHING, node.get_name())
-                self.calendar_says(date.today(), DAY)
+                today = DAY[language].format(date.today())
+                self.assertTrue(any(node.get_name().startswith(today) for node in stage.driver.nodes(self.window)))
                 for control in BUTTONS + TIME + BOXES:
                     self.assertEqual(self.node(*control).get_description(), self.texts.control(*control[1:]))
                 for caption in ("lblTrack", "lblTrackDate"):
@@ -108,24 +99,6 @@ class Accessibility(EndToEndTest):
                 self.wait_for(lambda: stage.driver.is_focused(button), "the default button to have the keyboard")
                 stage.driver.press("Return")
                 self.wait_for(lambda: stage.driver.titles(ADD_IN) == [self.title], "the box to close")
-
-    def test_calendar_by_keys(self):
-        for language in LANGUAGES:
-            with self.opened_in(language):
-                self.tab_to(*BOXES[1])
-                stage.driver.press("space")
-                stage.driver.press("Tab", "Home", "Right")
-                second = date.today().replace(day=2)
-                self.calendar_says(second, DAY)
-                self.assertTrue(stage.driver.is_focused(self.calendar()))
-                arrows = [self.press_tab() for _ in range(ARROWS)]
-                self.assertEqual([arrow.get_role_name() for arrow in arrows], ["push button"] * ARROWS)
-                last_month = second - timedelta(days=second.day)
-                self.assertEqual(arrows[0].get_name(), MONTH[language].format(last_month))
-                stage.driver.press("shift+Tab", "shift+Tab", "shift+Tab", "space")
-                self.calendar_says(last_month, MONTH)
-                self.assertEqual(self.focused().get_name(), MONTH[language].format(last_month.replace(day=1) -
-                                                                                   timedelta(days=1)))
 
     def test_pop_ups(self):
         heard = []

@@ -1,9 +1,7 @@
-"""Clients that share no code with the add-in: the example hosts and busctl."""
-import json
+"""The example hosts, which share no code with the add-in."""
 import subprocess
 import sys
 import unittest
-from xml.etree import ElementTree as xml
 
 from end_to_end import BUILD
 from end_to_end import open_stage as setUpModule  # noqa: F401
@@ -11,10 +9,8 @@ from end_to_end import run
 
 import stage
 from arrangement import SOURCES
-from client import FACTORY, NAME, OBJECT, TYPED, Client
 from stage import LOOKUP, EndToEndTest, dialog_title
 
-NOTHING = ("", "/")  # for busctl
 # What the example host prints of a lookup: the calls of the add-in, in order, with those that read the answer.
 LOOKUP_LINES = [
     "oPBX()", 'Login("Example", <object>)', 'ShowMessage("PBX clock request: KEY")',
@@ -76,67 +72,6 @@ class PythonHost(ExampleHost, EndToEndTest):
 
 class CppHost(ExampleHost, EndToEndTest):
     command = (BUILD / "examples/example-host",)
-
-
-class Busctl(EndToEndTest):
-    def busctl(self, *arguments):
-        done = run(["busctl", "--user", *arguments])
-        self.assertEqual(done.returncode, 0, done.stderr)
-        return done.stdout.strip()
-
-    def invoke(self, member, kind, *arguments):
-        return self.busctl("call", NAME, self.client.path, OBJECT, "Invoke", "sqav", member, kind, *arguments)
-
-    def typed(self, command, member, *arguments):
-        return self.busctl(command, NAME, self.client.path, TYPED, member, *arguments)
-
-    def hold(self):
-        """busctl leaves with each command, and the object would leave with it."""
-        self.client = Client(self).created()
-
-    def test_creation_and_the_end_with_the_client(self):
-        created = self.busctl("call", NAME, "/Factory", FACTORY, "CreateInstance")
-        self.assertRegex(created, r'^\(so\) ":1\.\d+" "/\S+"$')
-        self.wait_until_gone()
-
-    def test_late_bound_interface(self):
-        self.hold()
-        registered = self.invoke("RegisterPBX", "1", "3", "s", "Main Office", "(so)", *NOTHING, "n", "1")
-        self.assertEqual(registered, 'vav b false 3 s "Main Office" (so) "" "/" n 1')
-        self.assertEqual(self.invoke("visible", "2", "0"), "vav b false 0")
-        self.invoke("Visible", "4", "1", "b", "true")
-        self.dialog()
-        self.assertEqual(self.invoke("Visible", "2", "0"), "vav b true 0")
-
-    def test_typed_interface(self):
-        self.hold()
-        self.assertEqual(self.typed("call", "RegisterPBX", "s(so)n", "Warehouse", *NOTHING, "1"), "b false")
-        self.typed("set-property", "Visible", "b", "true")
-        self.dialog("Warehouse")
-        self.assertEqual(self.typed("get-property", "Visible"), "b true")
-        self.assertEqual(self.typed("call", "SetBackGround", "n", "1"), "")
-        self.typed("set-property", "Visible", "b", "false")
-        self.assertEqual(self.typed("get-property", "Visible"), "b false")
-
-    def test_introspection_in_the_order_of_the_slots(self):
-        self.hold()
-        answer = self.busctl("--json=short", "call", NAME, self.client.path, "org.freedesktop.DBus.Introspectable",
-                             "Introspect")
-        interfaces = {node.get("name"): node for node in xml.fromstring(json.loads(answer)["data"][0]).iter("interface")}
-        self.assertIn(OBJECT, interfaces)
-        typed = interfaces[TYPED]
-        members = [node.get("name") for node in typed if node.tag in ("method", "property")]
-        self.assertEqual(members, ["RegisterPBX", "Visible", "SetBackGround"])
-        arguments = [(node.get("name"), node.get("type"), node.get("direction"))
-                     for node in typed.find("method[@name='RegisterPBX']").iter("arg")]
-        self.assertEqual(arguments, [("PBX", "s", "in"), ("Parent", "(so)", "in"), ("ID", "n", "in"),
-                                     ("Result", "b", "out")])
-        self.assertEqual(typed.find("property[@name='Visible']").attrib,
-                         {"name": "Visible", "type": "b", "access": "readwrite"})
-        values = [node.get("value") for node in typed.findall("annotation")]
-        for value in ("{21A5C7B5-2A66-41D0-8298-C64D75E00ED2}", "{99B2190B-7900-4057-8B17-977CCB7DA003}",
-                      "{3213E8C5-0679-49E0-83FC-808506AA9FEB}", "Horalink10013", "1.0"):
-            self.assertIn(value, values)
 
 
 if __name__ == "__main__":

@@ -1,4 +1,4 @@
-"""Hosts that die in every state of a request, and objects that come and go."""
+"""Hosts that die with a request under way, and objects that come and go."""
 import os
 import signal
 import unittest
@@ -8,7 +8,7 @@ from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
 from client import Client
-from stage import ADD_IN, CLOCK_READ, LOGIN_FAILED, LOOKUP, EndToEndTest, dialog_title, pids
+from stage import ADD_IN, CLOCK_READ, LOGIN_FAILED, LOOKUP, SWITCHDESK, EndToEndTest, dialog_title, pids
 
 
 def calling(line):
@@ -23,38 +23,18 @@ def idle(_test, _host):
     pass
 
 
-def armed(test, host):
-    """A press whose tick finds a host that doesn't answer any more."""
-    os.kill(host.process.pid, signal.SIGSTOP)
-    test.press(LOOKUP)
-
-
 def showing(test, _host):
     test.press(LOOKUP)
     test.box_text(CLOCK_READ)
 
 
-def hidden(test, _host):
-    test.press(stage.CLOSE)
-
-
-leaving = calling("# leaves the bus")
 # The host's options, what brings it to where it is killed or kills itself, and the box that the operator sees in
 # the end, where the dialog lives on.
 STATES = [
     ("idle", [], idle, None),
-    ("hidden", [], hidden, None),
-    ("armed", [], armed, LOGIN_FAILED),
     ("logging in", ["--login=hang"], calling("# hangs"), LOGIN_FAILED),
-    ("entering the login", ["--leave=login"], leaving, LOGIN_FAILED),
-    ("sending", ["--send=hang"], calling("# hangs"), None),
-    ("entering the send", ["--leave=send"], leaving, None),
     ("waiting", ["--answer=never"], calling('ShowMessage("PBX clock request: R1"'), None),
-    ("instead of the answer", ["--leave=waiting"], leaving, None),
-    ("reading the answer", ["--leave=callback"], leaving, None),
-    ("showing the results", ["--leave=show-results"], leaving, CLOCK_READ),
-    ("logging out", ["--leave=logout"], leaving, CLOCK_READ),
-    ("answered", ["--leave=answered"], leaving, CLOCK_READ),
+    ("reading the answer", ["--leave=callback"], calling("# leaves the bus"), None),
     ("the box is open", [], showing, CLOCK_READ),
 ]
 
@@ -74,22 +54,27 @@ class DyingHosts(EndToEndTest):
     def test_the_dialog_is_usable_for_who_remains(self):
         for state, options, bring, box in STATES:
             with self.case(state):
-                client = Client(self).created()
+                Client(self).created()
                 self.die(options, bring)
-                self.assert_lives_on(client, box)
+                (process,) = pids(ADD_IN)
+                if box:
+                    self.close_box(box)
+                Host(self).open()
+                stage.driver.raise_window(dialog_title())
+                self.assert_usable()
+                self.assertEqual(pids(ADD_IN), [process])
 
-    def assert_lives_on(self, client, box):
-        (process,) = pids(ADD_IN)
-        if box:
-            self.close_box(box)
-        next_host = Host(self).open()
-        stage.driver.raise_window(dialog_title())
+
+class DyingAddIn(EndToEndTest):
+    def test_its_login_is_given_back(self):
+        host = Host(self, "--answer=never", "--logins=1").open()
+        self.press(LOOKUP)
+        host.wait_for_line('ShowMessage("PBX clock request: R1"')
+        os.kill(*pids(ADD_IN), signal.SIGKILL)
+        host.wait_for_line("# add-in has left")
+        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", "push button"))
+        self.dialog()
         self.assert_usable()
-        self.assertEqual(pids(ADD_IN), [process])
-        next_host.kill()
-        self.assertIn(dialog_title(), stage.driver.titles(ADD_IN))
-        client.leave()
-        self.wait_until_gone()
 
 
 class SharedDialog(EndToEndTest):

@@ -14,9 +14,7 @@ namespace {
 
 // The window of a topic, where one is open.
 QWidget* TopicWindow() {
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (window->isVisible() && window->objectName() == QStringLiteral("HelpWindow")) return window;
-    return nullptr;
+    return WindowCalled("HelpWindow");
 }
 
 std::string BodyOf(const QWidget& window) {
@@ -34,11 +32,13 @@ class HelpTest : public FormTest {
                                nullptr, nullptr, nullptr),
                   SQLITE_OK);
         sqlite3_close(handle);
-        TheApplication().helpFile = PathText(file_);
+        surroundings.application.helpFile = PathText(file_);
+        menu.Items = {&blank, &item};
+        item.Caption = u"What's This?";
         item.Click = [this] { log += "item "; };
         track.WhatsThisHelpID = 3;
     }
-    ~HelpTest() override { TheApplication().helpFile.clear(); }
+    ~HelpTest() override { surroundings.application.helpFile.clear(); }
     void SetUp() override { Show(); }
 
     static QMenu* OpenMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
@@ -47,6 +47,9 @@ class HelpTest : public FormTest {
         return *TopicWindow();
     }
 
+    forms::Menu& menu = form.Add<forms::Menu>(u"mnuWhatsThis");
+    forms::Menu& item = form.Add<forms::Menu>(u"itmWhatsThis");
+    forms::Menu& blank = form.Add<forms::Menu>(u"itmBlank");
     TemporaryDirectory directory_;
     std::filesystem::path file_;
 };
@@ -112,7 +115,7 @@ TEST_F(HelpTest, WhatIsMissingIsSaid) {
          3, "not a database"},
     };
     for (const auto& [file, topic, said] : cases) {
-        TheApplication().helpFile = file;
+        surroundings.application.helpFile = file;
         track.WhatsThisHelpID = topic;
         EXPECT_NE(BodyOf(ShowTopic()).find(said), std::string::npos) << BodyOf(*TopicWindow());
         TopicWindow()->close();
@@ -120,7 +123,7 @@ TEST_F(HelpTest, WhatIsMissingIsSaid) {
 }
 
 TEST_F(HelpTest, HelpButtonOfABoxShowsItsTopicOverTheBox) {
-    TheApplication().helpFile.clear();
+    surroundings.application.helpFile.clear();
     const auto act = [](QWidget& box) {
         box.findChildren<QPushButton*>().last()->click();
         ASSERT_TRUE(TopicWindow());

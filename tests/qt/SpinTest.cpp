@@ -151,13 +151,5 @@ TEST_F(SpinTest, SectionIsPickedAsAWhole) {
     }
 }
 
-TEST_F(SpinTest, TabSelectsNothingByItself) {
-    WidgetOf("cmdButton").setFocus();
-    Key(Qt::Key_Tab);
-    EXPECT_TRUE(Box().hasFocus());
-    EXPECT_EQ(Box().selectedText().toStdString(), "");
-    EXPECT_EQ(minute.SelLength(), 0);
-}
-
 }  // namespace
 }  // namespace platform

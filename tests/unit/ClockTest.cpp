@@ -153,13 +153,8 @@ TEST_F(ClockTest, TheMarketChoosesTheStyleOfTheCalendar) {
     for (const auto& [market, style] : {std::pair(u"90001", 2), {u"10001", 1}, {u"", 1}}) {
         data.MarketCode = market;
         dlgAddin other(computer.services, data);
-        other.Window().Font->SetSize(9.75F);
         other.Window().Load();
-        const forms::Calendar& styled = *other.Controls().Calendar;
-        EXPECT_EQ(styled.MarketStyle(), style);
-        EXPECT_EQ(styled.titlefont->Size(), 10.0F);
-        EXPECT_TRUE(styled.titlefont->Bold());
-        EXPECT_EQ(styled.gridfont->Charset(), 128);
+        EXPECT_EQ(other.Controls().Calendar->MarketStyle(), style);
     }
 }
 
@@ -193,29 +188,6 @@ TEST_F(ClockTest, HelpIsOfferedOnTheRightControlsOnly) {
         EXPECT_EQ(bool(control->MouseUp), topic != 0) << ToUtf8(control->Name());
         EXPECT_TRUE(topic == 0 || control->WhatsThisHelpID == topic) << ToUtf8(control->Name());
     }
-    Open();
-    dialog->Window().Show();
-    for (const auto button :
-         {forms::MouseButton::Left, forms::MouseButton::Middle, forms::MouseButton::Right}) {
-        EXPECT_EQ(computer.toolkit.menus, 0);
-        controls.lblTrack->MouseUp(button, 0, 0, 0);
-    }
-    EXPECT_EQ(computer.toolkit.menus, 1);
-}
-
-TEST_F(ClockTest, OnlyF1AsksTheHostForHelp) {
-    std::vector<std::string> calls;
-    const auto host = std::make_shared<fakes::RecordedObject>(calls);
-    Text file;
-    host->answers["DisplayHelp"] = [&](Arguments& a) { return file = a[0].ToText(), Value(); };
-    Open();
-    dialog->PutParent(host);
-    dialog->Window().KeyDown(113, 0);
-    dialog->Window().KeyDown(112, 0);
-    data.IsStandalone = true;
-    dialog->Window().KeyDown(112, 0);
-    EXPECT_EQ(calls, (std::vector<std::string>{"DisplayHelp"}));
-    EXPECT_EQ(file, u"Horalink.hlp");
 }
 
 }  // namespace

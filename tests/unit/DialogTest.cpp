@@ -26,8 +26,8 @@ struct DialogTest : testing::Test {
         data.MarketCode = u"10001";
         for (int i = 0; i < 7; ++i) data.MessageTable.texts.push_back(u"entry " + DecimalText(i));
         host->answers["oPBX"] = Gives(exchange);
-        for (const char* member :
-             {"ShowMessage", "ShowResults", "ShowCode", "UnloadChild", "TurnOnFlow", "TurnOffFlow"})
+        for (const char* member : {"ShowMessage", "ShowResults", "ShowCode", "UnloadChild", "TurnOnFlow",
+                                   "TurnOffFlow", "DisplayHelp"})
             host->answers[member] = [this](Arguments& a) {
                 told.push_back(ToUtf8(a.empty() || a.back().IsObject() ? Text() : a.back().ToText()));
                 return Value();
@@ -49,7 +49,6 @@ struct DialogTest : testing::Test {
         dialog->PutPBXName(u"Main");
         calls.clear();
     }
-    bool Enabled(std::size_t button) { return dialog->Controls().cmdButton[button]->Enabled; }
     void Click(std::size_t button) { dialog->Controls().cmdButton[button]->Click(); }
     void PassTick() { computer.scheduler.Pass(100); }
     void Request(std::size_t button) {
@@ -100,16 +99,6 @@ struct DialogTest : testing::Test {
     forms::Form& form = dialog->Window();
 };
 
-TEST_F(DialogTest, TheNameTurnsTheButtonsOnAndOffAndStandsInTheCaption) {
-    Open();
-    for (const Text name : {u"Main", u""}) {
-        dialog->PutPBXName(name);
-        for (std::size_t button = 0; button < 3; ++button)
-            EXPECT_EQ(Enabled(button), button == 0 || !name.empty());
-        EXPECT_EQ(form.Caption(), u"entry 4 (" + name + u")");
-    }
-}
-
 TEST_F(DialogTest, AGoodExchangeInOrder) {
     Open();
     Click(2);
@@ -149,21 +138,32 @@ TEST_F(DialogTest, ALoginThatFailsIsToldToBoth) {
     }
 }
 
-TEST_F(DialogTest, ARefusedSendLogsOut) {
+TEST_F(DialogTest, ARefusalEndsTheRequestAndNearlyARefusalIsAKey) {
     Open();
-    const RecordedObject::Answer answers[] = {Gives(u"BUSY"), Gives(u"ERROR"), Gives(u""), Gives(Null{}),
-                                              Raises(1004)};
-    const char* texts[] = {"entry 3: BUSY", "entry 3: ERROR", "entry 3: ", "entry 3: ", "entry 3: "};
-    for (std::size_t i = 0; i < std::size(texts); ++i) {
-        exchange->answers["SendRequest"] = answers[i];
+    const Calls all{"oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage", "oPBX", "LogOut"};
+    const int refusedLogin = 3, accepted = 6, refusedSend = 8;  // so many of them are made
+    const Table<const char*, RecordedObject::Answer, const char*, int> cases = {
+        {"Login", Gives(u"BUSY"), "entry 3: BUSY", refusedLogin},
+        {"Login", Gives(u"ERROR"), "entry 3: ERROR", refusedLogin},
+        {"Login", Gives(u""), "entry 3: ", refusedLogin},
+        {"SendRequest", Gives(u"BUSY"), "entry 3: BUSY", refusedSend},
+        {"SendRequest", Gives(u"ERROR"), "entry 3: ERROR", refusedSend},
+        {"SendRequest", Gives(u""), "entry 3: ", refusedSend},
+        {"SendRequest", Gives(Null{}), "entry 3: ", refusedSend},
+        {"SendRequest", Raises(1004), "entry 3: ", refusedSend},
+        {"Login", Gives(u"Busy"), "entry 3: taken", accepted},
+        {"Login", Gives(u"error"), "entry 3: taken", accepted},
+        {"Login", Gives(u" "), "entry 3: taken", accepted}};
+    for (const auto& [member, answer, text, count] : cases) {
+        SCOPED_TRACE(std::string(member) + " " + text);
+        const auto usual = std::exchange(exchange->answers[member], answer);
         Request(1);
-        EXPECT_EQ(calls, (Calls{"oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage", "oPBX",
-                                "LogOut"}));
-        EXPECT_EQ(told.back(), texts[i]);
-        EXPECT_EQ(loggedOut, (Calls{"L1"}));
-        EXPECT_TRUE(IsIdle());
+        exchange->answers[member] = usual;
+        EXPECT_EQ(calls, Calls(all.begin(), all.begin() + count));
+        EXPECT_EQ(told.back(), text);
+        EXPECT_EQ(loggedOut, count == refusedSend ? Calls{"L1"} : Calls());
+        EXPECT_EQ(IsIdle(), count != accepted);
     }
-    exchange->answers["SendRequest"] = Gives(u"taken");
     host->answers["ShowMessage"] = Raises(1004);
     Request(1);
     EXPECT_EQ(loggedOut, (Calls{"L1"})) << "a host that can't be told of the login";
@@ -309,13 +309,15 @@ TEST_F(DialogTest, TheCountOverflowsAtSixteenBits) {
     EXPECT_EQ(dialog->DecrementCount(), 32766);
 }
 
-TEST_F(DialogTest, FlowIsSwitchedAtTheHost) {
+TEST_F(DialogTest, FlowIsSwitchedAtTheHostAndOnlyF1AsksItForHelp) {
     Open();
     Call(dialog, "TurnFlow", true);
     Call(dialog, "TurnFlow", false);
-    EXPECT_EQ(calls, (Calls{"TurnOnFlow", "TurnOffFlow"}));
-    dialog->PutParent(nullptr);
-    EXPECT_EQ(ErrorOf([&] { dialog->TurnFlow(true); }), 91);
+    for (const std::int16_t key : std::vector<std::int16_t>{111, 113, 112}) form.KeyDown(key, 0);
+    data.IsStandalone = true;
+    form.KeyDown(112, 0);
+    EXPECT_EQ(calls, (Calls{"TurnOnFlow", "TurnOffFlow", "DisplayHelp"}));
+    EXPECT_EQ(told.back(), "Horalink.hlp");
 }
 
 TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
@@ -355,7 +357,6 @@ struct StandaloneTest : DialogTest {
 TEST_F(StandaloneTest, ConnectsByTheCommandLineAndWorksWithoutAHostObject) {
     form.Show();
     EXPECT_EQ(computer.automation.created, (std::vector<Text>{u"SwitchDeskProj10001.cPBXOle"}));
-    EXPECT_TRUE(Enabled(1) && Enabled(2));
     Request(2);
     EXPECT_EQ(calls, (Calls{"Login", "SendRequest"}));
     calls.clear();
@@ -363,6 +364,10 @@ TEST_F(StandaloneTest, ConnectsByTheCommandLineAndWorksWithoutAHostObject) {
     PassTick();
     EXPECT_EQ(calls, (Calls{"LogOut"}));
     EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
+    exchange->answers["Login"] = Raises(1004);
+    Request(2);
+    EXPECT_EQ(computer.boxes.LastPrompt(), "entry 0");
+    EXPECT_TRUE(told.empty());
     Request(0);
     EXPECT_FALSE(form.IsLoaded());
     EXPECT_EQ(loggedOut.back(), "C1") << "the key of the connection";

@@ -91,13 +91,11 @@ struct FakeDatabase : Database {
 
 struct FakeEngine : DatabaseEngine {
     DatabaseRef OpenDatabase(TextView path, bool) override {
-        opened.push_back(Text(path));
         const auto found = files.find(Text(path.substr(path.rfind(u'\\') + 1)));
         if (found == files.end()) throw MakeDataError(DataError::FileNotFound, ToUtf8(path));
         return found->second;
     }
     std::map<Text, DatabaseRef> files;
-    std::vector<Text> opened;
 };
 
 // An object of a host far away: notes its calls in order, and answers by name.
@@ -147,16 +145,16 @@ struct FakeAutomation : Automation {
 
 struct FakeToolkit : forms::Toolkit {
     std::unique_ptr<forms::View> MakeView(forms::Form&) override { return std::make_unique<View>(*this); }
-    int views = 0, controlChanges = 0, menus = 0;
+    int views = 0;
 
   private:
     struct View : forms::View {
         explicit View(FakeToolkit& owner) : toolkit(owner) { ++toolkit.views; }
         ~View() override { --toolkit.views; }
         void FormChanged() override {}
-        void ControlChanged(forms::Control&) override { ++toolkit.controlChanges; }
+        void ControlChanged(forms::Control&) override {}
         void SetFocus() override {}
-        void PopupMenu(forms::Menu&) override { ++toolkit.menus; }
+        void PopupMenu(forms::Menu&) override {}
         void ShowWhatsThis(forms::Control&) override {}
         FakeToolkit& toolkit;
     };

@@ -36,17 +36,6 @@ TEST_F(FormTest, LoadsOnceAndUnloadsOnceUnlessRefusedOrUnloadedWhileLoading) {
     EXPECT_EQ(toolkit.views, 0);
 }
 
-TEST_F(FormTest, OnlyRealChangesReachTheView) {
-    auto& label = form.Add<Label>(u"label");
-    form.Show();
-    const int before = toolkit.controlChanges;
-    label.Caption = u"text";
-    label.Caption = u"text";
-    EXPECT_EQ(toolkit.controlChanges, before + 1);
-    label.Font->Size = 12.0F;
-    EXPECT_EQ(toolkit.controlChanges, before + 2);
-}
-
 TEST_F(FormTest, ControlsAreFoundByNameAndIndex) {
     form.Add<TextBox>(u"box", 0);
     form.Add<TextBox>(u"box", 1);
@@ -73,21 +62,6 @@ TEST_F(FormTest, TimersRunOnlyWhileEnabledAndLoaded) {
     form.Unload();
     scheduler.Pass(500);
     EXPECT_EQ(count, 2);
-}
-
-TEST_F(FormTest, BoxesKeepWhatIsWrittenWithinTheirBounds) {
-    auto& text = form.Add<TextBox>(u"text");
-    text.Text = u"00";
-    text.SetSelStart(1);
-    text.SetSelLength(5);
-    EXPECT_EQ(text.SelLength(), 1) << "cut to the text";
-    EXPECT_THROW(text.SetSelStart(-1), RuntimeError);
-    auto& check = form.Add<CheckBox>(u"check");
-    check.Click = [&] { ++count; };
-    check.SetValue(1);
-    check.SetValue(1);
-    EXPECT_EQ(count, 1) << "tells of changes only";
-    EXPECT_THROW(check.SetValue(3), RuntimeError);
 }
 
 }  // namespace

@@ -1,14 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "ErrorOf.h"
 #include "FakeTime.h"
 #include "TemporaryDirectory.h"
-#include "host/ExchangeDesk.h"
-#include "host/ExchangeObject.h"
 #include "host/Options.h"
-#include "host/ResponseObject.h"
 #include "host/SimulatedExchange.h"
 #include "host/Store.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace switchdesk {
 namespace {
@@ -17,91 +14,8 @@ using namespace platform;
 using Lines = std::vector<std::string>;
 using Texts = std::vector<Text>;
 
-struct SetLoop : fakes::FakeTime<EventLoop> {
-    HandleRef WhenReadable(int, std::function<void()>) override { return nullptr; }
-    HandleRef WhenWritable(int, std::function<void()>) override { return nullptr; }
-    void Run() override {}
-    void Quit() override {}
-    void ServeOnce() override {}
-    HandleRef HoldInput() override { return nullptr; }
-};
-
-// A client that does on CallBack what the test wants.
-struct Client : Object {
-    std::function<void()> callBack, gone;
-
-    const ClassDescription& Class() const override {
-        static const ClassDescription description{"Client", {}};
-        return description;
-    }
-    Value Invoke(std::string_view, InvokeKind, Arguments&) override { return callBack(), Value(); }
-    std::shared_ptr<void> WhenOwnerGone(std::function<void()> call) override {
-        gone = std::move(call);
-        return std::make_shared<int>();
-    }
-};
-
-// An answer has all the members that the desk reads of a request, but for the name.
-struct Record : ResponseObject {
-    using ResponseObject::ResponseObject;
-    Value Invoke(std::string_view member, InvokeKind kind, Arguments& arguments) override {
-        return member == "PBXName" ? Value(u"North") : Object::Invoke(member, kind, arguments);
-    }
-};
-
-struct HostTest : testing::Test {
-    HostTest() {
-        log.AddSink([this](const std::string& line) { lines.push_back(line); });
-        for (const char16_t* name : {u"North", u"South"}) desk.Add(name, SimulatedExchange(clock, 0));
-    }
-    Text Login(const Text& name = u"North") { return Call(exchange, "Login", name, client).ToText(); }
-    void LogOut(const Text& name, const Text& key) { Call(exchange, "LogOut", name, key); }
-    Text Send(const Text& key) {
-        const Answer content{{}, 0, u"ASKED", key, {}};
-        return Call(exchange, "SendRequest", std::make_shared<Record>(observation, content)).ToText();
-    }
-
+TEST(OptionsTest, RefusesWhatCannotBe) {
     Misbehaviour misbehaviour;
-    CallLog log;
-    Lines lines;
-    Observation observation{log, misbehaviour};
-    SetLoop loop;
-    SystemClock clock;
-    ExchangeDesk desk{loop, observation};
-    std::shared_ptr<Client> client = std::make_shared<Client>();
-    ObjectRef exchange = std::make_shared<ExchangeObject>(observation, desk);
-};
-
-TEST_F(HostTest, TakesOneLoginAtATimeBesideConnections) {
-    EXPECT_EQ(Call(exchange, "ConnectToPbx", u"North", client).ToText(), u"C1");
-    EXPECT_EQ(Call(exchange, "ConnectToPbx", u"West", client).ToText(), u"");
-    EXPECT_EQ(Send(u"L1"), u"ERROR") << "without a login";
-    EXPECT_EQ(Login(), u"L1");
-    EXPECT_EQ(Login(), u"BUSY");
-    EXPECT_EQ(Login(u"South"), u"L2");
-    EXPECT_EQ(Login(u"north"), u"ERROR");
-    LogOut(u"South", u"L1");
-    EXPECT_EQ(Login(), u"BUSY");
-    LogOut(u"North", u"L1");
-    EXPECT_EQ(Login(), u"L3");
-}
-
-TEST_F(HostTest, AClientThatDiesOrFailsGivesItsLoginBack) {
-    int answers = 0;
-    client->callBack = [&] { ++answers; };
-    EXPECT_EQ(Send(Login()), u"R1");
-    EXPECT_EQ(Send(u"L1"), u"ERROR") << "one request at a time";
-    client->gone();
-    loop.Pass(1000);
-    EXPECT_EQ(answers, 0);
-    client->callBack = [] { throw RuntimeError(462, u"gone"); };
-    Send(Login());
-    loop.Pass(100);
-    EXPECT_EQ(lines.back(), "# CallBack raised error 462");
-    EXPECT_EQ(Login(), u"L3");
-}
-
-TEST_F(HostTest, RefusesOptionsThatCannotBe) {
     const std::pair<const char*, const char*> wrong[] = {
         {"answer", "late:"}, {"answer", "late:-1"}, {"answer", "soon"},  {"errcode", "7 "},
         {"item", "1"},       {"item", "1:ED=x"},    {"item", "x:CMD=y"}, {"item", "1=CMD:x"},
@@ -124,21 +38,9 @@ struct SimulatedExchangeTest : testing::Test {
             {{u"02", u"0", values[0], u""}, {u"02", u"1", values[1], u""}, {u"02", u"2", values[2], u""}});
     }
     Texts Read() { return Values(Perform({u"", u"", u""}), &Item::second); }
-    void Pass(double seconds) { pc.now.days += seconds / 86400; }
     fakes::FakeClock pc;
     SimulatedExchange exchange{pc, 7};
 };
-
-TEST_F(SimulatedExchangeTest, RunsOnFromWhereItIsSet) {
-    EXPECT_EQ(Read(), (Texts{u"2026", u"11/18 WED", u"13:09:03"}));
-    Pass(61);
-    EXPECT_EQ(Read()[2], u"13:10:04");
-    EXPECT_EQ(Values(Perform({u"2028", u"022902", u"000530"}), &Item::extra), (Texts{u"OK", u"OK", u"OK"}));
-    Pass(30);
-    EXPECT_EQ(Read(), (Texts{u"2028", u"02/29 TUE", u"00:06:00"}));
-    exchange.Perform({{u"02", u"2", u"010203", u""}});
-    EXPECT_EQ(Read(), (Texts{u"2028", u"02/29 TUE", u"01:02:03"})) << "the time alone";
-}
 
 TEST_F(SimulatedExchangeTest, ARefusedItemLeavesTheClockAlone) {
     const Text no = u"DATA ERROR", ok = u"OK";
@@ -153,7 +55,7 @@ TEST_F(SimulatedExchangeTest, ARefusedItemLeavesTheClockAlone) {
         const auto answer = Perform(values);
         EXPECT_EQ(Values(answer, &Item::extra), answers);
         EXPECT_EQ(Values(answer, &Item::second), values);
-        EXPECT_EQ(Read()[2], u"13:09:03");
+        EXPECT_EQ(Read(), (Texts{u"2026", u"11/18 WED", u"13:09:03"}));
     }
 }
 

@@ -3,7 +3,6 @@
 #include "ErrorOf.h"
 #include "Fakes.h"
 #include "Table.h"
-#include "language/LanguageDatabase.h"
 #include "language/LanguageMsgBox.h"
 #include "language/MsgBoxButtons.h"
 #include "language/TextTokens.h"
@@ -138,19 +137,6 @@ TEST_F(LanguageTest, MessagesStandByRankAndATableThatDoesNotAddUpIsRefused) {
          {fakes::Rows{row(-1, 0)}, {row(-1, 2), row(0, u"only")}, {row(-1, u"text")}, {row(-1, 40000)}, {}})
         EXPECT_FALSE(load(rows));
     EXPECT_FALSE(LoadMessageTable(computer.boxes, data.MessageTable, u"tNone", *computer.language));
-}
-
-TEST_F(LanguageTest, ProjectTextWritesFieldByFieldUntilItFails) {
-    ASSERT_TRUE(LoadProjectText(computer.boxes, computer.app, u"Horalink", *computer.language));
-    EXPECT_EQ(computer.app.title, u"Horalink");
-    EXPECT_EQ(computer.app.waits.busyText, u"busy text");
-    EXPECT_EQ(computer.app.waits.pendingText, u"") << "Null";
-    auto& row = computer.language->answers[fakes::Computer::projectQuery][0];
-    row[u"Title"] = u"New";
-    row.erase(u"OleServerBusyMsgTitle");
-    EXPECT_FALSE(LoadProjectText(computer.boxes, computer.app, u"Horalink", *computer.language));
-    EXPECT_EQ(computer.app.title, u"New");
-    EXPECT_NE(computer.boxes.LastPrompt().find(" [3265]"), std::string::npos);
 }
 
 }  // namespace

@@ -8,23 +8,13 @@ using namespace platform;
 
 namespace {
 
-// A control of a type that hides while its content changes, or paints its own background.
-struct TypedControl : forms::Control {
-    TypedControl(forms::Form& form, Text name, std::string_view type)
-        : Control(form, std::move(name), -1), description{type, CommonMembers()} {
-        description.members.push_back(
-            {"PictureBackground",
-             InvokeKind::PropertyPut,
-             {{"Value"}},
-             ValueType::None,
-             [this](Object&, Arguments& a) {
-                 return background = std::dynamic_pointer_cast<forms::Picture>(a[0].ToObject()), Value();
-             }});
-    }
+// A control that notes whether it is seen, at each change of it.
+struct Panel : forms::Control {
+    explicit Panel(forms::Form& form)
+        : Control(form, u"panel", -1), description{"SSPanel", CommonMembers()} {}
     const ClassDescription& Class() const override { return description; }
     void Changed() override { history.push_back(Visible); }
     std::vector<bool> history;
-    forms::PictureRef background;
     ClassDescription description;
 };
 
@@ -59,11 +49,6 @@ struct PicturesTest : testing::Test {
         for (const auto& [key, file] : names) rows.push_back({{u"DefaultName", key}, {u"FileName", file}});
     }
     std::string Shown() const { return image.Picture() ? image.Picture()->Content() : ""; }
-    std::shared_ptr<TypedControl> Add(const char16_t* name, std::string_view type) {
-        auto control = std::make_shared<TypedControl>(*form, name, type);
-        form->Adopt(control);
-        return control;
-    }
 
     fakes::Computer computer;
     std::shared_ptr<forms::Form> form =
@@ -98,7 +83,8 @@ TEST_F(PicturesTest, FailuresShowOneNoticeAndStop) {
 }
 
 TEST_F(PicturesTest, APanelIsHiddenForTheChangeAndShownAgainAlsoAfterAFailure) {
-    const auto panel = Add(u"panel", "SSPanel");
+    const auto panel = std::make_shared<Panel>(*form);
+    form->Adopt(panel);
     panel->Place(0, 0, 300, 200);
     panel->history.clear();
     EXPECT_TRUE(Load(0, {{u"image", u"one.png", u"panel"}}));
@@ -106,14 +92,6 @@ TEST_F(PicturesTest, APanelIsHiddenForTheChangeAndShownAgainAlsoAfterAFailure) {
     EXPECT_EQ(image.Width(), 300);
     EXPECT_FALSE(Load(0, {{u"image", u"bad.png", u"panel"}}));
     EXPECT_TRUE(panel->Visible());
-}
-
-TEST_F(PicturesTest, ATreeTakesTheFileAsItsRowNamesIt) {
-    const auto tree = Add(u"tree", "SSTree");
-    Names(3, {{u"one.png", u"two.png"}});
-    EXPECT_TRUE(Load(3, {{u"tree", u"one.png"}}));
-    EXPECT_EQ(tree->background->Content(), "one");
-    EXPECT_EQ(tree->Width(), 0);
 }
 
 }  // namespace

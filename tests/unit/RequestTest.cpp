@@ -26,42 +26,6 @@ TEST(RecordTest, ItemsOutsideTheCountReadEmptyAndTakeNothing) {
     EXPECT_EQ(Get(record, "ExtraData", 1).ToText(), u"OK");
 }
 
-TEST(RecordTest, ClearTakesTheItemsAndNothingElse) {
-    cListRequest record;
-    record.AddToList(u"02", u"0", u"2026", u"OK", u"text");
-    record.Tag = u"tag";
-    record.ErrCode = 7;
-    record.Clear();
-    record.SetItem(cListRequest::CMD, 0, u"x");
-    EXPECT_EQ(record.Item(cListRequest::CMD, 0), u"");
-    EXPECT_EQ(record.Tag, u"tag");
-    EXPECT_EQ(record.ErrCode, 7);
-    record.AddToList(u"03");
-    EXPECT_EQ(record.Count(), 1);
-    EXPECT_EQ(record.Item(cListRequest::SecondData, 0), u"");
-}
-
-TEST(RecordTest, TheLastItemThatFitsIsNumber32767) {
-    cListRequest record;
-    for (int i = 0; i < 32767; ++i) record.AddToList(u"02");
-    EXPECT_EQ(ErrorOf([&] { record.AddToList(u"02"); }), 6);
-    EXPECT_EQ(record.Count(), 32767);
-    EXPECT_EQ(record.Item(cListRequest::CMD, 32766), u"02");
-}
-
-TEST(RecordTest, SlotsStandInTheOrderOfTheInterface) {
-    const cListRequest record;
-    const auto& members = record.Class().members;
-    ASSERT_EQ(members.size(), 46U);
-    const std::pair<std::size_t, const char*> slots[] = {
-        {0, "Mode"},  {6, "ObjectID"},   {9, "=PBXNumber"}, {10, "PBXNumber"},
-        {17, "=Tag"}, {23, "AddToList"}, {27, "Clear"},     {45, "=MSGFP"}};
-    for (const auto& [slot, name] : slots)
-        EXPECT_EQ(
-            (members[slot].kind == InvokeKind::PropertyPut ? "=" : "") + std::string(members[slot].name),
-            name);
-}
-
 TEST(AnswerTextTest, Codes) {
     const std::pair<int, std::vector<Text>> cases[] = {
         {-1, {u"", u"ok", u"O", u" OK", u"OK" + Text(28, u' '), u"DATA", u"2026", u"11/18", u"12:30:45"}},

@@ -8,7 +8,6 @@
 
 using namespace horalink;
 using namespace platform;
-using Calls = std::vector<std::string>;
 
 namespace {
 
@@ -57,51 +56,24 @@ struct ShellTest : testing::Test {
     AddInMain main{computer.services};
 };
 
-TEST_F(ShellTest, AnAutomationRunPreparesAndShowsNothing) {
-    main.Main();
-    EXPECT_EQ(main.Data().MarketCode, u"10001");
-    EXPECT_EQ(computer.app.title, u"Horalink");
-    EXPECT_EQ(computer.app.helpFile, u"C:\\VELMORA32\\10001\\ADDINS\\HELP\\Horalink.hlp");
-    EXPECT_EQ(main.Data().BackgroundDirectory, u"C:\\VELMORA32\\10001\\ADDINS\\..\\BACKGRND\\");
-    EXPECT_EQ(computer.engine.opened,
-              (std::vector<Text>{u"C:\\VELMORA32\\10001\\ADDINS\\..\\MORA32\\DATABASE\\Common.LNG",
-                                 u"C:\\VELMORA32\\10001\\ADDINS\\DATABASE\\Horalink.lng"}));
-    EXPECT_FALSE(main.Data().IsStandalone);
+TEST_F(ShellTest, TheMarketIsTheDefaultWhereThePathNamesNone) {
     computer.app.path = u"C:\\Tools";
     main.Main();
-    EXPECT_EQ(main.Data().MarketCode, u"10001") << "the default where it is not in the path";
+    EXPECT_EQ(main.Data().MarketCode, u"10001");
 }
 
-struct LayerTest : ShellTest {
-    LayerTest() {
-        main.Main();
-        for (const char* member : {"GetComData", "REGComData", "UnloadChild"})
-            host->answers[member] = [](Arguments&) { return Value(); };
-    }
-    Calls calls;
-    std::shared_ptr<fakes::RecordedObject> host = std::make_shared<fakes::RecordedObject>(calls);
-};
-
-TEST_F(LayerTest, TheTitleTakesOneMarkForEachName) {
+TEST_F(ShellTest, TheTitleTakesOneMarkForEachNameAndTheDialogIsPlacedOnce) {
+    std::vector<std::string> calls;
+    const auto host = std::make_shared<fakes::RecordedObject>(calls);
+    main.Main();
     const auto layer = cOLELayer::Create(main);
     for (const char16_t* pbx : {u"", u"Main", u"Main", u"MAIN", u"Mai"}) {
         EXPECT_FALSE(Call(layer, "RegisterPBX", pbx, host, std::int16_t{1}).ToBoolean());
         EXPECT_TRUE(*pbx || computer.app.title == u"Horalink");
     }
     EXPECT_EQ(computer.app.title, u"Horalink (Main) (MAIN) (Mai)");
-    EXPECT_EQ(calls, (Calls{"GetComData"})) << "placed once";
-}
-
-TEST_F(LayerTest, TheLastOfTwoSavesThePlaceUnloadsAndEnds) {
-    const auto first = cOLELayer::Create(main), second = cOLELayer::Create(main);
-    Call(first, "RegisterPBX", u"Main", host, std::int16_t{1});
-    Put(second, "Visible", true);
-    EXPECT_TRUE(Get(first, "Visible").ToBoolean()) << "one dialog for all";
-    calls.clear();
-    first->LastClientGone();
-    EXPECT_TRUE(calls.empty());
-    EXPECT_THROW(second->LastClientGone(), fakes::Ended);
-    EXPECT_EQ(calls, (Calls{"REGComData"})) << "a host that leaves is not told of the unload";
+    EXPECT_EQ(calls, (std::vector<std::string>{"GetComData"}));
+    main.Dialog().PutParent(nullptr);
 }
 
 }  // namespace
