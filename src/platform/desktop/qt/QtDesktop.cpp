@@ -1,5 +1,6 @@
 #include "platform/desktop/qt/QtDesktop.h"
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include <QApplication>
@@ -41,6 +42,11 @@ void RequireDisplay() {
         if (!qEnvironmentVariableIsEmpty(variable)) return;
     throw RuntimeError(ErrorNumber::AutomationError,
                        "there is no display to open the dialog on (DISPLAY and WAYLAND_DISPLAY are not set)");
+}
+
+// The threads of the toolkit, the display and the bus do little, and each would get a heap of its own.
+void ShareOneHeap() {
+    mallopt(M_ARENA_MAX, 1);
 }
 
 // The look is the program's own on every desktop, so that no theme needs to be found and loaded.
@@ -97,6 +103,7 @@ std::unique_ptr<QtDesktop> OpenDesktop(int& argc, char** argv, const Application
                                        DatabaseEngine& engine) {
     RequireDisplay();
     programName = argc > 0 ? argv[0] : "";
+    ShareOneHeap();
     PrepareApplication();
     const QtMessageHandler previous = qInstallMessageHandler(TellThatDisplayFailed);
     auto desktop = std::make_unique<Desktop>(argv[0], application, engine);
