@@ -215,6 +215,9 @@ BUS_CALL(sd_bus_call_async,
          (b, s, m, h, c, t), ENOMEM, ENOTCONN, ENOBUFS)
 BUS_CALL(sd_bus_get_unique_name, (sd_bus * b, const char** n), (b, n), ENOTCONN, ENOMEM)
 BUS_CALL(sd_bus_process, (sd_bus * b, Message** m), (b, m), ENOMEM, ECONNRESET, EIO)
+BUS_CALL(sd_bus_release_name_async,
+         (sd_bus * b, sd_bus_slot** s, const char* n, sd_bus_message_handler_t h, void* c), (b, s, n, h, c),
+         ENOMEM, ENOTCONN)
 BUS_CALL(sd_bus_request_name, (sd_bus * b, const char* n, uint64_t f), (b, n, f), ENOMEM, ENOTCONN, EEXIST)
 BUS_CALL(sd_bus_send, (sd_bus * b, Message* m, uint64_t* c), (b, m, c), ENOMEM, ENOTCONN, ENOBUFS)
 BUS_CALL(sd_bus_message_append_basic, (Message * m, char t, const void* p), (m, t, p), ENOMEM)

@@ -180,7 +180,7 @@ int Run(int argc, char** argv) {
         platform::ConnectToSessionBus(desktop->Loop(), desktop->Waits(), application.waits);
     Host host(options, *desktop, *automation, *engine);
     options.service ? host.RunAsService() : host.RunWithWindow();
-    automation->Flush();
+    automation->Leave();
     return 0;
 }
 

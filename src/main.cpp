@@ -78,7 +78,7 @@ void Run(int argc, char** argv) {
         desktop->Toolkit(),
         desktop->Pictures(),
         [&] {
-            automation->Flush();
+            automation->Leave();
             std::_Exit(status);
         },
     };

@@ -44,7 +44,7 @@ TEST_F(ConnectionTest, LossEndsWaitsAndGivesBackReferences) {
     EXPECT_EQ(ErrorOf([&] { Call(held, "Anything"); }), 462);
     EXPECT_EQ(ErrorOf([&] { client->CreateObject(u"Test.cScripted"); }), 429);
     EXPECT_EQ(ErrorOf([&] { client->ServeClass("Test.cLater", nothing); }), 429);
-    client->Flush();
+    client->Leave();
     loop.ServeOnce();
 }
 
@@ -58,27 +58,34 @@ TEST_F(ConnectionTest, LossEndsABusyRetry) {
     EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462);
 }
 
-TEST_F(ConnectionTest, FlushSendsWhatWaitsAndKeepsCallsForLater) {
+TEST_F(ConnectionTest, LeavingSendsWhatWaitsAndRefusesWhatCame) {
     // While the daemon stands still, so much is sent that it can't all leave.
-    bool asked = false, called = false;
-    const Reference object =
-        CreateForStranger({Method("Big", 0, [&](Arguments&) { return asked = true, Text(512 << 10, u'x'); }),
-                           Method("Poke", 0, [&](Arguments&) { called = true; })});
+    bool asked = false;
+    const Reference object = CreateForStranger(
+        {Method("Big", 0, [&](Arguments&) { return asked = true, Text(512 << 10, u'x'); })});
     const MessageRef& answer = stranger.Send(stranger.NewInvoke(object, "Big"));
     stranger.RoundTrip();
     bus.Freeze();
     loop.ServeUntil([&] { return asked; });
-    Poke(object);
+    create = [&] { return asked = false, nullptr; };
+    const MessageRef& refusal =
+        stranger.Send(stranger.NewCall(factory, bus::factoryInterface, "CreateInstance"));
     bus.Thaw();
-    server->Flush();
-    EXPECT_FALSE(called);
-    EXPECT_TRUE(loop.ServeUntil([&] { return called && answer; }));
+    stranger.RoundTrip();
+    server->Leave();
+    EXPECT_TRUE(loop.ServeUntil([&] { return answer && refusal; }));
+    EXPECT_TRUE(asked);
+    EXPECT_STREQ(sd_bus_message_get_error(refusal.get())->name, bus::busyErrorName);
+    // From now on it is the bus's to find somebody who serves the class.
+    EXPECT_EQ(stranger.Call(factory, bus::factoryInterface, "CreateInstance").error,
+              "org.freedesktop.DBus.Error.ServiceUnknown");
 }
 
-TEST_F(ConnectionTest, FlushDoesNotHangOnADaemonThatStandsStill) {
+TEST_F(ConnectionTest, LeavingDoesNotHangOnADaemonThatStandsStill) {
     bus.Freeze();
     const auto timer = loop.After(Milliseconds(0), [&] {
-        client->Flush();
+        client->Leave();
+        server->Leave();
         bus.Thaw();
     });
     AnswerAll("arrived");

@@ -137,7 +137,7 @@ struct FakeAutomation : Automation {
         return exchange;
     }
     void ServeClass(std::string_view, std::function<ObjectRef()>) override {}
-    void Flush() override {}
+    void Leave() override {}
     void WhenInUse(std::function<void(bool)>) override {}
     std::vector<Text> created;
     ObjectRef exchange;

@@ -49,8 +49,10 @@ class Automation {
     // Serves a class to other processes under its name. Raises 429 where the name is taken already.
     virtual void ServeClass(std::string_view className, std::function<ObjectRef()> create) = 0;
 
-    // Sends out what has been answered or asked for and not left yet. For the moment before the end.
-    virtual void Flush() = 0;
+    // For the moment before the end: stops serving classes, so that whoever asks for one from now on starts
+    // another process; refuses as busy what was asked before and not taken yet; and sends out what has been
+    // answered or asked for.
+    virtual void Leave() = 0;
 
     // Called after a client created an object, and after the last object that other processes held went.
     virtual void WhenInUse(std::function<void(bool inUse)> changed) = 0;

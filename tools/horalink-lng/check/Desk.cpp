@@ -37,7 +37,7 @@ class NoAutomation : public Automation {
         throw RuntimeError(ErrorNumber::CannotCreateObject, ToUtf8(className));
     }
     void ServeClass(std::string_view, std::function<ObjectRef()>) override {}
-    void Flush() override {}
+    void Leave() override {}
     void WhenInUse(std::function<void(bool)>) override {}
 };
 

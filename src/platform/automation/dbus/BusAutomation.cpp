@@ -26,7 +26,7 @@ class BusAutomation : public Automation {
 
     ObjectRef CreateObject(TextView className) override;
     void ServeClass(std::string_view className, std::function<ObjectRef()> create) override;
-    void Flush() override { session_->Bus().Flush(); }
+    void Leave() override { session_->Bus().Leave(); }
     void WhenInUse(std::function<void(bool)> changed) override {
         session_->Own().WhenInUse(std::move(changed));
     }

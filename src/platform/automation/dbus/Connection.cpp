@@ -6,6 +6,8 @@
 #include <chrono>
 #include <cstring>
 
+#include "platform/automation/Automation.h"
+#include "platform/automation/Names.h"
 #include "platform/automation/dbus/BusErrors.h"
 
 namespace platform {
@@ -16,7 +18,7 @@ using std::chrono::steady_clock;
 
 // After so many steps at one go, timers and painting have their turn.
 constexpr int stepsPerRound = 64;
-constexpr Milliseconds flushLimit{1000};
+constexpr Milliseconds leaveLimit{1000};
 // For so long an answered wait keeps everything else back. A wait that hasn't gone on by then can't: another
 // loop runs on top of it, an open message box for one, and needs the messages that follow.
 constexpr Milliseconds handOverLimit{20};
@@ -99,6 +101,7 @@ void Connection::OwnName(const std::string& name) {
     const int result = sd_bus_request_name(bus_.get(), name.c_str(), 0);
     ContinueIfHolding();
     if (result < 0) throw RuntimeError(ErrorNumber::CannotCreateObject, name + ": " + std::strerror(-result));
+    owned_.push_back(name);
 }
 
 SlotRef Connection::AddMatch(const std::string& rule, sd_bus_message_handler_t handler, void* context) {
@@ -118,6 +121,8 @@ int Connection::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) no
         sd_bus_message_is_method_call(message, peerInterface, nullptr) > 0)
         return 0;
     auto* connection = static_cast<Connection*>(self);
+    if (connection->leaving_)
+        return sd_bus_reply_method_errorf(message, bus::busyErrorName, "%s", BusyError().what());
     connection->due_.push_back([connection, call = Shared(message)] { connection->called_(call); });
     return 1;
 }
@@ -215,16 +220,42 @@ void Connection::WaitUntil(const bool& done) {
 }
 
 void Connection::Flush() {
-    const auto limit = steady_clock::now() + flushLimit;
-    while (HasUnsent()) {
+    ReceiveUntil([this] { return !HasUnsent(); });
+    // What came meanwhile was only noted.
+    ContinueIfHolding();
+}
+
+void Connection::Leave() {
+    leaving_ = true;
+    for (const std::string& name : owned_) ReleaseName(name);
+    Flush();
+}
+
+// Calls by a name that were sent while it was owned come ahead of the answer to this.
+void Connection::ReleaseName(const std::string& name) {
+    bool released = false;
+    sd_bus_slot* slot = nullptr;
+    const int result = sd_bus_release_name_async(bus_.get(), &slot, name.c_str(), OnNameReleased, &released);
+    const SlotRef waiting(slot);
+    if (result >= 0) ReceiveUntil([this, &released] { return released || lost_; });
+}
+
+int Connection::OnNameReleased(sd_bus_message*, void* released, sd_bus_error*) noexcept {
+    *static_cast<bool*>(released) = true;
+    return 1;
+}
+
+// Takes messages in, for a second at most.
+void Connection::ReceiveUntil(const std::function<bool()>& done) {
+    const auto limit = steady_clock::now() + leaveLimit;
+    while (!done()) {
         const auto left = std::chrono::duration_cast<Milliseconds>(limit - steady_clock::now());
         if (left.count() <= 0) break;
         if (Receive()) continue;
-        pollfd descriptor{sd_bus_get_fd(bus_.get()), POLLOUT, 0};
+        const auto events = static_cast<short>(sd_bus_get_events(bus_.get()));
+        pollfd descriptor{sd_bus_get_fd(bus_.get()), events, 0};
         poll(&descriptor, 1, static_cast<int>(left.count()));
     }
-    // What came meanwhile was only noted.
-    ContinueIfHolding();
 }
 
 bool Connection::HasUnsent() const {

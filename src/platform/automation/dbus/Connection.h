@@ -5,6 +5,7 @@
 #include <functional>
 #include <list>
 #include <string>
+#include <vector>
 
 #include "platform/automation/dbus/Handles.h"
 #include "platform/runtime/EventLoop.h"
@@ -42,6 +43,10 @@ class Connection {
     // Owns a name on the bus, without waiting in a queue. Raises 429 where it is taken.
     void OwnName(const std::string& name);
 
+    // Gives back the names that it owns, refuses as busy the calls that came before they were gone, and sends
+    // what is held. Takes a second at most for each of the two.
+    void Leave();
+
     // Has messages by a match rule given to `handler`, which may only note them. Raises as NewCall.
     SlotRef AddMatch(const std::string& rule, sd_bus_message_handler_t handler, void* context);
 
@@ -71,6 +76,7 @@ class Connection {
     };
 
     static int OnMessage(sd_bus_message* message, void* self, sd_bus_error*) noexcept;
+    static int OnNameReleased(sd_bus_message*, void* released, sd_bus_error*) noexcept;
     static int OnAnswer(sd_bus_message* message, void* context, sd_bus_error*) noexcept;
 
     void Pump();
@@ -80,6 +86,8 @@ class Connection {
     void AwaitHandOver();
     void Continue();
     void ContinueIfHolding();
+    void ReleaseName(const std::string& name);
+    void ReceiveUntil(const std::function<bool()>& done);
     bool HasUnsent() const;
     void FollowWriteQueue();
     void Lose();
@@ -90,6 +98,7 @@ class Connection {
     BusRef bus_;
     SlotRef filter_;
     std::string name_;
+    std::vector<std::string> owned_;
     std::function<void(const MessageRef&)> called_;
     std::function<void()> whenLost_;
     std::list<OutgoingCall> outgoing_;
@@ -97,6 +106,7 @@ class Connection {
     HandleRef readable_, writable_, continuation_;
     Wait* innermost_ = nullptr;
     bool lost_ = false;
+    bool leaving_ = false;
 };
 
 }  // namespace platform
