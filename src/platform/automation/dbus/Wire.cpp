@@ -112,7 +112,7 @@ class ContentWriter {
         : message_(message), addressOf_(addressOf) {}
 
     void operator()(Empty) { Mark(emptyMark); }
-    void operator()(Null) { Mark(emptyMark); }
+    void operator()(Null) { Mark(nullMark); }
     void operator()(Missing) { Mark(missingMark); }
     void operator()(bool value) { Basic('b', static_cast<int>(value)); }
     void operator()(std::int16_t value) { Basic('n', value); }
