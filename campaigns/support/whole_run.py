@@ -20,6 +20,7 @@ LOOKUP, DIALOG, CLOCK_READ = "Read the clock of the PBX", "PBX Clock (", "PBX Cl
 NOTICE, WAIT_BOX, GIVE_UP = "System Fatal Notice", "Horalink \u2013 Waiting for an Answer", "Cancel"
 # What the bus says for a process that isn't there any more.
 GONE = [f"org.freedesktop.DBus.Error.{name}" for name in ("NoReply", "ServiceUnknown", "NameHasNoOwner")]
+BUSY, TRY_AGAIN = "org.velmora.Automation1.Error.Busy", 0.2  # the answer to a call that may be sent again, and when
 WAIT_LIMIT = 20  # seconds until the add-in asks the operator whether to go on waiting
 LIMIT = 45  # seconds in which each step comes to its end on a busy machine, that wait included
 IDLE_LIMIT = 60 + LIMIT  # for a process that nobody has used
@@ -162,13 +163,20 @@ class WholeRun:
     def ask(self, name, send):
         """Sends a call and notes how it was answered; gives the values, or None for an error."""
         self.before(name)
-        asked = len(self.host.events)
-        send()
-        answer = self.wait_for(lambda: self.host.answer_since(asked), f"the answer to '{name}'")
+        answer = self.answer(name, send)
+        while answer["error"] == BUSY:
+            again = time.monotonic() + TRY_AGAIN
+            self.wait_for(lambda: time.monotonic() > again, f"the moment to send '{name}' again")
+            answer = self.answer(name, send)
         self.steps.append(f"{name}: {answer['error'] or answer['values']}")
         if answer["error"] in GONE:
             self.wait_for(lambda: False, "the end of a process that has left the bus", IDLE_LIMIT)
         return None if answer["error"] else answer["values"]
+
+    def answer(self, name, send):
+        asked = len(self.host.events)
+        send()
+        return self.wait_for(lambda: self.host.answer_since(asked), f"the answer to '{name}'")
 
     def look_up(self, number):
         """A press on the button, up to the box behind it; notes what the host was asked meanwhile."""
