@@ -1,31 +1,25 @@
 // The step to SQLite's dialect, and SQLite's own reading of what comes out of it.
-#include <sqlite3.h>
+#include <memory>
 
 #include "FuzzTarget.h"
 #include "platform/data/Dialect.h"
+#include "store/Sql.h"
 
 namespace {
 
-sqlite3* Empty() {
-    static sqlite3* database = [] {
-        sqlite3* opened = nullptr;
-        sqlite3_open(":memory:", &opened);
-        sqlite3_exec(opened, "CREATE TABLE tMessages (\"Index\" INTEGER, Text TEXT)", nullptr, nullptr,
-                     nullptr);
-        return opened;
-    }();
-    return database;
-}
-
 // Queries are only prepared: what they would do is not the dialect's matter.
 bool IsUnderstood(platform::TextView query) {
-    sqlite3_stmt* statement = nullptr;
-    const std::string text = platform::ToUtf8(query);
-    const int result =
-        sqlite3_prepare_v2(Empty(), text.c_str(), static_cast<int>(text.size()), &statement, nullptr);
-    const bool something = statement != nullptr;
-    sqlite3_finalize(statement);
-    return result == SQLITE_OK && something;
+    static const auto database = [] {
+        auto made = std::make_unique<lng::Connection>();
+        made->Run("CREATE TABLE tMessages (\"Index\" INTEGER, Text TEXT)");
+        return made;
+    }();
+    try {
+        lng::Query prepared(*database, platform::ToUtf8(query));
+        return true;
+    } catch (const lng::SqlFailure&) {
+        return false;
+    }
 }
 
 }  // namespace

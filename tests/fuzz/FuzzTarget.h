@@ -24,12 +24,4 @@ inline void Require(bool holds, const char* what) {
     std::abort();
 }
 
-// Takes the first line of the input off it; for targets of two texts.
-inline std::string_view TakeLine(std::string_view& input) {
-    const std::size_t end = input.find('\n');
-    const std::string_view line = input.substr(0, end);
-    input = end == std::string_view::npos ? std::string_view() : input.substr(end + 1);
-    return line;
-}
-
 }  // namespace horalink::fuzz

@@ -23,20 +23,18 @@ std::vector<std::vector<Cell>> ContentOf(const fs::path& file) {
     std::vector<std::vector<Cell>> content;
     const auto add = [&](const std::string& text, std::size_t columns) {
         Query query(connection, text);
-        while (query.Step()) {
-            std::vector<Cell> row;
-            for (std::size_t i = 0; i < columns; ++i) row.push_back(query.Column(i));
-            content.push_back(std::move(row));
-        }
+        while (query.Step())
+            for (std::size_t i = 0; i < columns; ++i)
+                (i == 0 ? content.emplace_back() : content.back()).push_back(query.Column(i));
     };
-    add("SELECT type, name, tbl_name, sql FROM sqlite_master WHERE type = 'table' ORDER BY rowid", 4);
-    add("SELECT type, name, tbl_name, sql FROM sqlite_master WHERE type <> 'table' ORDER BY type, name", 4);
-    Query tables(connection,
-                 "SELECT name, (SELECT count(*) FROM pragma_table_info(name)) FROM sqlite_master "
-                 "WHERE type = 'table' ORDER BY name");
-    while (tables.Step())
-        add("SELECT * FROM " + QuotedName(tables.TextOf(0)) + " NOT INDEXED",
-            static_cast<std::size_t>(tables.NumberOf(1)));
+    const std::string schema = "SELECT type, name, tbl_name, sql FROM sqlite_master WHERE type ";
+    add(schema + "= 'table' ORDER BY rowid", 4);
+    add(schema + "<> 'table' ORDER BY type, name", 4);
+    Query tables(connection, "SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name");
+    while (tables.Step()) {
+        const std::string table = tables.TextOf(0);
+        add("SELECT * FROM " + QuotedName(table) + " NOT INDEXED", ColumnsOf(connection, table).size());
+    }
     return content;
 }
 
@@ -78,10 +76,10 @@ class Generator {
                                            " BLOB DEFAULT x'00ff'",
                                            " INTEGER NOT NULL DEFAULT -1",
                                            " TEXT COLLATE NOCASE DEFAULT '-1'",
-                                           " TEXT NOT NULL DEFAULT 'it''s & more' -- a comment\n",
                                            " VARCHAR(20) DEFAULT (1 + 2)",
                                            " TEXT DEFAULT CURRENT_TIMESTAMP",
-                                           " INTEGER CHECK (typeof(1) = 'integer')"};
+                                           " INTEGER CHECK (typeof(1) = 'integer')",
+                                           " TEXT NOT NULL DEFAULT 'it''s & more' -- a comment\n"};
         return One(columns);
     }
 
@@ -149,17 +147,6 @@ std::string DumpText(const fs::path& file) {
     return WriteSource({"", {DumpDatabase(file).source}});
 }
 
-// The text of a source. A translator may write 9 where a column makes 9.0 of it.
-std::string RealText(Source source) {
-    for (DatabaseSource& database : source.databases)
-        for (Table& table : database.tables)
-            for (Row& row : table.rows)
-                for (Field& field : row.fields)
-                    if (const auto* number = std::get_if<std::int64_t>(&field.value))
-                        field.value = static_cast<double>(*number);
-    return WriteSource(source);
-}
-
 TEST(RoundTrip, KeepsRandomDatabases) {
     const platform::TemporaryDirectory scratch;
     for (std::uint32_t seed = 1; seed <= 200; ++seed) {
@@ -173,22 +160,6 @@ TEST(RoundTrip, KeepsRandomDatabases) {
         ASSERT_EQ(ContentOf(made.front()), ContentOf(original)) << text;
         ASSERT_EQ(DumpText(made.front()), text);
     }
-}
-
-TEST(RoundTrip, KeepsEveryLanguage) {
-    const platform::TemporaryDirectory scratch;
-    int sources = 0;
-    for (const auto& entry : fs::directory_iterator(LNG_DATA)) {
-        if (entry.path().extension() != ".lngtext") continue;
-        SCOPED_TRACE(entry.path());
-        ++sources;
-        const Source source = ReadSource(entry.path());
-        Source dumped;
-        for (const fs::path& file : BuildInto(source, scratch.Path() / entry.path().stem(), false))
-            dumped.databases.push_back(DumpDatabase(file).source);
-        EXPECT_TRUE(RealText(dumped) == RealText(source));
-    }
-    EXPECT_GE(sources, 2);
 }
 
 TEST(RoundTrip, NamesWhatASourceCantHold) {

@@ -10,10 +10,6 @@ namespace {
 
 using namespace lng;
 
-const Field& OnlyField(const Source& source) {
-    return source.databases.at(0).tables.at(0).rows.at(0).fields.at(0);
-}
-
 TEST(Source, ReadsValuesAsWritten) {
     const std::pair<std::string, Cell> cases[] = {
         {"c:   # no comment, \"quotes\" and \\n stay  ",
@@ -32,17 +28,15 @@ TEST(Source, ReadsValuesAsWritten) {
         {"c:\n|", std::string()},
         {"\"c\" : text\r", std::string("text")},
     };
-    const std::string start = "[database d]\n[table t]\n| CREATE TABLE t (c)\n[row]\n";
-    for (const auto& [lines, value] : cases)
-        EXPECT_EQ(OnlyField(ParseSource("x", start + lines)).value, value) << lines;
-}
-
-TEST(Source, PassesOverCommentsAndAByteOrderMark) {
-    const Source source = ParseSource("x",
-                                      "\xEF\xBB\xBF# head\n[database d]\n\n  # more\n[table t]\n| CREATE "
-                                      "TABLE t (c)\n# row\n[row]\n# field\nc: v\n");
-    EXPECT_EQ(OnlyField(source).value, Cell(std::string("v")));
-    EXPECT_EQ(OnlyField(source).line, 10);
+    // With a byte order mark and comments on the way.
+    const std::string start =
+        "\xEF\xBB\xBF# a\n[database d]\n\n  # b\n[table t]\n| CREATE TABLE t (c)\n# c\n[row]\n# d\n";
+    for (const auto& [lines, value] : cases) {
+        const Source source = ParseSource("x", start + lines);
+        const Field& field = source.databases.at(0).tables.at(0).rows.at(0).fields.at(0);
+        EXPECT_EQ(field.value, value) << lines;
+        EXPECT_EQ(field.line, 10) << lines;
+    }
 }
 
 TEST(Source, NamesTheLineOfAMistake) {

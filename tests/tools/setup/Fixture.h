@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "../../unit/TemporaryDirectory.h"
 #include "common/Fault.h"
 #include "horalink-setup/Commands.h"
@@ -45,42 +47,36 @@ class SetupTest : public testing::Test {
         Install();
     }
 
-    // Lays out the package, and the home directory empty.
+    // Lays out the package, and the home directory empty. The texts are English in every language.
     void Install() const {
         for (const auto& entry : fs::directory_iterator(top_)) fs::remove_all(entry);
-        for (const char* language : {"de", "en"}) MakeTexts(language);
-        fs::copy_file(DATABASES "/Register.mdb", Made(places_.package / place::registry));
+        for (const char* language : {"de", "en", "pt_BR"})
+            for (const fs::path piece : {place::addInTexts, place::commonTexts, place::help})
+                Lay(places_.package / piece.parent_path() / language / piece.filename(),
+                    *ReadFile(fs::path(DATABASES "/en") / piece.filename()));
+        Lay(places_.package / place::registry, *ReadFile(DATABASES "/Register.mdb"));
+        Lay(places_.package / place::backgrounds / "plain.svg", "<svg/>");
         for (const fs::path& program :
-             {places_.package / place::addIn, places_.package / place::host, places_.program})
-            MakeProgram(program);
-        directory_.Write("usr/lib/VELMORA32/10001/BACKGRND/plain.svg", "<svg/>");
+             {places_.package / place::addIn, places_.package / place::host, places_.program}) {
+            Lay(program, "#!/bin/sh\n");
+            fs::permissions(program, fs::perms::owner_all);
+        }
         fs::create_directories(top_ / "home");
     }
-    static fs::path Made(const fs::path& file) {
-        fs::create_directories(file.parent_path());
-        return file;
-    }
-    // The texts themselves are English in every language.
-    void MakeTexts(const std::string& language) const {
-        const std::pair<const char*, const char*> pieces[] = {{"ADDINS/DATABASE", "Horalink.lng"},
-                                                              {"ADDINS/HELP", "Horalink.hlp"},
-                                                              {"MORA32/DATABASE", "Common.LNG"}};
-        for (const auto& [folder, file] : pieces)
-            fs::copy_file(fs::path(DATABASES "/en") / file, Made(places_.package / folder / language / file));
-    }
-    static void MakeProgram(const fs::path& file) {
-        std::ofstream(Made(file)) << "#!/bin/sh\n";
-        fs::permissions(file, static_cast<fs::perms>(0755));
+    void Lay(const fs::path& file, const std::string& content) const {
+        directory_.Write(file.native(), content);
     }
 
-    Told AddMarket(const std::string& market = "10001", const std::optional<fs::path>& root = std::nullopt,
+    Told AddMarket(const std::string& market = "10001", const std::optional<fs::path>& root = {},
                    bool force = false) {
-        return Add(context_, {market, root, std::nullopt, std::nullopt, force});
+        return Add(context_, {market, root, {}, {}, force});
     }
-    Told AddByForce(const std::optional<fs::path>& root = std::nullopt) {
-        return AddMarket("10001", root, true);
-    }
+    Told AddByForce() { return AddMarket("10001", {}, true); }
     fs::path Tree(const std::string& market = "10001") const { return places_.data / "VELMORA32" / market; }
+    static std::string Backslashed(std::string path) {
+        std::replace(path.begin(), path.end(), '/', '\\');
+        return path;
+    }
     std::string Settings() const { return ReadFile(places_.settings).value_or("(none)"); }
     // What lies in the home directory, one path a line.
     std::string Home() const {

@@ -1,24 +1,15 @@
-// What the tool asks of the platform: its settings file, the names on the bus and its own place.
+// What the tool asks of the platform: its settings file and its own place.
 #include "platform/desktop/IniText.h"
 
 #include <gtest/gtest.h>
 #include <stdio.h>
 
-#include "../../bus/PrivateBus.h"
 #include "../../unit/TemporaryDirectory.h"
-#include "platform/automation/dbus/SessionBusNames.h"
-#include "platform/runtime/RuntimeError.h"
 
 namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-TEST(IniTextTest, KeepsEveryByteThatItDoesNotChange) {
-    for (const std::string content : {"", "\n", "\xEF\xBB\xBF[a]\r\n ; comment\r\n\tb = c \r\n\r\n",
-                                      "[open\nx=1", "[a]\nb=1\n\n\n[a]\nb=2\n", "\xFF\xFE odd = bytes\n"})
-        EXPECT_EQ(IniText(content).Content(), content);
-}
 
 using Case = std::pair<const char*, const char*>;  // before and after
 
@@ -56,19 +47,6 @@ TEST(IniTextTest, RemovesAKeyAndTheHeadThatIsLeftOverIt) {
         text.Remove(u"x/1", u"K");
         EXPECT_EQ(text.Content(), after) << before;
     }
-}
-
-TEST(BusNamesTest, KnowsWhatRunsAndWhatCanBeStarted) {
-    test::PrivateBus bus;
-    const auto names = MakeSessionBusNames();
-    const std::string itself = "org.freedesktop.DBus", asker = ":1.0";
-    EXPECT_TRUE(names->Running().contains(itself));
-    EXPECT_TRUE(names->Running().contains(asker));
-    EXPECT_EQ(names->Startable(), std::set{itself}) << "the bus has no service files";
-    EXPECT_NO_THROW(names->Reload());
-    bus.Stop();
-    EXPECT_THROW(names->Running(), RuntimeError);
-    EXPECT_THROW(MakeSessionBusNames()->Running(), RuntimeError);
 }
 
 std::string OutputOf(const std::string& command) {
