@@ -152,14 +152,6 @@ class Driver:
         node.clear_cache()
         return node.get_state_set().contains(Atspi.StateType.FOCUSED)
 
-    def focused_name(self, program):
-        """The name of the widget that has the keyboard, if one of the program's has it."""
-        try:
-            return next((node.get_name() for top in self.windows(program) for node in self.nodes(top)
-                         if node.get_state_set().contains(Atspi.StateType.FOCUSED)), None)
-        except GLib.Error:
-            return None
-
     # --- acting -----------------------------------------------------------------------------------
 
     @staticmethod
@@ -245,9 +237,6 @@ class Driver:
 
     def press(self, *keys):
         self._xdotool("key", *keys)
-
-    def press_often(self, key, times):
-        self._xdotool("key", "--delay", 5, "--repeat", times, key)
 
     # --- the message boxes ------------------------------------------------------------------------
 
