@@ -18,7 +18,7 @@ using std::chrono::steady_clock;
 
 // After so many steps at one go, timers and painting have their turn.
 constexpr int stepsPerRound = 64;
-constexpr Milliseconds leaveLimit{1000};
+constexpr Milliseconds flushLimit{1000};
 // For so long an answered wait keeps everything else back. A wait that hasn't gone on by then can't: another
 // loop runs on top of it, an open message box for one, and needs the messages that follow.
 constexpr Milliseconds handOverLimit{20};
@@ -237,7 +237,7 @@ void Connection::ReleaseName(const std::string& name) {
     sd_bus_slot* slot = nullptr;
     const int result = sd_bus_release_name_async(bus_.get(), &slot, name.c_str(), OnNameReleased, &released);
     const SlotRef waiting(slot);
-    if (result >= 0) ReceiveUntil([this, &released] { return released || lost_; });
+    if (result >= 0) ReceiveUntil([&released] { return released; });
 }
 
 int Connection::OnNameReleased(sd_bus_message*, void* released, sd_bus_error*) noexcept {
@@ -245,10 +245,10 @@ int Connection::OnNameReleased(sd_bus_message*, void* released, sd_bus_error*) n
     return 1;
 }
 
-// Takes messages in, for a second at most.
+// Takes messages in and sends what is held, for a second at most.
 void Connection::ReceiveUntil(const std::function<bool()>& done) {
-    const auto limit = steady_clock::now() + leaveLimit;
-    while (!done()) {
+    const auto limit = steady_clock::now() + flushLimit;
+    while (!done() && !lost_) {
         const auto left = std::chrono::duration_cast<Milliseconds>(limit - steady_clock::now());
         if (left.count() <= 0) break;
         if (Receive()) continue;

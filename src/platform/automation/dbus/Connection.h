@@ -44,7 +44,7 @@ class Connection {
     void OwnName(const std::string& name);
 
     // Gives back the names that it owns, refuses as busy the calls that came before they were gone, and sends
-    // what is held. Takes a second at most for each of the two.
+    // what is held. Takes a second at most for each name, and for the sending.
     void Leave();
 
     // Has messages by a match rule given to `handler`, which may only note them. Raises as NewCall.
