@@ -55,6 +55,8 @@ def play(scene, state, fault):
         return GONE
     if not fault.dies:
         scene.play_on(state)
+    if expected == NOTHING and state == "login told" and not (fault.dies or scene.other):
+        scene.host.wait_for_call("SendRequest")  # comes all the same, and has to find the host not answering yet
     scene.take_boxes(expected)
     if fault.alone:
         scene.host.count("layer", "Release", 1)

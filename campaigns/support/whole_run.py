@@ -87,6 +87,11 @@ class Host(scripted_host.Host):
         self.due = None
         super().call_back(*arguments)
 
+    def leave(self):
+        if self.due:
+            GLib.source_remove(self.due)
+        self.bus.close()
+
     def tell(self, **event):
         self.events.append(event)
         self.last_event = time.monotonic()
@@ -127,7 +132,7 @@ class WholeRun:
             if self.process.poll() is None:
                 self.process.kill()
             errors = self.process.communicate()[1].decode(errors="replace")
-            bus.close()
+            self.host.leave()
         return Seen(self.steps, self.boxes, self.names, self.process.returncode, errors, hang or self.illness(),
                     ended_early)
 

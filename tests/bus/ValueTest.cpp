@@ -13,7 +13,7 @@ TEST_F(ValueTest, EveryKindComesBackAsItWent) {
     const std::int16_t lowest = -32768, highest = 32767;
     const Value values[] = {Value(), Null(),         Missing(),   true,      false,
                             lowest,  highest,        INT32_MIN,   INT32_MAX, 0.1,
-                            -1e308,  Date(36161.75), ObjectRef(), u"",       letters};
+                            -1e308,  Date{36161.75}, ObjectRef(), u"",       letters};
     const ObjectRef object = Created({Echo()});
     for (std::size_t i = 0; i < std::size(values); ++i)
         EXPECT_TRUE(Call(object, "echo", values[i]) == values[i]) << "value " << i;

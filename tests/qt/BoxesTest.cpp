@@ -31,7 +31,7 @@ TEST(MessageBoxTest, EachButtonOfEachSetAnswersAndEscapeAndClosingCancel) {
         [](QWidget& box) { box.windowHandle()->close(); }};
     for (const auto& [set, answers, escape] : cases) {
         for (std::size_t i = 0; i < answers.size(); ++i) {
-            const auto answer = AnswerOf(set + critical, [&](QWidget& box) {
+            const auto answer = AnswerOf(set + critical, [set = set, &answers = answers, i](QWidget& box) {
                 QPushButton* button = box.findChildren<QPushButton*>()[static_cast<qsizetype>(i)];
                 EXPECT_EQ(button->text(), answers[i].first) << set << " " << i;
                 button->click();
@@ -39,7 +39,7 @@ TEST(MessageBoxTest, EachButtonOfEachSetAnswersAndEscapeAndClosingCancel) {
             EXPECT_EQ(answer, answers[i].second) << set << " " << i;
         }
         for (const auto& leave : ways) {
-            const auto answer = AnswerOf(set, [&](QWidget& box) {
+            const auto answer = AnswerOf(set, [set = set, escape = escape, &leave](QWidget& box) {
                 leave(box);
                 EXPECT_EQ(box.isVisible(), escape == 0) << set;
                 if (box.isVisible()) box.findChildren<QPushButton*>().last()->click();
@@ -67,7 +67,7 @@ TEST(MessageBoxTest, UnknownSetRaises) {
 TEST(MessageBoxTest, PromptIsPlainTextBelowATitleThatMayBeEmpty) {
     const std::pair<std::optional<Text>, const char*> titles[] = {{{}, "Default title"}, {u"", ""}};
     for (const auto& [title, shown] : titles) {
-        const auto act = [&](QWidget& box) {
+        const auto act = [shown = shown](QWidget& box) {
             EXPECT_EQ(box.windowTitle().toStdString(), shown);
             const auto labels = box.findChildren<QLabel*>();
             EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
@@ -118,7 +118,7 @@ TEST(WaitBoxTest, AnswersOnceClosedAndMayBeDroppedInside) {
             answers.push_back(answer);
         });
         const HandleRef acting =
-            WhenBoxOpens([key](QWidget& shown) { QTest::keyClick(shown.windowHandle(), key); });
+            WhenBoxOpens([key = key](QWidget& shown) { QTest::keyClick(shown.windowHandle(), key); });
         EXPECT_TRUE(Until([&] { return !answers.empty(); }));
         EXPECT_EQ(answers, std::vector<bool>{givesUp});
     }

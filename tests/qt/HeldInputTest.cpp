@@ -90,7 +90,10 @@ TEST_F(HeldInputTest, ServingWithHeldInputWaits) {
     bool due = false;
     const HandleRef timer = TheDesktop().Loop().After(Milliseconds(50), [&] { due = true; });
     int rounds = 0;
-    for (; !due; ++rounds) TheDesktop().Loop().ServeOnce();
+    while (!due) {
+        TheDesktop().Loop().ServeOnce();
+        ++rounds;
+    }
     EXPECT_LT(rounds, 50);
 }
 

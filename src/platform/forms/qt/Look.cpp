@@ -22,7 +22,7 @@ QStringList WithFallback(const QString& family) {
 }  // namespace
 
 QPalette LightPalette() {
-    QPalette palette(QColor(look::face), QColor(look::window));
+    QPalette palette{QColor(look::face), QColor(look::window)};
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(role, QColor(look::ink));
     palette.setColor(QPalette::Base, QColor(look::paper));
