@@ -24,10 +24,17 @@ def arguments(name, description):
 
 
 def parse(parser):
-    options = parser.parse_args()
+    options, given = parser.parse_args(), sys.argv[1:]
     if options.seed is None:
         options.seed = random.SystemRandom().randrange(1_000_000)
+        given = [*given, "--seed", str(options.seed)]
+    options.command = command(parser, given)
     return options
+
+
+def command(parser, given):
+    """The words by which all that was done can be done again."""
+    return shlex.join([*parser.prog.split(), *given])
 
 
 class Report:
@@ -35,10 +42,7 @@ class Report:
 
     def __init__(self, name, options, *columns):
         self.name, self.columns = name, columns
-        given = sys.argv[1:]
-        if not any(argument.startswith("--seed") for argument in given):
-            given += ["--seed", str(options.seed)]
-        self.command = shlex.join(["campaigns/run", name, *given])
+        self.command = options.command
         self.began = time.monotonic()
         self.rows, self.faults = [], []
         print(f"{self.command}, on {machine()}", flush=True)
@@ -52,21 +56,23 @@ class Report:
         self.faults.append(what)
         print(f"  FAULT: {what}", flush=True)
 
-    def text(self):
+    def text(self, summary):
         minutes, seconds = divmod(round(time.monotonic() - self.began), 60)
         lines = [f"# Campaign `{self.name}`", "",
-                 f"{datetime.now():%Y-%m-%d %H:%M}, {machine()}, {minutes}:{seconds:02} minutes.", "", f"    {self.command}", "", "| " + " | ".join(self.columns) + " |",
+                 f"{datetime.now():%Y-%m-%d %H:%M}, {machine()}, {minutes}:{seconds:02} minutes.", "",
+                 f"    {self.command}", "", "| " + " | ".join(self.columns) + " |",
                  "|" + "---|" * len(self.columns), *("| " + " | ".join(row) + " |" for row in self.rows), ""]
         if self.faults:
-            lines += [f"**Failed**, with {len(self.faults)} faults:", "", *(f"- {fault}" for fault in self.faults)]
+            lines += [f"**Failed.** {len(self.faults)} faults", "", *(f"- {fault}" for fault in self.faults)]
         else:
-            lines += ["**Passed.**"]
+            lines += [f"**Passed.** {summary}".rstrip()]
         return "\n".join(lines) + "\n"
 
-    def finish(self):
+    def finish(self, summary=""):
+        """The summary is what the table of all campaigns tells beside the outcome."""
         folder = BUILD / "campaigns"
         folder.mkdir(parents=True, exist_ok=True)
         report = folder / f"{self.name}.md"
-        report.write_text(self.text(), encoding="utf-8")
+        report.write_text(self.text(summary), encoding="utf-8")
         print(f"{len(self.faults)} faults" if self.faults else "passed", f"- see {report}", flush=True)
         return 1 if self.faults else 0

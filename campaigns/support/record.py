@@ -12,12 +12,18 @@ import manual  # noqa: E402
 
 PAGE, COMMAND = SOURCES / "docs/measurements.md", "./campaigns/run --record"
 HEAD = "| Campaign | Command | Date and machine | Minutes | Outcome |\n|---|---|---|---:|---|"
-REPORT = re.compile(r"# Campaign `(?P<name>\w+)`\n\n(?P<date>\S+) \S+, (?P<machine>[^\n]+), (?P<minutes>\S+) minutes\.\n\n"
-                    r" {4}(?P<command>[^\n]+)\n.*?\*\*(?P<outcome>Passed|Failed)", re.S)
+REPORT = re.compile(r"# Campaign `(?P<name>[\w-]+)`\n\n(?P<date>\S+) \S+, (?P<machine>[^\n]+), (?P<minutes>\S+) minutes\.\n\n"
+                    r" {4}(?P<command>[^\n]+)\n.*?\*\*(?P<outcome>Passed|Failed)\.\*\* ?(?P<summary>[^\n]*)", re.S)
+
+
+def is_part(command):
+    """A part of a campaign, or a fuzzer's hunt of less than an hour, proves nothing of the whole."""
+    hunt = re.fullmatch(r"tests/fuzz/run \w+ (\d+)", command)
+    return int(hunt[1]) < 3600 if hunt else re.search(r" --(?!seed\b)", command)
 
 
 def row(report):
-    outcome = report["outcome"].lower()
+    outcome = report["outcome"].lower() + (report["summary"] and f": {report['summary']}")
     return f"| {report['name']} | `./{report['command']}` | {report['date']}, {report['machine']} | {report['minutes']} | {outcome} |"
 
 
@@ -25,8 +31,7 @@ def main(folder):
     rows = {line.split("|")[1].strip(): line for line in manual.written(PAGE, COMMAND).splitlines()[2:]}
     for file in sorted(folder.glob("*.md")):
         report = REPORT.match(file.read_text(encoding="utf-8"))
-        # A part of a campaign proves nothing of the whole.
-        if report and not re.search(r" --(?!seed\b)", report["command"]):
+        if report and not is_part(report["command"]):
             rows[report["name"]] = row(report)
     manual.write(PAGE, COMMAND, "\n".join([HEAD, *(rows[name] for name in sorted(rows))]))
 
