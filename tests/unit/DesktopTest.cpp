@@ -52,6 +52,16 @@ TEST_F(PathsTest, LeavesTheKindOfThePath) {
     fs::current_path(before);
 }
 
+TEST_F(PathsTest, ManyWaysToOneDirectoryComeToAnEnd) {
+    Text way;
+    for (const char* link : {"again", "Again", "AGAIN"})
+        fs::create_directory_symlink(".", directory.Path() / link);
+    for (int i = 0; i < 30; ++i) way += u"AGAIN\\";
+    directory.Write("File");
+    EXPECT_EQ(RealPath(Below(way + u"Missing")).filename(), "Missing");
+    EXPECT_EQ(Dir(Below(way + u"FILE")), u"File");
+}
+
 TEST_F(PathsTest, DirNamesNormalFilesOnly) {
     directory.Write("Backgrnd/Picture.png");
     EXPECT_EQ(Dir(Below(u"BACKGRND\\PICTURE.PNG")), u"Picture.png");

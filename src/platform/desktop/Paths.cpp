@@ -1,8 +1,10 @@
 #include "platform/desktop/Paths.h"
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace platform {
@@ -85,17 +87,32 @@ class Walk {
             deepest_ = here;
         }
         if (depth == route_.components.size()) return true;
+        if (WasInVain(here, depth)) return false;
         const Text& name = route_.components[depth];
         const fs::path exact = here / ToUtf8(name);
         if (Exists(exact) && Descend(exact, depth + 1)) return true;
         const auto others = Lookalikes(here, name);
-        return std::any_of(others.begin(), others.end(),
-                           [&](const fs::path& other) { return Exists(other) && Descend(other, depth + 1); });
+        if (std::any_of(others.begin(), others.end(),
+                        [&](const fs::path& other) { return Exists(other) && Descend(other, depth + 1); }))
+            return true;
+        inVain_.emplace(depth, Place(here));
+        return false;
+    }
+
+    bool WasInVain(const fs::path& here, std::size_t depth) const {
+        return !inVain_.empty() && inVain_.contains({depth, Place(here)});
+    }
+
+    static fs::path Place(const fs::path& here) {
+        std::error_code error;
+        return fs::canonical(here.empty() ? "." : here, error);
     }
 
     const Route& route_;
     fs::path deepest_;
     std::size_t depth_ = 0;
+    // Links can lead to one directory by so many ways that there would be no end to going each of them.
+    std::set<std::pair<std::size_t, fs::path>> inVain_;
 };
 
 }  // namespace
