@@ -28,7 +28,7 @@ BITS = 12  # single bits for each page
 SAMPLE = 45
 STEPS = ("create", "register", "background", "lookup 0")  # what the add-in is asked for next when a file is swapped
 SWAPS = ("replaced", "removed", "overwritten", "emptied", "locked")
-DENIALS = ("unreadable", "read-only", "directory read-only", "directory instead")
+DENIALS = ("unreadable", "read-only", "directory read-only", "directory instead", "pipe instead")
 # Root is above all modes, unless it gives that up.
 AS_ANYBODY = ("setpriv", "--bounding-set=-dac_override,-dac_read_search") if os.getuid() == 0 else ()
 
@@ -104,6 +104,9 @@ class Case:
         if how == "directory instead":
             self.file.unlink()
             self.file.mkdir()
+        elif how == "pipe instead":
+            self.file.unlink()
+            os.mkfifo(self.file)
         elif how == "directory read-only":
             self.file.parent.chmod(0o500)
             self.undo = lambda: self.file.parent.chmod(0o700)

@@ -159,6 +159,7 @@ class Writer:
     def __init__(self, file):
         self.process = subprocess.Popen(["/usr/bin/python3", WRITER, file, OTHER], stdin=subprocess.PIPE,
                                         stdout=subprocess.PIPE, text=True)
+        self.process.stdout.readline()
 
     def end(self):
         """Gives what it has written last."""

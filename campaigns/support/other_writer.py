@@ -1,5 +1,6 @@
-"""Another add-in that writes its row of a register again and again: `other_writer.py FILE NAME`. It stops when its
-standard input is closed, and then tells the number that it has written last."""
+"""Another add-in that writes its row of a register again and again: `other_writer.py FILE NAME`. It tells when it
+has written for the first time, stops when its standard input is closed, and then tells the number that it has written
+last."""
 import select
 import sqlite3
 import sys
@@ -10,12 +11,14 @@ PAUSE = 0.002  # seconds; without any the others would never find the register f
 
 def write_on(file, name):
     number = 0
-    while not select.select([sys.stdin], [], [], PAUSE)[0]:
+    while number == 0 or not select.select([sys.stdin], [], [], PAUSE)[0]:
         database = sqlite3.connect(file, timeout=30)
         with database:
             database.execute("UPDATE Registry SET Version = ? WHERE AppName = ?", [str(number + 1), name])
         database.close()
         number += 1
+        if number == 1:
+            print("begun", flush=True)
     return number
 
 

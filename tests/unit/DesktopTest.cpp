@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include "Table.h"
 #include "TemporaryDirectory.h"
@@ -90,6 +91,8 @@ TEST(IniSettingsTest, FindsTheFirstEntryOfTheSection) {
     };
     EXPECT_EQ(path(settings), "NONE") << "no file yet, and it is read anew each time";
     EXPECT_EQ(path(IniSettings(directory.Path())), "NONE") << "a directory";
+    ASSERT_EQ(mkfifo((directory.Path() / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(path(IniSettings(directory.Path() / "pipe")), "NONE") << "a pipe";
     for (const auto& [content, value] : cases) {
         directory.Write("settings.ini", content);
         EXPECT_EQ(path(settings), ToUtf8(value)) << content;

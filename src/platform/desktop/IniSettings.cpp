@@ -1,11 +1,11 @@
 #include "platform/desktop/IniSettings.h"
 
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <string>
 
 #include "platform/desktop/IniText.h"
+#include "platform/desktop/Paths.h"
 
 namespace platform {
 
@@ -27,10 +27,9 @@ std::filesystem::path ConfigurationDirectory() {
 }  // namespace
 
 Text IniSettings::Get(TextView application, TextView section, TextView key, TextView fallback) const {
-    std::ifstream file(file_, std::ios::binary);
     // What can't be read, such as a directory, must not raise anything here.
     std::ostringstream content;
-    content << file.rdbuf();
+    content << OpenToRead(file_).rdbuf();
     return IniText(content.str())
         .Value(Text(application).append(u"/").append(section), key)
         .value_or(Text(fallback));

@@ -51,6 +51,11 @@ bool Exists(const fs::path& path) {
     return fs::exists(path, error);
 }
 
+bool IsNormalFile(const fs::path& path) {
+    std::error_code error;
+    return fs::is_regular_file(path, error);
+}
+
 // The entries of a directory that differ from `name` in letter case only, in a settled order.
 std::vector<fs::path> Lookalikes(const fs::path& directory, const Text& name) {
     std::vector<fs::path> found;
@@ -131,8 +136,11 @@ Text PathText(const fs::path& path) {
 Text Dir(TextView path) {
     if (path.empty() || IsSeparator(path.back())) return {};
     const fs::path file = RealPath(path);
-    std::error_code error;
-    return fs::is_regular_file(file, error) ? FromUtf8(file.filename().native()) : Text();
+    return IsNormalFile(file) ? FromUtf8(file.filename().native()) : Text();
+}
+
+std::ifstream OpenToRead(const fs::path& file) {
+    return IsNormalFile(file) ? std::ifstream(file, std::ios::binary) : std::ifstream();
 }
 
 }  // namespace platform

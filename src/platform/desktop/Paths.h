@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
 
 #include "platform/runtime/Text.h"
 
@@ -16,5 +17,8 @@ Text PathText(const std::filesystem::path& path);
 
 // The name of the normal file at `path`, or an empty text where there is none.
 Text Dir(TextView path);
+
+// The bytes of a normal file; not open where there is none. A pipe, which would be waited for, is none.
+std::ifstream OpenToRead(const std::filesystem::path& file);
 
 }  // namespace platform

@@ -1,6 +1,5 @@
 #include "platform/desktop/qt/QtPictureFiles.h"
 
-#include <fstream>
 #include <iterator>
 
 #include "platform/desktop/Paths.h"
@@ -13,8 +12,8 @@ Text QtPictureFiles::Dir(TextView path) const {
 }
 
 forms::PictureRef QtPictureFiles::LoadPicture(TextView path) const {
-    std::ifstream file(RealPath(path), std::ios::binary);
-    if (!file) throw RuntimeError(ErrorNumber::FileNotFound, ToUtf8(path));
+    std::ifstream file = OpenToRead(RealPath(path));
+    if (!file.is_open()) throw RuntimeError(ErrorNumber::FileNotFound, ToUtf8(path));
     auto picture = std::make_shared<forms::Picture>(std::string(std::istreambuf_iterator<char>(file), {}));
     forms::Drawing drawing;
     drawing.Take(picture);
