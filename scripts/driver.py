@@ -166,10 +166,17 @@ class Driver:
 
     def raise_window(self, title):
         """Brings a window to the front, for the clicks that follow."""
-        self._xdotool("search", "--onlyvisible", "--name", name_pattern(title), "windowactivate", "--sync")
+        self._tell_window(title, "windowactivate", "--sync")
 
     def move_window(self, title, left, top):
-        self._xdotool("search", "--onlyvisible", "--name", name_pattern(title), "windowmove", left, top)
+        self._tell_window(title, "windowmove", left, top)
+
+    @staticmethod
+    def _tell_window(title, *command):
+        """A program speaks of a window as shown when it has asked for it; until the screen shows it, none is found."""
+        search = ["xdotool", "search", "--onlyvisible", "--name", name_pattern(title), *map(str, command)]
+        wait_for(lambda: subprocess.run(search, check=False, stdout=subprocess.DEVNULL).returncode == 0, LIMIT,
+                 f"the window '{title}' to be shown")
 
     def click(self, node, place=MIDDLE, button=1):
         wait_for(lambda: self.is_enabled(node), LIMIT, f"'{node.get_name()}' to be enabled")
