@@ -141,7 +141,7 @@ def run_family(family, options, report, folder):
     print(f"  {family}: {len(good.trace)} calls in one life, {len(tasks)} failures", flush=True)
     for life in work_off(campaign.BUILD, folder, tasks, live):
         outcome, why = judge.outcome(life)
-        function, _, code = (life.failed or "(behind the end)").partition(" ")
+        function, _, code = (life.failed or "none").partition(" ")
         counts[function][outcome or "fault"] += 1
         if not outcome:
             report.fault(f"--only {life.name} ({function} gives {code}): {why}; it had come to {life.seen.steps[-1:]}")
