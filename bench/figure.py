@@ -5,7 +5,7 @@ from dataclasses import dataclass, field
 
 @dataclass
 class Figure:
-    """A ratio of what was measured to its floor; both in `unit`, with the spread of the ratio between quartiles.
+    """A ratio of what was measured to its floor; both in `unit`, with quartiles of what was measured against the floor.
 
     `series` has what an item takes at each size, where the figure tells of growth.
     """
@@ -22,12 +22,10 @@ class Figure:
 
     @classmethod
     def of(cls, name, what, unit, measured, floors, limit):
-        """From pairs that were measured in turn; a floor that is no measurement may be one number."""
-        if not isinstance(floors, list | tuple):
-            floors = [floors] * len(measured)
-        ratios = [value / floor for value, floor in zip(measured, floors, strict=True)]
-        low, _, high = statistics.quantiles(ratios, n=4)
-        middle, floor = statistics.median(measured), statistics.median(floors)
+        """From measurements that were made in turn; a floor that is no measurement may be one number."""
+        floor = statistics.median(floors) if isinstance(floors, list | tuple) else floors
+        low, _, high = (quartile / floor for quartile in statistics.quantiles(measured, n=4))
+        middle = statistics.median(measured)
         return cls(name, what, unit, middle, floor, middle / floor, low, high, limit)
 
     @classmethod
@@ -43,12 +41,16 @@ class Figure:
         return self.ratio <= self.limit
 
 
+def number(value):
+    return f"{value:,.0f}" if value >= 1000 else f"{value:.4g}"
+
+
 def table(figures):
     lines = ["| Name | What | Measured | Floor | Ratio | Quartiles | At most |", "|---|---|---:|---:|---:|---:|---:|"]
     for figure in figures:
         mark = "" if figure.holds else " (!)"
-        lines.append(f"| {figure.name} | {figure.what} | {figure.measured:.4g} {figure.unit} | "
-                     f"{figure.floor:.4g} {figure.unit} | {figure.ratio:.2f}{mark} | "
+        lines.append(f"| {figure.name} | {figure.what} | {number(figure.measured)} {figure.unit} | "
+                     f"{number(figure.floor)} {figure.unit} | {figure.ratio:.2f}{mark} | "
                      f"{figure.low:.2f}–{figure.high:.2f} | {figure.limit} |")
     return "\n".join(lines)
 

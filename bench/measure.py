@@ -12,6 +12,7 @@ import manual  # noqa: E402
 import routines  # noqa: E402
 from arrangement import Arrangement  # noqa: E402
 from figure import growth_table, table  # noqa: E402
+from interruption import run  # noqa: E402
 from machine import machine  # noqa: E402
 from plot import plot  # noqa: E402
 from programs import Bench  # noqa: E402
@@ -32,7 +33,7 @@ REPORT, PICTURE = SOURCES / "docs/measurements.md", SOURCES / "docs/pictures/fig
 
 
 def arguments():
-    parser = argparse.ArgumentParser(prog="bench/run")
+    parser = argparse.ArgumentParser(prog="bench/run", usage="%(prog)s [NAME...] [--runs N] [--record]")
     parser.add_argument("build", type=Path)
     parser.add_argument("names", nargs="*", metavar="NAME")
     parser.add_argument("--runs", type=int, default=15)
@@ -77,4 +78,4 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run(main))

@@ -6,6 +6,7 @@ a hang or a damaged register.
 
 A fault tells the call as FAMILY:N:VARIANT; --only FAMILY:N:VARIANT takes that one again.
 """
+import argparse
 import random
 import re
 import sys
@@ -119,6 +120,14 @@ class Judge:
         return "error for the host" if host_was_told else "passed over", ""
 
 
+def failure_named(text):
+    """What --only tells."""
+    found = re.fullmatch(rf"({'|'.join(FAMILIES)}):(\d+):(\d+)", text)
+    if not found:
+        raise argparse.ArgumentTypeError(f"'{text}' is no failure")
+    return found[1], int(found[2]), int(found[3])
+
+
 def tasks_of(good, options):
     """Every call with every code, or a sample of them. The second lookup repeats the first, and isn't failed."""
     first, last = good.marks["lookup 1"], good.marks["release"]
@@ -154,14 +163,13 @@ def run_family(family, options, report, folder):
 
 def main():
     parser = campaign.arguments("calls", __doc__)
-    parser.add_argument("--only", metavar="FAMILY:N:VARIANT", help="this failure alone, and all that was seen of it")
+    parser.add_argument("--only", metavar="FAMILY:N:VARIANT", type=failure_named, help="this failure alone, and all that was seen of it")
     parser.add_argument("--family", choices=FAMILIES, help="one family alone")
     parser.add_argument("--verbose", action="store_true", help="a line for each life")
     options = campaign.parse(parser)
     folder = campaign.BUILD / "campaigns" / ("calls-only" if options.only else "calls")
     if options.only:
-        family, number, variant = options.only.split(":")
-        tasks = [(family, 0, 0), (family, int(number), int(variant))]
+        tasks = [(options.only[0], 0, 0), options.only]
         good, life = work_off(campaign.BUILD, folder, tasks, live, workers=1)
         outcome, why = Judge(good).outcome(life)
         print(life, f"\n{life.failed}: {outcome or why}")
@@ -169,8 +177,8 @@ def main():
     report = campaign.Report("calls", options, "Function", "Failures", "What came of them")
     for family in [options.family] if options.family else FAMILIES:
         run_family(family, options, report, folder)
-    return report.finish()
+    return report.finish(f"{sum(int(row[1]) for row in report.rows):,} calls that fail")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(campaign.run(main))

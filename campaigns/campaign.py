@@ -1,5 +1,6 @@
 """What all campaigns share: their arguments, and the Markdown report that tells what came of one."""
 import argparse
+import fcntl
 import os
 import random
 import shlex
@@ -9,6 +10,7 @@ from datetime import datetime
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "scripts"))
+from interruption import run  # noqa: E402, F401: what each campaign gives its main to
 from machine import machine  # noqa: E402
 
 BUILD = Path(os.environ["HORALINK_BUILD"]).resolve()
@@ -24,12 +26,37 @@ def arguments(name, description):
 
 
 def parse(parser):
+    """`is_part` is true for what is less than the long form: it proves nothing of the whole."""
     options, given = parser.parse_args(), sys.argv[1:]
+    if not (BUILD / "src/horalink").exists():
+        parser.error(f"there is no build of the add-in in {BUILD}")
+    have_for_itself(parser)
+    options.is_part = any(value != parser.get_default(name) for name, value in vars(options).items()
+                          if name not in ("seed", "verbose"))
     if options.seed is None:
         options.seed = random.SystemRandom().randrange(1_000_000)
         given = [*given, "--seed", str(options.seed)]
     options.command = command(parser, given)
     return options
+
+
+def have_for_itself(parser):
+    """Two runs of one campaign would clear each other's installations away; the lock ends with the process."""
+    name = parser.prog.split()[-1]
+    (BUILD / "campaigns").mkdir(exist_ok=True)
+    lock = os.open(BUILD / f"campaigns/{name}.lock", os.O_CREAT | os.O_WRONLY | os.O_CLOEXEC)
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        parser.error(f"'{name}' is running in {BUILD} already")
+
+
+def positive(text):
+    """A number of what is to be done."""
+    number = int(text)
+    if number < 1:
+        raise ValueError
+    return number
 
 
 def command(parser, given):
@@ -38,11 +65,12 @@ def command(parser, given):
 
 
 class Report:
-    """Collects rows and faults; `finish` writes build/campaigns/NAME.md and gives the exit status."""
+    """Collects rows and faults; `finish` writes build/campaigns/NAME.md, or NAME-part.md where it was but a part, and
+    gives the exit status."""
 
     def __init__(self, name, options, *columns):
         self.name, self.columns = name, columns
-        self.command = options.command
+        self.command, self.is_part = options.command, options.is_part
         self.began = time.monotonic()
         self.rows, self.faults = [], []
         print(f"{self.command}, on {machine()}", flush=True)
@@ -70,9 +98,10 @@ class Report:
 
     def finish(self, summary=""):
         """The summary is what the table of all campaigns tells beside the outcome."""
-        folder = BUILD / "campaigns"
-        folder.mkdir(parents=True, exist_ok=True)
-        report = folder / f"{self.name}.md"
+        if not self.rows:
+            self.fault("nothing was done")
+        (BUILD / "campaigns").mkdir(exist_ok=True)
+        report = BUILD / "campaigns" / f"{self.name}{'-part' if self.is_part else ''}.md"
         report.write_text(self.text(summary), encoding="utf-8")
         print(f"{len(self.faults)} faults" if self.faults else "passed", f"- see {report}", flush=True)
         return 1 if self.faults else 0

@@ -215,7 +215,7 @@ def main():
         if jumps:
             with life_of(arrangement, operator, report, options, "jumps") as life:
                 take_jumps(life, report, jumps)
-    return report.finish()
+    return report.finish(f"{len(report.rows)} moments and jumps")
 
 
 def take_jumps(life, report, jumps):
@@ -229,4 +229,4 @@ def take_jumps(life, report, jumps):
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(campaign.run(main))

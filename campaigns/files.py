@@ -7,8 +7,10 @@ makes of a text is the text from then on.
 
 A fault tells its case; --only CASE takes that one again.
 """
+import argparse
 import os
 import random
+import re
 import shutil
 import subprocess
 import sys
@@ -153,6 +155,15 @@ def all_cases(chance, report):
         report.row("full", "not tried: no disk can be mounted here", 0, "")
 
 
+def case_named(text):
+    """What --only tells."""
+    names, hows, steps, denials = ("|".join(each) for each in (NAMES, SWAPS, STEPS, DENIALS))
+    form = rf"(inverted|cut|bit)/({names})/\d+|swapped/({names})/({hows})/({steps})|denied/({names})/({denials})|full/({names})"
+    if not re.fullmatch(form, text):
+        raise argparse.ArgumentTypeError(f"there is no case '{text}'")
+    return text
+
+
 def live(arrangement, driver, text):
     file = database_file(arrangement, REGISTER)
     case = Case(text)
@@ -186,7 +197,7 @@ def outcome_of(text, seen, damage, good):
 
 def main():
     parser = campaign.arguments("files", __doc__)
-    parser.add_argument("--only", metavar="CASE", help="this case alone, and all that was seen of it")
+    parser.add_argument("--only", metavar="CASE", type=case_named, help="this case alone, and all that was seen of it")
     options = campaign.parse(parser)
     report = campaign.Report("files", options, "What was done", "To", "Times", "What came of it")
     cases = [options.only] if options.only else list(all_cases(random.Random(options.seed), report))
@@ -208,8 +219,8 @@ def main():
             print(seen)
     for (kind, name), outcomes in sorted(counts.items()):
         report.row(kind, name, outcomes.total(), ", ".join(f"{n} {what}" for what, n in outcomes.most_common()))
-    return report.finish()
+    return report.finish(f"{len(cases)} cases")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(campaign.run(main))

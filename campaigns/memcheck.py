@@ -48,11 +48,15 @@ def main():
                          arrangement.folder / "errors.txt")
         with life.lived("under valgrind"):
             live(life, told)
+        summary = ""
         for line in told.read_text(encoding="utf-8").splitlines():
             if "ERROR SUMMARY" in line or "definitely lost" in line:
                 report.row(line.partition("==")[2].partition("== ")[2].strip())
-    return report.finish()
+                summary = report.rows[-1][0]
+        if "ERROR SUMMARY: 0 errors" not in summary:
+            report.fault("valgrind doesn't tell of 0 errors in the end")
+    return report.finish(summary.removeprefix("ERROR SUMMARY: ").partition(" (")[0])
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(campaign.run(main))

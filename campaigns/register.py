@@ -66,8 +66,7 @@ class AddIn:
         self.host = Silent(self.bus)
         environment = {**arrangement.environment, "DBUS_SESSION_BUS_ADDRESS": address, "LD_PRELOAD": str(LIBRARY),
                        "FAILING_CALLS": calls, "FAILING_CALLS_TRACE": str(self.pipe)}
-        self.process = subprocess.Popen([str(arrangement.add_in), "-Embedding"], env=environment,
-                                        start_new_session=True)
+        self.arrangement, self.process = arrangement, arrangement.start([arrangement.add_in, "-Embedding"], environment)
         wait_for(lambda: self.bus.name_has_owner(ADD_IN) or self.process.poll() is not None, LIMIT, "the add-in to serve")
         self.listen(0)
 
@@ -144,6 +143,7 @@ class AddIn:
 
     def leave(self, status=None):
         self.process.wait(LIMIT)
+        self.arrangement.processes.remove(self.process)
         self.listen(0)
         self.calls = [call for call in self.calls if not call.isdigit()]  # the signal of a kill
         wait_for(lambda: not self.bus.name_has_owner(ADD_IN), LIMIT, "the name to be free")
@@ -262,7 +262,7 @@ def work(arrangement, driver, task):
 
 def main():
     parser = campaign.arguments("register", __doc__)
-    parser.add_argument("--kills", type=int, help="how many (default: 1,000; 80 with --short)")
+    parser.add_argument("--kills", type=campaign.positive, help="how many (default: 1,000; 80 with --short)")
     options = campaign.parse(parser)
     batches = -(-(options.kills or (80 if options.short else 1000)) // BATCH)
     tasks = [((AT_A_MOMENT, AT_A_CALL)[number % 2] + (BESIDE if number % 8 >= 6 else ""), options.seed + number, BATCH)
@@ -280,10 +280,11 @@ def main():
     for mode, (count, journals, last) in sorted(sums.items()):
         report.row(mode, count, journals, ", ".join(f"{number} {call}" for call, number in last.most_common()))
     for mode in (AT_A_MOMENT, AT_A_CALL):
-        if not sums[mode][1]:
+        if not (options.kills or sums[mode][1]):
             report.fault(f"{mode}: no kill came in the middle of a write")
-    return report.finish()
+    kills = sum(total[0] for mode, total in sums.items() if mode != TOGETHER)
+    return report.finish(f"{kills:,} kills, {sums[TOGETHER][0]:,} writes at once")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(campaign.run(main))

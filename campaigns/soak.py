@@ -132,7 +132,7 @@ def live(life, report, options):
 
 def main():
     parser = campaign.arguments("soak", __doc__)
-    parser.add_argument("--rounds", type=int, help=f"how many (default {ROUNDS:,}; {SHORT_ROUNDS} with --short)")
+    parser.add_argument("--rounds", type=campaign.positive, help=f"how many (default {ROUNDS:,}; {SHORT_ROUNDS} with --short)")
     options = campaign.parse(parser)
     options.rounds = options.rounds or (SHORT_ROUNDS if options.short else ROUNDS)
     report = campaign.Report("soak", options, "Exchanges", "Objects", "Backgrounds", "Memory (KiB)", "Descriptors",
@@ -142,8 +142,8 @@ def main():
                         arrangement.folder / "errors.txt")
         with life.lived("long life"):
             live(life, report, options)
-    return report.finish()
+    return report.finish(f"{options.rounds * (CLICKS + ANSWERS):,} exchanges")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(campaign.run(main))

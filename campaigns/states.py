@@ -5,6 +5,7 @@ with commas, these in a row.
 Behind each cell the operator has seen the boxes that the table of faults tells and no other, the next lookup shows
 the answer to this very request, no reference is left on either side, or the process is gone with a good status.
 """
+import argparse
 import random
 import sys
 import time
@@ -25,7 +26,7 @@ WORKERS = 5  # most of the time they wait for limits of the add-in
 BY_NAME = {fault.name: fault for fault in FAULTS}
 SLOW = ("stops for long", "stays busy")  # these too
 ATTEMPTS = 5  # at a state that lasts for a tenth of a second
-FAULTS_PAGE = Path(__file__).resolve().parent.parent / "docs/faults.md"
+FAULTS_PAGE = campaign.BUILD / "campaigns/states/faults.md"  # becomes that of the manuals by campaigns/run --record
 
 
 @dataclass
@@ -147,10 +148,11 @@ def sweep(scene):
 PAGE = """# Faults of a host
 
 What becomes of the add-in when its host misbehaves, in every state of a request. `./campaigns/run states` brings the
-add-in into each state with a host that does at each moment what it is told, does the harm, and writes this page when
-all has come as it should. Behind each line the next lookup has shown the answer to this very request in the right
-order of calls, the add-in has given back every reference to the host's objects and kept none of its own records, and
-its process has ended with a good status when its last client went.
+add-in into each state with a host that does at each moment what it is told, does the harm, and sees all come as it
+should. Unless the process ends, the next lookup has then shown the answer to this very request in the right order of
+calls, the add-in has given back every reference to the host's objects and kept none of its own records, and its
+process has ended with a good status when its last client went. A fault stands with the states that it can meet: a call
+can only fail while it is under way.
 
 ## The states
 
@@ -203,12 +205,22 @@ def all_cells():
     return [(state, fault.name) for state in STATES for fault in FAULTS if state in fault.meets]
 
 
+def cells_named(text):
+    """What --only tells."""
+    found = []
+    for one in text.split(","):
+        state, _, fault = one.partition("/")
+        cells = [cell for cell in all_cells() if state in ("", cell[0]) and fault in ("", cell[1])]
+        if not cells:
+            raise argparse.ArgumentTypeError(f"there is no cell '{one}'")
+        found += cells
+    return found
+
+
 def chosen(options):
     cells, rng = all_cells(), random.Random(options.seed)
     if options.only:
-        wanted = [one.partition("/")[::2] for one in options.only.split(",")]
-        return [cell for state, fault in wanted for cell in cells
-                if state in ("", cell[0]) and fault in ("", cell[1])]
+        return options.only
     if not options.short:
         return rng.sample(cells, len(cells))
     # What waits for the limits of the add-in takes too long for a sample.
@@ -230,7 +242,7 @@ def tasks_of(cells):
 
 def main():
     parser = campaign.arguments("states", __doc__)
-    parser.add_argument("--only", metavar="STATE/FAULT,...", help="these cells, in a row")
+    parser.add_argument("--only", metavar="STATE/FAULT,...", type=cells_named, help="these cells, in a row")
     options = campaign.parse(parser)
     folder = campaign.BUILD / "campaigns/states"
     folder.mkdir(parents=True, exist_ok=True)
@@ -242,10 +254,12 @@ def main():
             report.row(result.state, result.fault, result.trouble and "FAULT" or result.words, f"{result.seconds:.1f}")
             if result.trouble:
                 report.fault(f"--only '{result.cells}': {result.trouble}")
-    if not (options.short or options.only or report.faults):
-        write_page(results)
-    return report.finish()
+    if not options.is_part:
+        FAULTS_PAGE.unlink(missing_ok=True)
+        if not report.faults:
+            write_page(results)
+    return report.finish(f"{len(results)} cells")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(campaign.run(main))

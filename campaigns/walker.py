@@ -235,7 +235,7 @@ def check_coverage(report, described, seen):
 
 def main():
     parser = campaign.arguments("walker", __doc__)
-    parser.add_argument("--calls", type=int,
+    parser.add_argument("--calls", type=campaign.positive,
                         help=f"calls of the walk (default {CALLS:,}; {SHORT_CALLS:,} in the short form)")
     parser.add_argument("--only", choices=("walk", "extremes"), help="leave the other half out")
     options = campaign.parse(parser)
@@ -247,8 +247,8 @@ def main():
             walk(arrangement, operator, report, options)
         if options.only != "walk" and not report.faults:
             stand_extremes(arrangement, operator, report, options)
-    return report.finish()
+    return report.finish(f"{options.calls:,} calls")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(campaign.run(main))

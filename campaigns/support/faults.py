@@ -258,7 +258,8 @@ FAULTS = [
           answering(kind="bare")),
     Fault("gives back too much", f"{ONE_CALL} gives back more arguments than were passed.", CALL_FAILS,
           answering(kind="surplus")),
-    Fault("answers at once", "`CallBack` follows right behind the answer to `SendRequest`.", {"idle": ANSWER},
+    Fault("answers at once", "The next request is answered at once: `CallBack` follows right behind the answer to "
+          "`SendRequest`.", {"idle": ANSWER},
           request_answered_at_once),
     Fault("answers now", "The host calls `CallBack` with a good answer, and otherwise goes on.",
           GOES_ON | {"idle": ANSWER, "hidden": ANSWER, "showing": ANSWER * 2, "failed": [CLOCK_READ, LOGIN_FAILED]},

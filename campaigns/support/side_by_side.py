@@ -1,8 +1,10 @@
 """Works through many small tasks on several displays at once, each with a bus and an installation of its own."""
+import contextlib
 import multiprocessing
+import os
 import signal
-import sys
 
+import interruption
 from arrangement import Arrangement
 from driver import Driver
 
@@ -11,7 +13,6 @@ WORKERS = 2
 
 def work_off(build, folder, tasks, work, workers=WORKERS):
     """Yields what `work(arrangement, driver, task)` gives for each task, in the order in which they end."""
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # takes the workers along
     context = multiprocessing.get_context("fork")
     waiting, done = context.Queue(), context.Queue()
     for task in tasks:
@@ -34,13 +35,21 @@ def work_off(build, folder, tasks, work, workers=WORKERS):
 
 
 def _serve(build, folder, waiting, done, work):
-    def end(*_):
-        done.cancel_join_thread()  # nobody reads any more
-        sys.exit(1)
+    arrangement = Arrangement(build, folder, own_display=True)
 
+    def end(*_):
+        """At once and whatever goes on, also inside a library that would pass over an exception."""
+        for process in arrangement.processes:
+            with contextlib.suppress(ProcessLookupError):
+                os.killpg(process.pid, signal.SIGTERM)
+                os.killpg(process.pid, signal.SIGCONT)  # one that stands still goes only then
+        os._exit(1)
+
+    # Ctrl+C comes to all processes of a terminal, but it is the parent that ends its workers, when it ends itself.
+    interruption.ignore()
     signal.signal(signal.SIGTERM, end)
     try:
-        arrangement = Arrangement(build, folder, own_display=True).lay_out()
+        arrangement.lay_out()
         # The add-in is started by the campaign; one that the bus started by itself would hide its end.
         for service in (folder / "services").glob("Horalink*"):
             service.unlink()

@@ -117,8 +117,8 @@ class WholeRun:
     def run(self):
         bus = dbus.bus.BusConnection(self.environment["DBUS_SESSION_BUS_ADDRESS"], mainloop=DBusGMainLoop())
         self.host = Host(bus)
-        self.process = subprocess.Popen([*self.prefix, str(self.arrangement.add_in), "-Embedding"], env=self.environment,
-                                        start_new_session=True, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        self.process = self.arrangement.start([*self.prefix, self.arrangement.add_in, "-Embedding"], self.environment,
+                                              stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
         hang, ended_early = None, True
         try:
             self.live()
@@ -132,6 +132,7 @@ class WholeRun:
             if self.process.poll() is None:
                 self.process.kill()
             errors = self.process.communicate()[1].decode(errors="replace")
+            self.arrangement.processes.remove(self.process)
             self.host.leave()
         return Seen(self.steps, self.boxes, self.names, self.process.returncode, errors, hang or self.illness(),
                     ended_early)

@@ -12,6 +12,7 @@ import campaign  # noqa: E402
 
 FUZZERS = campaign.BUILD / "fuzz/tests/fuzz"
 INPUTS = re.compile(r"stat::number_of_executed_units: (\d+)")
+AN_HOUR = 3600  # seconds
 HANG = 120  # seconds for one input: beside other work a fuzzer may stand still for long
 
 
@@ -32,9 +33,10 @@ def hunt(name, seconds):
 def main():
     parser = argparse.ArgumentParser(prog="tests/fuzz/run", description=__doc__)
     parser.add_argument("name")
-    parser.add_argument("seconds", type=int)
+    parser.add_argument("seconds", type=campaign.positive)
     options = parser.parse_args()
-    options.command = campaign.command(parser, sys.argv[1:])
+    options.command = campaign.command(parser, [options.name, str(options.seconds)])
+    options.is_part = options.seconds < AN_HOUR
     report = campaign.Report(f"fuzz-{options.name}", options, "Inputs", "Minutes of a processor")
     status, inputs = hunt(options.name, options.seconds)
     used = resource.getrusage(resource.RUSAGE_CHILDREN)
@@ -46,4 +48,4 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(campaign.run(main))
