@@ -3,8 +3,8 @@
 A killed add-in, at whatever moment, leaves a register that is whole: no damaged page, no row of another add-in lost
 or changed, its own row either old or new; and the add-in that comes next finds its way with what is left there.
 Half of the kills come at a random moment from the opening of the register on, half ahead of one of the calls by
-which the disk is changed, each in its turn; of both kinds some come while another add-in writes its row without a
-pause. And two add-ins write at once, beside that writer, without a kill.
+which the disk is changed, each in its turn; of both kinds some come while another add-in writes its row again and
+again. And two add-ins write at once, beside that writer, without a kill.
 """
 import os
 import random
@@ -154,7 +154,7 @@ class AddIn:
 
 
 class Writer:
-    """Another add-in that writes its row without a pause."""
+    """Another add-in that writes its row again and again."""
 
     def __init__(self, file):
         self.process = subprocess.Popen(["/usr/bin/python3", WRITER, file, OTHER], stdin=subprocess.PIPE,

@@ -4,18 +4,20 @@ last."""
 import select
 import sqlite3
 import sys
-
-
-PAUSE = 0.002  # seconds; without any the others would never find the register free
+import time
 
 
 def write_on(file, name):
-    number = 0
-    while number == 0 or not select.select([sys.stdin], [], [], PAUSE)[0]:
+    """Leaves the register free for as long as it has held it; the others, who wait for two seconds and then tell their
+    user that it is locked, would often not find it free otherwise."""
+    number, pause = 0, 0
+    while number == 0 or not select.select([sys.stdin], [], [], pause)[0]:
+        began = time.monotonic()
         database = sqlite3.connect(file, timeout=30)
         with database:
             database.execute("UPDATE Registry SET Version = ? WHERE AppName = ?", [str(number + 1), name])
         database.close()
+        pause = time.monotonic() - began
         number += 1
         if number == 1:
             print("begun", flush=True)
