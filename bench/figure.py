@@ -5,7 +5,8 @@ from dataclasses import dataclass, field
 
 @dataclass
 class Figure:
-    """A ratio of what was measured to its floor; both in `unit`, with quartiles of what was measured against the floor.
+    """A ratio of what was measured to its floor; both in `unit`. The ratio is the median of those of the runs, with the
+    quartiles on both sides of it.
 
     `series` has what an item takes at each size, where the figure tells of growth.
     """
@@ -22,11 +23,12 @@ class Figure:
 
     @classmethod
     def of(cls, name, what, unit, measured, floors, limit):
-        """From measurements that were made in turn; a floor that is no measurement may be one number."""
-        floor = statistics.median(floors) if isinstance(floors, list | tuple) else floors
-        low, _, high = (quartile / floor for quartile in statistics.quantiles(measured, n=4))
-        middle = statistics.median(measured)
-        return cls(name, what, unit, middle, floor, middle / floor, low, high, limit)
+        """From pairs that were measured in turn; a floor that is no measurement may be one number."""
+        if not isinstance(floors, list | tuple):
+            floors = [floors] * len(measured)
+        ratios = [value / floor for value, floor in zip(measured, floors, strict=True)]
+        low, ratio, high = statistics.quantiles(ratios, n=4)
+        return cls(name, what, unit, statistics.median(measured), statistics.median(floors), ratio, low, high, limit)
 
     @classmethod
     def of_growth(cls, name, what, unit, times, limit):
