@@ -163,7 +163,8 @@ def run_family(family, options, report, folder):
 
 def main():
     parser = campaign.arguments("calls", __doc__)
-    parser.add_argument("--only", metavar="FAMILY:N:VARIANT", type=failure_named, help="this failure alone, and all that was seen of it")
+    parser.add_argument("--only", metavar="FAMILY:N:VARIANT", type=failure_named,
+                        help="this failure alone, and all that was seen of it")
     parser.add_argument("--family", choices=FAMILIES, help="one family alone")
     parser.add_argument("--verbose", action="store_true", help="a line for each life")
     options = campaign.parse(parser)

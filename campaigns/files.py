@@ -158,8 +158,8 @@ def all_cases(chance, report):
 def case_named(text):
     """What --only tells."""
     names, hows, steps, denials = ("|".join(each) for each in (NAMES, SWAPS, STEPS, DENIALS))
-    form = rf"(inverted|cut|bit)/({names})/\d+|swapped/({names})/({hows})/({steps})|denied/({names})/({denials})|full/({names})"
-    if not re.fullmatch(form, text):
+    form = rf"(inverted|cut|bit)/N/\d+|swapped/N/({hows})/({steps})|denied/N/({denials})|full/N"
+    if not re.fullmatch(form.replace("/N", f"/({names})"), text):
         raise argparse.ArgumentTypeError(f"there is no case '{text}'")
     return text
 

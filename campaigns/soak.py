@@ -132,7 +132,8 @@ def live(life, report, options):
 
 def main():
     parser = campaign.arguments("soak", __doc__)
-    parser.add_argument("--rounds", type=campaign.positive, help=f"how many (default {ROUNDS:,}; {SHORT_ROUNDS} with --short)")
+    parser.add_argument("--rounds", type=campaign.positive,
+                        help=f"how many (default {ROUNDS:,}; {SHORT_ROUNDS} with --short)")
     options = campaign.parse(parser)
     options.rounds = options.rounds or (SHORT_ROUNDS if options.short else ROUNDS)
     report = campaign.Report("soak", options, "Exchanges", "Objects", "Backgrounds", "Memory (KiB)", "Descriptors",
