@@ -110,7 +110,8 @@ class Walk {
 
     static fs::path Place(const fs::path& here) {
         std::error_code error;
-        return fs::canonical(here.empty() ? "." : here, error);
+        const fs::path place = fs::canonical(here.empty() ? "." : here, error);
+        return error ? here : place;
     }
 
     const Route& route_;
