@@ -39,6 +39,10 @@ configure_tree() {
 # The fuzzers, in build/fuzz.
 build_fuzzers() {
   install_packages "${build_packages[@]}" "${fuzz_packages[@]}"
-  configure_tree "$top/build/fuzz" -DCMAKE_CXX_COMPILER=clang++ -DHORALINK_FUZZ=ON -DHORALINK_SANITIZE=ON
-  cmake --build "$top/build/fuzz" --target fuzzers
+  mkdir -p "$top/build"
+  (
+    flock 9  # hunts may be started side by side
+    configure_tree "$top/build/fuzz" -DCMAKE_CXX_COMPILER=clang++ -DHORALINK_FUZZ=ON -DHORALINK_SANITIZE=ON
+    cmake --build "$top/build/fuzz" --target fuzzers
+  ) 9>"$top/build/fuzz.lock"
 }
