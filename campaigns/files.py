@@ -157,9 +157,9 @@ def all_cases(chance, report):
 
 def case_named(text):
     """What --only tells."""
-    names, hows, steps, denials = ("|".join(each) for each in (NAMES, SWAPS, STEPS, DENIALS))
-    form = rf"(inverted|cut|bit)/N/\d+|swapped/N/({hows})/({steps})|denied/N/({denials})|full/N"
-    if not re.fullmatch(form.replace("/N", f"/({names})"), text):
+    name, how, step, denial = (f"({'|'.join(each)})" for each in (NAMES, SWAPS, STEPS, DENIALS))
+    form = rf"(inverted|cut|bit)/{name}/\d+|swapped/{name}/{how}/{step}|denied/{name}/{denial}|full/{name}"
+    if not re.fullmatch(form, text):
         raise argparse.ArgumentTypeError(f"there is no case '{text}'")
     return text
 

@@ -66,7 +66,8 @@ class AddIn:
         self.host = Silent(self.bus)
         environment = {**arrangement.environment, "DBUS_SESSION_BUS_ADDRESS": address, "LD_PRELOAD": str(LIBRARY),
                        "FAILING_CALLS": calls, "FAILING_CALLS_TRACE": str(self.pipe)}
-        self.arrangement, self.process = arrangement, arrangement.start([arrangement.add_in, "-Embedding"], environment)
+        self.arrangement = arrangement
+        self.process = arrangement.start([arrangement.add_in, "-Embedding"], environment)
         wait_for(lambda: self.bus.name_has_owner(ADD_IN) or self.process.poll() is not None, LIMIT, "the add-in to serve")
         self.listen(0)
 

@@ -3,6 +3,7 @@
 Everything lies in one folder and nothing outside it is touched. The processes that were started here end
 with the arrangement.
 """
+import contextlib
 import os
 import secrets
 import select
@@ -157,12 +158,15 @@ class Arrangement:
         return process
 
     @staticmethod
-    def end(process):
-        """Ends a program and all that it started."""
-        try:
+    def ask_to_end(process):
+        """A program and all that it started; what stands still goes only when it is told to go on."""
+        with contextlib.suppress(ProcessLookupError):
             os.killpg(process.pid, signal.SIGTERM)
-        except ProcessLookupError:
-            pass
+            os.killpg(process.pid, signal.SIGCONT)
+
+    def end(self, process):
+        """Ends a program and all that it started."""
+        self.ask_to_end(process)
         try:
             process.wait(5)
         except subprocess.TimeoutExpired:

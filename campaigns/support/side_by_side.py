@@ -1,5 +1,4 @@
 """Works through many small tasks on several displays at once, each with a bus and an installation of its own."""
-import contextlib
 import multiprocessing
 import os
 import signal
@@ -40,9 +39,7 @@ def _serve(build, folder, waiting, done, work):
     def end(*_):
         """At once and whatever goes on, also inside a library that would pass over an exception."""
         for process in arrangement.processes:
-            with contextlib.suppress(ProcessLookupError):
-                os.killpg(process.pid, signal.SIGTERM)
-                os.killpg(process.pid, signal.SIGCONT)  # one that stands still goes only then
+            arrangement.ask_to_end(process)
         os._exit(1)
 
     # Ctrl+C comes to all processes of a terminal, but it is the parent that ends its workers, when it ends itself.
