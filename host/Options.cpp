@@ -26,6 +26,7 @@ double Minutes(const std::string& text) {
 bool TakeSwitch(const std::string& name, Options& options) {
     if (name == "service") return options.service = true;
     if (name == "verbose") return options.verbose = true;
+    if (name == "trace") return options.trace = true;
     if (name == "help") return options.help = true;
     return false;
 }
@@ -84,6 +85,8 @@ std::string HelpText() {
   --store FILE            keeps the add-ins' named values there instead of the user's data directory
   --log FILE              writes every call that the host sees into a file, one line each
   --verbose               writes them to the standard output too
+  --trace                 has the add-in, once the bus starts it, say on standard error what it passes over in
+                          silence; the bus has that in its log
   --service               serves the exchange object without a window, and ends when nobody holds one
   --help                  this text
 

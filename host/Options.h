@@ -17,7 +17,7 @@ struct Options {
     std::optional<double> minutesAhead;  // of each exchange; without it, of their own
     std::filesystem::path store;
     std::optional<std::filesystem::path> log;
-    bool verbose = false, service = false, help = false;
+    bool verbose = false, trace = false, service = false, help = false;
     Misbehaviour misbehaviour;
 
     // The class of the exchange object.

@@ -9,6 +9,7 @@
 #include "host/MainWindow.h"
 #include "host/Options.h"
 #include "platform/automation/dbus/BusAutomation.h"
+#include "platform/automation/dbus/SessionBusNames.h"
 #include "platform/data/sqlite/SqliteEngine.h"
 #include "platform/desktop/Paths.h"
 #include "platform/desktop/ProgramFile.h"
@@ -139,7 +140,7 @@ void Host::RunWithWindow() {
 std::int16_t Host::ChosenBackground() const {
     platform::ErrorState noNumber;
     std::int16_t set = 0;
-    platform::Skip(noNumber, [&] {
+    platform::Skip(noNumber, "the stored background", [&] {
         set = platform::Value(store_.Get(storeSection, backgroundKey).value_or(Text())).ToInteger();
     });
     return set;
@@ -178,6 +179,7 @@ int Run(int argc, char** argv) {
     const auto desktop = platform::OpenDesktop(argc, argv, application, *engine);
     const auto automation =
         platform::ConnectToSessionBus(desktop->Loop(), desktop->Waits(), application.waits);
+    if (options.trace) platform::SetForStartedPrograms("HORALINK_TRACE", "1");
     Host host(options, *desktop, *automation, *engine);
     options.service ? host.RunAsService() : host.RunWithWindow();
     automation->Leave();

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "exchange/dlgAddin.h"
+#include "platform/automation/NoAutomation.h"
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/data/sqlite/SqliteEngine.h"
 #include "platform/desktop/IniSettings.h"
@@ -11,13 +12,13 @@
 #include "platform/desktop/ProgramFile.h"
 #include "platform/desktop/qt/QtDesktop.h"
 #include "shell/AddInMain.h"
+#include "shell/ServerLife.h"
 #include "shell/cOLELayer.h"
 
 namespace {
 
 using namespace platform;
-
-constexpr Milliseconds idleLimit{60000};
+using horalink::startedByAutomation;
 
 Text CommandLine(int argc, char** argv) {
     std::string line;
@@ -32,17 +33,26 @@ Application Identity(int argc, char** argv) {
     app.revision = 1;
     app.path = PathText(ProgramFile().parent_path());
     app.command = CommandLine(argc, argv);
-    app.startMode = app.command == u"-Embedding" ? 1 : 0;
+    app.startMode = app.command == u"-Embedding" ? startedByAutomation : std::int16_t{0};
     return app;
 }
 
-// Serves the class until the last object ends the process. A server that nobody uses ends by itself.
+// A stand-alone run without a bus is one whose host can't be created.
+std::unique_ptr<Automation> Connect(QtDesktop& desktop, const Application& app) {
+    try {
+        return ConnectToSessionBus(desktop.Loop(), desktop.Waits(), app.waits);
+    } catch (const RuntimeError& error) {
+        if (app.startMode == startedByAutomation) throw;
+        std::fprintf(stderr, "horalink: can't reach the session bus: %s\n", error.what());
+        return std::make_unique<NoAutomation>(desktop.Loop(), desktop.Waits(), app.waits);
+    }
+}
+
+// Serves the class until the last object ends the process.
 void Serve(horalink::AddInMain& main, Automation& automation, EventLoop& loop) {
-    HandleRef idle;
-    const auto startIdling = [&] { idle = loop.After(idleLimit, [&] { main.End(); }); };
-    automation.WhenInUse([&](bool inUse) { inUse ? idle.reset() : startIdling(); });
-    startIdling();
-    automation.ServeClass(horalink::cOLELayer::className, [&] { return horalink::cOLELayer::Create(main); });
+    horalink::ServerLife life(automation, loop, [&] { main.End(); });
+    main.Retire = [&] { life.Retire(); };
+    life.Serve(horalink::cOLELayer::className, [&] { return horalink::cOLELayer::Create(main); });
     loop.Run();
 }
 
@@ -58,7 +68,7 @@ void Run(int argc, char** argv) {
     int qtArguments = 1;
     const auto engine = MakeSqliteEngine();
     const auto desktop = OpenDesktop(qtArguments, argv, app, *engine);
-    const auto automation = ConnectToSessionBus(desktop->Loop(), desktop->Waits(), app.waits);
+    const auto automation = Connect(*desktop, app);
     const IniSettings settings(SettingsFile());
     const SystemClock clock;
     // A server that ends before it has begun to serve must not look like one that ended well: who started
@@ -73,7 +83,6 @@ void Run(int argc, char** argv) {
         *automation,
         desktop->Loop(),
         desktop->Boxes(),
-        desktop->Waits(),
         desktop->TheScreen(),
         desktop->Toolkit(),
         desktop->Pictures(),

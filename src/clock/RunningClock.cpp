@@ -10,14 +10,14 @@ using namespace platform;
 
 void RunningClock::UpdateDisplay() {
     ErrorState error;
-    if (controls_.chkTrackDate->Value() == 1) Skip(error, [&] { FollowDate(); });
-    if (controls_.chkTrack->Value() == 1) Skip(error, [&] { FollowTime(); });
+    if (controls_.chkTrackDate->Value() == 1) Skip(error, "showing the date", [&] { FollowDate(); });
+    if (controls_.chkTrack->Value() == 1) Skip(error, "showing the time", [&] { FollowTime(); });
 }
 
 void RunningClock::FollowDate() {
-    ErrorState noDay;
-    bool agrees = false;
-    Skip(noDay, [&] { agrees = controls_.Calendar->CalendarValue().days == std::floor(clock_.Now().days); });
+    const forms::Calendar& calendar = *controls_.Calendar;
+    const bool agrees = DayExists(calendar.Year(), calendar.Month(), calendar.Day()) &&
+                        calendar.CalendarValue().days == std::floor(clock_.Now().days);
     if (!agrees) SetToday();
 }
 

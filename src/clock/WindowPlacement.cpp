@@ -17,7 +17,7 @@ struct StoredPlace {
 StoredPlace LoadPlace(const ObjectRef& host) {
     ErrorState error;
     Text key = u"MOVE", value;
-    Skip(error, [&] { Call(host, "GetComData", appName, ByRef(key), ByRef(value)); });
+    Skip(error, "GetComData", [&] { Call(host, "GetComData", appName, ByRef(key), ByRef(value)); });
     if (error.IsSet()) return {};
     const auto comma = value.find(u',');
     if (comma == Text::npos) return {value, {}};
@@ -34,7 +34,7 @@ void RestorePlace(forms::Form& form, const Screen& screen, const ObjectRef& host
         return;
     }
     ErrorState error;
-    Skip(error, [&] {
+    Skip(error, "moving to the stored place", [&] {
         const float left = Value(stored.left).ToSingle();
         form.Move(left, Value(stored.top).ToSingle());
     });
@@ -44,7 +44,7 @@ void SavePlace(const forms::Form& form, const ObjectRef& host) {
     ErrorState error;
     Text key = u"MOVE";
     Text value = Value(form.Left()).ToText() + u"," + Value(form.Top()).ToText();
-    Skip(error, [&] { Call(host, "REGComData", appName, ByRef(key), ByRef(value)); });
+    Skip(error, "REGComData", [&] { Call(host, "REGComData", appName, ByRef(key), ByRef(value)); });
 }
 
 }  // namespace horalink

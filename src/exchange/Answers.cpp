@@ -1,7 +1,8 @@
 #include "exchange/Answers.h"
 
-#include "exchange/dlgAddin.h"
+#include "exchange/ClockCommands.h"
 #include "language/LanguageMsgBox.h"
+#include "platform/runtime/Trace.h"
 #include "request/comTools.h"
 
 namespace horalink {
@@ -28,24 +29,52 @@ Text ErrorLine(const cListRequest& answer, std::int16_t i, const Text& tail) {
            u" " + tail;
 }
 
+std::string Named(std::string_view list, std::int16_t i, TextView content) {
+    return "item " + std::to_string(i) + ": " + std::string(list) + " \"" + ToUtf8(content) + "\"";
+}
+
+// Converts a text, and says what was wrong with it where that fails.
+Date Converted(const Text& text, const std::string& blame) {
+    try {
+        return DateOfText(text);
+    } catch (const RuntimeError&) {
+        throw RuntimeError(ErrorNumber::TypeMismatch, blame);
+    }
+}
+
 struct ClockParts {
     Text year, monthDay;
+    std::int16_t yearItem = -1, dayItem = -1;
     Date time;
 };
 
-void TakeItem(ClockParts& parts, const Text& role, const Text& value) {
-    if (role == u"0") parts.year = value;
-    if (role == u"1") parts.monthDay = Left(value, 5);
+void TakeItem(ClockParts& parts, const cListRequest& answer, std::int16_t i) {
+    const Text role = answer.Item(cListRequest::FirstData, i),
+               value = answer.Item(cListRequest::SecondData, i);
+    if (role == u"0") parts.year = value, parts.yearItem = i;
+    if (role == u"1") parts.monthDay = Left(value, 5), parts.dayItem = i;
     if (role == u"2")
-        parts.time = DateOfText(Mid(value, 1, 2) + u":" + Mid(value, 4, 2) + u":" + Right(value, 2));
+        parts.time = Converted(Mid(value, 1, 2) + u":" + Mid(value, 4, 2) + u":" + Right(value, 2),
+                               Named("SecondData", i, value) + " is no time");
+}
+
+Date DateOf(const ClockParts& parts) {
+    if (parts.yearItem < 0 || parts.dayItem < 0)
+        throw RuntimeError(ErrorNumber::TypeMismatch,
+                           "an item with the year, or with month and day, is missing");
+    return Converted(parts.monthDay + u"/" + parts.year,
+                     Named("SecondData", parts.yearItem, parts.year) + " and " +
+                         Named("SecondData", parts.dayItem, parts.monthDay) + " are no date");
 }
 
 ClockParts PartsOfAnswer(const cListRequest& answer) {
     ClockParts parts;
     for (std::int16_t i = 0; i < answer.Count(); ++i) {
         const Text value = answer.Item(cListRequest::SecondData, i);
-        if (LookupAnswerText(value) > -1) throw RuntimeError(ErrorNumber::TypeMismatch, ToUtf8(value));
-        TakeItem(parts, answer.Item(cListRequest::FirstData, i), value);
+        if (LookupAnswerText(value) > -1)
+            throw RuntimeError(ErrorNumber::TypeMismatch,
+                               Named("SecondData", i, value) + " is an answer text");
+        TakeItem(parts, answer, i);
     }
     return parts;
 }
@@ -57,40 +86,63 @@ bool TakesLongForms(TextView marketCode) {
 
 }  // namespace
 
+bool EqualsNumber(const Value& value, std::int32_t number) {
+    try {
+        return value.ToDouble() == number;
+    } catch (const RuntimeError&) {
+        return false;
+    }
+}
+
 Text UpdateErrors(const cListRequest& answer, const std::function<Text()>& accessFailure) {
     Text errors;
     for (std::int16_t i = 0; i < answer.Count(); ++i) {
         const Text text = answer.Item(cListRequest::ExtraData, i);
         const AnswerClass outcome = ClassOf(LookupAnswerText(text));
-        if (outcome == AnswerClass::Refused) errors += ErrorLine(answer, i, text);
-        if (outcome == AnswerClass::AccessFailure) errors += ErrorLine(answer, i, accessFailure());
+        if (outcome == AnswerClass::Fine) continue;
+        const bool isRefused = outcome == AnswerClass::Refused;
+        errors += ErrorLine(answer, i, isRefused ? text : accessFailure());
+        Trace(Named("ExtraData", i, text) +
+              (isRefused ? " is a refusal" : " is no answer text of an exchange") + ": update failed");
     }
     return errors;
 }
 
 Text ClockText(const cListRequest& answer, TextView marketCode, const LocaleTexts& locale) {
     const ClockParts parts = PartsOfAnswer(answer);
-    const Date date = DateOfText(parts.monthDay + u"/" + parts.year);
+    const Date date = DateOf(parts);
     const auto day = [&](TextView pattern) { return FormatDate(date, pattern, locale); };
     if (TakesLongForms(marketCode))
         return day(u"Long Date") + day(u"(aaaa)") + u"\r\n" + FormatDate(parts.time, u"Long Time", locale);
     return day(u"yyyy/mm/dd (ddd)") + u"\r\n" + FormatDate(parts.time, u"hh:nn:ss", locale);
 }
 
-void dlgAddin::ShowUpdateAnswer() {
-    const Text errors =
-        UpdateErrors(LastAnswer(), [&] { return data_.MessageTable[message::accessFailure]; });
+namespace {
+
+void ShowUpdateAnswer(const Services& services, const ModuleData& data, const cListRequest& answer) {
+    const Text errors = UpdateErrors(answer, [&] { return data.MessageTable[message::accessFailure]; });
+    if (errors.empty()) Trace("update done");
     const std::int16_t msgNo = errors.empty() ? box::updateDone : box::updateFailed;
-    ShowLanguageMsgBox(services_, data_, mode::general, msgNo, {.args = errors});
+    ShowLanguageMsgBox(services, data, mode::general, msgNo, {.args = errors});
 }
 
-void dlgAddin::ShowLookupAnswer() {
+void ShowLookupAnswer(const Services& services, const ModuleData& data, const cListRequest& answer) {
     try {
-        const Text clock = ClockText(LastAnswer(), data_.MarketCode, services_.locale);
-        ShowLanguageMsgBox(services_, data_, mode::general, box::clockRead, {.args = clock});
-    } catch (const RuntimeError&) {
-        ShowLanguageMsgBox(services_, data_, mode::general, box::lookupFailed);
+        const Text clock = ClockText(answer, data.MarketCode, services.locale);
+        Trace("clock read");
+        ShowLanguageMsgBox(services, data, mode::general, box::clockRead, {.args = clock});
+    } catch (const RuntimeError& error) {
+        Trace(std::string(error.what()) + ": reading failed");
+        ShowLanguageMsgBox(services, data, mode::general, box::lookupFailed);
     }
+}
+
+}  // namespace
+
+void ShowAnswer(const Services& services, const ModuleData& data, const cListRequest& answer) {
+    if (answer.Tag == tag::update) return ShowUpdateAnswer(services, data, answer);
+    if (answer.Tag == tag::lookup) return ShowLookupAnswer(services, data, answer);
+    Trace("Tag \"" + ToUtf8(answer.Tag) + "\" of the answer is that of no request: nothing shown");
 }
 
 }  // namespace horalink

@@ -1,7 +1,5 @@
 #include "exchange/ClockCommands.h"
 
-#include "exchange/dlgAddin.h"
-
 namespace horalink {
 
 using namespace platform;
@@ -29,7 +27,7 @@ std::shared_ptr<cListRequest> UpdateClockRequest(const DialogControls& controls,
     request->AddToList(clockCommand, dayItem,
                        FormatDate(date, u"mmdd", locale) + u"0" + DecimalText(Weekday(date) - 1));
     request->AddToList(clockCommand, timeItem, FormatDate(time, u"hhmmss", locale));
-    request->Tag = updateTag;
+    request->Tag = tag::update;
     return request;
 }
 
@@ -38,18 +36,8 @@ std::shared_ptr<cListRequest> LookupClockRequest() {
     request->AddToList(clockCommand, yearItem);
     request->AddToList(clockCommand, dayItem);
     request->AddToList(clockCommand, timeItem);
-    request->Tag = lookupTag;
+    request->Tag = tag::lookup;
     return request;
-}
-
-void dlgAddin::SendUpdateClock() {
-    auto request = UpdateClockRequest(controls_, services_.locale);
-    SubmitRequest(request);
-}
-
-void dlgAddin::SendLookupClock() {
-    auto request = LookupClockRequest();
-    SubmitRequest(request);
 }
 
 }  // namespace horalink

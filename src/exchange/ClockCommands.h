@@ -9,6 +9,11 @@
 
 namespace horalink {
 
+// By which the answer to a request is recognised.
+namespace tag {
+inline constexpr platform::TextView update = u"UPDATE_CLOCK", lookup = u"LOOKUP_CLOCK";
+}
+
 // Writes the date and time that the dialog shows. Raises 13 where these are no date or no time.
 std::shared_ptr<cListRequest> UpdateClockRequest(const DialogControls& controls,
                                                  const platform::LocaleTexts& locale);

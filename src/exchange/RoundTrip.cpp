@@ -1,5 +1,10 @@
-// The way of one request: from the tick that starts it to the answer that ends it.
-#include "exchange/dlgAddin.h"
+#include "exchange/RoundTrip.h"
+
+#include <utility>
+
+#include "exchange/Answers.h"
+#include "exchange/ClockCommands.h"
+#include "platform/automation/Patience.h"
 #include "platform/desktop/MessageBoxButtons.h"
 
 namespace horalink {
@@ -8,113 +13,151 @@ using namespace platform;
 
 namespace {
 
+struct Look {
+    bool formEnabled;
+    MousePointer pointer;
+    bool timerRuns;
+};
+
+// In the order of the states.
+constexpr Look looks[] = {
+    {true, MousePointer::Default, false},     // Idle
+    {true, MousePointer::Default, true},      // Armed
+    {true, MousePointer::Hourglass, false},   // LoggingIn
+    {true, MousePointer::Hourglass, false},   // Sending
+    {false, MousePointer::Hourglass, false},  // Waiting
+    {false, MousePointer::Hourglass, false},  // Reading
+    {true, MousePointer::Default, true},      // Answered
+    {true, MousePointer::Default, false},     // Showing
+};
+
 bool IsAccepted(const Text& result) {
     return !result.empty() && result != u"BUSY" && result != u"ERROR";
 }
 
 }  // namespace
 
-void dlgAddin::tmrEvent_Timer() {
+RoundTrip::RoundTrip(const Services& services, const ModuleData& data, Object& dialog, forms::Form& form,
+                     const DialogControls& controls, FarSide& far)
+    : services_(services), data_(data), dialog_(dialog), form_(form), controls_(controls), far_(far) {}
+
+void RoundTrip::Enter(State state) {
+    state_ = state;
+    const bool isWaiting = state == State::Waiting || state == State::Reading;
+    if (!isWaiting) ownerWatch_ = nullptr;
+    if (!isWaiting && state != State::LoggingIn && state != State::Sending) patience_ = nullptr;
+    const Look& look = looks[static_cast<std::size_t>(state)];
+    form_.Enabled = look.formEnabled;
+    services_.screen.SetPointer(look.pointer);
+    controls_.tmrEvent->Enabled = look.timerRuns;
+}
+
+// What comes next once nothing is under way: the answer ahead of the button.
+void RoundTrip::Rest() {
+    Enter(unshown_ ? State::Answered : PendingAction ? State::Armed : State::Idle);
+}
+
+void RoundTrip::Stop() {
+    PendingAction.reset();
+    unshown_ = nullptr;
+    Enter(State::Idle);
+}
+
+// The form takes no clicks in other states. One request is under way at a time, whoever calls this.
+void RoundTrip::cmdButton_Click(std::int16_t index) {
+    if (state_ != State::Idle && state_ != State::Armed && state_ != State::Answered) return;
+    PendingAction = index;
+    if (state_ == State::Idle) Enter(State::Armed);
+}
+
+void RoundTrip::tmrEvent_Timer() {
+    const auto keptForTheCalls = dialog_.shared_from_this();
+    if (state_ == State::Answered) return Show();
     ErrorState error;
-    controls_.tmrEvent->Enabled = false;
-    Skip(error, [&] { RunPendingAction(); });
+    if (state_ == State::Armed) Skip(error, "the action of a button", [&] { RunPendingAction(); });
 }
 
-void dlgAddin::RunPendingAction() {
-    switch (PendingAction) {
-        case button::hide:
-            data_.IsStandalone ? form_->Unload() : form_->Hide();
-            break;
-        case button::update:
-            SendUpdateClock();
-            break;
-        case button::lookup:
-            SendLookupClock();
-            break;
-        case showAnswer:
-            RunAnswerRoutine();
-            break;
-        default:
-            break;
-    }
+void RoundTrip::RunPendingAction() {
+    const std::int16_t action = *std::exchange(PendingAction, std::nullopt);
+    Enter(State::Idle);
+    if (action == button::hide) return data_.IsStandalone ? form_.Unload() : form_.Hide();
+    auto request =
+        action == button::update ? UpdateClockRequest(controls_, services_.locale) : LookupClockRequest();
+    SubmitRequest(request);
 }
 
-// One box at a time, whatever a host sends: the last of the answers that come meanwhile is shown behind it.
-void dlgAddin::RunAnswerRoutine() {
-    if (std::exchange(isShowing_, true)) {
-        cameMeanwhile_ = true;
-        return;
-    }
-    const auto keptForTheBox = shared_from_this();
+// One box at a time, whatever a host sends: the last good answer that comes meanwhile is shown behind it.
+void RoundTrip::Show() {
+    const auto answer = std::exchange(unshown_, nullptr);
+    Enter(State::Showing);
     ErrorState error;
-    const Text tag = LastAnswer().Tag;
-    if (tag == updateTag) Skip(error, [&] { ShowUpdateAnswer(); });
-    if (tag == lookupTag) Skip(error, [&] { ShowLookupAnswer(); });
-    isShowing_ = false;
-    if (std::exchange(cameMeanwhile_, false)) controls_.tmrEvent->Enabled = true;
+    Skip(error, "showing the answer", [&] { ShowAnswer(services_, data_, *answer); });
+    if (state_ == State::Showing) Rest();
 }
 
-cListRequest& dlgAddin::LastAnswer() {
-    if (!LastResponse) LastResponse = std::make_shared<cListRequest>();
-    return *LastResponse;
+ObjectRef RoundTrip::ExchangeObject(const PatienceRef& patience) const {
+    if (data_.IsStandalone) return services_.automation.Within(far_.DirectHost, patience);
+    const ObjectRef host = services_.automation.Within(far_.HostObject, patience);
+    return services_.automation.Within(Get(host, "oPBX").ToObject(), patience);
 }
 
-ObjectRef dlgAddin::ExchangeObject() const {
-    return data_.IsStandalone ? DirectHost : Get(HostObject, "oPBX").ToObject();
+void RoundTrip::ReportProgress(const Text& result, const PatienceRef& patience) {
+    if (data_.IsStandalone) return;
+    Call(services_.automation.Within(far_.HostObject, patience), "ShowMessage",
+         data_.MessageTable[message::progress] + u": " + result);
 }
 
-void dlgAddin::ReportProgress(const Text& result) {
-    if (!data_.IsStandalone)
-        Call(HostObject, "ShowMessage", data_.MessageTable[message::progress] + u": " + result);
-}
-
-bool dlgAddin::SubmitRequest(std::shared_ptr<cListRequest>& request) {
-    if (!LogIn()) return false;
+bool RoundTrip::SubmitRequest(std::shared_ptr<cListRequest>& request) {
+    const PatienceRef patience = patience_ = services_.automation.NewPatience();
+    if (!LogIn(patience)) return false;
     ErrorState error;
-    Skip(error, [&] { ReportProgress(LoginResult); });
+    Skip(error, "ShowMessage of the login", [&] { ReportProgress(LoginResult, patience); });
     if (!IsAccepted(LoginResult)) {
-        services_.screen.SetPointer(MousePointer::Default);
+        Rest();
         return false;
     }
-    Skip(error, [&] { Put(request, "LoginID", LoginResult); });
-    Skip(error, [&] { Put(request, "PBXName", PBXName); });
+    Enter(State::Sending);
+    givenUp_.erase(LoginResult);
+    Skip(error, "LoginID of the request", [&] { Put(request, "LoginID", LoginResult); });
+    Skip(error, "PBXName of the request", [&] { Put(request, "PBXName", far_.PBXName); });
     ObjectRef exchange;
-    Skip(error, [&] {
-        exchange = ExchangeObject();
+    Skip(error, "SendRequest", [&] {
+        exchange = ExchangeObject(patience);
         SendResult = Call(exchange, "SendRequest", ByRef(request)).ToText();
     });
     // A host that could not be told of the login counts as one that did not take the request.
     if (error.IsSet()) SendResult.clear();
     error.Clear();
-    isAnswered_ = false;
-    Skip(error, [&] { ReportProgress(SendResult); });
-    if (IsAccepted(SendResult)) {
-        // The host may answer while it is told that its word has come; then there is nothing to wait for.
-        if (!isAnswered_) StartWaiting(exchange);
-        return true;
-    }
-    CloseLogin(LoginResult);
+    const bool isAccepted = IsAccepted(SendResult);
+    // Ahead of the word to the host, which may answer as soon as it has that. Where it answered even earlier,
+    // there is nothing to wait for.
+    if (isAccepted && state_ == State::Sending) Wait(exchange);
+    Skip(error, "ShowMessage of the request", [&] { ReportProgress(SendResult, patience); });
+    if (isAccepted) return true;
+    CloseLogin(LoginResult, patience);
+    if (state_ == State::Sending) Rest();
     request = nullptr;
     return false;
 }
 
-bool dlgAddin::LogIn() {
+bool RoundTrip::LogIn(const PatienceRef& patience) {
     try {
-        services_.screen.SetPointer(MousePointer::Hourglass);
-        LoginResult = Call(ExchangeObject(), "Login", ByRef(PBXName), shared_from_this()).ToText();
+        Enter(State::LoggingIn);
+        LoginResult =
+            Call(ExchangeObject(patience), "Login", ByRef(far_.PBXName), dialog_.shared_from_this()).ToText();
         return true;
-    } catch (const RuntimeError&) {
-        ReportLoginFailure();
+    } catch (const RuntimeError& error) {
+        TraceSkipped("Login", error);
+        ReportLoginFailure(patience);
         return false;
     }
 }
 
-void dlgAddin::ReportLoginFailure() {
-    services_.screen.SetPointer(MousePointer::Default);
-    form_->Enabled = true;
+void RoundTrip::ReportLoginFailure(const PatienceRef& patience) {
+    Rest();
     // A host that can't take the message must not keep the operator from hearing of the failure.
     ErrorState error;
-    Skip(error, [&] { ReportProgress(LoginResult); });
+    Skip(error, "ShowMessage of the failed login", [&] { ReportProgress(LoginResult, patience); });
     services_.boxes.Show({data_.MessageTable[message::loginFailed],
                           buttons::exclamation,
                           data_.MessageTable[message::loginFailedTitle],
@@ -122,67 +165,103 @@ void dlgAddin::ReportLoginFailure() {
                           0});
 }
 
-// A LogOut that fails is passed over: the dialog must not stay disabled on its account.
-void dlgAddin::CloseLogin(Text loginId) {
-    waiting_.reset();
-    ErrorState error;
-    Skip(error, [&] { Call(ExchangeObject(), "LogOut", ByRef(PBXName), ByRef(loginId)); });
-    form_->Enabled = true;
-    services_.screen.SetPointer(MousePointer::Default);
+// An answer that never comes must not hold the operator: after the pending limit a box offers to give up, and
+// a host that leaves ends the wait at once.
+void RoundTrip::Wait(const ObjectRef& exchange) {
+    ownerWatch_ = exchange->WhenOwnerGone([this] {
+        if (state_ == State::Waiting) Abandon();
+    });
+    Enter(State::Waiting);
+    patience_->SpanCalls([this] { Abandon(); });
 }
 
-void dlgAddin::CallBack(ObjectRef& oResponse) {
+void RoundTrip::Abandon() {
+    givenUp_.insert(LoginResult);
+    Rest();
+    PostLogOut(LoginResult);
+}
+
+// A LogOut that fails is passed over: the dialog must not stay disabled on its account. A host that was given
+// up is not waited for again.
+void RoundTrip::CloseLogin(Text loginId, const PatienceRef& patience) {
+    if (patience->IsGivenUp()) {
+        givenUp_.insert(loginId);
+        return PostLogOut(loginId);
+    }
     ErrorState error;
-    bool show = false;
-    waiting_.reset();
-    Skip(error, [&] { CopyResponse(oResponse); });
-    JudgeOutcome(oResponse, show);
-    if (!data_.IsStandalone) TellHost(oResponse);
+    ObjectRef exchange;
+    Skip(error, "LogOut", [&] {
+        exchange = ExchangeObject(patience);
+        Call(exchange, "LogOut", ByRef(far_.PBXName), ByRef(loginId));
+    });
+    if (!exchange && patience->IsGivenUp()) PostLogOut(loginId);
+}
+
+void RoundTrip::PostLogOut(const Text& loginId) {
+    Automation& automation = services_.automation;
+    const auto logOut = [&automation, pbx = far_.PBXName, loginId](const ObjectRef& exchange) {
+        automation.Post(exchange, "LogOut", InvokeKind::Method, {pbx, loginId}, nullptr);
+    };
+    ErrorState error;
+    Skip(error, "LogOut", [&] {
+        if (data_.IsStandalone) return logOut(far_.DirectHost);
+        automation.Post(far_.HostObject, "oPBX", InvokeKind::PropertyGet, {},
+                        [logOut](const Value& exchange) { logOut(exchange.ToObject()); });
+    });
+}
+
+void RoundTrip::CallBack(ObjectRef& oResponse) {
+    const auto keptForTheCalls = dialog_.shared_from_this();
+    const bool wasWaiting = state_ == State::Waiting;
+    const PatienceRef patience = StartReading();
+    const ObjectRef response = services_.automation.Within(oResponse, patience);
+    const auto answer = LastResponse = NextRecord();
+    ErrorState error;
+    Skip(error, "CopyResponse", [&] { CopyResponse(response, *answer, *patience); });
+    const bool isGood = JudgeOutcome(response);
+    if (!data_.IsStandalone) TellHost(response, patience);
     // The key of the answer's own login; the last one where the answer doesn't tell.
     Text loginId = LoginResult;
-    Skip(error, [&] { loginId = Get(oResponse, "LoginID").ToText(); });
-    if (loginId == LoginResult) isAnswered_ = true;
-    CloseLogin(loginId);
-    oResponse = nullptr;
-    if (show) controls_.tmrEvent->Enabled = true;
-}
-
-// An answer whose ErrCode can't be read counts as no success.
-void dlgAddin::JudgeOutcome(const ObjectRef& oResponse, bool& show) {
-    ErrorState error;
-    std::int32_t errCode = outcome::messageStands;
-    Skip(error, [&] { errCode = Get(oResponse, "ErrCode").ToLong(); });
-    if (errCode == outcome::success) {
-        PendingAction = showAnswer;
-        show = true;
-        Skip(error, [&] {
-            if (Get(oResponse, "Message").ToText().empty()) Put(oResponse, "Message", u"OK");
-        });
-    } else if (errCode != outcome::messageStands) {
-        Skip(error, [&] {
-            Put(oResponse, "Message",
-                data_.MessageTable[message::answerError] + u" : <" + Get(oResponse, "ErrCode").ToText() +
-                    u">");
-        });
+    Skip(error, "LoginID of the answer", [&] { loginId = Get(response, "LoginID").ToText(); });
+    if (givenUp_.contains(loginId)) {
+        if (wasWaiting) ResumeWaiting();
+    } else {
+        CloseLogin(loginId, patience);
+        if (isGood) unshown_ = answer;
+        Finish(loginId);
     }
+    oResponse = nullptr;
 }
 
-void dlgAddin::TellHost(const ObjectRef& oResponse) {
-    ErrorState error;
-    ObjectRef shown = oResponse;
-    Skip(error, [&] { Call(HostObject, "ShowResults", form_->Caption(), ByRef(shown)); });
-    Skip(error, [&] { Call(HostObject, "ShowMessage", Get(oResponse, "Message")); });
-    Skip(error, [&] { Call(HostObject, "ShowCode", Get(oResponse, "ErrCode")); });
+// One limit over the whole of an answer: a slow host with many items must not hold the operator for as long
+// as it takes for each.
+RoundTrip::PatienceRef RoundTrip::StartReading() {
+    if (state_ == State::Reading) return patience_;
+    const PatienceRef patience = state_ == State::Waiting ? patience_ : services_.automation.NewPatience();
+    if (state_ == State::Waiting) Enter(State::Reading);
+    patience->SpanCalls();
+    return patience;
 }
 
-void dlgAddin::CopyResponse(const ObjectRef& oResponse) {
-    cListRequest& copy = LastAnswer();
-    copy.Clear();
+// Another answer may come while one is read, so each has a record of its own. Items apart, it begins as the
+// last one ended.
+std::shared_ptr<cListRequest> RoundTrip::NextRecord() const {
+    auto next = std::make_shared<cListRequest>();
+    if (LastResponse) {
+        next->ErrCode = LastResponse->ErrCode;
+        next->Tag = LastResponse->Tag;
+    }
+    return next;
+}
+
+void RoundTrip::CopyResponse(const ObjectRef& oResponse, cListRequest& copy, Patience& patience) {
     const std::int16_t count = Get(oResponse, "Count").ToInteger();
     const auto read = [&](std::string_view list, std::int16_t i) {
         return Get(oResponse, list, ByRef(i)).ToText();
     };
     for (std::int16_t i = 0; i < count; ++i) {
+        // Whoever closes the window doesn't want the rest.
+        if (form_.IsCloseWaiting()) patience.GiveUp();
         const Text cmd = read("CMD", i), fd = read("FirstData", i), sd = read("SecondData", i);
         copy.AddToList(cmd, fd, sd);
         copy.SetItem(cListRequest::ExtraData, i, read("ExtraData", i));
@@ -191,33 +270,48 @@ void dlgAddin::CopyResponse(const ObjectRef& oResponse) {
     copy.Tag = Get(oResponse, "Tag").ToText();
 }
 
-// An answer that never comes must not hold the operator: after the pending limit a box offers to give up,
-// and a host that leaves ends the wait at once.
-void dlgAddin::StartWaiting(const ObjectRef& exchange) {
-    form_->Enabled = false;
-    services_.screen.SetPointer(MousePointer::Hourglass);
-    waiting_ = std::make_unique<Waiting>();
-    ArmWaitLimit();
-    if (exchange) waiting_->ownerWatch = exchange->WhenOwnerGone([this] { AbandonRequest(); });
+// True for success. An answer whose ErrCode can't be read counts as none.
+bool RoundTrip::JudgeOutcome(const ObjectRef& oResponse) {
+    ErrorState error;
+    Value errCode = Null{};
+    Skip(error, "ErrCode of the answer", [&] { errCode = Get(oResponse, "ErrCode"); });
+    const bool isGood = EqualsNumber(errCode, outcome::success);
+    if (isGood)
+        Skip(error, "Message of the answer", [&] {
+            if (Get(oResponse, "Message").ToText().empty()) Put(oResponse, "Message", u"OK");
+        });
+    else if (!EqualsNumber(errCode, outcome::messageStands))
+        Skip(error, "Message of the answer", [&] {
+            Put(oResponse, "Message",
+                data_.MessageTable[message::answerError] + u" : <" +
+                    Get(oResponse, "ErrCode").ToTextOrEmpty() + u">");
+        });
+    return isGood;
 }
 
-void dlgAddin::ArmWaitLimit() {
-    waiting_->limit = services_.scheduler.After(Milliseconds(services_.app.waits.pendingTimeout),
-                                                [this] { OpenWaitBox(); });
+void RoundTrip::TellHost(const ObjectRef& oResponse, const PatienceRef& patience) {
+    const ObjectRef host = services_.automation.Within(far_.HostObject, patience);
+    ObjectRef shown = oResponse;
+    ErrorState error;
+    Skip(error, "ShowResults", [&] { Call(host, "ShowResults", form_.Caption(), ByRef(shown)); });
+    Skip(error, "ShowMessage of the answer", [&] { Call(host, "ShowMessage", Get(oResponse, "Message")); });
+    Skip(error, "ShowCode", [&] { Call(host, "ShowCode", Get(oResponse, "ErrCode")); });
 }
 
-void dlgAddin::OpenWaitBox() {
-    const WaitSettings& texts = services_.app.waits;
-    waiting_->box = services_.waits.Open(texts.pendingTitle, texts.pendingText, [this](bool giveUp) {
-        if (giveUp)
-            AbandonRequest();
-        else
-            ArmWaitLimit();
-    });
+// An answer that comes while a request is on its way belongs to another one, unless it bears its key. It is
+// shown when that has ended, or behind the box that is open.
+void RoundTrip::Finish(const Text& loginId) {
+    const bool isOnItsWay =
+        state_ == State::LoggingIn || (state_ == State::Sending && loginId != LoginResult);
+    if (!isOnItsWay && state_ != State::Showing) Rest();
 }
 
-void dlgAddin::AbandonRequest() {
-    CloseLogin(LoginResult);
+// Behind an answer that the request under way does not wait for.
+void RoundTrip::ResumeWaiting() {
+    if (state_ != State::Reading) return;
+    Enter(State::Waiting);
+    if (patience_->IsGivenUp()) return Abandon();
+    patience_->SpanCalls([this] { Abandon(); });
 }
 
 }  // namespace horalink

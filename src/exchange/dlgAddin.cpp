@@ -77,7 +77,8 @@ dlgAddin::dlgAddin(const Services& services, ModuleData& data)
       timeField_(controls_),
       datePicking_(controls_, runningClock_, links_),
       tracking_(controls_, runningClock_, links_),
-      contextHelp_(*form_, controls_) {
+      contextHelp_(*form_, controls_),
+      roundTrip_(services, data, *this, *form_, controls_, far_) {
     WireEvents();
     WireTimeAndDate();
     WireHelp();
@@ -93,9 +94,9 @@ const ClassDescription& dlgAddin::Class() const {
 void dlgAddin::WireEvents() {
     form_->Loading = [this] { Form_Load(); };
     form_->Unloading = [this](bool& cancel) { Form_Unload(cancel); };
-    controls_.tmrEvent->Tick = [this] { tmrEvent_Timer(); };
+    controls_.tmrEvent->Tick = [this] { roundTrip_.tmrEvent_Timer(); };
     for (auto* button : controls_.cmdButton)
-        button->Click = [this, index = button->Index()] { cmdButton_Click(index); };
+        button->Click = [this, index = button->Index()] { roundTrip_.cmdButton_Click(index); };
 }
 
 void dlgAddin::WireTimeAndDate() {
@@ -136,13 +137,13 @@ void dlgAddin::WireHelp() {
 
 DialogLinks dlgAddin::MakeLinks() {
     return {[this](std::int16_t which, bool enabled) { EnableButtons(which, enabled); },
-            [this] { return !PBXName.empty(); },
+            [this] { return !far_.PBXName.empty(); },
             [this] { ShowLanguageMsgBox(services_, data_, mode::general, box::yearOutOfRange); }};
 }
 
 void dlgAddin::Form_KeyDown(std::int16_t keyCode) {
     constexpr std::int16_t f1 = 112;
-    if (keyCode == f1 && !data_.IsStandalone) Call(HostObject, "DisplayHelp", u"Horalink.hlp");
+    if (keyCode == f1 && !data_.IsStandalone) Call(far_.HostObject, "DisplayHelp", u"Horalink.hlp");
 }
 
 void dlgAddin::IncrementCount() {
@@ -160,7 +161,8 @@ std::int16_t dlgAddin::DecrementCount() {
 void dlgAddin::Form_Load() {
     try {
         LoadSteps();
-    } catch (const RuntimeError&) {
+    } catch (const RuntimeError& error) {
+        TraceSkipped("Form_Load", error);
         LoadError = true;
     }
 }
@@ -182,7 +184,8 @@ void dlgAddin::LoadSteps() {
         return;
     }
     if (data_.IsStandalone) {
-        DirectHost = services_.automation.CreateObject(u"SwitchDeskProj" + data_.MarketCode + u".cPBXOle");
+        far_.DirectHost =
+            services_.automation.CreateObject(u"SwitchDeskProj" + data_.MarketCode + u".cPBXOle");
         PutPBXName(services_.app.command);
     }
     timeField_.Reset();
@@ -190,34 +193,38 @@ void dlgAddin::LoadSteps() {
 
 void dlgAddin::Form_Unload(bool&) {
     ErrorState error;
-    waiting_.reset();
+    roundTrip_.Stop();
+    if (Closing) Closing();
     if (data_.IsStandalone)
-        Skip(error, [&] { Call(DirectHost, "LogOut", ByRef(PBXName), ByRef(ConnectResult)); });
+        Skip(error, "LogOut",
+             [&] { Call(far_.DirectHost, "LogOut", ByRef(far_.PBXName), ByRef(ConnectResult)); });
     if (data_.AddInLanguageDb) {
-        Skip(error, [&] { data_.AddInLanguageDb->Close(); });
+        Skip(error, "closing the texts", [&] { data_.AddInLanguageDb->Close(); });
         data_.AddInLanguageDb = nullptr;
     }
-    if (HostObject) Skip(error, [&] { Call(HostObject, "UnloadChild", ByRef(ChildID)); });
+    if (far_.HostObject)
+        Skip(error, "UnloadChild", [&] { Call(far_.HostObject, "UnloadChild", ByRef(ChildID)); });
 }
 
 void dlgAddin::PutPBXName(const Text& name) {
     ErrorState error;
-    PBXName = name;
+    far_.PBXName = name;
     if (name.empty()) {
         EnableButtons(0, false);
     } else if (data_.IsStandalone) {
-        Skip(error, [&] {
-            ConnectResult = Call(DirectHost, "ConnectToPbx", ByRef(PBXName), shared_from_this()).ToText();
+        Skip(error, "ConnectToPbx", [&] {
+            ConnectResult =
+                Call(far_.DirectHost, "ConnectToPbx", ByRef(far_.PBXName), shared_from_this()).ToText();
         });
         if (!ConnectResult.empty()) EnableButtons(0, true);
     } else {
         EnableButtons(0, true);
     }
-    Skip(error, [&] { ShowCaption(); });
+    Skip(error, "the caption", [&] { ShowCaption(); });
 }
 
 void dlgAddin::ShowCaption() {
-    form_->Caption = data_.MessageTable[message::caption] + u" (" + PBXName + u")";
+    form_->Caption = data_.MessageTable[message::caption] + u" (" + far_.PBXName + u")";
 }
 
 void dlgAddin::EnableButtons(std::int16_t which, bool enabled) {
@@ -225,17 +232,12 @@ void dlgAddin::EnableButtons(std::int16_t which, bool enabled) {
     if (which == 0 || which == 1) controls_.cmdButton[button::update]->Enabled = enabled;
 }
 
-void dlgAddin::cmdButton_Click(std::int16_t index) {
-    PendingAction = index;
-    controls_.tmrEvent->Enabled = true;
-}
-
 void dlgAddin::FrmMove(const ObjectRef& parent) {
-    if (!HostObject) RestorePlace(*form_, services_.screen, parent);
+    if (!far_.HostObject) RestorePlace(*form_, services_.screen, parent);
 }
 
 void dlgAddin::FrmPositionSave() {
-    SavePlace(*form_, HostObject);
+    SavePlace(*form_, far_.HostObject);
 }
 
 void dlgAddin::BackGround(std::int16_t index) {
@@ -244,7 +246,7 @@ void dlgAddin::BackGround(std::int16_t index) {
 }
 
 void dlgAddin::TurnFlow(bool value) {
-    Call(HostObject, value ? "TurnOnFlow" : "TurnOffFlow");
+    Call(far_.HostObject, value ? "TurnOnFlow" : "TurnOffFlow");
 }
 
 }  // namespace horalink

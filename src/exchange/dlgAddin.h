@@ -1,4 +1,4 @@
-// The add-in's one dialog: its state, its members, the way of one request and the judging of answers.
+// The add-in's one dialog: its form, its members, and what its events lead to.
 #pragma once
 
 #include <memory>
@@ -8,21 +8,10 @@
 #include "clock/Layout.h"
 #include "clock/TimeField.h"
 #include "clock/Tracking.h"
-#include "request/cListRequest.h"
+#include "exchange/RoundTrip.h"
 #include "shell/ModuleData.h"
 
 namespace horalink {
-
-// What tmrEvent does on its next tick, beside the indexes of the buttons.
-inline constexpr std::int16_t showAnswer = 100;
-
-// Outcomes of a request that the code tells apart in `ErrCode`.
-namespace outcome {
-inline constexpr std::int32_t success = 0, messageStands = 99;
-}
-
-// Tags by which an answer is recognised.
-inline constexpr platform::TextView updateTag = u"UPDATE_CLOCK", lookupTag = u"LOOKUP_CLOCK";
 
 class dlgAddin : public platform::Object {
   public:
@@ -42,12 +31,12 @@ class dlgAddin : public platform::Object {
     void FrmMove(const platform::ObjectRef& parent);
     // Puts the dialog's place into the host's store.
     void FrmPositionSave();
-    void PutParent(platform::ObjectRef parent) { HostObject = std::move(parent); }
+    void PutParent(platform::ObjectRef parent) { far_.HostObject = std::move(parent); }
     void PutID(std::int16_t id) { ChildID = id; }
     // True where loading ended in a run-time error.
     bool CheckLoadError() const { return LoadError; }
     // The host's delivery of an answer; empties the variable.
-    void CallBack(platform::ObjectRef& oResponse);
+    void CallBack(platform::ObjectRef& oResponse) { roundTrip_.CallBack(oResponse); }
     // Puts on the pictures of a background set; a failure is shown to the operator.
     void BackGround(std::int16_t index);
     // Switches the host's flow on or off.
@@ -55,15 +44,10 @@ class dlgAddin : public platform::Object {
 
     platform::forms::Form& Window() { return *form_; }
     const DialogControls& Controls() const { return controls_; }
+    // For the owner of the process: the dialog is about to unload, and its texts to be closed for good.
+    std::function<void()> Closing;
 
   private:
-    // What stands open until the answer to an accepted request comes.
-    struct Waiting {
-        platform::HandleRef limit;
-        std::unique_ptr<platform::WaitBox> box;
-        std::shared_ptr<void> ownerWatch;
-    };
-
     DialogLinks MakeLinks();
     void WireEvents();
     void WireTimeAndDate();
@@ -72,33 +56,8 @@ class dlgAddin : public platform::Object {
     void Form_Load();
     void LoadSteps();
     void Form_Unload(bool& cancel);
-    void cmdButton_Click(std::int16_t index);
-    void tmrEvent_Timer();
     void EnableButtons(std::int16_t which, bool enabled);
     void ShowCaption();
-
-    void RunPendingAction();
-    void RunAnswerRoutine();
-    bool SubmitRequest(std::shared_ptr<cListRequest>& request);
-    bool LogIn();
-    void ReportLoginFailure();
-    void ReportProgress(const Text& result);
-    void CloseLogin(Text loginId);
-    void CopyResponse(const platform::ObjectRef& oResponse);
-    void JudgeOutcome(const platform::ObjectRef& oResponse, bool& show);
-    void TellHost(const platform::ObjectRef& oResponse);
-    platform::ObjectRef ExchangeObject() const;
-    cListRequest& LastAnswer();
-
-    void StartWaiting(const platform::ObjectRef& exchange);
-    void ArmWaitLimit();
-    void OpenWaitBox();
-    void AbandonRequest();
-
-    void SendUpdateClock();
-    void SendLookupClock();
-    void ShowUpdateAnswer();
-    void ShowLookupAnswer();
 
     const Services& services_;
     ModuleData& data_;
@@ -110,19 +69,13 @@ class dlgAddin : public platform::Object {
     DatePicking datePicking_;
     Tracking tracking_;
     ContextHelp contextHelp_;
-    std::unique_ptr<Waiting> waiting_;
+    FarSide far_;
+    RoundTrip roundTrip_;
 
-    Text LoginResult, ConnectResult, SendResult;
+    Text ConnectResult;
     std::int16_t ChildID = 0;
-    std::int16_t PendingAction = 0;
-    bool isAnswered_ = false;     // the request under way, since the host has taken it
-    bool isShowing_ = false;      // an answer's box is open
-    bool cameMeanwhile_ = false;  // another answer, while it is
-    Text PBXName;
     std::int16_t RefCount = 0;
     bool LoadError = false;
-    std::shared_ptr<cListRequest> LastResponse;
-    platform::ObjectRef HostObject, DirectHost;
 };
 
 }  // namespace horalink

@@ -33,7 +33,7 @@ bool UpdateAddInVersion(const Services& services, TextView base, TextView appNam
     } catch (const RuntimeError& error) {
         ShowShortNotice(services.boxes, error);
         ErrorState ignored;
-        if (registry) Skip(ignored, [&] { registry->Close(); });
+        if (registry) Skip(ignored, "closing the register", [&] { registry->Close(); });
         return false;
     }
 }

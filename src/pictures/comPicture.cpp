@@ -30,7 +30,7 @@ class HiddenPanel {
     explicit HiddenPanel(ObjectRef panel) : panel_(std::move(panel)) { Put(panel_, "Visible", false); }
     ~HiddenPanel() {
         ErrorState error;
-        Skip(error, [&] { Show(); });
+        Skip(error, "showing the panel", [&] { Show(); });
     }
     void Show() {
         if (panel_) Put(panel_, "Visible", true);
@@ -100,7 +100,7 @@ Database& Required(Database* database) {
 // A second name for a default name is dropped: the first that was read wins.
 void AddPictureFileName(Collection& names, const Text& fileName, const Text& defaultName) {
     ErrorState error;
-    Skip(error, [&] { names.Add(fileName, defaultName); });
+    Skip(error, "naming a picture", [&] { names.Add(fileName, defaultName); });
 }
 
 }  // namespace
@@ -115,7 +115,7 @@ Text GetPictureFileName(const Collection& names, const Text& defaultName) {
 
 void LoadPictureFileNames(Database* commonDb, std::int16_t index, Collection& names) {
     ErrorState error;
-    Skip(error, [&] {
+    Skip(error, "reading the names of pictures", [&] {
         const Text query = u"Select * From PictureFileName Where  ID = " + DecimalText(index);
         const auto rows = Required(commonDb).OpenRecordset(query, RecordsetType::ForwardOnly);
         for (; !rows->EndOfFile(); rows->MoveNext())

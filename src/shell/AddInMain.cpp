@@ -12,7 +12,6 @@ using namespace platform;
 
 namespace {
 
-constexpr std::int16_t startedByAutomation = 1;
 constexpr std::int32_t busyLimit = 10000, pendingLimit = 20000;  // milliseconds
 
 }  // namespace
@@ -76,6 +75,8 @@ void AddInMain::LoadAddIn() {
     services_.app.waits.busyTimeout = busyLimit;
     services_.app.waits.pendingTimeout = pendingLimit;
     Dialog().Window().Load();
+    // One that unloads itself while it loads is loaded anew with the next object.
+    if (Dialog().Window().IsLoaded()) Dialog().Closing = [this] { Retire(); };
 }
 
 }  // namespace horalink

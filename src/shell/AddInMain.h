@@ -9,6 +9,9 @@ namespace horalink {
 
 class dlgAddin;
 
+// The start mode of a process that automation started.
+inline constexpr std::int16_t startedByAutomation = 1;
+
 class AddInMain {
   public:
     explicit AddInMain(const Services& services);
@@ -21,6 +24,9 @@ class AddInMain {
     // Runs for each cOLELayer that is created: the version record, the wait limits, and the dialog, loaded
     // but not shown. A version that can't be recorded ends the process.
     void LoadAddIn();
+
+    // Called once no further object can be granted: the dialog closes for good, or the last object goes.
+    std::function<void()> Retire = [] {};
 
     // The one dialog of the process, created on first use.
     dlgAddin& Dialog();

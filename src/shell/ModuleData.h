@@ -25,7 +25,6 @@ struct Services {
     platform::Automation& automation;
     platform::Scheduler& scheduler;
     platform::MessageBoxes& boxes;
-    platform::WaitBoxes& waits;
     platform::Screen& screen;
     platform::forms::Toolkit& toolkit;
     const platform::PictureFiles& files;

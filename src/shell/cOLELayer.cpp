@@ -88,9 +88,18 @@ void cOLELayer::SetBackGround(std::int16_t index) {
     main_.Dialog().BackGround(index);
 }
 
+// Ahead of the answer to the release: whoever has it gets another process.
+void cOLELayer::LastClientLeaves() {
+    isLast_ = main_.Dialog().DecrementCount() <= 0;
+    if (isLast_) main_.Retire();
+}
+
+void cOLELayer::LastClientGone() {
+    if (isLast_) Class_Terminate();
+}
+
 void cOLELayer::Class_Terminate() {
     dlgAddin& dialog = main_.Dialog();
-    if (dialog.DecrementCount() > 0) return;
     dialog.FrmPositionSave();
     // The host is leaving: without it the unload that follows calls nobody back.
     dialog.PutParent(nullptr);

@@ -18,7 +18,8 @@ class cOLELayer : public platform::Object {
     explicit cOLELayer(AddInMain& main) : main_(main) {}
 
     const platform::ClassDescription& Class() const override;
-    void LastClientGone() override { Class_Terminate(); }
+    void LastClientLeaves() override;
+    void LastClientGone() override;
 
     // True where the dialog failed to load.
     bool RegisterPBX(const platform::Text& pbx, const platform::ObjectRef& parent, std::int16_t id);
@@ -30,6 +31,7 @@ class cOLELayer : public platform::Object {
     void Class_Terminate();
 
     AddInMain& main_;
+    bool isLast_ = false;
 };
 
 }  // namespace horalink

@@ -9,6 +9,7 @@
 #include "PrivateBus.h"
 #include "RawPeer.h"
 #include "ScriptedObject.h"
+#include "platform/automation/Patience.h"
 #include "platform/automation/dbus/BusAutomation.h"
 
 namespace platform::test {

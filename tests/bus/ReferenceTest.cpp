@@ -54,6 +54,62 @@ TEST_F(ReferenceTest, ReleaseIsAnsweredAheadOfWhatFollows) {
     EXPECT_EQ(sd_bus_message_is_method_error(release.get(), nullptr), 0);
 }
 
+TEST_F(ReferenceTest, ANameGivenBackWithTheLastObjectIsFreeForWhoHasTheAnswer) {
+    const auto object = Scripted();
+    object->whenLastClientLeaves = [this] { server->StopServing(); };
+    // What follows takes its time.
+    object->whenLastClientGone = [this] {
+        loop.ServeUntil([this] { return stranger.CallsOf("Poke") == 1; });
+    };
+    const Reference reference = CreateForStranger(object);
+    EXPECT_EQ(Plain(reference, "Release").error, "");
+    EXPECT_EQ(stranger.Call(factory, bus::factoryInterface, "CreateInstance").error,
+              "org.freedesktop.DBus.Error.ServiceUnknown");
+    Poke({stranger.Name(), "/Host"});
+}
+
+TEST_F(ReferenceTest, ACreationUnderWayIsRefusedOnceNoMoreIsServed) {
+    const Reference before = CreateForStranger(Scripted());
+    create = [&] {
+        server->StopServing();
+        EXPECT_EQ(Plain(before, "Retain").error, "") << "answered long before this ends";
+        return std::move(watched.object);
+    };
+    EXPECT_EQ(stranger.Call(factory, bus::factoryInterface, "CreateInstance").error, bus::busyErrorName);
+    EXPECT_TRUE(loop.ServeUntil([&] { return watched.IsFree(); })) << "nobody holds what came of it";
+}
+
+TEST_F(ReferenceTest, AnObjectNamedByTheClassOfItsProcessIsItself) {
+    const auto object = Scripted({Keep(kept)});
+    int gone = 0;
+    object->whenLastClientGone = [&] { ++gone; };
+    const Reference reference = CreateForStranger(object);
+    EXPECT_EQ(stranger.Invoke(reference, "Keep", 1, "(so)", "Test.cScripted", reference.path.c_str()).error,
+              "");
+    EXPECT_EQ(kept, object);
+    Plain(reference, "Release");
+    EXPECT_TRUE(loop.ServeUntil([&] { return gone == 1; })) << "it doesn't hold itself";
+}
+
+TEST_F(ReferenceTest, OnlyTheBusSaysWhoHasLeft) {
+    int told = 0;
+    const auto watch = host->WhenOwnerGone([&] { ++told; });
+    AnswerAll("");
+    Call(host, "Anything");
+    sd_bus_message* made = nullptr;
+    sd_bus_message_new_signal(stranger.Bus(), &made, "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                              "NameOwnerChanged");
+    const MessageRef signal = Adopted(made);
+    sd_bus_message_append(made, "sss", stranger.Name(), stranger.Name(), "");
+    sd_bus_message_set_destination(made, sd_bus_message_get_sender(stranger.calls.back().get()));
+    sd_bus_send(stranger.Bus(), made, nullptr);
+    Call(host, "Anything");
+    loop.ServeOnce();
+    EXPECT_EQ(told, 0);
+    stranger.Leave();
+    EXPECT_TRUE(loop.ServeUntil([&] { return told == 1; }));
+}
+
 TEST_F(ReferenceTest, APeerThatLeftBeforeItsAnswerHoldsNothing) {
     create = [&] { return stranger.Leave(), std::move(watched.object); };
     std::uint64_t cookie = 0;  // asked for, it makes the call one that wants an answer

@@ -9,10 +9,13 @@ class ScriptedObject : public Object {
   public:
     explicit ScriptedObject(ClassDescription description) : description_(std::move(description)) {}
     const ClassDescription& Class() const override { return description_; }
+    void LastClientLeaves() override {
+        if (whenLastClientLeaves) whenLastClientLeaves();
+    }
     void LastClientGone() override {
         if (whenLastClientGone) whenLastClientGone();
     }
-    std::function<void()> whenLastClientGone;
+    std::function<void()> whenLastClientLeaves, whenLastClientGone;
 
   private:
     ClassDescription description_;

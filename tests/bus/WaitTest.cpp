@@ -125,6 +125,43 @@ TEST_F(WaitTest, AfterGivingUpALateAnswerIsDroppedAndItsReferencesGoBack) {
     EXPECT_TRUE(argument.expired());
 }
 
+TEST_F(WaitTest, OnePatienceEndsWithTheFirstCallThatIsGivenUp) {
+    for (const bool spansCalls : {false, true}) {
+        stranger.calls.clear();
+        boxes = {};
+        boxes.decide = [] { return true; };
+        settings.pendingTimeout = 20;
+        const auto patience = client->NewPatience();
+        const ObjectRef object = client->Within(host, patience);
+        bool told = false;
+        if (spansCalls) patience->SpanCalls([&] { told = true; });
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(ErrorOf([&] { Call(object, "Anything"); }), 462);
+        EXPECT_EQ(stranger.CallsOf("Invoke"), 1) << "the others are not made";
+        EXPECT_EQ(boxes.opened.size(), 1U);
+        EXPECT_EQ(told, spansCalls);
+        settings.pendingTimeout = 60000;
+        AnswerAll("later");
+        EXPECT_EQ(Call(host, "Anything"), Value(u"later")) << "the object itself is as patient as ever";
+        stranger.whenCalled = nullptr;
+    }
+}
+
+TEST_F(WaitTest, APostedCallIsNotWaitedForAndTriedAgainWhileBusy) {
+    std::vector<Text> answers;
+    stranger.whenCalled = [&](const MessageRef& call) {
+        if (stranger.CallsOf("Invoke") == 1)
+            sd_bus_reply_method_errorf(call.get(), bus::busyErrorName, "later");
+        else
+            stranger.ReturnResult(call, "s", "taken");
+    };
+    client->Post(host, "Take", InvokeKind::Method, {Value(u"this")},
+                 [&](const Value& answer) { answers.push_back(answer.ToText()); });
+    EXPECT_TRUE(stranger.calls.empty());
+    EXPECT_TRUE(loop.ServeUntil([&] { return answers == std::vector<Text>{u"taken"}; }));
+    EXPECT_EQ(loop.Holds(), 0);
+    EXPECT_TRUE(boxes.opened.empty());
+}
+
 TEST_F(WaitTest, CreatingGivesUpWith429) {
     settings.pendingTimeout = 20;
     boxes.decide = [] { return true; };

@@ -3,6 +3,7 @@
 #include "ErrorOf.h"
 #include "Fakes.h"
 #include "Table.h"
+#include "platform/automation/NoAutomation.h"
 
 using namespace horalink;
 using namespace platform;
@@ -163,6 +164,7 @@ TEST_F(DialogTest, ARefusalEndsTheRequestAndNearlyARefusalIsAKey) {
         EXPECT_EQ(told.back(), text);
         EXPECT_EQ(loggedOut, count == refusedSend ? Calls{"L1"} : Calls());
         EXPECT_EQ(IsIdle(), count != accepted);
+        if (count == accepted) Deliver(Response(99));
     }
     host->answers["ShowMessage"] = Raises(1004);
     Request(1);
@@ -231,8 +233,10 @@ TEST_F(DialogTest, WaysOutOfAnAnswerThatNeverComes) {
     ASSERT_EQ(computer.waits.opened.size(), 2U) << "going on waiting starts the limit anew";
     computer.waits.opened.back().answer(true);
     EXPECT_EQ(computer.waits.open, 0);
+    EXPECT_TRUE(IsIdle()) << "a host that hangs is not waited for";
+    EXPECT_TRUE(loggedOut.empty());
+    computer.automation.AnswerPosted();
     EXPECT_EQ(loggedOut, (Calls{"L1"}));
-    EXPECT_TRUE(IsIdle());
     Request(2);
     EXPECT_FALSE(form.Enabled) << "the next request goes out";
     computer.scheduler.Pass(20000);
@@ -244,44 +248,191 @@ TEST_F(DialogTest, WaysOutOfAnAnswerThatNeverComes) {
     exchange->LeaveBus();
     EXPECT_TRUE(IsIdle()) << "a host that leaves ends the wait";
     exchange->LeaveBus();
+    computer.automation.AnswerPosted();
     EXPECT_EQ(loggedOut.size(), 1U);
 }
 
-TEST_F(DialogTest, AnswersThatComeWhileABoxIsOpenWaitBehindIt) {
+// Whatever the host hangs in, the operator gives up once, and finds the dialog free.
+TEST_F(DialogTest, AHostThatWasGivenUpIsNotWaitedForAgain) {
+    const Calls submitting{"oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage"};
+    const Calls answering{"ShowResults", "ShowMessage", "ShowCode", "oPBX", "LogOut"};
+    const auto hang = [&](RecordedObject& object, const std::string& member, std::size_t nth) {
+        const auto usual = object.answers[member];
+        object.answers[member] = [&, usual, member, nth](Arguments& a) {
+            if (static_cast<std::size_t>(std::count(calls.begin(), calls.end(), member)) != nth)
+                return usual(a);
+            computer.scheduler.Pass(20000);
+            if (computer.waits.open == 1) computer.waits.opened.back().answer(true);
+            return usual(a);
+        };
+        return [&object, member, usual] { object.answers[member] = usual; };
+    };
+    Open();
+    for (std::size_t at = 0; at < submitting.size() + answering.size(); ++at) {
+        const bool isAnswer = at >= submitting.size();
+        const Calls& made = isAnswer ? answering : submitting;
+        const std::size_t place = isAnswer ? at - submitting.size() : at;
+        const std::string member = made[place];
+        SCOPED_TRACE(member + " " + std::to_string(at));
+        const auto nth =
+            static_cast<std::size_t>(std::count(made.begin(), made.begin() + long(place) + 1, member));
+        if (isAnswer) Request(2);
+        RecordedObject& object = host->answers.contains(member) ? *host : *exchange;
+        const auto boxes = computer.waits.opened.size();
+        calls.clear();
+        const auto wake = hang(object, member, nth);
+        if (isAnswer)
+            Deliver(Response(0, u"UPDATE_CLOCK"));
+        else
+            Request(2);
+        wake();
+        EXPECT_EQ(calls, Calls(made.begin(), made.begin() + long(place) + 1))
+            << "each further call fails at once";
+        EXPECT_EQ(computer.waits.opened.size(), boxes + 1);
+        EXPECT_TRUE(form.Enabled);
+        EXPECT_EQ(computer.screen.pointer, MousePointer::Default);
+        computer.automation.AnswerPosted();
+        EXPECT_EQ(loggedOut, at < 2 ? Calls() : Calls{"L1"}) << "each accepted login, once";
+        PassTick();
+        Exchange(2, Response(99));
+        EXPECT_TRUE(IsIdle()) << "the next request is asked anew";
+    }
+}
+
+TEST_F(DialogTest, AnAnswerToALoginThatWasGivenUpIsToldAndNothingElse) {
+    Open();
+    Request(2);
+    computer.scheduler.Pass(20000);
+    computer.waits.opened.back().answer(true);
+    computer.automation.AnswerPosted();
+    exchange->answers["Login"] = Gives(u"L2");
+    for (const bool anotherIsWaiting : {false, true}) {
+        if (anotherIsWaiting) Request(2);
+        calls.clear();
+        Deliver(Response(0, u"LOOKUP_CLOCK"));
+        PassTick();
+        EXPECT_EQ(calls, (Calls{"ShowResults", "ShowMessage", "ShowCode"}));
+        EXPECT_TRUE(computer.boxes.shown.empty());
+        EXPECT_EQ(form.Enabled, !anotherIsWaiting);
+    }
+    computer.scheduler.Pass(19900);
+    EXPECT_EQ(computer.waits.open, 1) << "the other wait has its way out";
+    const auto answer = Response(0, u"UPDATE_CLOCK");
+    answer->answers["LoginID"] = Gives(u"L2");
+    Deliver(answer);
+    PassTick();
+    EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
+    EXPECT_EQ(loggedOut, (Calls{"L2"}));
+    exchange->answers["Login"] = Gives(u"L1");
+    Exchange(2, Response(0, u"UPDATE_CLOCK"));
+    EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ") << "the key of a new login";
+}
+
+// The pending limit holds for the whole of an answer, however soon each of its items comes.
+TEST_F(DialogTest, ALongAnswerOfASlowHostHasOneLimitAndOneBox) {
+    Open();
+    Request(2);
+    const auto slow = Response(0, u"LOOKUP_CLOCK");
+    int read = 0;
+    slow->answers["Count"] = Gives(std::int16_t{32767});
+    slow->answers["CMD"] = [&](Arguments&) {
+        computer.scheduler.Pass(1000);
+        if (++read == 40) computer.waits.opened.back().answer(true);
+        return Value(u"02");
+    };
+    for (const char* list : {"FirstData", "SecondData", "ExtraData"}) slow->answers[list] = Gives(u"");
+    Deliver(slow);
+    EXPECT_EQ(read, 40);
+    EXPECT_EQ(computer.waits.opened.size(), 1U);
+    EXPECT_TRUE(form.Enabled);
+    PassTick();
+    EXPECT_TRUE(computer.boxes.shown.empty());
+}
+
+TEST_F(DialogTest, BehindABoxComesTheLastAnswerThatSucceeded) {
     Open();
     Request(2);
     Deliver(Response(0, u"LOOKUP_CLOCK"));
     computer.boxes.whileOpen = [&] {
         computer.boxes.whileOpen = nullptr;
-        for (int i = 0; i < 3; ++i) {
-            Deliver(Response(0, u"UPDATE_CLOCK"));
+        for (const int errCode : {0, 0, 7}) {
+            Deliver(Response(errCode, errCode == 0 ? u"UPDATE_CLOCK" : u"LOOKUP_CLOCK"));
             PassTick();
         }
+        Click(2);
         EXPECT_EQ(computer.boxes.shown.size(), 1U);
     };
+    calls.clear();
     PassTick();
     for (int i = 0; i < 3; ++i) PassTick();
-    EXPECT_EQ(computer.boxes.shown.size(), 2U) << "the last of them";
+    EXPECT_EQ(computer.boxes.shown.size(), 2U);
     EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
     EXPECT_TRUE(IsIdle());
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "Login"), 0) << "the box takes the form's clicks";
 }
 
-TEST_F(DialogTest, OnlyTheAnswerToThisRequestSavesWaitingWhereItComesAsSoonAsTheRequestIsTaken) {
+TEST_F(DialogTest, NeitherAnswerNorClickIsLostBetweenTheTwoTicks) {
     Open();
-    for (const char16_t* login : {u"L1", u"L0"}) {
-        host->answers["ShowMessage"] = [&](Arguments& a) {
-            told.push_back(ToUtf8(a[0].ToText()));
-            if (told.back() != "entry 3: taken") return Value();
+    Request(2);
+    Deliver(Response(0, u"UPDATE_CLOCK"));
+    Click(0);
+    form.Show();
+    PassTick();
+    EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
+    PassTick();
+    EXPECT_FALSE(form.Visible()) << "behind the answer";
+    Click(2);
+    Deliver(Response(0, u"UPDATE_CLOCK"));
+    PassTick();
+    calls.clear();
+    PassTick();
+    EXPECT_EQ(calls.front(), "oPBX") << "a click that an answer of nobody came between";
+    EXPECT_FALSE(form.Enabled);
+}
+
+// Where a host answers too early, the answer counts for its own login alone.
+TEST_F(DialogTest, AnAnswerAheadOfTheWaitSavesItWhereItIsToThisRequest) {
+    Open();
+    const Table<const char*, const char16_t*, bool> cases = {
+        {"Login", u"L0", false}, {"SendRequest", u"L0", false}, {"SendRequest", u"L1", true}};
+    for (const auto& [member, login, saves] : cases) {
+        SCOPED_TRACE(member);
+        const auto usual = exchange->answers[member];
+        exchange->answers[member] = [&, &key = login](Arguments& a) {
             const auto response = Response(0, u"UPDATE_CLOCK");
-            response->answers["LoginID"] = Gives(login);
+            response->answers["LoginID"] = Gives(key);
             Deliver(response);
-            return Value();
+            return usual(a);
         };
         Request(2);
-        EXPECT_EQ(form.Enabled, login == Text(u"L1"));
-        EXPECT_EQ(computer.screen.pointer == MousePointer::Default, form.Enabled);
+        exchange->answers[member] = usual;
+        EXPECT_EQ(form.Enabled, saves);
+        EXPECT_EQ(computer.screen.pointer == MousePointer::Default, saves);
+        if (!saves) Deliver(Response(99));
         PassTick();
         EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
+        EXPECT_TRUE(IsIdle());
+    }
+}
+
+// A value is compared as it is, before anything is converted.
+TEST_F(DialogTest, OnlyZeroIsSuccessAndOnly99LeavesTheMessage) {
+    Open();
+    const Table<Value, Text, bool> cases = {{0.0, u"OK", true},
+                                            {u"0", u"OK", true},
+                                            {0.4, u"entry 6 : <0.4>", false},
+                                            {99.0, u"", false},
+                                            {u"99", u"", false},
+                                            {99.3, u"entry 6 : <99.3>", false},
+                                            {Null{}, u"entry 6 : <>", false},
+                                            {u"abc", u"entry 6 : <abc>", false}};
+    for (const auto& [errCode, message, shows] : cases) {
+        responseMessage.clear();
+        const auto response = Response(0, u"UPDATE_CLOCK");
+        response->answers["ErrCode"] = Gives(errCode);
+        Exchange(1, response);
+        EXPECT_EQ(responseMessage, message);
+        EXPECT_EQ(computer.boxes.shown.size(), shows ? 1U : 0U) << ToUtf8(message);
     }
 }
 
@@ -371,6 +522,19 @@ TEST_F(StandaloneTest, ConnectsByTheCommandLineAndWorksWithoutAHostObject) {
     Request(0);
     EXPECT_FALSE(form.IsLoaded());
     EXPECT_EQ(loggedOut.back(), "C1") << "the key of the connection";
+}
+
+TEST_F(StandaloneTest, WithoutABusTheDialogShowsWithItsButtonsDead) {
+    NoAutomation none(computer.scheduler, computer.waits, computer.app.waits);
+    Services services{
+        computer.app,       computer.clock, computer.locale, computer.settings, computer.engine, none,
+        computer.scheduler, computer.boxes, computer.screen, computer.toolkit,  computer.files,  [] {}};
+    const auto alone = std::make_shared<dlgAddin>(services, data);
+    alone->Window().Show();
+    EXPECT_TRUE(alone->Window().Visible());
+    EXPECT_TRUE(alone->CheckLoadError());
+    for (const std::size_t button : {1U, 2U}) EXPECT_FALSE(alone->Controls().cmdButton[button]->Enabled);
+    EXPECT_TRUE(computer.boxes.shown.empty());
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "FakeTime.h"
 #include "FakeWaits.h"
 #include "exchange/dlgAddin.h"
+#include "platform/automation/Patience.h"
 #include "platform/desktop/MessageBoxButtons.h"
 #include "shell/AddInMain.h"
 
@@ -130,17 +131,72 @@ class RecordedObject : public Object {
     std::weak_ptr<std::function<void()>> ownerWatch_;
 };
 
+// An object as it is reached within the operator's patience: beyond that, each call fails at once.
+class Patient : public Object {
+  public:
+    Patient(ObjectRef object, std::shared_ptr<Patience> patience)
+        : object_(std::move(object)), patience_(std::move(patience)) {}
+    const ClassDescription& Class() const override { return object_->Class(); }
+    Value Invoke(std::string_view member, InvokeKind kind, Arguments& arguments) override {
+        patience_->RequireOngoing();
+        patience_->CallSent();
+        const auto over = [](Patience* patience) { patience->CallEnded(); };
+        const std::unique_ptr<Patience, decltype(over)> sent(patience_.get(), over);
+        Value result = object_->Invoke(member, kind, arguments);
+        patience_->RequireOngoing();
+        return result;
+    }
+    std::shared_ptr<void> WhenOwnerGone(std::function<void()> gone) override {
+        return object_->WhenOwnerGone(std::move(gone));
+    }
+
+  private:
+    ObjectRef object_;
+    std::shared_ptr<Patience> patience_;
+};
+
 struct FakeAutomation : Automation {
+    FakeAutomation(Scheduler& theScheduler, WaitBoxes& theBoxes, const WaitSettings& theSettings)
+        : scheduler(theScheduler), waitBoxes(theBoxes), settings(theSettings) {}
     ObjectRef CreateObject(TextView className) override {
         created.push_back(Text(className));
         if (!exchange) throw RuntimeError(ErrorNumber::CannotCreateObject, ToUtf8(className));
         return exchange;
     }
-    void ServeClass(std::string_view, std::function<ObjectRef()>) override {}
+    std::shared_ptr<Patience> NewPatience() override {
+        return std::make_shared<Patience>(scheduler, waitBoxes, settings);
+    }
+    ObjectRef Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) override {
+        return object ? std::make_shared<Patient>(object, patience) : nullptr;
+    }
+    // Carried out when the test says so: a host that hangs answers late or never.
+    void Post(const ObjectRef& object, std::string_view member, InvokeKind kind, Arguments arguments,
+              std::function<void(const Value&)> answered) override {
+        posted.push_back([=, name = std::string(member)]() mutable {
+            const Value result = object->Invoke(name, kind, arguments);
+            if (answered) answered(result);
+        });
+    }
+    void AnswerPosted() {
+        while (!posted.empty())
+            for (const auto& call : std::exchange(posted, {})) call();
+    }
+    void ServeClass(std::string_view className, std::function<ObjectRef()> create) override {
+        served = className;
+        grant = std::move(create);
+    }
+    void StopServing() override { served.clear(); }
     void Leave() override {}
-    void WhenInUse(std::function<void(bool)>) override {}
+    void WhenInUse(std::function<void(bool)> changed) override { useChanged = std::move(changed); }
+    Scheduler& scheduler;
+    WaitBoxes& waitBoxes;
+    const WaitSettings& settings;
     std::vector<Text> created;
     ObjectRef exchange;
+    std::vector<std::function<void()>> posted;
+    std::string served;
+    std::function<ObjectRef()> grant;
+    std::function<void(bool)> useChanged;
 };
 
 struct FakeToolkit : forms::Toolkit {
@@ -211,18 +267,18 @@ struct Computer {
     FakeLocale locale;
     FakeSettings settings;
     FakeEngine engine;
-    FakeAutomation automation;
     FakeTime<Scheduler> scheduler;
     FakeBoxes boxes;
     FakeWaits waits;
+    FakeAutomation automation{scheduler, waits, app.waits};
     FakeScreen screen;
     FakeToolkit toolkit;
     FakePictureFiles files;
     std::shared_ptr<FakeDatabase> common = std::make_shared<FakeDatabase>(),
                                   language = std::make_shared<FakeDatabase>(),
                                   registry = std::make_shared<FakeDatabase>();
-    horalink::Services services{app,   clock, locale, settings, engine, automation,           scheduler,
-                                boxes, waits, screen, toolkit,  files,  [] { throw Ended(); }};
+    horalink::Services services{app,       clock, locale, settings, engine, automation,
+                                scheduler, boxes, screen, toolkit,  files,  [] { throw Ended(); }};
 };
 
 }  // namespace fakes

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include "ErrorOf.h"
 #include "Fakes.h"
 #include "Table.h"
 #include "locator/comRegMarket.h"
 #include "locator/comRegMora32.h"
+#include "shell/ServerLife.h"
 #include "shell/cOLELayer.h"
 
 using namespace horalink;
@@ -74,6 +76,70 @@ TEST_F(ShellTest, TheTitleTakesOneMarkForEachNameAndTheDialogIsPlacedOnce) {
     EXPECT_EQ(computer.app.title, u"Horalink (Main) (MAIN) (Mai)");
     EXPECT_EQ(calls, (std::vector<std::string>{"GetComData"}));
     main.Dialog().PutParent(nullptr);
+}
+
+// The process serves, and a test asks for objects as the bus would.
+struct LifeTest : ShellTest {
+    LifeTest() {
+        main.Main();
+        main.Retire = [this] { life.Retire(); };
+        life.Serve(cOLELayer::className, [this] { return cOLELayer::Create(main); });
+    }
+    ObjectRef Created() {
+        ObjectRef object = computer.automation.grant();
+        computer.automation.useChanged(true);
+        return object;
+    }
+    bool IsServing() const { return computer.automation.served == cOLELayer::className; }
+    ServerLife life{computer.automation, computer.scheduler, [] { throw fakes::Ended(); }};
+};
+
+TEST_F(LifeTest, TheNameIsGoneBeforeTheLastReleaseIsAnswered) {
+    const auto first = Created(), second = Created();
+    first->LastClientLeaves();
+    EXPECT_TRUE(IsServing());
+    first->LastClientGone();
+    second->LastClientLeaves();
+    EXPECT_FALSE(IsServing());
+    EXPECT_THROW(computer.automation.grant(), BusyError) << "asked before the name was gone";
+    EXPECT_THROW(second->LastClientGone(), fakes::Ended);
+}
+
+TEST_F(LifeTest, TheNameIsGoneBeforeTheHostHearsOfTheClose) {
+    std::vector<std::string> calls;
+    const auto host = std::make_shared<fakes::RecordedObject>(calls);
+    bool wasServing = true;
+    host->answers["UnloadChild"] = [&](Arguments&) { return wasServing = IsServing(), Value(); };
+    const auto layer = Created();
+    Call(layer, "RegisterPBX", u"Main", host, std::int16_t{1});
+    Put(layer, "Visible", true);
+    main.Dialog().Window().Unload();
+    EXPECT_FALSE(wasServing);
+    EXPECT_THROW(computer.automation.grant(), BusyError);
+    EXPECT_EQ(ErrorOf([&] { Put(layer, "Visible", true); }), 364) << "who holds an object keeps it";
+    layer->LastClientLeaves();
+    EXPECT_THROW(layer->LastClientGone(), fakes::Ended);
+}
+
+TEST_F(LifeTest, ADialogThatUnloadsItselfWhileItLoadsEndsNoService) {
+    computer.language->answers.erase(fakes::Computer::controlsQuery);
+    EXPECT_TRUE(Created());
+    EXPECT_FALSE(main.Dialog().Window().IsLoaded());
+    EXPECT_TRUE(IsServing());
+}
+
+TEST_F(LifeTest, OnlyAServerThatIsNotUsedEnds) {
+    computer.scheduler.Pass(59999);
+    computer.registry->answers.clear();
+    computer.boxes.whileOpen = [&] { computer.scheduler.Pass(600000); };
+    EXPECT_THROW(computer.automation.grant(), fakes::Ended)
+        << "by the notice, which the operator read for long";
+    EXPECT_EQ(computer.boxes.shown.size(), 1U);
+    computer.scheduler.Pass(59999);
+    computer.automation.useChanged(true);
+    computer.scheduler.Pass(600000);
+    computer.automation.useChanged(false);
+    EXPECT_THROW(computer.scheduler.Pass(60000), fakes::Ended);
 }
 
 }  // namespace

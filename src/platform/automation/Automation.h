@@ -9,6 +9,8 @@
 
 namespace platform {
 
+class Patience;
+
 // Raised by a member that can't take a call just now; the calling process tries it again.
 class BusyError : public RuntimeError {
   public:
@@ -46,12 +48,25 @@ class Automation {
     // Raises 429 where that fails for whatever reason.
     virtual ObjectRef CreateObject(TextView className) = 0;
 
+    // The operator's patience with a piece of work that is about to begin.
+    virtual std::shared_ptr<Patience> NewPatience() = 0;
+    // The same object, for calls that try this patience. One of this process is given back as it is.
+    virtual ObjectRef Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) = 0;
+
+    // Calls a member without waiting for it. `answered`, where given, gets the result; a failure is passed
+    // over. A callee that is busy is tried again until the busy limit.
+    virtual void Post(const ObjectRef& object, std::string_view member, InvokeKind kind, Arguments arguments,
+                      std::function<void(const Value&)> answered) = 0;
+
     // Serves a class to other processes under its name. Raises 429 where the name is taken already.
     virtual void ServeClass(std::string_view className, std::function<ObjectRef()> create) = 0;
 
-    // For the moment before the end: stops serving classes, so that whoever asks for one from now on starts
-    // another process; refuses as busy what was asked before and not taken yet; and sends out what has been
-    // answered or asked for.
+    // Gives the names of the served classes back, so that whoever asks for one from now on starts another
+    // process. What is sent later is heard later. A creation that is under way is refused as busy.
+    virtual void StopServing() = 0;
+
+    // For the moment before the end: stops serving, refuses as busy what was asked before and not taken yet,
+    // and sends out what has been answered or asked for.
     virtual void Leave() = 0;
 
     // Called after a client created an object, and after the last object that other processes held went.

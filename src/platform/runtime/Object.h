@@ -73,7 +73,9 @@ class Object : public std::enable_shared_from_this<Object> {
     // arguments, the conversions' errors, and what the member raises.
     virtual Value Invoke(std::string_view name, InvokeKind kind, Arguments& arguments);
 
-    // Runs when the last client of an object that lives in this process has let go of it.
+    // Run when the last client of an object that lives in this process lets go of it: ahead of the answer to
+    // its release, and behind it. The first makes no calls.
+    virtual void LastClientLeaves() {}
     virtual void LastClientGone() {}
 
     // Calls `gone` once if the process that owns the object leaves. Keep the result for as long as the

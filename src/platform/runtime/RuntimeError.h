@@ -61,13 +61,18 @@ class ErrorState {
     Text description_;
 };
 
-// Runs one statement. A run-time error abandons it, is noted in `state`, and the caller goes on.
+// Traces a statement that was abandoned, see Trace.h.
+void TraceSkipped(std::string_view statement, const RuntimeError& error);
+
+// Runs one statement. A run-time error abandons it, is noted in `state` and traced under `name`, and the
+// caller goes on.
 template <class Statement>
-void Skip(ErrorState& state, Statement&& statement) {
+void Skip(ErrorState& state, std::string_view name, Statement&& statement) {
     try {
         statement();
     } catch (const RuntimeError& error) {
         state.Set(error);
+        TraceSkipped(name, error);
     }
 }
 

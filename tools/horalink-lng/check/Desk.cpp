@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "language/FatalNotice.h"
+#include "platform/automation/NoAutomation.h"
 
 namespace lng {
 
@@ -29,16 +30,6 @@ class NoLocale : public LocaleTexts {
     Text LongTime(Date) const override { return {}; }
     Text DayName(int) const override { return {}; }
     Text ShortDayName(int) const override { return {}; }
-};
-
-class NoAutomation : public Automation {
-  public:
-    ObjectRef CreateObject(TextView className) override {
-        throw RuntimeError(ErrorNumber::CannotCreateObject, ToUtf8(className));
-    }
-    void ServeClass(std::string_view, std::function<ObjectRef()>) override {}
-    void Leave() override {}
-    void WhenInUse(std::function<void(bool)>) override {}
 };
 
 class NoWaits : public WaitBoxes {
@@ -101,8 +92,8 @@ std::optional<Notice> NoticeIn(const std::vector<MessageBox>& boxes) {
 
 struct Desk::Parts {
     explicit Parts(DatabaseEngine& engine)
-        : services{app,   clock, locale, settings, engine,   automation, scheduler,
-                   boxes, waits, screen, toolkit,  pictures, [] {}} {
+        : services{app,       clock, locale, settings, engine,   automation,
+                   scheduler, boxes, screen, toolkit,  pictures, [] {}} {
         app.path = u"ADDINS";
     }
 
@@ -110,10 +101,10 @@ struct Desk::Parts {
     SystemClock clock;
     NoLocale locale;
     NoSettings settings;
-    NoAutomation automation;
     NoScheduler scheduler;
     NotedBoxes boxes;
     NoWaits waits;
+    NoAutomation automation{scheduler, waits, app.waits};
     NoScreen screen;
     NoToolkit toolkit;
     AnyPictures pictures;

@@ -50,7 +50,7 @@ class GivenTexts {
   public:
     void Add(const ReadRow& row, const platform::forms::Form& form) {
         platform::ErrorState error;
-        Skip(error, [&] {
+        Skip(error, "a property of a control", [&] {
             const auto control = form.Item(row.at(u"ObjectName").ToText(), row.at(u"Index").ToInteger());
             for (const char* property : textProperties) {
                 const Value& text = row.at(FromUtf8(property));
@@ -72,7 +72,8 @@ std::string DesignText(const std::shared_ptr<platform::forms::Control>& control,
     std::string text;
     platform::ErrorState noSuchProperty;
     if (control->Visible)
-        Skip(noSuchProperty, [&] { text = platform::ToUtf8(platform::Get(control, property).ToText()); });
+        Skip(noSuchProperty, "a text of a control",
+             [&] { text = platform::ToUtf8(platform::Get(control, property).ToText()); });
     const bool readable = std::any_of(text.begin(), text.end(), [](char c) {
         return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || static_cast<unsigned char>(c) >= 0x80;
     });

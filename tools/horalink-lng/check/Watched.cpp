@@ -51,7 +51,7 @@ class WatchedRecordset : public Recordset {
         if (!owner_.reading_.hadRow) return;
         for (const Text& field : fields_) {
             ErrorState unreadable;
-            Skip(unreadable, [&] { owner_.reading_.row[field] = rows_->Field(field); });
+            Skip(unreadable, "reading a field", [&] { owner_.reading_.row[field] = rows_->Field(field); });
         }
     }
 

@@ -4,6 +4,7 @@
 #include "platform/automation/dbus/BusErrors.h"
 #include "platform/automation/dbus/Dispatcher.h"
 #include "platform/automation/dbus/Session.h"
+#include "platform/runtime/Guard.h"
 
 namespace platform {
 
@@ -25,7 +26,15 @@ class BusAutomation : public Automation {
         : session_(std::make_shared<Session>(loop, boxes, settings)), dispatcher_(*session_) {}
 
     ObjectRef CreateObject(TextView className) override;
+    std::shared_ptr<Patience> NewPatience() override { return session_->Calls().NewPatience(); }
+    ObjectRef Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) override;
+    void Post(const ObjectRef& object, std::string_view member, InvokeKind kind, Arguments arguments,
+              std::function<void(const Value&)> answered) override;
     void ServeClass(std::string_view className, std::function<ObjectRef()> create) override;
+    void StopServing() override {
+        session_->Bus().GiveNamesBack();
+        dispatcher_.RefuseCreations();
+    }
     void Leave() override { session_->Bus().Leave(); }
     void WhenInUse(std::function<void(bool)> changed) override {
         session_->Own().WhenInUse(std::move(changed));
@@ -56,8 +65,24 @@ ObjectRef BusAutomation::Create(const std::string& className) {
         session_->Bus().NewCall(className, bus::factoryPath, bus::factoryInterface, "CreateInstance");
     Session& session = *session_;
     const MessageRef answer = session.Calls().Call(
-        call, nullptr, [&session](sd_bus_message* late) { CreatedObject(session, late); });
+        call, nullptr, nullptr, [&session](sd_bus_message* late) { CreatedObject(session, late); });
     return CreatedObject(session, answer.get());
+}
+
+ObjectRef BusAutomation::Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) {
+    const auto remote = std::dynamic_pointer_cast<RemoteObject>(object);
+    return remote ? remote->Within(patience) : object;
+}
+
+void BusAutomation::Post(const ObjectRef& object, std::string_view member, InvokeKind kind,
+                         Arguments arguments, std::function<void(const Value&)> answered) {
+    if (!object) throw RuntimeError(ErrorNumber::ObjectNotSet);
+    if (const auto remote = std::dynamic_pointer_cast<RemoteObject>(object))
+        return remote->Post(member, kind, arguments, std::move(answered));
+    Guard([&] {
+        const Value result = object->Invoke(member, kind, arguments);
+        if (answered) answered(result);
+    });
 }
 
 void BusAutomation::ServeClass(std::string_view className, std::function<ObjectRef()> create) {

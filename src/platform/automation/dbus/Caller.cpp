@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <optional>
 
 #include "platform/automation/dbus/BusErrors.h"
 
@@ -14,147 +13,145 @@ using std::chrono::steady_clock;
 
 constexpr Milliseconds retryInterval{200};
 
-Milliseconds LimitOf(std::int32_t milliseconds) {
-    return Milliseconds(std::max(milliseconds, 0));
+bool IsError(const MessageRef& answer) {
+    return answer && sd_bus_message_is_method_error(answer.get(), nullptr) > 0;
 }
 
 }  // namespace
 
-// One call on its way. The connection holds it too until the answer comes.
-class Caller::Waiting : public std::enable_shared_from_this<Waiting> {
+// One call on its way. The connection holds it until the answer comes, a timer until it is tried again.
+class Caller::Outgoing : public std::enable_shared_from_this<Outgoing> {
   public:
-    Waiting(Caller& caller, MessageRef call, std::shared_ptr<void> kept,
-            std::function<void(sd_bus_message*)> tooLate)
-        : caller_(caller), call_(std::move(call)), kept_(std::move(kept)), tooLate_(std::move(tooLate)) {}
+    Outgoing(Caller& caller, MessageRef call, std::shared_ptr<void> kept)
+        : caller_(caller), call_(std::move(call)), kept_(std::move(kept)) {}
+    virtual ~Outgoing() = default;
 
-    void Send();
-    const bool& IsOver() const { return isOver_; }
-    // Raises 462 where there is none, and what the answer tells of.
-    MessageRef Answer();
-    // Ends everything but the wait for an answer that comes too late.
-    void Stop();
-    // As if the operator had given up.
-    void Abandon();
+    void Send() {
+        caller_.connection_.SendCall(
+            call_.get(), [self = shared_from_this()](const MessageRef& answer) { self->Take(answer); });
+        Sent();
+    }
 
-  private:
-    void Answered(const MessageRef& answer);
-    void Drop(sd_bus_message* answer);
-    void Refused();
-    void Retry();
-    void StartPendingLimit();
-    void Ask(TextView title, TextView text);
-    void Decided(bool giveUp);
+  protected:
+    virtual void Sent() {}
+    virtual void Answered(const MessageRef& answer) = 0;
+    virtual bool IsTriedAgain() = 0;
+
+    void Retry() {
+        retry_ = caller_.loop_.After(retryInterval, [self = shared_from_this()] {
+            const HandleRef over = std::move(self->retry_);
+            try {
+                self->Send();
+            } catch (const RuntimeError&) {
+                // The connection is lost.
+                self->Answered(nullptr);
+            }
+        });
+    }
+    // Answers may come after those who wanted them have gone.
+    static void Give(const Caller::Answered& taker, sd_bus_message* answer) {
+        try {
+            taker(answer);
+        } catch (const RuntimeError&) {
+            // Nobody is left who could be told that the answer made no sense.
+            return;
+        }
+    }
 
     Caller& caller_;
-    MessageRef call_, answer_;
+    HandleRef retry_;
+
+  private:
+    void Take(const MessageRef& answer) {
+        if (IsError(answer) && IsBusy(answer.get()) && IsTriedAgain()) return Retry();
+        Answered(answer);
+    }
+
+    MessageRef call_;
     std::shared_ptr<void> kept_;
-    std::function<void(sd_bus_message*)> tooLate_;
-    HandleRef pendingLimit_, retry_;
-    std::optional<steady_clock::time_point> refusedSince_;
-    std::unique_ptr<WaitBox> box_;
-    bool isOut_ = false, boxIsOpen_ = false, isOver_ = false, gaveUp_ = false;
 };
 
-void Caller::Waiting::Send() {
-    caller_.connection_.SendCall(
-        call_.get(), [self = shared_from_this()](const MessageRef& answer) { self->Answered(answer); });
-    isOut_ = true;
-    StartPendingLimit();
-}
+class Caller::Awaited : public Outgoing {
+  public:
+    Awaited(Caller& caller, MessageRef call, std::shared_ptr<Patience> patience, std::shared_ptr<void> kept,
+            Caller::Answered tooLate)
+        : Outgoing(caller, std::move(call), std::move(kept)),
+          patience_(std::move(patience)),
+          tooLate_(std::move(tooLate)) {}
 
-void Caller::Waiting::Answered(const MessageRef& answer) {
-    isOut_ = false;
-    const bool isError = answer && sd_bus_message_is_method_error(answer.get(), nullptr) > 0;
-    if (gaveUp_) return answer && !isError ? Drop(answer.get()) : void();
-    if (isError && IsBusy(answer.get())) return Refused();
-    answer_ = answer;
-    isOver_ = true;
-    Stop();
-}
-
-void Caller::Waiting::Drop(sd_bus_message* answer) {
-    try {
-        tooLate_(answer);
-    } catch (const RuntimeError&) {
-        // Nobody is left who could be told that the answer made no sense.
-        return;
+    bool IsOver() const { return isAnswered_ || patience_->IsGivenUp(); }
+    // Ends all but the wait for an answer that comes too late.
+    void Stop() {
+        isLate_ = !isAnswered_;
+        retry_.reset();
+        patience_->CallEnded();
     }
-}
-
-void Caller::Waiting::Refused() {
-    pendingLimit_.reset();
-    const auto now = steady_clock::now();
-    if (!refusedSince_) refusedSince_ = now;
-    const WaitSettings& settings = caller_.settings_;
-    if (now - *refusedSince_ >= LimitOf(settings.busyTimeout)) Ask(settings.busyTitle, settings.busyText);
-    retry_ = caller_.loop_.After(retryInterval, [this] { Retry(); });
-}
-
-void Caller::Waiting::Retry() {
-    try {
-        Send();
-    } catch (const RuntimeError&) {
-        // Without an answer the call fails like any whose connection was lost.
-        isOver_ = true;
+    // Raises 462 where there is none, and what the answer tells of.
+    MessageRef Answer() const {
+        if (!isAnswered_) patience_->RequireOngoing();
+        if (!answer_) throw RuntimeError(ErrorNumber::ServerGone, "the connection to the bus was lost");
+        if (IsError(answer_)) throw ErrorOfAnswer(answer_.get());
+        return answer_;
     }
-}
 
-void Caller::Waiting::StartPendingLimit() {
-    pendingLimit_ = caller_.loop_.After(LimitOf(caller_.settings_.pendingTimeout), [this] {
-        Ask(caller_.settings_.pendingTitle, caller_.settings_.pendingText);
-    });
-}
-
-void Caller::Waiting::Ask(TextView title, TextView text) {
-    // One question at a time; the open one offers the same choice.
-    if (boxIsOpen_ || isOver_) return;
-    boxIsOpen_ = true;
-    auto box = caller_.boxes_.Open(title, text, [waiting = weak_from_this()](bool giveUp) {
-        if (const auto self = waiting.lock()) self->Decided(giveUp);
-    });
-    box_ = std::move(box);
-}
-
-// The box has closed, but may still be running this: it is dropped later.
-void Caller::Waiting::Decided(bool giveUp) {
-    boxIsOpen_ = false;
-    if (isOver_) return;
-    gaveUp_ = isOver_ = giveUp;
-    refusedSince_.reset();
-    if (isOut_ && !giveUp) StartPendingLimit();
-}
-
-void Caller::Waiting::Stop() {
-    pendingLimit_.reset();
-    retry_.reset();
-    box_.reset();
-}
-
-void Caller::Waiting::Abandon() {
-    gaveUp_ = isOver_ = true;
-    Stop();
-}
-
-MessageRef Caller::Waiting::Answer() {
-    if (gaveUp_) throw RuntimeError(ErrorNumber::ServerGone, "the operator gave up waiting");
-    if (!answer_) throw RuntimeError(ErrorNumber::ServerGone, "the connection to the bus was lost");
-    if (sd_bus_message_is_method_error(answer_.get(), nullptr) > 0) throw ErrorOfAnswer(answer_.get());
-    return answer_;
-}
-
-MessageRef Caller::Call(const MessageRef& call, std::shared_ptr<void> kept,
-                        std::function<void(sd_bus_message*)> tooLate) {
-    const auto waiting = std::make_shared<Waiting>(*this, call, std::move(kept), std::move(tooLate));
-    waiting->Send();
-    try {
-        connection_.WaitUntil(waiting->IsOver());
-    } catch (...) {
-        // Thrown by what was served meanwhile; the routine that waits ends with it.
-        waiting->Abandon();
-        throw;
+  private:
+    void Sent() override { patience_->CallSent(); }
+    void Answered(const MessageRef& answer) override {
+        if (isLate_) return answer && !IsError(answer) ? Give(tooLate_, answer.get()) : void();
+        answer_ = answer;
+        isAnswered_ = true;
     }
-    waiting->Stop();
-    return waiting->Answer();
+    bool IsTriedAgain() override {
+        if (isLate_) return false;
+        patience_->CallRefused();
+        return true;
+    }
+
+    std::shared_ptr<Patience> patience_;
+    Caller::Answered tooLate_;
+    MessageRef answer_;
+    bool isAnswered_ = false, isLate_ = false;
+};
+
+class Caller::Posted : public Outgoing {
+  public:
+    Posted(Caller& caller, MessageRef call, std::shared_ptr<void> kept, Caller::Answered answered)
+        : Outgoing(caller, std::move(call), std::move(kept)), answered_(std::move(answered)) {}
+
+  private:
+    void Answered(const MessageRef& answer) override {
+        if (answer && !IsError(answer)) Give(answered_, answer.get());
+    }
+    bool IsTriedAgain() override {
+        return steady_clock::now() - sent_ < Milliseconds(std::max(caller_.settings_.busyTimeout, 0));
+    }
+
+    Caller::Answered answered_;
+    const steady_clock::time_point sent_ = steady_clock::now();
+};
+
+std::shared_ptr<Patience> Caller::NewPatience() const {
+    return std::make_shared<Patience>(loop_, boxes_, settings_);
+}
+
+MessageRef Caller::Call(const MessageRef& call, std::shared_ptr<Patience> patience,
+                        std::shared_ptr<void> kept, Answered tooLate) {
+    if (!patience) patience = NewPatience();
+    patience->RequireOngoing();
+    const auto awaited =
+        std::make_shared<Awaited>(*this, call, patience, std::move(kept), std::move(tooLate));
+    awaited->Send();
+    // Also where what is served meanwhile throws, and this routine ends with it.
+    const auto stop = [](Awaited* over) { over->Stop(); };
+    {
+        const std::unique_ptr<Awaited, decltype(stop)> stopped(awaited.get(), stop);
+        connection_.WaitUntil([&] { return awaited->IsOver(); });
+    }
+    return awaited->Answer();
+}
+
+void Caller::Post(const MessageRef& call, std::shared_ptr<void> kept, Answered answered) {
+    std::make_shared<Posted>(*this, call, std::move(kept), std::move(answered))->Send();
 }
 
 }  // namespace platform

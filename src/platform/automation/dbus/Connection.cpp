@@ -2,9 +2,11 @@
 
 #include <poll.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <utility>
 
 #include "platform/automation/Automation.h"
 #include "platform/automation/Names.h"
@@ -64,6 +66,7 @@ void Connection::Close() {
     continuation_.reset();
     due_.clear();
     outgoing_.clear();
+    releases_.clear();
     sd_bus_close(bus_.get());
 }
 
@@ -172,12 +175,12 @@ bool Connection::Receive() {
 
 // True where the routine that waits has to go on before anything else is acted on.
 bool Connection::AnswerIsIn() const {
-    return innermost_ && innermost_->done && !innermost_->overtaken;
+    return innermost_ && innermost_->done() && !innermost_->overtaken;
 }
 
 void Connection::AwaitHandOver() {
-    if (innermost_->patience) return;
-    innermost_->patience = loop_.After(handOverLimit, [this, wait = innermost_] {
+    if (innermost_->handOverLimit) return;
+    innermost_->handOverLimit = loop_.After(handOverLimit, [this, wait = innermost_] {
         wait->overtaken = true;
         Continue();
     });
@@ -205,16 +208,16 @@ void Connection::FollowWriteQueue() {
         writable_ = loop_.WhenWritable(sd_bus_get_fd(bus_.get()), [this] { Pump(); });
 }
 
-void Connection::WaitUntil(const bool& done) {
+void Connection::WaitUntil(const std::function<bool()>& done) {
     const HandleRef hold = loop_.HoldInput();
     Wait wait{done, innermost_, nullptr};
     innermost_ = &wait;
     const auto leave = [this, &wait](void*) { innermost_ = wait.outer; };
     const std::unique_ptr<void, decltype(leave)> restore(&wait, leave);
     Pump();
-    while (!done) {
+    while (!done()) {
         loop_.ServeOnce();
-        if (!done) Pump();
+        if (!done()) Pump();
     }
     ContinueIfHolding();
 }
@@ -225,24 +228,31 @@ void Connection::Flush() {
     ContinueIfHolding();
 }
 
+bool Connection::IsOwn(std::string_view name) const {
+    return name == name_ || std::find(owned_.begin(), owned_.end(), name) != owned_.end();
+}
+
+void Connection::GiveNamesBack() {
+    for (const std::string& name : std::exchange(owned_, {})) {
+        sd_bus_slot* slot = nullptr;
+        if (sd_bus_release_name_async(bus_.get(), &slot, name.c_str(), OnNameReleased, this) >= 0)
+            releases_.emplace_back(slot);
+    }
+    FollowWriteQueue();
+}
+
+// Answers come in the order of the questions.
+int Connection::OnNameReleased(sd_bus_message*, void* self, sd_bus_error*) noexcept {
+    static_cast<Connection*>(self)->releases_.pop_front();
+    return 1;
+}
+
+// Calls by a name that were sent while it was owned come ahead of the answer to its release.
 void Connection::Leave() {
     leaving_ = true;
-    for (const std::string& name : owned_) ReleaseName(name);
+    GiveNamesBack();
+    ReceiveUntil([this] { return releases_.empty(); });
     Flush();
-}
-
-// Calls by a name that were sent while it was owned come ahead of the answer to this.
-void Connection::ReleaseName(const std::string& name) {
-    bool released = false;
-    sd_bus_slot* slot = nullptr;
-    const int result = sd_bus_release_name_async(bus_.get(), &slot, name.c_str(), OnNameReleased, &released);
-    const SlotRef waiting(slot);
-    if (result >= 0) ReceiveUntil([&released] { return released; });
-}
-
-int Connection::OnNameReleased(sd_bus_message*, void* released, sd_bus_error*) noexcept {
-    *static_cast<bool*>(released) = true;
-    return 1;
 }
 
 // Takes messages in and sends what is held, for a second at most.

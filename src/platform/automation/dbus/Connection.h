@@ -30,6 +30,8 @@ class Connection {
     bool IsLost() const { return lost_; }
     // The unique name on the bus.
     const std::string& Name() const { return name_; }
+    // True for the unique name and for those that it owns.
+    bool IsOwn(std::string_view name) const;
 
     // Raises 462 without a connection, 440 for what the library refuses.
     MessageRef NewCall(const std::string& destination, const std::string& path, const char* interface,
@@ -43,8 +45,11 @@ class Connection {
     // Owns a name on the bus, without waiting in a queue. Raises 429 where it is taken.
     void OwnName(const std::string& name);
 
-    // Gives back the names that it owns, refuses as busy the calls that came before they were gone, and sends
-    // what is held. Takes a second at most for each name, and for the sending.
+    // Gives the names that it owns back. The bus knows of it ahead of all that is sent later.
+    void GiveNamesBack();
+
+    // Gives the names back, refuses as busy the calls that came before they were gone, and sends what is
+    // held. Takes a second at most for the names, and for the sending.
     void Leave();
 
     // Has messages by a match rule given to `handler`, which may only note them. Raises as NewCall.
@@ -54,7 +59,7 @@ class Connection {
     void Defer(std::function<void()> call);
 
     // Serves the loop until `done` is true, with the operator's input held back.
-    void WaitUntil(const bool& done);
+    void WaitUntil(const std::function<bool()>& done);
 
     // Sends what the library still holds, for a second at most.
     void Flush();
@@ -69,14 +74,14 @@ class Connection {
         std::function<void(const MessageRef&)> answered;
     };
     struct Wait {
-        const bool& done;
+        const std::function<bool()>& done;
         Wait* outer;
-        HandleRef patience;
+        HandleRef handOverLimit;
         bool overtaken = false;
     };
 
     static int OnMessage(sd_bus_message* message, void* self, sd_bus_error*) noexcept;
-    static int OnNameReleased(sd_bus_message*, void* released, sd_bus_error*) noexcept;
+    static int OnNameReleased(sd_bus_message*, void* self, sd_bus_error*) noexcept;
     static int OnAnswer(sd_bus_message* message, void* context, sd_bus_error*) noexcept;
 
     void Pump();
@@ -86,7 +91,6 @@ class Connection {
     void AwaitHandOver();
     void Continue();
     void ContinueIfHolding();
-    void ReleaseName(const std::string& name);
     void ReceiveUntil(const std::function<bool()>& done);
     bool HasUnsent() const;
     void FollowWriteQueue();
@@ -99,6 +103,7 @@ class Connection {
     SlotRef filter_;
     std::string name_;
     std::vector<std::string> owned_;
+    std::list<SlotRef> releases_;  // of names, that the bus has not answered yet
     std::function<void(const MessageRef&)> called_;
     std::function<void()> whenLost_;
     std::list<OutgoingCall> outgoing_;

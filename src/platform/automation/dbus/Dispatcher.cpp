@@ -1,5 +1,7 @@
 #include "platform/automation/dbus/Dispatcher.h"
 
+#include <utility>
+
 #include "platform/automation/Introspection.h"
 #include "platform/automation/Names.h"
 #include "platform/automation/dbus/Nodes.h"
@@ -126,11 +128,18 @@ void Dispatcher::CreateInstance(IncomingCall& call) {
     call.RequireSignature("");
     // Nobody would hold the object.
     if (!call.WantsAnswer()) return;
-    // Before there is an object, which counts from its beginning on, and until a client has let go of it.
+    // Allocated first: once created, the object counts as in use.
     call.Answer();
+    creations_.push_back(&call);
+    const auto leave = [this](IncomingCall* over) { std::erase(creations_, over); };
+    const std::unique_ptr<IncomingCall, decltype(leave)> listed(&call, leave);
     const ObjectRef object = CreatorFor(call.Destination())();
     if (!object) throw RuntimeError(ErrorNumber::CannotCreateObject, call.Destination());
     call.ReturnCreated(object);
+}
+
+void Dispatcher::RefuseCreations() {
+    for (IncomingCall* creation : std::exchange(creations_, {})) creation->RefuseAsBusy();
 }
 
 const std::function<ObjectRef()>& Dispatcher::CreatorFor(std::string_view destination) const {

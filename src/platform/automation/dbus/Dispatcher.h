@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/automation/dbus/IncomingCall.h"
 
@@ -20,6 +21,9 @@ class Dispatcher {
     // Creates objects of a class with `create` from now on.
     void AddClass(std::string_view className, std::function<ObjectRef()> create);
 
+    // Refuses the creations that are being served as busy.
+    void RefuseCreations();
+
   private:
     void Serve(const MessageRef& message);
     void Route(IncomingCall& call);
@@ -31,7 +35,8 @@ class Dispatcher {
     void RouteLateBound(IncomingCall& call, Object& object);
 
     Session& session_;
-    int depth_ = 0;  // calls that are being served, each from inside the one before
+    int depth_ = 0;                         // calls that are being served, each from inside the one before
+    std::vector<IncomingCall*> creations_;  // those of them that create an object
     std::map<std::string, std::function<ObjectRef()>, std::less<>> creators_;
 };
 

@@ -86,11 +86,12 @@ void Exports::LeaveIfUnused(Entries::iterator entry) {
     paths_.erase(left.object.get());
     entries_.erase(entry);
     if (!left.hadClient) return;
+    Guard([&] { left.object->LastClientLeaves(); });
     departed_.push_back(left.object);
     SettleSoon();
 }
 
-// For where nobody settles, as behind an answer that ends a loan.
+// Used where no caller will settle, e.g. after an answer that ended a loan.
 void Exports::SettleSoon() {
     if (!settling_) settling_ = loop_.After(Milliseconds(0), [this] { Settle(); });
 }

@@ -32,7 +32,7 @@ void IncomingCall::RequireSignature(const std::string& signature) const {
 
 ObjectRef IncomingCall::Borrowed(const Address& address) {
     if (address.IsNothing()) return nullptr;
-    if (address.owner == session_->Bus().Name()) {
+    if (session_->Bus().IsOwn(address.owner)) {
         ObjectRef object = session_->OwnObject(address);
         // It keeps its path until the answer, which may have to name it again.
         given_.PathOf(object);
@@ -78,8 +78,10 @@ void IncomingCall::ReturnTyped(const Value& value, ValueType type) {
 
 void IncomingCall::ReturnCreated(const ObjectRef& object) {
     isCreation_ = true;
-    sd_bus_message* answer = Answer();
-    AppendAddress(answer, session_->AddressOf(object, *returned_));
+    if (isRefused_) returned_ = std::make_unique<Loan>(session_->Own());
+    const Address address = session_->AddressOf(object, *returned_);
+    if (isRefused_) throw BusyError();
+    AppendAddress(Answer(), address);
 }
 
 void IncomingCall::ReturnGiven(const Value& value) {
@@ -104,6 +106,12 @@ void IncomingCall::Serve(const std::function<void(IncomingCall&)>& serve) {
     SendAnswer();
 }
 
+void IncomingCall::RefuseAsBusy() {
+    Fail(bus::busyErrorName, BusyError());
+    SendAnswer();
+    isRefused_ = true;
+}
+
 void IncomingCall::Fail(const char* name, const RuntimeError& error) {
     if (returned_ && isCreation_) returned_->Forfeit();
     returned_.reset();
@@ -118,7 +126,7 @@ void IncomingCall::RetainBorrowed() {
 }
 
 void IncomingCall::SendAnswer() {
-    if (!WantsAnswer()) return;
+    if (!WantsAnswer() || isRefused_) return;
     Connection& connection = session_->Bus();
     try {
         connection.Send(answer_.get());

@@ -48,6 +48,9 @@ class IncomingCall {
     // Runs what serves the call and answers it. A failure becomes the answer.
     void Serve(const std::function<void(IncomingCall&)>& serve);
 
+    // Answers the call while it is being served. Nothing more is sent when that is over.
+    void RefuseAsBusy();
+
   private:
     void Fail(const char* name, const RuntimeError& error);
     void RetainBorrowed();
@@ -60,7 +63,7 @@ class IncomingCall {
     std::string sender_;
     Loan given_;
     std::unique_ptr<Loan> returned_;
-    bool isCreation_ = false;
+    bool isCreation_ = false, isRefused_ = false;
     std::vector<std::shared_ptr<RemoteObject>> borrowed_;
 };
 

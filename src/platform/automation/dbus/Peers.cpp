@@ -67,7 +67,10 @@ void Peers::Subscribe(const std::string& name, const std::shared_ptr<Peer>& peer
     });
 }
 
+// A peer can send such a signal straight to this process, past the sender that the rule asks for.
 int Peers::OnNameChange(sd_bus_message* message, void* context, sd_bus_error*) noexcept {
+    const char* sender = sd_bus_message_get_sender(message);
+    if (!sender || std::string_view(sender) != busName) return 1;
     auto* self = static_cast<Peers*>(context);
     const char *name = nullptr, *before = nullptr, *after = nullptr;
     if (sd_bus_message_read(message, "sss", &name, &before, &after) > 0 && *after == '\0')

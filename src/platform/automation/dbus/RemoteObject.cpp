@@ -79,11 +79,13 @@ void AppendArguments(Session& session, sd_bus_message* call, const Arguments& ar
     RequireSuccess(sd_bus_message_close_container(call));
 }
 
-MessageRef InvokeMessage(Session& session, const Address& address, std::string_view member, InvokeKind kind) {
+MessageRef InvokeMessage(Session& session, const Address& address, std::string_view member, InvokeKind kind,
+                         const Arguments& arguments, Sent& sent) {
     MessageRef call = session.Bus().NewCall(address.owner, address.path, bus::objectInterface, "Invoke");
     AppendText(call.get(), FromUtf8(member));
     const auto kindOnWire = static_cast<std::uint16_t>(kind);
     RequireSuccess(sd_bus_message_append_basic(call.get(), 'q', &kindOnWire));
+    AppendArguments(session, call.get(), arguments, sent);
     return call;
 }
 
@@ -128,17 +130,36 @@ const ClassDescription& RemoteObject::Class() const {
 
 Value RemoteObject::Invoke(std::string_view member, InvokeKind kind, Arguments& arguments) {
     const auto session = Required(session_);
-    const MessageRef call = InvokeMessage(*session, address_, member, kind);
     const auto sent = std::make_shared<Sent>(*session);
-    AppendArguments(*session, call.get(), arguments, *sent);
+    const MessageRef call = InvokeMessage(*session, address_, member, kind, arguments, *sent);
     const auto given = arguments.size();
-    const MessageRef answer =
-        session->Calls().Call(call, sent, [&bus = *session, &travelled = *sent, given](sd_bus_message* late) {
+    const MessageRef answer = session->Calls().Call(
+        call, patience_, sent, [&bus = *session, &travelled = *sent, given](sd_bus_message* late) {
             // References that came with it go back as soon as nothing holds them here.
             Arguments dropped(given);
             TakeAnswer(bus, late, travelled, dropped);
         });
     return TakeAnswer(*session, answer.get(), *sent, arguments);
+}
+
+void RemoteObject::Post(std::string_view member, InvokeKind kind, const Arguments& arguments,
+                        std::function<void(const Value&)> answered) {
+    const auto session = Required(session_);
+    const auto sent = std::make_shared<Sent>(*session);
+    const MessageRef call = InvokeMessage(*session, address_, member, kind, arguments, *sent);
+    session->Calls().Post(call, sent,
+                          [&bus = *session, &travelled = *sent, arguments, answered](sd_bus_message* answer) {
+                              Arguments after = arguments;
+                              const Value result = TakeAnswer(bus, answer, travelled, after);
+                              if (answered) answered(result);
+                          });
+}
+
+std::shared_ptr<RemoteObject> RemoteObject::Within(std::shared_ptr<Patience> patience) {
+    auto same = std::make_shared<RemoteObject>(session_, address_);
+    same->patience_ = std::move(patience);
+    same->original_ = std::static_pointer_cast<RemoteObject>(shared_from_this());
+    return same;
 }
 
 std::shared_ptr<void> RemoteObject::WhenOwnerGone(std::function<void()> gone) {

@@ -8,6 +8,7 @@
 
 namespace platform {
 
+class Patience;
 class Session;
 
 // Borrowed at first. Gives back its reference, where it owns one, when it goes.
@@ -25,6 +26,12 @@ class RemoteObject : public Object {
     // Has its owner count a reference.
     void Retain();
 
+    // The same object, for calls that try `patience`.
+    std::shared_ptr<RemoteObject> Within(std::shared_ptr<Patience> patience);
+    // Calls a member without waiting, see Automation.
+    void Post(std::string_view member, InvokeKind kind, const Arguments& arguments,
+              std::function<void(const Value&)> answered);
+
     // It has no members of its own; all are its owner's.
     const ClassDescription& Class() const override;
     // Raises 462 where the owner or the connection is gone, and what the call raises there.
@@ -37,6 +44,8 @@ class RemoteObject : public Object {
     std::weak_ptr<Session> session_;
     Address address_;
     bool owns_ = false;
+    std::shared_ptr<Patience> patience_;      // for each call one of its own, where there is none
+    std::shared_ptr<RemoteObject> original_;  // which owns the reference that this one uses
 };
 
 }  // namespace platform

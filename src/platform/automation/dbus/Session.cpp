@@ -32,7 +32,7 @@ ObjectRef Session::OwnObject(const Address& address) const {
 
 ObjectRef Session::Received(const Address& address, const std::string& sender) {
     if (address.IsNothing()) return nullptr;
-    if (address.owner == connection_.Name()) {
+    if (connection_.IsOwn(address.owner)) {
         ObjectRef object = OwnObject(address);
         // A call of this process to itself: no proxy will give back what was counted for it.
         if (sender == connection_.Name()) exports_.Reclaim(address.path, sender);

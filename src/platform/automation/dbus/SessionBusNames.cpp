@@ -14,6 +14,15 @@ void RequireAnswer(int result) {
     if (result < 0) throw RuntimeError(ErrorNumber::ServerGone, std::strerror(-result));
 }
 
+constexpr char busName[] = "org.freedesktop.DBus";
+constexpr char busPath[] = "/org/freedesktop/DBus";
+
+BusRef Connected() {
+    sd_bus* bus = nullptr;
+    RequireAnswer(sd_bus_open_user(&bus));
+    return BusRef(bus);
+}
+
 class SessionBusNames : public BusNames {
   public:
     std::set<std::string> Running() override { return List("ListNames"); }
@@ -22,10 +31,10 @@ class SessionBusNames : public BusNames {
 
   private:
     MessageRef Ask(const char* method) {
-        if (!bus_) Connect();
+        if (!bus_) bus_ = Connected();
         sd_bus_message* answer = nullptr;
-        RequireAnswer(sd_bus_call_method(bus_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                         "org.freedesktop.DBus", method, nullptr, &answer, ""));
+        RequireAnswer(
+            sd_bus_call_method(bus_.get(), busName, busPath, busName, method, nullptr, &answer, ""));
         return Adopted(answer);
     }
 
@@ -41,12 +50,6 @@ class SessionBusNames : public BusNames {
         return list;
     }
 
-    void Connect() {
-        sd_bus* bus = nullptr;
-        RequireAnswer(sd_bus_open_user(&bus));
-        bus_.reset(bus);
-    }
-
     BusRef bus_;
 };
 
@@ -54,6 +57,12 @@ class SessionBusNames : public BusNames {
 
 std::unique_ptr<BusNames> MakeSessionBusNames() {
     return std::make_unique<SessionBusNames>();
+}
+
+void SetForStartedPrograms(const char* variable, const char* value) {
+    const BusRef bus = Connected();
+    RequireAnswer(sd_bus_call_method(bus.get(), busName, busPath, busName, "UpdateActivationEnvironment",
+                                     nullptr, nullptr, "a{ss}", 1, variable, value));
 }
 
 }  // namespace platform

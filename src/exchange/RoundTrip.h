@@ -1,0 +1,81 @@
+// The way of one request, from the click that starts it to the box with its answer.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <set>
+
+#include "clock/Layout.h"
+#include "request/cListRequest.h"
+#include "shell/ModuleData.h"
+
+namespace horalink {
+
+// The far side: the host, and the name of the exchange that it works on.
+struct FarSide {
+    Text PBXName;
+    platform::ObjectRef HostObject;  // nothing in a stand-alone run
+    platform::ObjectRef DirectHost;  // the exchange object of a stand-alone run
+};
+
+// One state, and one place where a state decides on form, pointer, timer and wait.
+class RoundTrip {
+  public:
+    // `Waiting` for the answer becomes `Reading` while it is read. The others are as their names say.
+    enum class State { Idle, Armed, LoggingIn, Sending, Waiting, Reading, Answered, Showing };
+
+    // `dialog` is what the host calls back. All must outlive the round trip.
+    RoundTrip(const Services& services, const ModuleData& data, platform::Object& dialog,
+              platform::forms::Form& form, const DialogControls& controls, FarSide& far);
+
+    void cmdButton_Click(std::int16_t index);
+    void tmrEvent_Timer();
+    // The host's delivery of an answer; empties the variable. Raises nothing.
+    void CallBack(platform::ObjectRef& oResponse);
+    // The dialog goes: nothing is waited for or shown any more.
+    void Stop();
+
+  private:
+    using PatienceRef = std::shared_ptr<platform::Patience>;
+
+    void Enter(State state);
+    void Rest();
+    void RunPendingAction();
+    void Show();
+
+    bool SubmitRequest(std::shared_ptr<cListRequest>& request);
+    bool LogIn(const PatienceRef& patience);
+    void ReportLoginFailure(const PatienceRef& patience);
+    void ReportProgress(const Text& result, const PatienceRef& patience);
+    void Wait(const platform::ObjectRef& exchange);
+    void Abandon();
+    void CloseLogin(Text loginId, const PatienceRef& patience);
+    void PostLogOut(const Text& loginId);
+    platform::ObjectRef ExchangeObject(const PatienceRef& patience) const;
+
+    PatienceRef StartReading();
+    std::shared_ptr<cListRequest> NextRecord() const;
+    void CopyResponse(const platform::ObjectRef& oResponse, cListRequest& copy, platform::Patience& patience);
+    bool JudgeOutcome(const platform::ObjectRef& oResponse);
+    void TellHost(const platform::ObjectRef& oResponse, const PatienceRef& patience);
+    void Finish(const Text& loginId);
+    void ResumeWaiting();
+
+    const Services& services_;
+    const ModuleData& data_;
+    platform::Object& dialog_;
+    platform::forms::Form& form_;
+    const DialogControls& controls_;
+    FarSide& far_;
+
+    State state_ = State::Idle;
+    std::optional<std::int16_t> PendingAction;  // the button that was pressed last and not acted on yet
+    Text LoginResult, SendResult;
+    std::shared_ptr<cListRequest> LastResponse;
+    std::shared_ptr<cListRequest> unshown_;  // the last good answer, until its box opens
+    PatienceRef patience_;                   // the operator's, with the request under way
+    std::shared_ptr<void> ownerWatch_;
+    std::set<Text> givenUp_;  // logins whose answers the operator does not wait for any more
+};
+
+}  // namespace horalink

@@ -1,0 +1,11 @@
+// What the program passes over in silence, told to those who want to know.
+#pragma once
+
+#include <string_view>
+
+namespace platform {
+
+// Writes a line to standard error where the environment has HORALINK_TRACE=1.
+void Trace(std::string_view line);
+
+}  // namespace platform

@@ -1,0 +1,51 @@
+#include "shell/ServerLife.h"
+
+namespace horalink {
+
+using namespace platform;
+
+namespace {
+
+constexpr Milliseconds idleLimit{60000};
+
+}  // namespace
+
+ServerLife::ServerLife(Automation& automation, Scheduler& scheduler, std::function<void()> end)
+    : automation_(automation), scheduler_(scheduler), end_(std::move(end)) {}
+
+void ServerLife::Serve(std::string_view className, std::function<ObjectRef()> create) {
+    automation_.WhenInUse([this](bool inUse) {
+        isInUse_ = inUse;
+        WatchIdleness();
+    });
+    automation_.ServeClass(className, [this, create = std::move(create)] { return Grant(create); });
+    WatchIdleness();
+}
+
+// What was asked before the name was given back may come behind it.
+ObjectRef ServerLife::Grant(const std::function<ObjectRef()>& create) {
+    if (isRetired_) throw BusyError();
+    ++granting_;
+    WatchIdleness();
+    const auto over = [this](int* granting) {
+        --*granting;
+        WatchIdleness();
+    };
+    const std::unique_ptr<int, decltype(over)> grant(&granting_, over);
+    return create();
+}
+
+void ServerLife::Retire() {
+    if (std::exchange(isRetired_, true)) return;
+    automation_.StopServing();
+}
+
+// A creation may wait for the operator to read a notice.
+void ServerLife::WatchIdleness() {
+    if (isInUse_ || granting_ > 0)
+        idle_.reset();
+    else if (!idle_)
+        idle_ = scheduler_.After(idleLimit, end_);
+}
+
+}  // namespace horalink
