@@ -74,7 +74,8 @@ def call_back(tag, _):
 
 
 def message(*written):
-    state.update(zip(["message"], written))
+    if written:
+        state["message"] = written[0]
     return state["message"]
 
 
