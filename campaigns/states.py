@@ -154,6 +154,9 @@ calls, the add-in has given back every reference to the host's objects and kept 
 process has ended with a good status when its last client went. A fault stands with the states that it can meet: a call
 can only fail while it is under way.
 
+Each request here is a lookup that comes after a lookup. The box for an answer that can't be read is that of the last
+answer that was read: after an update it is an update's box, and as the first answer there is none.
+
 ## The states
 
 {states}

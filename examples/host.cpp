@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
@@ -344,17 +345,33 @@ class Host {
         return TakeValue(answer.get());
     }
 
-    // Sends a call and serves what comes until it is answered. Raises the error that comes in place of an
-    // answer.
+    // Sends a call and serves what comes until it is answered. One that is refused as busy is sent again.
+    // Raises any other error that comes in place of an answer.
     Message AnswerTo(sd_bus_message* call) {
         const Message owned(call, sd_bus_message_unref);
+        Message answer = FirstAnswerTo(call);
+        while (sd_bus_message_is_method_error(answer.get(), "org.velmora.Automation1.Error.Busy") > 0) {
+            Pause();
+            answer = FirstAnswerTo(call);
+        }
+        if (const sd_bus_error* error = sd_bus_message_get_error(answer.get()))
+            throw std::runtime_error(error->message ? error->message : error->name);
+        return answer;
+    }
+
+    Message FirstAnswerTo(sd_bus_message* call) {
         sd_bus_message* answer = nullptr;
         Check(sd_bus_call_async(bus_, nullptr, call, OnAnswer, &answer, forever));
         while (!answer) Serve();
-        Message result(answer, sd_bus_message_unref);
-        if (const sd_bus_error* error = sd_bus_message_get_error(answer))
-            throw std::runtime_error(error->message ? error->message : error->name);
-        return result;
+        return Message(answer, sd_bus_message_unref);
+    }
+
+    // Serves what comes for a fifth of a second.
+    void Pause() {
+        using namespace std::chrono;
+        const auto end = steady_clock::now() + 200ms;
+        for (auto now = steady_clock::now(); now < end; now = steady_clock::now())
+            Serve(static_cast<std::uint64_t>(ceil<microseconds>(end - now).count()));
     }
 
     static int OnAnswer(sd_bus_message* message, void* answer, sd_bus_error*) {
@@ -370,10 +387,11 @@ class Host {
 
     // --- the bus ---
 
-    void Serve() {
+    // One message, or a wait for the next one.
+    void Serve(std::uint64_t limit = forever) {
         const int served = sd_bus_process(bus_, nullptr);
         Check(served);
-        if (served == 0) Check(sd_bus_wait(bus_, forever));
+        if (served == 0) Check(sd_bus_wait(bus_, limit));
     }
 
     void WatchFor(const std::string& peer) {

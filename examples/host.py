@@ -17,6 +17,7 @@ from gi.repository import GLib
 ADD_IN = "Horalink10013.cOLELayer"
 FACTORY, OBJECT = "org.velmora.Automation1.Factory", "org.velmora.Automation1.Object"
 CALL, READ, WRITE = dbus.UInt16(1), dbus.UInt16(2), dbus.UInt16(4)
+BUSY = "org.velmora.Automation1.Error.Busy"
 EMPTY = dbus.Struct((dbus.Byte(0),))
 # The bus library gives up after 25 seconds by itself. The contract knows no limit: an operator may be asked.
 FOREVER = 2147483
@@ -123,15 +124,20 @@ class Host:
 
     def run(self, steps, answer=None, error=None):
         try:
-            reference, interface, method, signature, arguments = steps.throw(error) if error else steps.send(answer)
+            self.send(steps, *(steps.throw(error) if error else steps.send(answer)))
         except StopIteration:
             return
         except dbus.DBusException as problem:
             self.give_up(problem.get_dbus_message())
-            return
-        self.bus.call_async(*reference, interface, method, signature, arguments,
-                            lambda *values: self.run(steps, values), lambda e: self.run(steps, error=e),
-                            timeout=FOREVER)
+
+    def send(self, steps, reference, *call):
+        def failed(error):
+            if error.get_dbus_name() == BUSY:  # not now: the same call again, a little later
+                GLib.timeout_add(200, self.send, steps, reference, *call)
+            else:
+                self.run(steps, error=error)
+
+        self.bus.call_async(*reference, *call, lambda *values: self.run(steps, values), failed, timeout=FOREVER)
 
     def notify(self, reference, method):
         """Retain or Release, without waiting for the answer. What is sent first also arrives first."""

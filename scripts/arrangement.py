@@ -135,7 +135,7 @@ class Arrangement:
                 XDG_CACHE_HOME=str(self.folder / "home/cache"),
                 XDG_RUNTIME_DIR=str(self.folder / "runtime"),
                 # The host by its name, and the interpreter that Debian's bus bindings belong to.
-                PATH=f"{self.host.parent}:/usr/bin:/bin:" + os.environ.get("PATH", ""))
+                PATH=f"{self.host.parent}:{self.add_in.parent}:/usr/bin:/bin:" + os.environ.get("PATH", ""))
             if self.own_display:
                 self.environment.pop("WAYLAND_DISPLAY", None)
                 self.speak()

@@ -3,13 +3,19 @@ import subprocess
 import sys
 import unittest
 
+import dbus
+import dbus.service
+from dbus.mainloop.glib import DBusGMainLoop
+from gi.repository import GLib
+
 from end_to_end import BUILD
 from end_to_end import open_stage as setUpModule  # noqa: F401
 from end_to_end import run
 
 import stage
 from arrangement import SOURCES
-from stage import LOOKUP, EndToEndTest, dialog_title
+from client import FACTORY
+from stage import ADD_IN_CLASS, LOOKUP, UPDATE, EndToEndTest, dialog_title
 
 # What the example host prints of a lookup: the calls of the add-in, in order, with those that read the answer.
 LOOKUP_LINES = [
@@ -22,30 +28,67 @@ LOOKUP_LINES = [
 ]
 
 
-class ExampleHost:
-    """The examples behave alike, whatever they are written in."""
+class LeavingFactory(dbus.service.Object):
+    """That of a process that is ending: refuses, and with the second refusal gives the class's name up."""
 
+    def __init__(self, test):
+        self.bus = stage.connect(DBusGMainLoop())
+        test.addCleanup(self.bus.close)
+        self.name = dbus.service.BusName(ADD_IN_CLASS, self.bus)
+        super().__init__(self.name, "/Factory")
+        self.calls = 0
+
+    @dbus.service.method(FACTORY, out_signature="(so)")
+    def CreateInstance(self):
+        self.calls += 1
+        if self.calls == 2:
+            self.bus.release_name(ADD_IN_CLASS)
+        raise dbus.DBusException("ending", name="org.velmora.Automation1.Error.Busy")
+
+    def has_left(self):
+        GLib.MainContext.default().iteration(False)
+        return self.calls == 2
+
+
+class Example:
     def open_example(self, *options):
-        self.output = stage.arrangement.folder / "example.txt"
-        with open(self.output, "w", encoding="utf-8") as output:
-            process = self.start([*self.command, *options], stdout=output, stderr=subprocess.STDOUT)
+        process = self.start_example(*options)
         self.dialog("Example")
         return process
 
+    def start_example(self, *options):
+        self.output = stage.arrangement.folder / "example.txt"
+        with open(self.output, "w", encoding="utf-8") as output:
+            return self.start([*self.command, *options], stdout=output, stderr=subprocess.STDOUT)
+
     def lines(self):
         return self.output.read_text(encoding="utf-8").splitlines()
+
+    def close_window(self, process):
+        stage.driver.raise_window(dialog_title("Example"))
+        stage.driver.press("alt+F4")
+        self.wait_for_end(process)
 
     def wait_for_end(self, process):
         self.wait_for(lambda: process.poll() is not None, "the example host to end")
         self.assertEqual(process.returncode, 0, self.lines())
         self.wait_until_gone()
 
+    def test_a_factory_that_is_busy_is_asked_again(self):
+        factory = LeavingFactory(self)
+        process = self.start_example()
+        self.wait_for(factory.has_left, "two refusals")
+        self.dialog("Example")
+        self.close_window(process)
+
+
+class FullExample(Example):
+    """These behave alike, whatever they are written in."""
+
     def test_lookup_and_the_end_of_the_window(self):
         process = self.open_example()
         self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
-        stage.driver.raise_window(dialog_title("Example"))
-        stage.driver.press("alt+F4")
-        self.wait_for_end(process)
+        self.close_window(process)
         lines = self.lines()
         self.assertEqual(lines[0], 'GetComData("Horalink", "MOVE", "")')
         self.assertEqual(lines[1:1 + len(LOOKUP_LINES)], LOOKUP_LINES)
@@ -66,12 +109,25 @@ class ExampleHost:
         self.assertIn("429", done.stderr)
 
 
-class PythonHost(ExampleHost, EndToEndTest):
+class PythonHost(FullExample, EndToEndTest):
     command = (sys.executable, SOURCES / "examples/host.py")
 
 
-class CppHost(ExampleHost, EndToEndTest):
+class CppHost(FullExample, EndToEndTest):
     command = (BUILD / "examples/example-host",)
+
+
+class MinimalHost(Example, EndToEndTest):
+    command = (sys.executable, SOURCES / "examples/minimal_host.py")
+
+    def test_lookup_and_update(self):
+        process = self.open_example()
+        self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
+        self.press(UPDATE)
+        self.assertEqual(self.close_box("Update Failed").count("CODE NOT ALLOWED"), 3)
+        self.close_window(process)
+        told = ["PBX clock request: KEY", "PBX clock request: ACCEPTED", "OK"]
+        self.assertEqual(self.lines(), 2 * told)
 
 
 if __name__ == "__main__":

@@ -8,12 +8,15 @@ import shutil
 import subprocess
 import unittest
 
+from gi.repository import Gio
+
 from end_to_end import BUILD, run
 from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
 from arrangement import SOURCES
-from stage import EndToEndTest
+from client import Client
+from stage import ADD_IN_CLASS, EndToEndTest
 
 MANUALS = [SOURCES / name for name in ("README.md", "CONTRIBUTING.md")] + sorted(SOURCES.glob("docs/*.md"))
 OTHERS = [
@@ -96,6 +99,35 @@ class Manuals(EndToEndTest):
             folders = "docs|scripts|examples|tests|data|src|tools|bench|packaging"
             named = {SOURCES / path for path in re.findall(rf"`((?:{folders})/[\w./-]*)`", text)}
             self.assertEqual([str(path) for path in sorted(links | named) if not path.exists()], [], manual.name)
+
+
+def shape(interface):
+    return interface.name, [(method.name, [argument.signature for argument in method.in_args],
+                             [argument.signature for argument in method.out_args]) for method in interface.methods]
+
+
+class HostAuthors(EndToEndTest):
+    def test_programs_are_on_the_path(self):
+        for program in (stage.arrangement.add_in, stage.arrangement.host):
+            found = shutil.which(program.name, path=stage.arrangement.environment["PATH"])
+            self.assertEqual(found, str(program))
+
+    def test_introspection_files(self):
+        client = Client(self).created()
+        served = {}
+        for owner, path in ((ADD_IN_CLASS, "/Factory"), (client.owner, client.path)):
+            (xml,) = client.ask(owner, path, "org.freedesktop.DBus.Introspectable", "Introspect")
+            served.update(shape(interface) for interface in Gio.DBusNodeInfo.new_for_xml(xml).interfaces)
+        members = set()
+        for file in (SOURCES / "docs/introspection").glob("*.xml"):
+            (interface,) = Gio.DBusNodeInfo.new_for_xml(file.read_text(encoding="utf-8")).interfaces
+            name, methods = shape(interface)
+            self.assertEqual(methods, served[name], file.name)
+            members.update(annotation.key.rpartition(".")[2] for annotation in interface.annotations)
+        guide = (SOURCES / "docs/host-authors.md").read_text(encoding="utf-8")
+        table = re.search(r"^## What a host must have\n(.*?)^## ", guide, re.M | re.S)[1]
+        needs = [cell for row in re.findall(r"^\|.*", table, re.M) for cell in row.split("|")[2:4]]
+        self.assertEqual(set(re.findall(r"`(\w+)`", " ".join(needs))), members | {"Invoke", "Retain", "Release"})
 
 
 if __name__ == "__main__":

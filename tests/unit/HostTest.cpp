@@ -1,10 +1,18 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+#include <regex>
+
 #include "FakeTime.h"
 #include "TemporaryDirectory.h"
+#include "host/ExchangeObject.h"
+#include "host/HostObject.h"
 #include "host/Options.h"
+#include "host/ResponseObject.h"
 #include "host/SimulatedExchange.h"
 #include "host/Store.h"
+#include "platform/automation/Introspection.h"
 #include "platform/runtime/RuntimeError.h"
 
 namespace switchdesk {
@@ -77,6 +85,65 @@ TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {
     EXPECT_EQ(store.Get(u"A", u"MOVE"), std::nullopt);
     EXPECT_THROW(nowhere.Set(u"A", u"K", u"v"), RuntimeError);
     EXPECT_EQ(nowhere.Get(u"A", u"K"), std::nullopt);
+}
+
+struct NoLoop : fakes::FakeTime<EventLoop> {
+    HandleRef WhenReadable(int, std::function<void()>) override { return {}; }
+    HandleRef WhenWritable(int, std::function<void()>) override { return {}; }
+    void Run() override {}
+    void Quit() override {}
+    void ServeOnce() override {}
+    HandleRef HoldInput() override { return {}; }
+};
+
+struct NoView : HostView {
+    void ShowMessage(const Text&) override {}
+    void ShowResults(const Text&, const std::vector<Item>&) override {}
+    void ShowCode(const Text&) override {}
+    void ShowHelp(const Text&) override {}
+    void ShowFlow(bool) override {}
+    void ShowState(const Text&, bool, const Text&) override {}
+};
+
+// The members of an object as the introspection files write them.
+std::map<std::string, std::string> MembersOf(const Object& object) {
+    std::map<std::string, std::string> members;
+    for (const Member& member : object.Class().members) {
+        const bool isRead = member.kind == InvokeKind::PropertyGet,
+                   isCall = member.kind == InvokeKind::Method;
+        std::string line = isCall ? "call(" : isRead ? "read(" : "write(";
+        for (const Parameter& parameter : member.parameters)
+            line += std::string(line.back() == '(' ? "" : ", ") + std::string(parameter.name) + ": " +
+                    std::string(SignatureOf(parameter.type));
+        line += ")";
+        if (member.result != ValueType::None) line += ": " + std::string(SignatureOf(member.result));
+        std::string& all = members[std::string(member.name)];
+        all += (all.empty() ? "" : "; ") + line;
+    }
+    return members;
+}
+
+std::map<std::string, std::string> MembersInFile(const std::string& name) {
+    std::ifstream file(std::string(INTROSPECTION) + "/" + name);
+    const std::string xml{std::istreambuf_iterator<char>(file), {}};
+    const std::regex annotation("Member\\.(\\w+)\" value=\"([^\"]*)\""), byReference(" by reference");
+    std::map<std::string, std::string> members;
+    for (auto i = std::sregex_iterator(xml.begin(), xml.end(), annotation); i != std::sregex_iterator(); ++i)
+        members[(*i)[1]] = std::regex_replace((*i)[2].str(), byReference, "");
+    return members;
+}
+
+TEST(IntrospectionFilesTest, NameWhatThisHostServes) {
+    CallLog log;
+    Misbehaviour misbehaviour;
+    const Observation observation{log, misbehaviour};
+    NoLoop loop;
+    ExchangeDesk desk(loop, observation);
+    NoView view;
+    Store store("");
+    EXPECT_EQ(MembersInFile("host.xml"), MembersOf(HostObject(observation, {view, store, nullptr, {}})));
+    EXPECT_EQ(MembersInFile("exchange.xml"), MembersOf(ExchangeObject(observation, desk)));
+    EXPECT_EQ(MembersInFile("response.xml"), MembersOf(ResponseObject(observation, {})));
 }
 
 }  // namespace
