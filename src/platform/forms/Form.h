@@ -72,7 +72,6 @@ class Form : public Object, public Watched {
     // For the owner of the process: the form has gone.
     std::function<void()> Unloaded;
 
-    bool IsCloseWaiting() const { return false; }
     bool IsLoaded() const { return loaded_; }
     bool Visible() const { return visible_; }
 
