@@ -1,3 +1,5 @@
+#include <QAbstractButton>
+
 #include "QtFixture.h"
 
 namespace platform {
@@ -34,44 +36,58 @@ TEST_F(HeldInputTest, ComesInOrderAfterTheLastHoldAndBeforeWhatIsNew) {
     ExpectInTheEnd("check key click check ");
 }
 
-TEST_F(HeldInputTest, CloseRequestIsKept) {
+TEST_F(HeldInputTest, DisabledFormLosesWhatItIsGivenDuringACall) {
+    const auto alive = Window();
     HandleRef hold = Hold();
-    const QWidget* window = Window();
-    Handle()->close();
-    Settle();
-    EXPECT_TRUE(form.IsLoaded());
-    EXPECT_TRUE(window->isVisible());
-    hold.reset();
-    ExpectInTheEnd("unloaded ");
-}
-
-TEST_F(HeldInputTest, HoldOpenedByTheFirstEventHoldsTheRest) {
-    HandleRef hold = Hold(), next;
-    button.Click = [&] {
-        log += "click ";
-        next = Hold();
-    };
+    form.Enabled = false;
     Click("cmdButton");
     Key(Qt::Key_F1);
+    Act("chkTrack", QAccessibleActionInterface::toggleAction());
+    Handle()->close();
+    EXPECT_FALSE(form.IsCloseWaiting());
+    form.Enabled = true;
+    Key(Qt::Key_F1);
+    Handle()->close();
+    EXPECT_TRUE(form.IsCloseWaiting());
+    EXPECT_TRUE(alive->isVisible());
     hold.reset();
-    ExpectInTheEnd("click ");
-    Settle();
-    EXPECT_EQ(log, "click ");
-    next.reset();
-    ExpectInTheEnd("click key ");
+    ExpectInTheEnd("key unloaded ");
 }
 
-TEST_F(HeldInputTest, InputForAWindowThatWentIsForgotten) {
-    HandleRef hold = Hold();
-    Click("cmdButton");
-    form.Unload();
-    Settle();
-    log.clear();
-    hold.reset();
-    Settle();
-    Show();
-    Click("chkTrack");
-    EXPECT_EQ(log, "check ");
+TEST_F(HeldInputTest, ClickIsRefusedAsAWhole) {
+    track.MouseUp = [this](auto&&...) { log += "up "; };
+    for (const auto pressed : {Qt::LeftButton, Qt::RightButton}) {
+        const QPoint place = WidgetOf("chkTrack").geometry().center();
+        form.Enabled = false;
+        QTest::mousePress(Handle(), pressed, {}, place);
+        form.Enabled = true;
+        QTest::mouseRelease(Handle(), pressed, {}, place);
+    }
+    EXPECT_EQ(log, "");
+    WidgetOf("cmdButton").setFocus();
+    form.Enabled = false;
+    QTest::keyPress(Handle(), Qt::Key_Space);
+    form.Enabled = true;
+    QTest::keyRelease(Handle(), Qt::Key_Space);
+    EXPECT_EQ(log, "");
+    Key(Qt::Key_Space);
+    EXPECT_EQ(log, "key click ");
+}
+
+TEST_F(HeldInputTest, NothingStaysPressedOnAFormThatIsDisabled) {
+    spin.UpClick = [this] { log += "step "; };
+    const QPoint upper = WidgetOf("updTime").geometry().center() - QPoint(0, 6);
+    for (const QPoint place : {WidgetOf("cmdButton").geometry().center(), upper}) {
+        log.clear();
+        QTest::mousePress(Handle(), Qt::LeftButton, {}, place);
+        form.Enabled = false;
+        EXPECT_FALSE(static_cast<QAbstractButton&>(WidgetOf("cmdButton")).isDown());
+        form.Enabled = true;
+        const std::string before = log;
+        WaitLongerThanAStep();
+        QTest::mouseRelease(Handle(), Qt::LeftButton, {}, place);
+        EXPECT_EQ(log, before);
+    }
 }
 
 TEST_F(HeldInputTest, BoxTakesInputMeanwhile) {

@@ -22,5 +22,16 @@ TEST(LocaleTest, WeeksBeginWithSunday) {
     EXPECT_EQ(ToUtf8(locale.DayName(7)), "Saturday");
 }
 
+TEST(TextTest, TextsForTheScreenAreCutBetweenCharacters) {
+    const Text fitting(4000, u'a'), pair = u"\U0001F600";
+    const std::pair<Text, Text> cases[] = {
+        {fitting, fitting},
+        {fitting + u"b", fitting + u"\u2026"},
+        {fitting.substr(2) + pair + u"b", fitting.substr(2) + pair + u"\u2026"},
+        {fitting.substr(1) + pair, fitting.substr(1) + u"\u2026"},
+    };
+    for (const auto& [text, shown] : cases) EXPECT_EQ(FromQt(ToShow(text)), shown) << text.size();
+}
+
 }  // namespace
 }  // namespace platform

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QApplication>
 #include <QTest>
 #include <QWidget>
@@ -135,6 +136,13 @@ class FormTest : public ::testing::Test {
     void Click(const char* name) const {
         const QWidget& widget = WidgetOf(name);
         QTest::mouseClick(Handle(), Qt::LeftButton, {}, widget.mapTo(Window(), widget.rect().center()));
+    }
+    // What an assistive program does to a widget, past all events of the window.
+    QAccessibleInterface& SpokenOf(const char* name) const {
+        return *QAccessible::queryAccessibleInterface(&WidgetOf(name));
+    }
+    void Act(const char* name, const QString& action) const {
+        SpokenOf(name).actionInterface()->doAction(action);
     }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const {
         QTest::keyClick(Handle(), key, modifiers);

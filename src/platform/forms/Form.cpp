@@ -95,6 +95,7 @@ void Form::Unload() {
     if (cancel || !loaded_) return;
     loaded_ = false;
     visible_ = false;
+    waitingClose_.reset();
     ArmTimers(controls_);
     view_.reset();
     if (Unloaded) Unloaded();

@@ -74,6 +74,10 @@ class Form : public Object, public Watched {
 
     bool IsLoaded() const { return loaded_; }
     bool Visible() const { return visible_; }
+    // False where the operator's input is refused.
+    bool TakesInput() const { return loaded_ && Enabled; }
+    // True while a close that the form has accepted waits for a call to be over.
+    bool IsCloseWaiting() const { return !waitingClose_.expired(); }
 
     // Loads without showing. A form that is loaded already is not loaded again.
     void Load();
@@ -94,6 +98,8 @@ class Form : public Object, public Watched {
 
     // What the view tells of the window.
     void MovedByOperator(float left, float top);
+    // A close waits for as long as `mark` is there.
+    void CloseWaits(std::weak_ptr<const void> mark) { waitingClose_ = std::move(mark); }
 
   private:
     Text name_;
@@ -103,6 +109,7 @@ class Form : public Object, public Watched {
     // By name in upper case, then by index.
     std::unordered_map<Text, std::unordered_map<std::int16_t, std::shared_ptr<Control>>> named_;
     std::unique_ptr<View> view_;
+    std::weak_ptr<const void> waitingClose_;
     bool loaded_ = false;
     bool visible_ = false;
 };

@@ -35,10 +35,9 @@ class EventLoop : public Scheduler {
     virtual void Run() = 0;
     virtual void Quit() = 0;
 
-    // Waits for one round of events and serves it: timers, descriptors and painting. The operator's
-    // clicks and keys are held back, but for those that belong to an open box, until every hold is
-    // dropped; then they are delivered.
+    // Waits for one round of events and serves it: timers, descriptors, painting and input.
     virtual void ServeOnce() = 0;
+    // Until every hold is dropped, input that a form accepts waits (forms/InputGate.h). That of a box doesn't.
     virtual HandleRef HoldInput() = 0;
 };
 

@@ -96,8 +96,4 @@ void QtEventLoop::ServeOnce() {
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-HandleRef QtEventLoop::HoldInput() {
-    return held_.Open();
-}
-
 }  // namespace platform

@@ -3,7 +3,7 @@
 
 #include <QObject>
 
-#include "platform/desktop/qt/HeldInput.h"
+#include "platform/forms/InputGate.h"
 #include "platform/runtime/EventLoop.h"
 
 namespace platform {
@@ -19,11 +19,13 @@ class QtEventLoop : public EventLoop {
     void Run() override;
     void Quit() override;
     void ServeOnce() override;
-    HandleRef HoldInput() override;
+    HandleRef HoldInput() override { return input_.Hold(); }
+
+    forms::InputGate& Input() { return input_; }
 
   private:
     QObject sources_;  // parent of all timers and watches
-    HeldInput held_;
+    forms::InputGate input_{*this};
     int running_ = 0;
     bool quit_ = false;
 };

@@ -1,5 +1,6 @@
 #include "platform/forms/qt/Accessibility.h"
 
+#include <QAbstractButton>
 #include <QAccessibleObject>
 #include <QAccessibleWidget>
 #include <QApplication>
@@ -39,6 +40,36 @@ class SpokenProgram : public QAccessibleApplication {
             if (window->isVisible() && window->windowType() == Qt::Popup) shown.append(window);
         return shown;
     }
+};
+
+// A button, a box or an arrow. Qt's own would be pressed past all judgement, and only after a moment.
+class SpokenButton : public QAccessibleWidget {
+  public:
+    SpokenButton(QAbstractButton& button, ControlView& view)
+        : QAccessibleWidget(&button, button.isCheckable() ? QAccessible::CheckBox : QAccessible::Button),
+          button_(button),
+          view_(view) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = button_.isCheckable();
+        state.checked = button_.isChecked();
+        state.pressed = button_.isDown();
+        return state;
+    }
+    QStringList actionNames() const override {
+        QStringList names = QAccessibleWidget::actionNames();
+        if (button_.isEnabled()) names.prepend(button_.isCheckable() ? toggleAction() : pressAction());
+        return names;
+    }
+    void doAction(const QString& name) override {
+        if (name != pressAction() && name != toggleAction()) return QAccessibleWidget::doAction(name);
+        view_.Act([this] { button_.click(); });
+    }
+
+  private:
+    QAbstractButton& button_;
+    ControlView& view_;
 };
 
 // What a spin control steps has its own text; assistive programs read here how far it can go.
@@ -88,8 +119,16 @@ QAccessible::Role RoleOf(const QObject& object) {
     return QAccessible::NoRole;
 }
 
+// The control that a widget is or is a part of; none for the widgets of boxes.
+ControlView* ViewAround(QWidget* widget) {
+    while (widget && !dynamic_cast<ControlView*>(widget)) widget = widget->parentWidget();
+    return dynamic_cast<ControlView*>(widget);
+}
+
 QAccessibleInterface* Make(const QString&, QObject* object) {
     if (object == qApp) return new SpokenProgram;
+    if (auto* button = qobject_cast<QAbstractButton*>(object))
+        if (ControlView* view = ViewAround(button)) return new SpokenButton(*button, *view);
     if (auto* spin = dynamic_cast<SpinWidget*>(object)) return new SpokenSpin(*spin);
     if (auto* label = dynamic_cast<LabelWidget*>(object)) return new SpokenLabel(*label);
     const QAccessible::Role role = RoleOf(*object);

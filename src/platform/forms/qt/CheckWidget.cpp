@@ -25,9 +25,10 @@ void DrawTick(QPainter& painter, const QRect& box, const QColor& color) {
 
 CheckWidget::CheckWidget(CheckBox& control, QWidget& parent) : QCheckBox(&parent), TypedView(control) {
     setAttribute(Qt::WA_Hover);
-    connect(this, &QCheckBox::clicked, this, [this](bool on) {
+    connect(this, &QCheckBox::toggled, this, [this](bool on) {
+        if (!Model() || on == (Typed().Value() != 0)) return;
         const auto alive = KeepWindow();
-        if (IsOperable()) Guard([&] { Typed().SetValue(on ? 1 : 0); });
+        Act([this, on] { Typed().SetValue(on ? 1 : 0); });
         Sync();  // the model has the last word
     });
 }

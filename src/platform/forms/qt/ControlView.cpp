@@ -82,6 +82,11 @@ QString ControlView::SpokenCaption(const Text& caption) const {
     return spoken.isEmpty() ? ControlView::SpokenName() : spoken;
 }
 
+void ControlView::Act(std::function<void()> act) {
+    const auto alive = KeepWindow();
+    if (control_ && input_) input_->Act(*control_, std::move(act));
+}
+
 void ControlView::MouseReleased(const QMouseEvent& event) {
     const std::int16_t button = ButtonOf(event.button());
     if (button == 0 || !IsOperable()) return;

@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/forms/Form.h"
+#include "platform/forms/FormInput.h"
 #include "platform/runtime/Guard.h"
 
 class QMouseEvent;
@@ -38,6 +38,10 @@ class ControlView {
     // False where the operator's input has to be refused.
     bool IsOperable() const { return control_ && control_->Enabled && control_->Owner().Enabled; }
     void MouseReleased(const QMouseEvent& event);
+    void TakeInputBy(FormInput& input) { input_ = &input; }
+    // Carries out what comes past the window's events, as what an assistive program does, once it is
+    // accepted.
+    void Act(std::function<void()> act);
 
   protected:
     // The window, for as long as the result is kept; for events that come from a widget itself.
@@ -52,6 +56,7 @@ class ControlView {
     void SyncCommon();
 
     Control* control_;
+    FormInput* input_ = nullptr;  // as long as there is a control
     std::weak_ptr<void> window_;
 };
 

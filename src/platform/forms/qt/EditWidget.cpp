@@ -27,7 +27,7 @@ EditWidget::EditWidget(TextBox& control, QWidget& parent) : QLineEdit(&parent), 
     QPalette colors = palette();
     colors.setColor(QPalette::Base, Qt::transparent);
     setPalette(colors);
-    connect(this, &QLineEdit::textEdited, this, &EditWidget::FollowOperator);
+    connect(this, &QLineEdit::textChanged, this, &EditWidget::FollowOperator);
     connect(this, &QLineEdit::selectionChanged, this, &EditWidget::FollowOperator);
     connect(this, &QLineEdit::cursorPositionChanged, this, &EditWidget::FollowOperator);
 }
@@ -57,13 +57,32 @@ void EditWidget::SyncSelection() {
         setCursorPosition(start);
 }
 
-// Tells the model of the operator's text and selection. The model's own calls come back here as changes
-// while it does so, and mustn't undo what is on the screen.
+// Tells the model of a text or selection that isn't its own. The model has the last word.
 void EditWidget::FollowOperator() {
     if (syncing_ || !Model()) return;
+    if (const Text changed = FromQt(text()); changed == Typed().Text()) {
+        FollowSelection();
+    } else {
+        if (!Typed().Locked) Act([this, changed] { FollowText(changed); });
+        Sync();
+    }
+}
+
+void EditWidget::FollowText(const Text& changed) {
+    {
+        const QScopedValueRollback guard(syncing_, true);
+        Typed().Text = changed;
+    }
+    if (FromQt(text()) == changed)
+        FollowSelection();
+    else
+        Sync();
+}
+
+// The model's own calls come back here as changes while it does so, and mustn't undo what is on the screen.
+void EditWidget::FollowSelection() {
     const QScopedValueRollback guard(syncing_, true);
     TextBox& control = Typed();
-    control.Text.Follow(FromQt(text()));
     control.SetSelStart(hasSelectedText() ? selectionStart() : cursorPosition());
     control.SetSelLength(static_cast<std::int32_t>(selectionLength()));
 }

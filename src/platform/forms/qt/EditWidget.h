@@ -31,6 +31,8 @@ class EditWidget : public QLineEdit, public TypedView<TextBox> {
   private:
     void SyncSelection();
     void FollowOperator();
+    void FollowText(const Text& changed);
+    void FollowSelection();
     bool IsSection() const { return Model() && Typed().Spin; }
     bool LeavesSelection() const { return focusedByPress_ || IsSection(); }
     void StepIfOperable(Direction direction);

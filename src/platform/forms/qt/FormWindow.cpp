@@ -1,5 +1,6 @@
 #include "platform/forms/qt/FormWindow.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
@@ -14,6 +15,7 @@
 #include "platform/forms/qt/Accessibility.h"
 #include "platform/forms/qt/ControlView.h"
 #include "platform/forms/qt/Drawing.h"
+#include "platform/forms/qt/InputEvents.h"
 #include "platform/forms/qt/KeyCodes.h"
 #include "platform/forms/qt/Look.h"
 #include "platform/forms/qt/Twips.h"
@@ -21,29 +23,6 @@
 namespace platform::forms {
 
 namespace {
-
-bool IsInput(QEvent::Type type) {
-    switch (type) {
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-        case QEvent::MouseMove:
-        case QEvent::Wheel:
-        case QEvent::KeyPress:
-        case QEvent::KeyRelease:
-        case QEvent::ShortcutOverride:
-        case QEvent::ContextMenu:
-        case QEvent::TabletPress:
-        case QEvent::TabletMove:
-        case QEvent::TabletRelease:
-        case QEvent::TouchBegin:
-        case QEvent::TouchUpdate:
-        case QEvent::TouchEnd:
-            return true;
-        default:
-            return false;
-    }
-}
 
 ControlView* ViewOf(QObject* widget) {
     return dynamic_cast<ControlView*>(widget);
@@ -62,7 +41,10 @@ QWidget* ControlWidgetOf(QWidget* widget) {
 
 }  // namespace
 
-FormWindow::FormWindow(Form& form, const QtHelp& help) : form_(&form), help_(help) {
+FormWindow::FormWindow(Form& form, const QtHelp& help, InputGate& gate)
+    : form_(&form),
+      help_(help),
+      input_(std::make_unique<FormInput>(form, gate, [this] { return IsCovered(); })) {
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                    Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint);
     setObjectName(platform::ToQt(form.Name()));
@@ -83,6 +65,7 @@ void FormWindow::MakeControls(bool withWindow) {
         views_[control.get()] = view;
         view->Widget().setObjectName(platform::ToQt(control->Name()));
         view->Widget().installEventFilter(this);
+        view->TakeInputBy(*input_);
         view->Sync();
     }
 }
@@ -122,6 +105,16 @@ void FormWindow::Sync() {
     }
     SyncPlace();
     SyncVisible();
+    if (std::exchange(takesInput_, form_->Enabled()) && !takesInput_) LetGo();
+}
+
+// Nothing stays pressed on a form that refuses input: a release would finish what was begun.
+void FormWindow::LetGo() {
+    QEvent blocked(QEvent::WindowBlocked);
+    for (QWidget* widget : findChildren<QWidget*>()) {
+        if (auto* button = qobject_cast<QAbstractButton*>(widget)) button->setDown(false);
+        if (!widget->isWindow()) QCoreApplication::sendEvent(widget, &blocked);
+    }
 }
 
 // The place is that of the client area: a window that has never been shown knows nothing of its frame, and
@@ -162,7 +155,7 @@ void FormWindow::PopUp(const Menu& menu) {
         action->setEnabled(item->Enabled);
         connect(action, &QAction::triggered, this, [this, item] {
             const auto alive = weak_from_this().lock();
-            if (form_ && form_->Enabled) Raise(item->Click);
+            if (input_) input_->Act(*item, [item] { Raise(item->Click); });
         });
     }
     shown->popup(menuIsKeyed_ ? focused_->mapToGlobal(QPoint(0, focused_->height())) : QCursor::pos());
@@ -182,6 +175,7 @@ void FormWindow::ClosePopUps() {
 
 void FormWindow::Detach() {
     form_ = nullptr;
+    input_.reset();
     ClosePopUps();
     for (const auto& [control, view] : views_) view->Detach();
     views_.clear();
@@ -194,7 +188,7 @@ bool FormWindow::eventFilter(QObject* watched, QEvent* event) {
     if (!form_) return false;
     const auto alive = weak_from_this().lock();
     if (watched == windowHandle()) {
-        if (IsRefused(*event)) return true;
+        if (Withholds(*event)) return true;
         if (event->type() == QEvent::KeyPress) KeyPressed(static_cast<const QKeyEvent&>(*event));
     } else if (event->type() == QEvent::MouseButtonRelease) {
         if (ControlView* view = ViewOf(watched)) view->MouseReleased(static_cast<const QMouseEvent&>(*event));
@@ -202,10 +196,41 @@ bool FormWindow::eventFilter(QObject* watched, QEvent* event) {
     return !form_;
 }
 
-bool FormWindow::IsRefused(QEvent& event) const {
-    if (form_->Enabled || !IsInput(event.type())) return false;
-    event.ignore();
+bool FormWindow::IsCovered() const {
+    const QWidget* modal = QApplication::activeModalWidget();
+    return modal && modal != this;
+}
+
+bool FormWindow::Withholds(QEvent& event) {
+    if (&event == delivering_ || VerdictOn(event) == Verdict::Accepted) return false;
+    event.ignore();  // Qt makes no clicks of a touch that counts as accepted
     return true;
+}
+
+// The keys of what has popped up pass by way of this window, and are none of its own.
+Verdict FormWindow::VerdictOn(const QEvent& event) {
+    const InputKind kind = KindOf(event);
+    if (kind == InputKind::None || QApplication::activePopupWidget()) return Verdict::Accepted;
+    if (kind == InputKind::Fleeting) return input_->TakesNow() ? Verdict::Accepted : Verdict::Refused;
+    const auto later = [this, make = MakerOf(event)] { Deliver(*make()); };
+    switch (kind) {
+        case InputKind::Press:
+            return input_->Press(StrokeOf(event), later);
+        case InputKind::Repeat:
+            return input_->Repeat(StrokeOf(event), later);
+        case InputKind::Release:
+            return input_->Release(StrokeOf(event), later);
+        default:
+            return input_->Admit(later);
+    }
+}
+
+// Leaving events that wait in Qt's queue (QEventLoop::ExcludeUserInputEvents) would not do: a loop that waits
+// for more events returns at once, again and again, while excluded ones are queued.
+void FormWindow::Deliver(QEvent& event) {
+    const auto alive = weak_from_this().lock();
+    const QScopedValueRollback<const QEvent*> mark(delivering_, &event);
+    QCoreApplication::sendEvent(windowHandle(), &event);
 }
 
 void FormWindow::KeyPressed(const QKeyEvent& event) {
@@ -241,7 +266,7 @@ void FormWindow::FocusMoved(QWidget* now) {
 void FormWindow::closeEvent(QCloseEvent* event) {
     const auto alive = weak_from_this().lock();
     event->ignore();  // the form decides, and takes the window away itself
-    if (form_ && form_->Enabled) Guard([this] { form_->Unload(); });
+    if (input_) input_->Close();
 }
 
 // Counts a place that differs from the model's by a whole pixel only, as the model may hold parts of one.

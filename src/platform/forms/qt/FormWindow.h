@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "platform/desktop/qt/QtHelp.h"
-#include "platform/forms/Form.h"
+#include "platform/forms/FormInput.h"
 
 class QKeyEvent;
 
@@ -15,11 +15,11 @@ namespace platform::forms {
 
 class ControlView;
 
-// A dialog of fixed size. Input for a form that isn't enabled is refused at the window, before any widget
-// sees it, so that its controls keep their look and the focus its place.
+// A dialog of fixed size. Input is judged at the window, before any widget sees it, so that the controls of a
+// form that refuses it keep their look and the focus its place. What waits is made anew when its turn comes.
 class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindow> {
   public:
-    FormWindow(Form& form, const QtHelp& help);
+    FormWindow(Form& form, const QtHelp& help, InputGate& gate);
     // Lets the widgets keep the window for the length of an event. For after the construction.
     void ShareLife();
 
@@ -45,7 +45,11 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
     QPoint Place() const;
     void SyncPlace();
     void SyncVisible();
-    bool IsRefused(QEvent& event) const;
+    void LetGo();
+    bool IsCovered() const;
+    bool Withholds(QEvent& event);
+    Verdict VerdictOn(const QEvent& event);
+    void Deliver(QEvent& event);
     void KeyPressed(const QKeyEvent& event);
     void AskForMenu();
     void FocusMoved(QWidget* now);
@@ -53,6 +57,9 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
 
     Form* form_;
     const QtHelp& help_;
+    std::unique_ptr<FormInput> input_;
+    const QEvent* delivering_ = nullptr;
+    bool takesInput_ = true;
     std::map<const Control*, ControlView*> views_;
     QPointer<QWidget> focused_;  // the control that the model knows as the one with the focus
     bool menuIsKeyed_ = false;   // a key asks for a menu just now

@@ -9,8 +9,8 @@ namespace {
 
 class QtView : public View {
   public:
-    QtView(Form& form, const QtHelp& help)
-        : window_(new FormWindow(form, help), [](FormWindow* window) { window->deleteLater(); }) {
+    QtView(Form& form, const QtHelp& help, InputGate& gate)
+        : window_(new FormWindow(form, help, gate), [](FormWindow* window) { window->deleteLater(); }) {
         window_->ShareLife();
     }
     ~QtView() override { window_->Detach(); }
@@ -28,12 +28,12 @@ class QtView : public View {
 
 }  // namespace
 
-QtToolkit::QtToolkit(const QtHelp& help) : help_(help) {
+QtToolkit::QtToolkit(const QtHelp& help, InputGate& gate) : help_(help), gate_(gate) {
     InstallAccessibility();
 }
 
 std::unique_ptr<View> QtToolkit::MakeView(Form& form) {
-    return std::make_unique<QtView>(form, help_);
+    return std::make_unique<QtView>(form, help_, gate_);
 }
 
 }  // namespace platform::forms

@@ -3,16 +3,18 @@
 
 #include "platform/desktop/qt/QtHelp.h"
 #include "platform/forms/Form.h"
+#include "platform/forms/InputGate.h"
 
 namespace platform::forms {
 
 class QtToolkit : public Toolkit {
   public:
-    explicit QtToolkit(const QtHelp& help);
+    QtToolkit(const QtHelp& help, InputGate& gate);
     std::unique_ptr<View> MakeView(Form& form) override;
 
   private:
     const QtHelp& help_;
+    InputGate& gate_;
 };
 
 }  // namespace platform::forms
