@@ -141,6 +141,20 @@ TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
         }
 }
 
+TEST_F(SqliteTest, NamesAFileThatCantBeOpenedByItsPathOnTheMachine) {
+    const Table<TextView, DataError, fs::path> cases = {
+        {u"", DataError::FileNotFound, directory.Path()},
+        {u"TEST.MDB\\None.mdb", DataError::FileNotFound, file / "None.mdb"},
+        {u"EMPTY.MDB", DataError::NotADatabase, directory.Write("Empty.mdb")}};
+    for (const auto& [path, number, real] : cases) {
+        const Text asked = UpperCase(PathText(directory.Path())) + u"\\" + Text(path);
+        const RuntimeError error = Raised([&] { engine->OpenDatabase(asked); });
+        EXPECT_EQ(error.Number(), static_cast<std::int32_t>(number));
+        EXPECT_NE(std::string(error.what()).find("'" + real.native() + "'"), std::string::npos)
+            << error.what();
+    }
+}
+
 TEST_F(SqliteTest, ChangesTheCurrentRowAloneBetweenEditAndUpdate) {
     const auto rows = Rows();
     EXPECT_EQ(ErrorOf([&] { rows->SetField(u"Version", u"x"); }), 3020);

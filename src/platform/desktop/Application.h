@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "platform/automation/Automation.h"
+#include "platform/desktop/Paths.h"
 #include "platform/runtime/Text.h"
 
 namespace platform {
@@ -11,6 +12,7 @@ namespace platform {
 struct Application {
     Text title;
     Text helpFile;
+    Spellings spellings;         // of the directories that its files lie in
     Text path;                   // directory of the executable, with backslashes, without one at the end
     Text command;                // the command line behind the program's name
     std::int16_t startMode = 0;  // 1 where automation started the process
