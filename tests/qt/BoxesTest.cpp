@@ -94,6 +94,19 @@ TEST(MessageBoxTest, LongPromptsStayOnTheScreen) {
     for (const Text& prompt : {lines, word, lines + word}) ShowBox(act, {prompt, 0, {}, {}, 0});
 }
 
+TEST(MessageBoxTest, TextsOfMegabytesAreCutWhereNobodyReadsOn) {
+    const auto act = [](QWidget& box) {
+        for (const QString& shown :
+             {box.windowTitle(), box.accessibleDescription(), box.findChild<QLabel*>()->text()}) {
+            EXPECT_LT(shown.size(), 10000);
+            EXPECT_EQ(shown.back(), QChar(0x2026));
+        }
+        PressReturn(box);
+    };
+    const Text text(5'000'000, u'x');
+    ShowBox(act, {text, 0, text, {}, 0});
+}
+
 using BoxOverFormTest = FormTest;
 
 TEST_F(BoxOverFormTest, BoxStandsOverTheFormAndOutlivesIt) {

@@ -35,7 +35,7 @@ QString ButtonText(const char* text) {
 }
 
 QString WithLineFeeds(TextView prompt) {
-    QString text = ToQt(prompt);
+    QString text = ToShow(prompt);
     return text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
 }
 
@@ -86,7 +86,7 @@ QWidget* FitToScreen(QLabel& text) {
 
 BoxDialog::BoxDialog(const BoxContent& content) : escapeAnswer_(content.escapeAnswer) {
     LoadButtonTexts();
-    setWindowTitle(ToQt(content.title));
+    setWindowTitle(ToShow(content.title));
     setAccessibleDescription(WithLineFeeds(content.prompt));
     setWindowModality(Qt::ApplicationModal);
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint);

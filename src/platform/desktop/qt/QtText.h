@@ -11,6 +11,15 @@ inline QString ToQt(TextView text) {
     return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+// A text for the screen: cut, with an ellipsis, where nobody reads on. A title of megabytes ends the process
+// by an error of the display, and a prompt of megabytes takes seconds to lay out.
+inline QString ToShow(TextView text) {
+    constexpr std::size_t longest = 4000;
+    if (text.size() <= longest) return ToQt(text);
+    const bool splitsPair = QChar::isHighSurrogate(text[longest - 1]) && QChar::isLowSurrogate(text[longest]);
+    return ToQt(text.substr(0, splitsPair ? longest - 1 : longest)) + QChar(0x2026);
+}
+
 inline Text FromQt(const QString& text) {
     return text.toStdU16String();
 }
