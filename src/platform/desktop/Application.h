@@ -9,6 +9,12 @@
 
 namespace platform {
 
+// The words on the buttons of boxes; English until those of the user's language are known.
+struct ButtonTexts {
+    Text ok = u"OK", cancel = u"Cancel", abort = u"Abort", retry = u"Retry", ignore = u"Ignore", yes = u"Yes",
+         no = u"No", help = u"Help", keepWaiting = u"Keep waiting", giveUp = u"Give up";
+};
+
 struct Application {
     Text title;
     Text helpFile;
@@ -18,6 +24,7 @@ struct Application {
     std::int16_t startMode = 0;  // 1 where automation started the process
     std::int16_t major = 0, minor = 0, revision = 0;
     WaitSettings waits;
+    ButtonTexts buttons;
 };
 
 }  // namespace platform

@@ -62,6 +62,7 @@ class Desktop : public QtDesktop {
           application_(argumentCount_, arguments_),
           help_(application, engine),
           boxes_(application, help_),
+          waits_(application),
           toolkit_(help_),
           pictures_(application.spellings) {
         const QString name = QFileInfo(QString::fromLocal8Bit(program)).fileName();
