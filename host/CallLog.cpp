@@ -43,7 +43,7 @@ struct Show {
     std::string operator()(const platform::ObjectRef& value) const { return value ? "<object>" : "Nothing"; }
     template <class Number>
     std::string operator()(Number value) const {
-        return platform::ToUtf8(platform::NumberText(static_cast<double>(value)));
+        return platform::ToUtf8(platform::Value(value).ToText());
     }
 };
 

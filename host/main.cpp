@@ -175,7 +175,7 @@ int Run(int argc, char** argv) {
     const Options options = ParseOptions({argv + 1, argv + argc});
     if (options.help) return std::fputs(HelpText().c_str(), stdout), 0;
     const platform::Application application = Describe();
-    const auto engine = platform::MakeSqliteEngine();
+    const auto engine = platform::MakeSqliteEngine({ProgramDirectory()});
     const auto desktop = platform::OpenDesktop(argc, argv, application, *engine);
     const auto automation =
         platform::ConnectToSessionBus(desktop->Loop(), desktop->Waits(), application.waits);

@@ -3,7 +3,7 @@
 build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev libfontconfig-dev libsystemd-dev libsqlite3-dev
                 libgtest-dev)
 run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-atspi-2.0 python3 python3-dbus
-              python3-gi fonts-liberation fonts-noto-cjk qt6-translations-l10n)
+              python3-gi fonts-liberation fonts-noto-cjk)
 check_packages=(clang-format mdbtools)
 campaign_packages=(faketime tzdata valgrind)
 fuzz_packages=(clang libclang-rt-14-dev)

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "exchange/dlgAddin.h"
+#include "locator/comRegMarket.h"
 #include "platform/automation/NoAutomation.h"
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/data/sqlite/SqliteEngine.h"
@@ -37,6 +38,12 @@ Application Identity(int argc, char** argv) {
     return app;
 }
 
+// The installation's directory, as the settings spell it, and the program's own.
+Spellings KnownSpellings(const Application& app, const Settings& settings) {
+    const Text market = horalink::GetMarketCode(app.path, u"Addins");
+    return {settings.Get(u"VELMORA32", market, u"InstallPath", u""), app.path};
+}
+
 // A stand-alone run without a bus is one whose host can't be created.
 std::unique_ptr<Automation> Connect(QtDesktop& desktop, const Application& app) {
     try {
@@ -65,11 +72,12 @@ void RunDialog(horalink::AddInMain& main, EventLoop& loop) {
 
 void Run(int argc, char** argv) {
     Application app = Identity(argc, argv);
+    const IniSettings settings(SettingsFile());
+    app.spellings = KnownSpellings(app, settings);
     int qtArguments = 1;
-    const auto engine = MakeSqliteEngine();
+    const auto engine = MakeSqliteEngine(app.spellings);
     const auto desktop = OpenDesktop(qtArguments, argv, app, *engine);
     const auto automation = Connect(*desktop, app);
-    const IniSettings settings(SettingsFile());
     const SystemClock clock;
     // A server that ends before it has begun to serve must not look like one that ended well: who started
     // it would go on waiting.

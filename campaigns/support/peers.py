@@ -139,8 +139,8 @@ class Operator:
                 buttons = [node for node in self.driver.nodes(box) if node.get_role_name() == "push button"]
                 if buttons:
                     title = box.get_name()
-                    cancel = [node for node in buttons if node.get_name() == "Cancel"]
-                    self.driver.click((cancel or buttons)[0])
+                    give_up = [node for node in buttons if node.get_name() == "Give up"]
+                    self.driver.click((give_up or buttons)[0])
                     self.closed[title] += 1
                     clicked += 1
                     self._see_it_close(title)

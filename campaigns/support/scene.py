@@ -15,7 +15,7 @@ from client import Client
 from stage import ADD_IN, CLOCK_READ, EXCHANGE, GOOD, LIMIT, LOGIN_FAILED, LOOKUP, WAIT_BOX, wait_for
 
 BUSY_BOX, READING_FAILED = "Horalink \u2013 Busy", "Reading Failed"
-GIVE_UP = {WAIT_BOX: "Cancel", BUSY_BOX: "Cancel"}
+GIVE_UP = {WAIT_BOX: "Give up", BUSY_BOX: "Give up"}
 WAIT_LIMIT = 20  # seconds until the add-in asks the operator
 HOST_PROGRAM = Path(__file__).parent / "scripted_host.py"
 INTROSPECTABLE = "org.freedesktop.DBus.Introspectable"

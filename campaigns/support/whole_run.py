@@ -17,7 +17,7 @@ import scripted_host
 
 ADD_IN, EXCHANGE = "horalink", "Main Office"
 LOOKUP, DIALOG, CLOCK_READ = "Read the clock of the PBX", "PBX Clock (", "PBX Clock"
-NOTICE, WAIT_BOX, GIVE_UP = "System Fatal Notice", "Horalink \u2013 Waiting for an Answer", "Cancel"
+NOTICE, WAIT_BOX, GIVE_UP = "System Fatal Notice", "Horalink \u2013 Waiting for an Answer", "Give up"
 # What the bus says for a process that isn't there any more.
 GONE = [f"org.freedesktop.DBus.Error.{name}" for name in ("NoReply", "ServiceUnknown", "NameHasNoOwner")]
 BUSY, TRY_AGAIN = "org.velmora.Automation1.Error.Busy", 0.2  # the answer to a call that may be sent again, and when

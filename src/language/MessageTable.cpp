@@ -33,6 +33,15 @@ const Text& MessageTexts::operator[](std::size_t index) const {
     return texts[index];
 }
 
+void TakeButtonTexts(const MessageTexts& messages, ButtonTexts& buttons) {
+    std::size_t index = message::firstButton;
+    for (Text* word : {&buttons.ok, &buttons.cancel, &buttons.abort, &buttons.retry, &buttons.ignore,
+                       &buttons.yes, &buttons.no, &buttons.help, &buttons.keepWaiting, &buttons.giveUp}) {
+        if (index < messages.texts.size() && !messages[index].empty()) *word = messages[index];
+        ++index;
+    }
+}
+
 bool LoadMessageTable(MessageBoxes& boxes, MessageTexts& messages, TextView tableName, Database& database) {
     try {
         const auto rows = database.OpenRecordset(CountAndTexts(tableName), RecordsetType::ForwardOnly);

@@ -1,6 +1,6 @@
 #include "pictures/comPicture.h"
 
-#include <optional>
+#include <utility>
 
 #include "language/FatalNotice.h"
 
@@ -24,23 +24,6 @@ bool PaintsItsOwnBackground(const ObjectRef& control) {
     return TypeName(control) == "SSTree" || TypeName(control) == "SSListBar";
 }
 
-// A panel whose content changes is hidden meanwhile, and shown again whatever comes of the change.
-class HiddenPanel {
-  public:
-    explicit HiddenPanel(ObjectRef panel) : panel_(std::move(panel)) { Put(panel_, "Visible", false); }
-    ~HiddenPanel() {
-        ErrorState error;
-        Skip(error, "showing the panel", [&] { Show(); });
-    }
-    void Show() {
-        if (panel_) Put(panel_, "Visible", true);
-        panel_ = nullptr;
-    }
-
-  private:
-    ObjectRef panel_;
-};
-
 // One run over the rows of a form.
 class Painter {
   public:
@@ -55,6 +38,11 @@ class Painter {
         const auto rows = addInDb.OpenRecordset(query, RecordsetType::ForwardOnly);
         for (; !rows->EndOfFile(); rows->MoveNext()) PaintRow(*rows, names);
         rows->Close();
+    }
+
+    // Shows the panel that is hidden while it changes, also one whose change failed.
+    void ShowHidden() {
+        if (const ObjectRef panel = std::exchange(hidden_, nullptr)) Put(panel, "Visible", true);
     }
 
   private:
@@ -73,11 +61,16 @@ class Painter {
             return;
         }
         const ObjectRef base = BaseOf(row);
-        std::optional<HiddenPanel> hidden;
-        if (base != form_.shared_from_this() && !IsNotPanelControl(base)) hidden.emplace(base);
+        const bool isPanel = base != form_.shared_from_this() && !IsNotPanelControl(base);
+        if (isPanel) Hide(base);
         Call(control, "Move", 0.0F, 0.0F, Get(base, "Width"), Get(base, "Height"));
         Put(control, "Picture", services_.files.LoadPicture(directory_ + name));
-        if (hidden) hidden->Show();
+        if (isPanel) ShowHidden();
+    }
+
+    void Hide(const ObjectRef& panel) {
+        hidden_ = panel;
+        Put(panel, "Visible", false);
     }
 
     ObjectRef BaseOf(const Recordset& row) const {
@@ -90,6 +83,7 @@ class Painter {
     forms::Form& form_;
     std::int16_t index_;
     Text directory_;
+    ObjectRef hidden_;
 };
 
 Database& Required(Database* database) {
@@ -127,13 +121,15 @@ void LoadPictureFileNames(Database* commonDb, std::int16_t index, Collection& na
 
 bool LoadFormPictures(const Services& services, forms::Form& form, Database* addInDb, Database* commonDb,
                       std::int16_t index, TextView directory) {
+    Painter painter(services, form, index, directory);
     try {
         Collection names;
         LoadPictureFileNames(commonDb, index, names);
-        Painter(services, form, index, directory).PaintAll(Required(addInDb), names);
+        painter.PaintAll(Required(addInDb), names);
         return true;
     } catch (const RuntimeError& error) {
         ShowShortNotice(services.boxes, error);
+        painter.ShowHidden();
         return false;
     }
 }

@@ -8,7 +8,7 @@ namespace horalink {
 
 // Puts the pictures that tPicture names for this form on its controls, each as large as the control or
 // form that its row tells. `index` is the background set, 0 for the default names; `directory` ends in a
-// backslash. On failure shows the notice and returns false; what was hidden for the change is shown again.
+// backslash. On failure shows the notice, then the panel that was hidden for the change, and returns false.
 bool LoadFormPictures(const Services& services, platform::forms::Form& form, platform::Database* addInDb,
                       platform::Database* commonDb, std::int16_t index, platform::TextView directory);
 

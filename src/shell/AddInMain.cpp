@@ -45,6 +45,7 @@ void AddInMain::Prepare() {
     if (!LoadProjectText(services_.boxes, services_.app, u"Horalink", *data_.AddInLanguageDb)) return End();
     if (!LoadMessageTable(services_.boxes, data_.MessageTable, u"tMessages", *data_.AddInLanguageDb))
         return End();
+    TakeButtonTexts(data_.MessageTable, services_.app.buttons);
     services_.app.helpFile = Directory(u"Help") + u"Horalink.hlp";
     data_.IsStandalone = services_.app.startMode != startedByAutomation;
     if (data_.IsStandalone && !StartStandalone()) End();

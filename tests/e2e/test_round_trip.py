@@ -92,7 +92,7 @@ class Failures(EndToEndTest):
     def test_host_that_stays_busy(self):
         Host(self, "--busy=60").open()
         self.press(LOOKUP)
-        self.assertIn("is busy", self.close_box("Horalink \u2013 Busy", "Cancel"))
+        self.assertIn("is busy", self.close_box("Horalink \u2013 Busy", "Give up"))
         self.assertIn("could not be reached", self.close_box(LOGIN_FAILED))
 
 

@@ -28,7 +28,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace platform;
     const Text query = ToSqliteDialect(FromUtf8(horalink::fuzz::Bytes(data, size)));
     const bool understood = IsUnderstood(query);
-    if (const auto numbered = WithRowNumber(query); numbered && !understood)
+    if (const auto numbered = WithRowNumber(query, u"rowid"); numbered && !understood)
         horalink::fuzz::Require(!IsUnderstood(*numbered), "a row number makes no query of what is none");
     return 0;
 }

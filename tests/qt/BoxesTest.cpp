@@ -22,8 +22,8 @@ TEST(MessageBoxTest, EachButtonOfEachSetAnswersAndEscapeAndClosingCancel) {
         {okOnly, {{"OK", 1}}, 1},
         {okCancel, {{"OK", 1}, {"Cancel", 2}}, 2},
         {abortRetryIgnore, {{"Abort", 3}, {"Retry", 4}, {"Ignore", 5}}, 0},
-        {yesNoCancel, {{"&Yes", 6}, {"&No", 7}, {"Cancel", 2}}, 2},
-        {yesNo, {{"&Yes", 6}, {"&No", 7}}, 0},
+        {yesNoCancel, {{"Yes", 6}, {"No", 7}, {"Cancel", 2}}, 2},
+        {yesNo, {{"Yes", 6}, {"No", 7}}, 0},
         {retryCancel, {{"Retry", 4}, {"Cancel", 2}}, 2},
     };
     const std::function<void(QWidget&)> ways[] = {
@@ -79,6 +79,31 @@ TEST(MessageBoxTest, PromptIsPlainTextBelowATitleThatMayBeEmpty) {
     }
 }
 
+// Notes what the buttons of the next box say, and leaves it by Escape.
+HandleRef ReadButtons(std::vector<QString>& words) {
+    return WhenBoxOpens([&words](QWidget& box) {
+        for (const QPushButton* button : box.findChildren<QPushButton*>()) words.push_back(button->text());
+        QTest::keyClick(box.windowHandle(), Qt::Key_Escape);
+    });
+}
+
+TEST(MessageBoxTest, ButtonsSayWhatTheLanguageSaysWithoutAccessKeys) {
+    ButtonTexts& texts = surroundings.application.buttons;
+    texts = {u"ok",   u"&cancel", u"abort", u"retry", u"ignore",
+             u"はい", u"no",      u"help",  u"wait",  u"give & up"};
+    std::vector<QString> words;
+    {
+        const HandleRef reading = ReadButtons(words);
+        EXPECT_EQ(TheDesktop().Boxes().Show({u"Prompt", yesNoCancel + helpButton, {}, {}, 0}), 2);
+    }
+    bool gaveUp = false;
+    const HandleRef reading = ReadButtons(words);
+    const auto box = TheDesktop().Waits().Open(u"Title", u"Wait?", [&](bool answer) { gaveUp = answer; });
+    EXPECT_TRUE(Until([&] { return gaveUp; }));
+    texts = {};
+    EXPECT_EQ(words, (std::vector<QString>{"はい", "no", "&&cancel", "help", "wait", "give && up"}));
+}
+
 TEST(MessageBoxTest, LongPromptsStayOnTheScreen) {
     Text lines, word;
     for (int i = 0; i < 300; ++i) {
@@ -92,6 +117,19 @@ TEST(MessageBoxTest, LongPromptsStayOnTheScreen) {
         PressReturn(box);
     };
     for (const Text& prompt : {lines, word, lines + word}) ShowBox(act, {prompt, 0, {}, {}, 0});
+}
+
+TEST(MessageBoxTest, TextsOfMegabytesAreCutWhereNobodyReadsOn) {
+    const auto act = [](QWidget& box) {
+        for (const QString& shown :
+             {box.windowTitle(), box.accessibleDescription(), box.findChild<QLabel*>()->text()}) {
+            EXPECT_LT(shown.size(), 10000);
+            EXPECT_EQ(shown.back(), QChar(0x2026));
+        }
+        PressReturn(box);
+    };
+    const Text text(5'000'000, u'x');
+    ShowBox(act, {text, 0, text, {}, 0});
 }
 
 using BoxOverFormTest = FormTest;

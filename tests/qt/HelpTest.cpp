@@ -122,18 +122,34 @@ TEST_F(HelpTest, WhatIsMissingIsSaid) {
     }
 }
 
-TEST_F(HelpTest, HelpButtonOfABoxShowsItsTopicOverTheBox) {
+TEST_F(HelpTest, HelpButtonAndF1ShowTheTopicOfABoxOverIt) {
     surroundings.application.helpFile.clear();
-    const auto act = [](QWidget& box) {
-        box.findChildren<QPushButton*>().last()->click();
-        ASSERT_TRUE(TopicWindow());
-        EXPECT_EQ(BodyOf(*TopicWindow()), "The hours");
-        QTest::keyClick(TopicWindow()->windowHandle(), Qt::Key_Escape);
+    const auto pressF1 = [](QWidget& box) { QTest::keyClick(box.windowHandle(), Qt::Key_F1); };
+    const auto pressButton = [](QWidget& box) { box.findChildren<QPushButton*>().last()->click(); };
+    std::function<void(QWidget&)> ask;
+    const auto act = [&](QWidget& box) {
+        ask(box);
+        EXPECT_TRUE(TopicWindow());
+        if (QWidget* topic = TopicWindow()) {
+            EXPECT_EQ(BodyOf(*topic), "The hours");
+            QTest::keyClick(topic->windowHandle(), Qt::Key_Escape);
+        }
         EXPECT_FALSE(TopicWindow());
         EXPECT_TRUE(box.isVisible()) << "the key was the topic's";
         QTest::keyClick(box.windowHandle(), Qt::Key_Escape);
     };
-    EXPECT_EQ(ShowBox(act, {u"Prompt", buttons::okCancel + buttons::helpButton, {}, PathText(file_), 3}), 2);
+    const std::pair<std::int32_t, std::function<void(QWidget&)>> ways[] = {
+        {buttons::helpButton, pressButton}, {buttons::helpButton, pressF1}, {0, pressF1}};
+    for (const auto& [helpButton, way] : ways) {
+        ask = way;
+        EXPECT_EQ(ShowBox(act, {u"Prompt", buttons::okCancel + helpButton, {}, PathText(file_), 3}), 2);
+    }
+    const auto withoutHelp = [&](QWidget& box) {
+        pressF1(box);
+        EXPECT_FALSE(TopicWindow());
+        PressReturn(box);
+    };
+    EXPECT_EQ(ShowBox(withoutHelp, {u"Prompt", buttons::helpButton, {}, {}, 0}), 1);
 }
 
 }  // namespace

@@ -79,10 +79,11 @@ const platform::Table<const char*, const char*, const char*, const char*> faults
      "text is missing"},
     {help, "UPDATE tTopics SET Body = NULL WHERE ID = 5", "tTopics|5|Body", "the text is missing"},
     // Messages by number.
-    {own, "DELETE FROM tMessages WHERE ID = 6", "tMessages||", "and the add-in reads 7"},
-    {own, "UPDATE tMessages SET ID = 9 WHERE ID = 6", "tMessages|6 to 8|", "the row is missing"},
+    {own, "DELETE FROM tMessages WHERE ID >= 6", "tMessages||", "and the add-in needs 7"},
+    {own, "DELETE FROM tMessages WHERE ID BETWEEN 6 AND 8", "tMessages|6 to 8|", "the row is missing"},
     {own, "INSERT INTO tMessages VALUES (4, 'Another')", "tMessages|4|ID", "the same number"},
     {own, "ALTER TABLE tMessages ADD COLUMN Note TEXT", "tMessages||", "different numbers of fields"},
+    {own, "UPDATE tMessages SET Caption = '' WHERE ID = 16", "tMessages|16|Caption", "the text is missing"},
     {own, "UPDATE tMessages SET Caption = '100 %' WHERE ID = 2", "tMessages|2|Caption", "cut at its %"},
     {own, "INSERT INTO tMsgBox VALUES ('x', 'Text', '', '-1', NULL, '-1')", "tMsgBox|x|MsgNo", "16 bits"},
     // The languages of texts and buttons.
@@ -128,6 +129,11 @@ TEST_F(CheckTest, FindsEachFaultWithItsPlace) {
         EXPECT_TRUE(found.starts_with(where)) << found;
         EXPECT_PRED_FORMAT2(testing::IsSubstring, message, finding.message);
     }
+}
+
+TEST_F(CheckTest, IsContentWithoutTheWordsOnButtons) {
+    Connection(At(own), false).Run("DELETE FROM tMessages WHERE ID > 6");
+    EXPECT_EQ(Check().AsText(""), Findings().AsText(""));
 }
 
 TEST_F(CheckTest, FindsFilesThatAreNone) {

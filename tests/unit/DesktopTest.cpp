@@ -1,6 +1,11 @@
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <functional>
 
 #include "Table.h"
 #include "TemporaryDirectory.h"
@@ -51,6 +56,48 @@ TEST_F(PathsTest, LeavesTheKindOfThePath) {
     for (const auto& [path, real] : cases) EXPECT_EQ(RealPath(path).native(), real);
     EXPECT_EQ(PathText("Sub/File"), Below(u"Sub\\File"));
     fs::current_path(before);
+}
+
+// What `call` gives to a user who may list no directory that only its owner may.
+bool AsAnyUser(const std::function<bool()>& call) {
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool isRoot = geteuid() == 0;
+        const bool changed =
+            !isRoot || (setgroups(0, nullptr) == 0 && setgid(65534) == 0 && setuid(65534) == 0);
+        _exit(changed && call() ? 0 : 1);
+    }
+    int status = -1;
+    return waitpid(child, &status, 0) == child && status == 0;
+}
+
+TEST_F(PathsTest, KnownSpellingsLeadThroughDirectoriesThatMayNotBeListed) {
+    directory.Write("Home/Anna/Velmora32/10001/Addins/Database/Horalink.lng");
+    directory.Write("Home/Anna/Velmora32/10001/Backgrnd/Plain.svg");
+    const fs::path root = directory.Path() / "Home/Anna/Velmora32/10001";
+    const Text wanted = UpperCase(PathText(root)) + u"\\ADDINS\\";
+    const Table<Spellings, TextView, fs::path> cases = {
+        {{PathText(root)}, u"DATABASE\\Horalink.lng", root / "Addins/Database/Horalink.lng"},
+        {{u"", PathText(root / "Addins")}, u"..\\BACKGRND\\PLAIN.SVG", root / "Backgrnd/Plain.svg"},
+        {{PathText(root / "gone"), PathText(root) + u"\\"},
+         u"HELP\\None.hlp",
+         root / "Addins/HELP/None.hlp"}};
+    for (const fs::path& closed : {directory.Path(), directory.Path() / "Home"})
+        fs::permissions(closed, fs::perms(0311));
+    for (const auto& [spellings, path, real] : cases)
+        EXPECT_TRUE(AsAnyUser([&, &known = spellings, &below = path, &file = real] {
+            return RealPath(wanted + Text(below), known) == file;
+        })) << real;
+    for (const fs::path& closed : {directory.Path(), directory.Path() / "Home"})
+        fs::permissions(closed, fs::perms(0700));
+}
+
+TEST_F(PathsTest, ASpellingThatLeadsNowhereIsGivenUpForAnother) {
+    directory.Write("home/file");
+    directory.Write("Home/other");
+    EXPECT_EQ(RealPath(Below(u"HOME\\FILE"), {Below(u"Home"), Below(u"hOME"), u"Home"}),
+              directory.Path() / "home/file");
+    EXPECT_EQ(RealPath(Below(u"home\\missing"), {Below(u"Home\\other")}), directory.Path() / "Home/missing");
 }
 
 TEST_F(PathsTest, ManyWaysToOneDirectoryComeToAnEnd) {

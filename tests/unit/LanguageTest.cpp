@@ -133,6 +133,13 @@ TEST_F(LanguageTest, MessagesStandByRankAndATableThatDoesNotAddUpIsRefused) {
     EXPECT_EQ(data.MessageTable[0] + u"|" + data.MessageTable[1] + u"|" + data.MessageTable[2],
               u"ten||thirty");
     EXPECT_THROW(data.MessageTable[3], RuntimeError);
+    fakes::Rows nine{row(-1, 9)};
+    for (int id = 0; id < 9; ++id) nine.push_back(row(id, id == 7 ? Value(Null{}) : Value(u"Absagen")));
+    ASSERT_TRUE(load(nine));
+    ButtonTexts buttons;
+    TakeButtonTexts(data.MessageTable, buttons);
+    EXPECT_EQ(buttons.ok + u"|" + buttons.cancel + u"|" + buttons.abort + u"|" + buttons.giveUp,
+              u"OK|Absagen|Abort|Give up");
     for (const fakes::Rows& rows :
          {fakes::Rows{row(-1, 0)}, {row(-1, 2), row(0, u"only")}, {row(-1, u"text")}, {row(-1, 40000)}, {}})
         EXPECT_FALSE(load(rows));

@@ -82,7 +82,7 @@ TEST_F(PicturesTest, FailuresShowOneNoticeAndStop) {
     }
 }
 
-TEST_F(PicturesTest, APanelIsHiddenForTheChangeAndShownAgainAlsoAfterAFailure) {
+TEST_F(PicturesTest, APanelIsHiddenForTheChangeAndShownAgainAfterAFailuresNotice) {
     const auto panel = std::make_shared<Panel>(*form);
     form->Adopt(panel);
     panel->Place(0, 0, 300, 200);
@@ -90,7 +90,9 @@ TEST_F(PicturesTest, APanelIsHiddenForTheChangeAndShownAgainAlsoAfterAFailure) {
     EXPECT_TRUE(Load(0, {{u"image", u"one.png", u"panel"}}));
     EXPECT_EQ(panel->history, (std::vector{false, true}));
     EXPECT_EQ(image.Width(), 300);
+    computer.boxes.whileOpen = [&] { EXPECT_FALSE(panel->Visible()); };
     EXPECT_FALSE(Load(0, {{u"image", u"bad.png", u"panel"}}));
+    EXPECT_EQ(computer.boxes.shown.size(), 1U);
     EXPECT_TRUE(panel->Visible());
 }
 

@@ -25,6 +25,32 @@ TEST(ValueTest, ConvertsAndRoundsToEven) {
     EXPECT_FALSE(Value(u"false").ToBoolean());
 }
 
+TEST(ValueTest, NumbersAreWrittenWithSevenOrFifteenDigits) {
+    const std::pair<Value, Text> cases[] = {{100000.0F, u"100000"},
+                                            {1234567.0F, u"1234567"},
+                                            {9999999.6F, u"1E+07"},
+                                            {12345678.0F, u"1.234568E+07"},
+                                            {0.1F, u"0.1"},
+                                            {1.0F / 3, u"0.3333333"},
+                                            {1.0F / 30, u"3.333334E-02"},
+                                            {-1e-7F, u"-0.0000001"},
+                                            {1e-8F, u"1E-08"},
+                                            {3150.5F, u"3150.5"},
+                                            {-0.0F, u"0"},
+                                            {100000000000000.0, u"100000000000000"},
+                                            {1e15, u"1E+15"},
+                                            {999999999999999.0, u"999999999999999"},
+                                            {-1.5e300, u"-1.5E+300"},
+                                            {0.1 + 0.2, u"0.3"},
+                                            {0.00001, u"0.00001"},
+                                            {1.0 / 30, u"3.33333333333333E-02"},
+                                            {1e-15, u"0.000000000000001"},
+                                            {5e-324, u"4.94065645841247E-324"},
+                                            {std::int16_t{-32768}, u"-32768"},
+                                            {2147483647, u"2147483647"}};
+    for (const auto& [value, text] : cases) EXPECT_EQ(ToUtf8(value.ToText()), ToUtf8(text));
+}
+
 TEST(ValueTest, ConversionsRaiseTheirNumbers) {
     const std::pair<std::function<void()>, int> cases[] = {
         {[] { Value(40000).ToInteger(); }, 6},     {[] { Value(-32769).ToInteger(); }, 6},

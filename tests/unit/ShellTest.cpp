@@ -64,6 +64,14 @@ TEST_F(ShellTest, TheMarketIsTheDefaultWhereThePathNamesNone) {
     EXPECT_EQ(main.Data().MarketCode, u"10001");
 }
 
+TEST_F(ShellTest, BoxesHaveTheWordsOfTheMessageTableFromTheStart) {
+    fakes::Rows& rows = computer.language->answers[fakes::Computer::messagesQuery];
+    rows[0][u"Caption"] = 8;
+    rows.push_back({{u"ID", 7}, {u"Caption", u"Gut"}});
+    main.Main();
+    EXPECT_EQ(computer.app.buttons.ok + u"|" + computer.app.buttons.cancel, u"Gut|Cancel");
+}
+
 TEST_F(ShellTest, TheTitleTakesOneMarkForEachNameAndTheDialogIsPlacedOnce) {
     std::vector<std::string> calls;
     const auto host = std::make_shared<fakes::RecordedObject>(calls);

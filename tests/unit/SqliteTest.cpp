@@ -46,7 +46,7 @@ struct SqliteTest : testing::Test {
     std::unique_ptr<Recordset> Rows(TextView query = horalink, RecordsetType type = dynaset) {
         return Open()->OpenRecordset(query, type);
     }
-    void RunElsewhere(const char* statements) { OtherProgram(file).Run(statements); }
+    void RunElsewhere(const std::string& statements) { OtherProgram(file).Run(statements.c_str()); }
     // The first column of the first row.
     Value Single(const Text& query) {
         return Rows(u"select (" + query + u") as Result", forwardOnly)->Field(u"Result");
@@ -92,11 +92,12 @@ TEST(DialectTest, TranslatesNamesAndStrings) {
 
 TEST(DialectTest, TheRowsNumberStandsBeforeTheOtherColumnsOfASelection) {
     const std::pair<const char16_t*, std::optional<Text>> cases[] = {
-        {u"  SELECT * FROM Registry", u"select rowid, * FROM Registry"},
-        {u"select a from t where b = 'group'", u"select rowid, a from t where b = 'group'"},
+        {u"  SELECT * FROM Registry", u"select oid, * FROM Registry"},
+        {u"select a from t where b = 'group'", u"select oid, a from t where b = 'group'"},
         {u"select a from t Group by a", {}},
         {u"  ", {}}};
-    for (const auto& [query, expected] : cases) EXPECT_EQ(WithRowNumber(query), expected) << ToUtf8(query);
+    for (const auto& [query, expected] : cases)
+        EXPECT_EQ(WithRowNumber(query, u"oid"), expected) << ToUtf8(query);
 }
 
 TEST_F(SqliteTest, GivesEachKindOfValueAndNothingBehindTheLastRow) {
@@ -140,6 +141,20 @@ TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
         }
 }
 
+TEST_F(SqliteTest, NamesAFileThatCantBeOpenedByItsPathOnTheMachine) {
+    const Table<TextView, DataError, fs::path> cases = {
+        {u"", DataError::FileNotFound, directory.Path()},
+        {u"TEST.MDB\\None.mdb", DataError::FileNotFound, file / "None.mdb"},
+        {u"EMPTY.MDB", DataError::NotADatabase, directory.Write("Empty.mdb")}};
+    for (const auto& [path, number, real] : cases) {
+        const Text asked = UpperCase(PathText(directory.Path())) + u"\\" + Text(path);
+        const RuntimeError error = Raised([&] { engine->OpenDatabase(asked); });
+        EXPECT_EQ(error.Number(), static_cast<std::int32_t>(number));
+        EXPECT_NE(std::string(error.what()).find("'" + real.native() + "'"), std::string::npos)
+            << error.what();
+    }
+}
+
 TEST_F(SqliteTest, ChangesTheCurrentRowAloneBetweenEditAndUpdate) {
     const auto rows = Rows();
     EXPECT_EQ(ErrorOf([&] { rows->SetField(u"Version", u"x"); }), 3020);
@@ -166,19 +181,32 @@ TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
     RunElsewhere(
         "create view Shown as select * from Registry; create table Other (x, y);"
         "insert into Other values (1, 2); create table Keyed (a primary key) without rowid;"
-        "insert into Keyed values (1);");
+        "insert into Keyed values (1); create table Named (a primary key, RowID) without rowid;"
+        "insert into Named values (1, 1); create table Taken (rowid, oid, _ROWID_);"
+        "insert into Taken values (1, 1, 1);"
+        "create view Misleading as select Count as rowid, AppName, Version from Registry;");
     for (const TextView query :
          {u"SELECT * FROM tMessages UNION SELECT -1, COUNT(*) FROM tMessages ORDER BY ID",
           u"select AppName from Registry, Other", u"select distinct AppName from Registry",
           u"select AppName from Registry group by AppName", u"select count(*) as c from Registry",
-          u"select * from Shown", u"select * from Keyed",
-          u"select * from (select AppName from Registry limit 1)",
+          u"select * from Shown", u"select * from Keyed", u"select * from Named", u"select * from Taken",
+          u"select AppName, Version from Misleading", u"select * from (select AppName from Registry limit 1)",
           u"select Version || '.' as v from Registry"}) {
         EXPECT_FALSE(Rows(query)->EndOfFile()) << ToUtf8(query);
         EXPECT_EQ(ErrorOf([&] { Rows(query)->Edit(); }), 3027) << ToUtf8(query);
     }
     EXPECT_EQ(ErrorOf([&] { Rows(horalink, forwardOnly)->Edit(); }), 3027);
     EXPECT_EQ(ErrorOf([&] { Open(true)->OpenRecordset(horalink, dynaset)->Edit(); }), 3027);
+}
+
+TEST_F(SqliteTest, ColumnsNamedLikeTheRowsNumberLeadToNoOtherRow) {
+    for (const std::string columns : {"rowid", "oid", "_rowid_", "ROWID, oid", "_rowid_, RowId"}) {
+        RunElsewhere("drop table if exists Shadowed; create table Shadowed (a text, " + columns + ");" +
+                     "insert into Shadowed (a, " + columns.substr(0, columns.find(',')) +
+                     ") values ('first', 1), ('second', 1)");
+        EXPECT_EQ(Change(*Rows(u"select * from Shadowed where a = 'first'"), u"a", u"new"), 0) << columns;
+        EXPECT_EQ(Single(u"select group_concat(a) from Shadowed"), Value(u"new,second")) << columns;
+    }
 }
 
 TEST_F(SqliteTest, LeavesTheRowAloneWhenTheTableRefusesTheValueOrTheRowIsGone) {

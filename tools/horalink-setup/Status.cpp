@@ -134,12 +134,6 @@ class Inspection {
         if (written.empty() || written.back() != u'\\')
             Complain("InstallPath in " + context_.places.settings.string() + " doesn't end in a backslash",
                      "Put one at its end.");
-        // Programs know the path in upper case only.
-        const fs::path found = platform::RealPath(platform::UpperCase(written));
-        std::error_code error;
-        if (!fs::equivalent(found, tree_.Root(), error))
-            Complain("programs look for it in " + found.string() + " and not in " + tree_.Root().string(),
-                     "Names on the way differ in upper and lower case only: rename one of them.");
         const platform::Text tail = u"VELMORA32\\" + platform::FromUtf8(market_);
         const platform::Text path = platform::PathText(tree_.Root());
         if (!platform::EqualsIgnoringCase(platform::Right(path, tail.size()), tail))

@@ -105,7 +105,7 @@ Text ToSqliteDialect(TextView query) {
     return result;
 }
 
-std::optional<Text> WithRowNumber(TextView query) {
+std::optional<Text> WithRowNumber(TextView query, TextView numberName) {
     constexpr TextView select = u"select";
     query.remove_prefix(std::min(query.find_first_not_of(u" \t\r\n"), query.size()));
     if (query.empty() || !EqualsIgnoringCase(FirstToken(query).text, select)) return std::nullopt;
@@ -114,7 +114,7 @@ std::optional<Text> WithRowNumber(TextView query) {
         groups |= token.kind == Kind::Word && EqualsIgnoringCase(token.text, u"group");
     });
     if (groups) return std::nullopt;
-    return Text(select).append(u" rowid,").append(query.substr(select.size()));
+    return Text(select).append(u" ").append(numberName).append(u",").append(query.substr(select.size()));
 }
 
 }  // namespace platform

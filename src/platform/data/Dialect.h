@@ -11,8 +11,9 @@ namespace platform {
 // become strings in single quotes. Text inside quotes stays as it is.
 Text ToSqliteDialect(TextView query);
 
-// The same query with the row's number as its first column, for a query in SQLite's dialect whose rows can
-// be rows of a table; nothing for one that groups, or that doesn't begin with SELECT.
-std::optional<Text> WithRowNumber(TextView query);
+// The same query with the row's number, by the name that it has in its table, as its first column. For a
+// query in SQLite's dialect whose rows can be rows of a table; nothing for one that groups, or that doesn't
+// begin with SELECT.
+std::optional<Text> WithRowNumber(TextView query, TextView numberName);
 
 }  // namespace platform

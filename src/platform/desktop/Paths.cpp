@@ -74,18 +74,33 @@ std::vector<fs::path> Lookalikes(const fs::path& directory, const Text& name) {
 // match that leads nowhere is given up for the next; the deepest one is kept in case none is whole.
 class Walk {
   public:
-    explicit Walk(const Route& route) : route_(route) {}
+    explicit Walk(const Route& route) : route_(route), start_(route.absolute ? "/" : ""), deepest_(start_) {}
 
-    fs::path Find() {
-        const fs::path start = route_.absolute ? "/" : "";
-        deepest_ = start;
-        Descend(start, 0);
+    fs::path Find(const Spellings& spellings) {
+        const bool found = std::any_of(spellings.begin(), spellings.end(), [this](const Text& spelling) {
+            return DescendAlong(RouteOf(spelling));
+        });
+        if (!found) Descend(start_, 0);
         for (std::size_t i = depth_; i < route_.components.size(); ++i)
             deepest_ /= ToUtf8(route_.components[i]);
         return deepest_;
     }
 
   private:
+    // Takes the known components as far as the two routes agree, and looks for the rest below them.
+    bool DescendAlong(const Route& known) {
+        if (known.absolute != route_.absolute) return false;
+        const auto& wanted = route_.components;
+        fs::path here = start_;
+        std::size_t depth = 0;
+        for (const Text& component : known.components) {
+            if (depth == wanted.size() || !EqualsIgnoringCase(component, wanted[depth])) break;
+            here /= ToUtf8(component);
+            ++depth;
+        }
+        return Exists(here) && Descend(here, depth);
+    }
+
     bool Descend(const fs::path& here, std::size_t depth) {
         if (depth > depth_) {
             depth_ = depth;
@@ -115,6 +130,7 @@ class Walk {
     }
 
     const Route& route_;
+    const fs::path start_;
     fs::path deepest_;
     std::size_t depth_ = 0;
     // Links can lead to one directory by so many ways that there would be no end to going each of them.
@@ -123,9 +139,9 @@ class Walk {
 
 }  // namespace
 
-fs::path RealPath(TextView path) {
+fs::path RealPath(TextView path, const Spellings& spellings) {
     const Route route = RouteOf(path);
-    return Walk(route).Find();
+    return Walk(route).Find(spellings);
 }
 
 Text PathText(const fs::path& path) {
@@ -134,9 +150,9 @@ Text PathText(const fs::path& path) {
     return text;
 }
 
-Text Dir(TextView path) {
+Text Dir(TextView path, const Spellings& spellings) {
     if (path.empty() || IsSeparator(path.back())) return {};
-    const fs::path file = RealPath(path);
+    const fs::path file = RealPath(path, spellings);
     return IsNormalFile(file) ? FromUtf8(file.filename().native()) : Text();
 }
 

@@ -1,6 +1,10 @@
 #include "platform/runtime/Format.h"
 
+#include <charconv>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <string>
 
 namespace platform {
 
@@ -40,6 +44,52 @@ const Code* CodeAtStart(TextView pattern) {
     return nullptr;
 }
 
+// A number that isn't 0 as 0.DIGITS times a power of ten.
+struct Decimal {
+    std::string digits;  // without zeros at the end
+    int power = 0;
+};
+
+template <class Number>
+Decimal DecimalOf(Number magnitude, int places) {
+    char buffer[32];
+    const auto end =
+        std::to_chars(buffer, buffer + sizeof buffer, magnitude, std::chars_format::scientific, places - 1)
+            .ptr;
+    const std::string_view text(buffer, static_cast<std::size_t>(end - buffer));
+    const auto sign = text.find('e');
+    Decimal decimal{std::string(1, text[0]).append(text.substr(2, sign - 2)),
+                    std::atoi(std::string(text.substr(sign + 1)).c_str()) + 1};
+    decimal.digits.resize(decimal.digits.find_last_not_of('0') + 1);
+    return decimal;
+}
+
+std::string Plain(Decimal decimal) {
+    auto& [digits, power] = decimal;
+    if (power <= 0) return "0." + std::string(static_cast<std::size_t>(-power), '0') + digits;
+    const auto whole = static_cast<std::size_t>(power);
+    if (digits.size() <= whole) return digits.append(whole - digits.size(), '0');
+    return digits.insert(whole, ".");
+}
+
+std::string WithPowerOfTen(Decimal decimal) {
+    auto& [digits, power] = decimal;
+    if (digits.size() > 1) digits.insert(1, ".");
+    char buffer[16];
+    std::snprintf(buffer, sizeof buffer, "E%+03d", power - 1);
+    return digits + buffer;
+}
+
+template <class Number>
+Text TextOfNumber(Number number, int places) {
+    if (number == 0) return u"0";
+    if (!std::isfinite(number)) return std::isnan(number) ? u"nan" : number < 0 ? u"-inf" : u"inf";
+    const Decimal decimal = DecimalOf(std::fabs(number), places);
+    const int fraction = static_cast<int>(decimal.digits.size()) - decimal.power;
+    const bool fits = decimal.power <= places && fraction <= places;
+    return FromUtf8((number < 0 ? "-" : "") + (fits ? Plain(decimal) : WithPowerOfTen(decimal)));
+}
+
 }  // namespace
 
 Text FormatDate(Date date, TextView pattern, const LocaleTexts& locale) {
@@ -60,6 +110,14 @@ Text FormatDate(Date date, TextView pattern, const LocaleTexts& locale) {
 
 Text TwoDigits(int number) {
     return Padded(number, 2);
+}
+
+Text NumberText(float number) {
+    return TextOfNumber(number, 7);
+}
+
+Text NumberText(double number) {
+    return TextOfNumber(number, 15);
 }
 
 Text GeneralDateText(Date date) {

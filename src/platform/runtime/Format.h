@@ -26,6 +26,12 @@ Text FormatDate(Date date, TextView pattern, const LocaleTexts& locale);
 // A whole number with at least two digits.
 Text TwoDigits(int number);
 
+// A number as text, the same in every locale: up to 7 significant digits for a single and 15 for a double.
+// What needs more places than that, before or after the point, is written with a power of ten: 1.5E+20,
+// 1E-08.
+Text NumberText(float number);
+Text NumberText(double number);
+
 // A date value as text that is read back in every locale: month/day/year, hours:minutes:seconds;
 // the time alone for day 0, the date alone for midnight.
 Text GeneralDateText(Date date);

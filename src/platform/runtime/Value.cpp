@@ -43,18 +43,7 @@ Integer WholeNumber(double number) {
     return static_cast<Integer>(rounded);
 }
 
-template <class Number>
-Text ShortestText(Number number) {
-    char buffer[64];
-    const auto end = std::to_chars(buffer, buffer + sizeof buffer, number).ptr;
-    return FromUtf8(std::string_view(buffer, static_cast<std::size_t>(end - buffer)));
-}
-
 }  // namespace
-
-Text NumberText(double number) {
-    return ShortestText(number);
-}
 
 Text Value::ToText() const {
     return std::visit(Overloaded{
@@ -65,7 +54,9 @@ Text Value::ToText() const {
                           [](const Text& value) { return value; },
                           [](Date value) { return GeneralDateText(value); },
                           [](const ObjectRef&) -> Text { throw Mismatch(); },
-                          [](auto number) { return ShortestText(number); },
+                          [](float number) { return NumberText(number); },
+                          [](double number) { return NumberText(number); },
+                          [](auto whole) { return DecimalText(whole); },
                       },
                       storage_);
 }

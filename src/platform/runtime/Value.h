@@ -75,7 +75,4 @@ class Value {
     Storage storage_;
 };
 
-// Text of a number without locale: a point for the fraction, whole numbers without one.
-Text NumberText(double number);
-
 }  // namespace platform

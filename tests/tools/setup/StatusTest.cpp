@@ -58,8 +58,6 @@ TEST_F(StatusTest, NamesWhatIsBroken) {
              fs::rename(Tree(), top_ / "home/elsewhere");
              Enter((top_ / "home/elsewhere/").string());
          }},
-        {"programs look for it in " + top_.string() + "/HOME/.local/share/VELMORA32/10001",
-         [&] { fs::create_directories(top_ / "HOME/.local/share/VELMORA32/10001"); }},
         {"this is no tree of an installed package", [&] { fs::remove_all(places_.package); }},
         {"doesn't know the class Horalink10013.cOLELayer", [&] { bus_.startable.clear(); }},
         {"The session bus can't be asked", [&] { bus_.isThere = false; }},

@@ -18,7 +18,7 @@ using platform::FromUtf8;
 
 constexpr const char *projectTable = "tProject", *messageTable = "tMessages", *boxTable = "tMsgBox";
 constexpr const char16_t* addInName = u"Horalink";
-// The messages reach as far as the last that the add-in reads.
+// The add-in needs the messages up to this one; without those behind it, buttons keep their English words.
 constexpr std::size_t messageCount = horalink::message::answerError + 1;
 
 void ReportAll(const CheckedDatabase& database, const std::string& table, const StoredRow& row,
@@ -60,7 +60,7 @@ void CheckMessageFields(const CheckedDatabase& database) {
 void CheckMessageTexts(const CheckedDatabase& database) {
     for (const StoredRow& row : database.RowsOf(messageTable)) {
         const auto id = NumberIn(row["ID"]);
-        if (!id || *id < 0 || *id >= static_cast<std::int64_t>(messageCount)) continue;
+        if (!id || *id < 0 || *id > static_cast<std::int64_t>(horalink::message::lastButton)) continue;
         CheckPlainText(database, messageTable, row, "Caption");
         // It becomes a value for %ST, and those end at a "%".
         const bool isValue = *id == static_cast<std::int64_t>(horalink::message::accessFailure);
@@ -182,7 +182,7 @@ void CheckMessages(CheckedDatabase& database) {
     if (loaded && messages.texts.size() < messageCount)
         database.Report(messageTable, {}, "",
                         "there are " + std::to_string(messages.texts.size()) +
-                            " messages, and the add-in reads " + std::to_string(messageCount));
+                            " messages, and the add-in needs " + std::to_string(messageCount));
     CheckMessageFields(database);
     CheckMessageTexts(database);
 }

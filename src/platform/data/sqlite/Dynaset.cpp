@@ -8,44 +8,58 @@ namespace platform {
 
 namespace {
 
-bool ShowsOneTable(const Statement& statement) {
-    const Text table = statement.TableOf(0);
-    for (std::size_t i = 1; i < statement.ColumnCount(); ++i)
-        if (statement.TableOf(i) != table) return false;
-    return !table.empty();
-}
-
-// The query with the number of each row in column 0, or null where its rows are not those of a table.
-std::unique_ptr<Statement> NumberedStatement(const std::shared_ptr<SqliteConnection>& connection,
-                                             TextView query) {
-    const auto numbered = WithRowNumber(query);
-    if (!numbered) return nullptr;
-    try {
-        auto statement = std::make_unique<Statement>(connection, *numbered);
-        return ShowsOneTable(*statement) ? std::move(statement) : nullptr;
-    } catch (const RuntimeError&) {
-        // What is wrong with the query itself comes out when it is tried as it was written.
-        return nullptr;
-    }
-}
-
 Text Quoted(TextView name) {
     Text quoted(1, u'"');
     for (const char16_t c : name) quoted.append(c == u'"' ? 2 : 1, c);
     return quoted.append(1, u'"');
 }
 
+// The table whose fields are all that the query shows, or an empty text.
+Text OnlyTable(const Statement& statement) {
+    const Text table = statement.TableOf(0);
+    for (std::size_t i = 1; i < statement.ColumnCount(); ++i)
+        if (statement.TableOf(i) != table) return {};
+    return table;
+}
+
+// SQLite knows a row's number by three names, of which a table may have given any to a column of its own.
+std::optional<Text> NameOfRowNumber(const std::shared_ptr<SqliteConnection>& connection, const Text& table) {
+    const ColumnNames columns(Statement(connection, u"SELECT * FROM " + Quoted(table)));
+    for (const TextView name : {u"rowid", u"oid", u"_rowid_"})
+        if (!columns.Holds(name)) return Text(name);
+    return std::nullopt;
+}
+
 }  // namespace
 
 Dynaset::Dynaset(std::shared_ptr<SqliteConnection> connection, TextView query)
     : connection_(std::move(connection)) {
-    auto statement = NumberedStatement(connection_, query);
+    auto statement = NumberedStatement(query);
     const std::size_t first = statement ? 1 : 0;
     if (!statement) statement = ReadingStatement(connection_, query);
-    if (first == 1) table_ = statement->TableOf(0);
     names_ = ColumnNames(*statement, first);
     for (std::size_t i = first; i < statement->ColumnCount(); ++i) origins_.push_back(statement->OriginOf(i));
     ReadRows(*statement, first);
+}
+
+// The query with the number of each row in column 0, or null where its rows are not those of a table.
+std::unique_ptr<Statement> Dynaset::NumberedStatement(TextView query) {
+    try {
+        const Text table = OnlyTable(Statement(connection_, query));
+        const auto number = table.empty() ? std::nullopt : NameOfRowNumber(connection_, table);
+        const auto numbered = number ? WithRowNumber(query, *number) : std::nullopt;
+        if (!numbered) return nullptr;
+        auto statement = std::make_unique<Statement>(connection_, *numbered);
+        // A view may show another field of the table by that name.
+        const Statement ofTable(connection_, u"SELECT " + *number + u" FROM " + Quoted(table));
+        if (OnlyTable(*statement) != table || statement->OriginOf(0) != ofTable.OriginOf(0)) return nullptr;
+        table_ = table;
+        rowNumber_ = *number;
+        return statement;
+    } catch (const RuntimeError&) {
+        // What is wrong with the query itself comes out when it is tried as it was written.
+        return nullptr;
+    }
 }
 
 Dynaset::Row Dynaset::ReadRow(const Statement& statement, std::size_t first) const {
@@ -133,7 +147,7 @@ Text Dynaset::UpdateQuery(const std::vector<Change>& changes) const {
     Text query = u"UPDATE " + Quoted(table_) + u" SET ";
     for (const Change& change : changes) query += Quoted(origins_[change.first]) + u"=?,";
     query.back() = u' ';
-    query += u"WHERE rowid=? RETURNING rowid";
+    query += u"WHERE " + rowNumber_ + u"=? RETURNING " + rowNumber_;
     for (const Text& origin : origins_) query += u"," + Quoted(origin);
     return query;
 }

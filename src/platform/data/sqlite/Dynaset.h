@@ -34,6 +34,7 @@ class Dynaset : public Recordset {
     };
     using Change = std::pair<std::size_t, Value>;
 
+    std::unique_ptr<Statement> NumberedStatement(TextView query);
     // Reads a row whose fields begin at `first`; its number, where there is one, stands before them.
     Row ReadRow(const Statement& statement, std::size_t first) const;
     void ReadRows(Statement& statement, std::size_t first);
@@ -49,6 +50,7 @@ class Dynaset : public Recordset {
     ColumnNames names_;
     std::vector<Text> origins_;  // the columns' names in their table
     Text table_;                 // empty where rows can't be edited
+    Text rowNumber_;             // the name of a row's number in the table
     std::vector<Row> rows_;
     std::size_t current_ = 0;
     std::optional<std::vector<Change>> changes_;

@@ -43,7 +43,7 @@ void SqliteConnection::Open(const std::filesystem::path& file, bool readOnly) {
     const std::string path = std::filesystem::absolute(file);
     const int code = sqlite3_open_v2(path.c_str(), &handle_, OpenFlags(readOnly), nullptr);
     if (code == SQLITE_CANTOPEN || code == SQLITE_PERM || code == SQLITE_AUTH)
-        throw MakeDataError(DataError::NoPermission, "You don't have permission to open " + name_);
+        throw MakeDataError(DataError::NoPermission, "You don't have permission to open '" + path + "'");
     if (code != SQLITE_OK) throw SqliteFailure(code, sqlite3_errstr(code), name_);
     sqlite3_busy_timeout(handle_, lockWaitMilliseconds);
 }

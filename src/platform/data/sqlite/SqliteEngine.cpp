@@ -4,7 +4,6 @@
 #include "platform/data/Dialect.h"
 #include "platform/data/sqlite/Dynaset.h"
 #include "platform/data/sqlite/ForwardOnly.h"
-#include "platform/desktop/Paths.h"
 
 namespace platform {
 
@@ -35,31 +34,36 @@ class SqliteDatabase : public Database {
 
 // Tells apart what SQLite reports as one: a file that isn't there, one that the user may not reach, and one
 // that is empty, which SQLite would take for a new database.
-void RequireDatabaseFile(const fs::path& file, TextView path) {
+void RequireDatabaseFile(const fs::path& file) {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (status.type() == fs::file_type::none)
         throw MakeDataError(DataError::NoPermission,
-                            "You don't have permission to open '" + ToUtf8(path) + "'");
+                            "You don't have permission to open '" + file.native() + "'");
     if (!fs::is_regular_file(status))
-        throw MakeDataError(DataError::FileNotFound, "The file '" + ToUtf8(path) + "' was not found");
+        throw MakeDataError(DataError::FileNotFound, "The file '" + file.native() + "' was not found");
     if (fs::file_size(file, error) == 0)
-        throw MakeDataError(DataError::NotADatabase, "The file '" + ToUtf8(path) + "' is empty");
+        throw MakeDataError(DataError::NotADatabase, "The file '" + file.native() + "' is empty");
 }
 
 class SqliteEngine : public DatabaseEngine {
   public:
+    explicit SqliteEngine(Spellings spellings) : spellings_(std::move(spellings)) {}
+
     DatabaseRef OpenDatabase(TextView path, bool readOnly) override {
-        const fs::path file = RealPath(path);
-        RequireDatabaseFile(file, path);
+        const fs::path file = RealPath(path, spellings_);
+        RequireDatabaseFile(file);
         return std::make_shared<SqliteDatabase>(file, readOnly);
     }
+
+  private:
+    const Spellings spellings_;
 };
 
 }  // namespace
 
-std::unique_ptr<DatabaseEngine> MakeSqliteEngine() {
-    return std::make_unique<SqliteEngine>();
+std::unique_ptr<DatabaseEngine> MakeSqliteEngine(Spellings spellings) {
+    return std::make_unique<SqliteEngine>(std::move(spellings));
 }
 
 }  // namespace platform

@@ -4,9 +4,11 @@
 #include <memory>
 
 #include "platform/data/Database.h"
+#include "platform/desktop/Paths.h"
 
 namespace platform {
 
-std::unique_ptr<DatabaseEngine> MakeSqliteEngine();
+// Looks for files by `spellings`.
+std::unique_ptr<DatabaseEngine> MakeSqliteEngine(Spellings spellings = {});
 
 }  // namespace platform

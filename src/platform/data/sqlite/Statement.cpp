@@ -176,16 +176,21 @@ ColumnNames::ColumnNames(const Statement& statement, std::size_t first) {
     for (std::size_t i = first; i < statement.ColumnCount(); ++i) names_.push_back(statement.ColumnName(i));
 }
 
-std::size_t ColumnNames::Find(TextView name) const {
+std::size_t ColumnNames::IndexOf(TextView name) const {
     // Most names are written as the table has them; comparing those is far cheaper.
     auto found = std::find(names_.begin(), names_.end(), name);
     if (found == names_.end())
         found = std::find_if(names_.begin(), names_.end(),
                              [&](const Text& candidate) { return EqualsIgnoringCase(candidate, name); });
-    if (found == names_.end())
+    return static_cast<std::size_t>(found - names_.begin());
+}
+
+std::size_t ColumnNames::Find(TextView name) const {
+    const std::size_t index = IndexOf(name);
+    if (index == names_.size())
         throw MakeDataError(DataError::NoSuchField,
                             "The field '" + ToUtf8(name) + "' was not found in the record set");
-    return static_cast<std::size_t>(found - names_.begin());
+    return index;
 }
 
 }  // namespace platform

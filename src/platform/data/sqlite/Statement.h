@@ -60,10 +60,14 @@ class ColumnNames {
   public:
     ColumnNames() = default;
     explicit ColumnNames(const Statement& statement, std::size_t first = 0);
+    bool Holds(TextView name) const { return IndexOf(name) != names_.size(); }
     // The column, counted from `first`. Raises 3265.
     std::size_t Find(TextView name) const;
 
   private:
+    // The number of names where it isn't one of them.
+    std::size_t IndexOf(TextView name) const;
+
     std::vector<Text> names_;
 };
 

@@ -2,13 +2,12 @@
 
 #include <QApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
-#include <QLibraryInfo>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTranslator>
 #include <QWindow>
 #include <algorithm>
 
@@ -20,22 +19,15 @@ namespace {
 
 constexpr int spacing = 16, smallestButton = 88, signSize = 32;
 
-// Loaded with the first box, not at the start of the process: forms need none of Qt's own texts.
-void LoadButtonTexts() {
-    static QTranslator* translator = nullptr;
-    if (translator) return;
-    translator = new QTranslator(qApp);
-    if (translator->load(QLocale::system(), QStringLiteral("qtbase"), QStringLiteral("_"),
-                         QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QCoreApplication::installTranslator(translator);
-}
-
-QString ButtonText(const char* text) {
-    return QCoreApplication::translate("QPlatformTheme", text);
+QPushButton* MakeButton(TextView text) {
+    // As it is written: no letter becomes an access key.
+    auto* button = new QPushButton(ToShow(text).replace(u'&', QStringLiteral("&&")));
+    button->setMinimumWidth(smallestButton);
+    return button;
 }
 
 QString WithLineFeeds(TextView prompt) {
-    QString text = ToQt(prompt);
+    QString text = ToShow(prompt);
     return text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
 }
 
@@ -84,9 +76,9 @@ QWidget* FitToScreen(QLabel& text) {
 
 }  // namespace
 
-BoxDialog::BoxDialog(const BoxContent& content) : escapeAnswer_(content.escapeAnswer) {
-    LoadButtonTexts();
-    setWindowTitle(ToQt(content.title));
+BoxDialog::BoxDialog(const BoxContent& content)
+    : escapeAnswer_(content.escapeAnswer), showHelp_(content.showHelp) {
+    setWindowTitle(ToShow(content.title));
     setAccessibleDescription(WithLineFeeds(content.prompt));
     setWindowModality(Qt::ApplicationModal);
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint);
@@ -117,22 +109,19 @@ QLayout* BoxDialog::MakePrompt(const BoxContent& content) {
 QLayout* BoxDialog::MakeButtons(const BoxContent& content) {
     std::vector<QPushButton*> made;
     for (const BoxContent::Button& button : content.buttons) {
-        made.push_back(new QPushButton(ButtonText(button.text)));
+        made.push_back(MakeButton(button.text));
         connect(made.back(), &QPushButton::clicked, this, [this, answer = button.answer] { done(answer); });
     }
-    if (content.help != HelpButton::None) {
-        auto* help = new QPushButton(ButtonText("Help"));
-        help->setEnabled(content.help == HelpButton::Live);
-        connect(help, &QPushButton::clicked, this, [help, show = content.showHelp] { show(*help); });
+    if (!content.helpButton.empty()) {
+        QPushButton* help = MakeButton(content.helpButton);
+        help->setEnabled(content.showHelp != nullptr);
+        connect(help, &QPushButton::clicked, this, [this, help] { showHelp_(*help); });
         made.push_back(help);
     }
 
     auto* row = new QHBoxLayout;
     row->addStretch();
-    for (QPushButton* button : made) {
-        button->setMinimumWidth(smallestButton);
-        row->addWidget(button);
-    }
+    for (QPushButton* button : made) row->addWidget(button);
     row->addStretch();
     QPushButton* chosen = made[content.defaultButton < made.size() ? content.defaultButton : 0];
     chosen->setDefault(true);
@@ -153,6 +142,13 @@ void BoxDialog::PlaceOver(QWidget& window) {
     setWindowIcon(window.windowIcon());
     adjustSize();
     move(window.geometry().center() - rect().center());
+}
+
+void BoxDialog::keyPressEvent(QKeyEvent* event) {
+    if (showHelp_ && event->key() == Qt::Key_F1 && event->modifiers() == Qt::NoModifier)
+        showHelp_(*this);
+    else
+        QDialog::keyPressEvent(event);
 }
 
 void BoxDialog::reject() {

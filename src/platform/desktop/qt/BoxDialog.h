@@ -13,21 +13,19 @@ class QLayout;
 
 namespace platform {
 
-enum class HelpButton { None, Dead, Live };
-
 struct BoxContent {
     struct Button {
-        const char* text;  // Qt's English text; the box shows it in the user's language
+        TextView text;
         std::int16_t answer;
     };
 
     TextView title, prompt;
     BoxSign sign = BoxSign::None;
     std::vector<Button> buttons;
-    std::size_t defaultButton = 0;  // counted over the buttons, then the help button
-    std::int16_t escapeAnswer = 0;  // what Escape and closing answer; 0 where they do nothing
-    HelpButton help = HelpButton::None;
-    std::function<void(QWidget& beside)> showHelp;  // for a live help button
+    std::size_t defaultButton = 0;                  // counted over the buttons, then the help button
+    std::int16_t escapeAnswer = 0;                  // what Escape and closing answer; 0 where they do nothing
+    TextView helpButton;                            // empty where there is none
+    std::function<void(QWidget& beside)> showHelp;  // for F1 and the help button, which is dead without it
     bool onTop = false;
     bool alignRight = false;
     bool rightToLeft = false;
@@ -44,12 +42,16 @@ class BoxDialog : public QDialog {
 
     void reject() override;
 
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
   private:
     QLayout* MakePrompt(const BoxContent& content);
     QLayout* MakeButtons(const BoxContent& content);
     void PlaceOver(QWidget& window);
 
     std::int16_t escapeAnswer_;
+    std::function<void(QWidget& beside)> showHelp_;
 };
 
 }  // namespace platform

@@ -62,7 +62,9 @@ class Desktop : public QtDesktop {
           application_(argumentCount_, arguments_),
           help_(application, engine),
           boxes_(application, help_),
-          toolkit_(help_, loop_.Input()) {
+          waits_(application),
+          toolkit_(help_, loop_.Input()),
+          pictures_(application.spellings) {
         const QString name = QFileInfo(QString::fromLocal8Bit(program)).fileName();
         QApplication::setApplicationName(name);
         QApplication::setDesktopFileName(name);

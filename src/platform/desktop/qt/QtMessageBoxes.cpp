@@ -11,20 +11,21 @@ namespace {
 enum Answer : std::int16_t { ok = 1, cancel, abort, retry, ignore, yes, no };
 
 struct ButtonSet {
-    std::vector<BoxContent::Button> buttons;
+    std::vector<std::pair<Text ButtonTexts::*, Answer>> buttons;
     std::int16_t escapeAnswer;
     std::int16_t leastAnswer;
 };
 
 // In the order of the constants, from okOnly to retryCancel.
 const std::vector<ButtonSet>& ButtonSets() {
+    using Word = ButtonTexts;
     static const std::vector<ButtonSet> sets{
-        {{{"OK", ok}}, ok, ok},
-        {{{"OK", ok}, {"Cancel", cancel}}, cancel, cancel},
-        {{{"Abort", abort}, {"Retry", retry}, {"Ignore", ignore}}, 0, abort},
-        {{{"&Yes", yes}, {"&No", no}, {"Cancel", cancel}}, cancel, cancel},
-        {{{"&Yes", yes}, {"&No", no}}, 0, no},
-        {{{"Retry", retry}, {"Cancel", cancel}}, cancel, cancel},
+        {{{&Word::ok, ok}}, ok, ok},
+        {{{&Word::ok, ok}, {&Word::cancel, cancel}}, cancel, cancel},
+        {{{&Word::abort, abort}, {&Word::retry, retry}, {&Word::ignore, ignore}}, 0, abort},
+        {{{&Word::yes, yes}, {&Word::no, no}, {&Word::cancel, cancel}}, cancel, cancel},
+        {{{&Word::yes, yes}, {&Word::no, no}}, 0, no},
+        {{{&Word::retry, retry}, {&Word::cancel, cancel}}, cancel, cancel},
     };
     return sets;
 }
@@ -54,11 +55,6 @@ BoxSign SignOf(std::int32_t buttons) {
     }
 }
 
-HelpButton HelpOf(const MessageBox& box) {
-    if (!(box.buttons & buttons::helpButton)) return HelpButton::None;
-    return box.helpFile ? HelpButton::Live : HelpButton::Dead;
-}
-
 }  // namespace
 
 std::int16_t QtMessageBoxes::Show(const MessageBox& box) {
@@ -67,11 +63,13 @@ std::int16_t QtMessageBoxes::Show(const MessageBox& box) {
     content.title = box.title ? *box.title : application_.title;
     content.prompt = box.prompt;
     content.sign = SignOf(box.buttons);
-    content.buttons = set.buttons;
+    for (const auto& [word, answer] : set.buttons)
+        content.buttons.push_back({application_.buttons.*word, answer});
     content.defaultButton = static_cast<std::size_t>((box.buttons & defaultPart) / buttons::defaultButton2);
     content.escapeAnswer = set.escapeAnswer;
-    content.help = HelpOf(box);
-    content.showHelp = [&](QWidget& beside) { help_.Show(beside, box.helpContext, *box.helpFile); };
+    if (box.buttons & buttons::helpButton) content.helpButton = application_.buttons.help;
+    if (box.helpFile)
+        content.showHelp = [&](QWidget& beside) { help_.Show(beside, box.helpContext, *box.helpFile); };
     content.onTop = (box.buttons & buttons::systemModal) != 0;
     content.alignRight = (box.buttons & buttons::right) != 0;
     content.rightToLeft = (box.buttons & buttons::rightToLeft) != 0;

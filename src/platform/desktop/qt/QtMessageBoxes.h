@@ -8,8 +8,8 @@
 namespace platform {
 
 // Escape and closing a box answer Cancel where there is such a button, OK where it is the only one, and
-// nothing elsewhere. The help button leaves the box open. Prompts are plain text. Each of CR, LF and CR LF
-// breaks a line.
+// nothing elsewhere. The help button, and F1 where the box has a help reference, leave it open. Prompts are
+// plain text. Each of CR, LF and CR LF breaks a line.
 class QtMessageBoxes : public MessageBoxes {
   public:
     QtMessageBoxes(const Application& application, const QtHelp& help)

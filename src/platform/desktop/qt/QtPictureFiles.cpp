@@ -2,22 +2,23 @@
 
 #include <iterator>
 
-#include "platform/desktop/Paths.h"
 #include "platform/forms/qt/Drawing.h"
 
 namespace platform {
 
 Text QtPictureFiles::Dir(TextView path) const {
-    return platform::Dir(path);
+    return platform::Dir(path, spellings_);
 }
 
 forms::PictureRef QtPictureFiles::LoadPicture(TextView path) const {
-    std::ifstream file = OpenToRead(RealPath(path));
-    if (!file.is_open()) throw RuntimeError(ErrorNumber::FileNotFound, ToUtf8(path));
+    const std::filesystem::path real = RealPath(path, spellings_);
+    const std::string name = "'" + real.native() + "'";
+    std::ifstream file = OpenToRead(real);
+    if (!file.is_open()) throw RuntimeError(ErrorNumber::FileNotFound, name);
     auto picture = std::make_shared<forms::Picture>(std::string(std::istreambuf_iterator<char>(file), {}));
     forms::Drawing drawing;
     drawing.Take(picture);
-    if (drawing.IsEmpty()) throw RuntimeError(ErrorNumber::InvalidPicture, ToUtf8(path));
+    if (drawing.IsEmpty()) throw RuntimeError(ErrorNumber::InvalidPicture, name);
     return picture;
 }
 

@@ -9,20 +9,20 @@ namespace {
 
 constexpr std::int16_t goOn = 1, giveUp = 2;
 
-BoxContent ContentOf(TextView title, TextView text) {
+BoxContent ContentOf(TextView title, TextView text, const ButtonTexts& buttons) {
     BoxContent content;
     content.title = title;
     content.prompt = text;
     content.sign = BoxSign::Exclamation;
-    content.buttons = {{"Retry", goOn}, {"Cancel", giveUp}};
+    content.buttons = {{buttons.keepWaiting, goOn}, {buttons.giveUp, giveUp}};
     content.escapeAnswer = giveUp;
     return content;
 }
 
 class QtWaitBox : public WaitBox {
   public:
-    QtWaitBox(TextView title, TextView text, std::function<void(bool)> answered)
-        : dialog_(new BoxDialog(ContentOf(title, text))) {
+    QtWaitBox(const BoxContent& content, std::function<void(bool)> answered)
+        : dialog_(new BoxDialog(content)) {
         // The call is copied out of the connection, which goes when the box is dropped inside the call.
         QObject::connect(dialog_, &QDialog::finished, dialog_, [call = std::move(answered)](int answer) {
             const auto running = call;
@@ -44,7 +44,7 @@ class QtWaitBox : public WaitBox {
 
 std::unique_ptr<WaitBox> QtWaitBoxes::Open(TextView title, TextView text,
                                            std::function<void(bool)> answered) {
-    return std::make_unique<QtWaitBox>(title, text, std::move(answered));
+    return std::make_unique<QtWaitBox>(ContentOf(title, text, application_.buttons), std::move(answered));
 }
 
 }  // namespace platform
