@@ -20,7 +20,7 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 import campaign  # noqa: E402
 from arrangement import Arrangement, wait_for  # noqa: E402
 from contract import GET  # noqa: E402
-from driver import LIMIT, Driver, GLib  # noqa: E402
+from driver import LIMIT, Driver, GLib, Role  # noqa: E402
 from life import Lost  # noqa: E402
 from peers import OBJECT, Operator  # noqa: E402
 from plain_life import MESSAGE_STANDS, PlainLife  # noqa: E402
@@ -72,7 +72,7 @@ class ClockedLife(PlainLife):
                    "FAKETIME_TIMESTAMP_FILE": str(self.setting), "FAKETIME_NO_CACHE": "1",
                    "FAKETIME_DONT_FAKE_MONOTONIC": "1"})
         driver = self.operator.driver
-        self.sections = [driver.find(ADD_IN, name, "text") for name in SECTIONS]
+        self.sections = [driver.find(ADD_IN, name, Role.TEXT) for name in SECTIONS]
         self.day = driver.calendar(ADD_IN)
 
     def set(self, at):
@@ -113,7 +113,7 @@ class ClockedLife(PlainLife):
     # --- what is sent -----------------------------------------------------------------------------
 
     def aim(self):
-        self.operator.driver.aim(self.operator.driver.find(ADD_IN, UPDATE, "push button"))
+        self.operator.driver.aim(self.operator.driver.find(ADD_IN, UPDATE, Role.PUSH_BUTTON))
 
     def sent(self):
         """The values of the three items of the record, as the host reads them."""

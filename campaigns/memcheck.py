@@ -10,7 +10,7 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 import campaign  # noqa: E402
 from arrangement import Arrangement  # noqa: E402
 from contract import METHOD  # noqa: E402
-from driver import Driver  # noqa: E402
+from driver import Driver, Role  # noqa: E402
 from peers import Operator  # noqa: E402
 from plain_life import SUCCESS, PlainLife  # noqa: E402
 from stage import ADD_IN, LOOKUP, UPDATE  # noqa: E402
@@ -21,7 +21,7 @@ SUPPRESSED = Path(__file__).parent / "support/memcheck.supp"
 
 def press(life, button):
     driver = life.operator.driver
-    driver.aim(driver.find(ADD_IN, button, "push button", PATIENCE))
+    driver.aim(driver.find(ADD_IN, button, Role.PUSH_BUTTON, PATIENCE))
     life.request()
     life.end_request(SUCCESS)
     life.wait(life.operator.close_boxes, "the answer's box", PATIENCE)

@@ -21,7 +21,7 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 import campaign  # noqa: E402
 from arrangement import Arrangement  # noqa: E402
 from contract import METHOD  # noqa: E402
-from driver import Driver  # noqa: E402
+from driver import Driver, Role  # noqa: E402
 from life import BUS  # noqa: E402
 from peers import Operator  # noqa: E402
 from plain_life import MESSAGE_STANDS, SUCCESS, PlainLife  # noqa: E402
@@ -71,7 +71,7 @@ class LongLife(PlainLife):
 
     def look_up(self):
         """All clicks of a round, with the pointer on the button until the box comes."""
-        button = self.operator.driver.find(ADD_IN, LOOKUP, "push button")
+        button = self.operator.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON)
         self.operator.driver.aim(button)
         for click in range(CLICKS):
             self.request()

@@ -2,14 +2,15 @@
 # Tries the packages on a bare system, as root: installs them, works with them as a new user, removes them, and
 # looks for what was left behind. Fails at the first thing that is wrong.
 #   packaging/try-packages.sh [--tree FOLDER] [--pictures FOLDER] PACKAGE...
-# The tree is a bare Debian 12, as debootstrap makes it, and is changed. Without one, one is made and removed.
+# The tree is a bare Debian of the release that the packages were built on, as debootstrap makes it, and is changed.
+# Without one, one of this machine's release is made and removed.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
 tree= pictures= packages=()
 while [ $# -gt 0 ]; do
   case "$1" in
-    -h | --help) sed -n '2,5s/^# \{0,1\}//p' "$0"; exit 0 ;;
+    -h | --help) sed -n '2,6s/^# \{0,1\}//p' "$0"; exit 0 ;;
     --tree | --pictures)
       [ $# -gt 1 ] || { echo "try-packages.sh: $1 wants a folder" >&2; exit 2; }
       printf -v "${1#--}" %s "$2"; shift 2 ;;
@@ -24,7 +25,7 @@ temporary=
 if [ -z "$tree" ]; then
   temporary=$(mktemp -d)
   tree=$temporary
-  debootstrap --variant=minbase bookworm "$tree"
+  debootstrap --variant=minbase "$(source /etc/os-release && echo "$VERSION_CODENAME")" "$tree"
 fi
 mounted=false
 leave() {

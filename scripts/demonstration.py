@@ -3,7 +3,7 @@ import re
 from datetime import date
 
 from arrangement import wait_for
-from driver import UPPER, Driver
+from driver import LIMIT, UPPER, Driver, Role
 from texts import Texts
 
 HOST = "Switchdesk \u2013 "
@@ -54,50 +54,56 @@ class Demonstration:
     def set_by_hand(self):
         """Steps every part of the time, and chooses the first day of the next month; returns that day."""
         for name in ("chkTrack", "chkTrackDate"):
-            self.driver.click(self.control(name, role="check box"))
+            self.driver.untick(self.control(Role.CHECK_BOX, name))
         for part in range(4):
-            section = self.control("txtTime", part)
+            section = self.choose_part(part)
             before = self.driver.value(section)
-            self.driver.click(section)
-            self.driver.click(self.control("updTime"), UPPER)
-            wait_for(lambda: self.driver.value(section) != before, 10, f"part {part} of the time to change")
-        # Behind the part of the time that is clicked here come the two boxes and the calendar.
-        self.driver.click(self.control("txtTime", 0))
+            self.driver.click(self.control(Role.SPIN_BUTTON, "updTime"), UPPER)
+            wait_for(lambda: self.driver.value(section) != before, LIMIT, f"part {part} of the time to change")
+        # Behind this part of the time come the two boxes and the calendar.
+        self.choose_part(0)
         self.driver.press("Tab", "Tab", "Tab", "Next", "Return")
         self.driver.wait_until_enabled("horalink", self.texts.update)
         self.picture("set-by-hand", self.window())
         today = date.today()
         return date(today.year + today.month // 12, today.month % 12 + 1, 1)
 
+    def choose_part(self, number):
+        section = self.control(Role.TEXT, "txtTime", number)
+        self.driver.click(section)
+        wait_for(lambda: self.driver.is_focused(section), LIMIT, f"part {number} of the time to be chosen")
+        return section
+
     def change_background(self):
         before = self.corner()
         self.driver.raise_window(self.host)
         self.driver.press("alt+v", "b", "Down", "Return")
         self.driver.raise_window(self.dialog)
-        wait_for(lambda: self.corner() != before, 20, "the background to change")
+        wait_for(lambda: self.corner() != before, LIMIT, "the background to change")
         print("--- the host has put another background on the dialog")
         self.picture("background", self.window())
 
     def ask_for_help(self):
         self.driver.press("F1")
-        page = wait_for(lambda: next((top for top in self.driver.windows("switchdesk")
-                                      if top.get_name().startswith("Help")), None), 20, "the help page")
-        print(f"--- the host shows the help: {page.get_name()}")
-        self.driver.raise_window(page.get_name())
+        page = self.driver.box("switchdesk", besides=[self.host])
+        title = page.get_name()
+        print(f"--- the host shows the help: {title}")
+        self.driver.raise_window(title)
         self.picture("help", page)
         self.driver.press("Escape")
+        wait_for(lambda: not self.driver.has_window("switchdesk", title), LIMIT, "the help page to close")
 
     def close_and_open_again(self):
         """The dialog comes back where it was left."""
         self.driver.move_window(self.dialog, 120, 90)
-        moved = wait_for(lambda: self.driver.place(self.window())[0] < 200 and self.driver.place(self.window()), 20,
+        moved = wait_for(lambda: self.driver.place(self.window())[0] < 200 and self.driver.place(self.window()), LIMIT,
                          "the dialog to move")
         self.driver.raise_window(self.host)
-        self.driver.click(self.driver.find("switchdesk", "Close add-in", "push button"))
-        wait_for(lambda: not self.driver.titles("horalink"), 20, "the add-in to end")
-        self.driver.click(self.driver.find("switchdesk", "Open clock add-in", "push button"))
+        self.driver.click(self.driver.find("switchdesk", "Close add-in", Role.PUSH_BUTTON))
+        wait_for(lambda: not self.driver.titles("horalink"), LIMIT, "the add-in to end")
+        self.driver.click(self.driver.find("switchdesk", "Open clock add-in", Role.PUSH_BUTTON))
         self.open()
-        wait_for(lambda: self.driver.place(self.window()) == moved, 20, f"the dialog to be at {moved} again")
+        wait_for(lambda: self.driver.place(self.window()) == moved, LIMIT, f"the dialog to be at {moved} again")
         return self.tell(True, f"the dialog is at {moved[0]}, {moved[1]} again, where it was closed")
 
     # --- means ------------------------------------------------------------------------------------
@@ -110,7 +116,7 @@ class Demonstration:
     def window(self):
         return self.driver.window("horalink", self.dialog)
 
-    def control(self, name, index=-1, role=None):
+    def control(self, role, name, index=-1):
         return self.driver.find("horalink", self.texts.control(name, index), role)
 
     def corner(self):
@@ -123,13 +129,14 @@ class Demonstration:
         self.driver.picture(self.pictures / f"{self.steps:02}-{name}.png", window)
 
     def press(self, button, name):
-        """Presses a button of the dialog, reads the box that comes of it, and closes it."""
-        self.driver.click(self.driver.find("horalink", button))
+        """Presses a button of the dialog, reads the box that comes of it, and closes it; the dialog takes keys again."""
+        self.driver.click(self.driver.find("horalink", button, Role.PUSH_BUTTON))
         box = self.driver.box("horalink", besides=[self.dialog])
         text = "\n".join(text for text in self.driver.texts(box) if text.strip())
         print(f"--- {name}: " + " / ".join(re.split(r"[\r\n]+", text)), flush=True)
         self.picture(name, box)
         self.driver.close_box("horalink", box)
+        self.driver.wait_until_enabled("horalink", button)
         return text
 
     @staticmethod
@@ -138,5 +145,10 @@ class Demonstration:
 
     def held_seconds(self):
         """The time that the dialog shows, in seconds of the day."""
-        hour, minute, second, half = (self.driver.value(self.control("txtTime", part)) for part in range(4))
+        sections = [self.control(Role.TEXT, "txtTime", part) for part in range(4)]
+
+        def shown():
+            return [self.driver.value(section) for section in sections]
+        # It may go on while its parts are read.
+        hour, minute, second, half = wait_for(lambda: (time := shown()) == shown() and time, LIMIT, "the time to be read")
         return self.seconds(int(hour) % 12 + (12 if half == "PM" else 0), int(minute), int(second))

@@ -5,7 +5,6 @@ import contextlib
 import os
 import re
 import subprocess
-from datetime import datetime
 from pathlib import Path
 
 import gi
@@ -22,6 +21,7 @@ MIDDLE = (0.5, 0.5)
 CALENDAR_TITLE, CALENDAR_MARGIN = 30, 6
 CALENDAR_NAME = re.compile(r"(\w+day, \d+ )?[A-Z][a-z]+ \d{4}")
 UPPER, LOWER = (0.5, 0.25), (0.5, 0.75)  # the arrows of a spin control
+Role = Atspi.Role
 
 
 def name_pattern(title):
@@ -101,29 +101,28 @@ class Driver:
         left, top, width, height = place
         self._xdotool("mousemove", left + width // 2, top + height // 2, "click", 1)
 
-    def find(self, program, name, role=None, seconds=LIMIT, window=None):
-        """A widget by its accessible name, or the start of it, in any window or in that of a title."""
-        def look():
-            try:
-                for top in self.windows(program):
-                    if window is not None and top.get_name() != window:
-                        continue
-                    for node in self.nodes(top):
-                        if node.get_name().strip().startswith(name) and role in (None, node.get_role_name()):
-                            return node
-            except GLib.Error:
-                return None
-            return None
-        return wait_for(look, seconds, f"'{name}' in {program}")
+    def find(self, program, name, role, seconds=LIMIT, window=None):
+        """A widget by its accessible name and its role, in any window or in that of a title."""
+        return self._wait_to_see(lambda: next(
+            (node for top in self.windows(program) if window in (None, top.get_name())
+             for node in self.nodes(top) if node.get_name() == name and node.get_role() == role), None),
+            seconds, f"'{name}' in {program}")
 
     def window(self, program, title=None, seconds=LIMIT):
         """A window by its title, or the first."""
-        def look():
+        return self._wait_to_see(
+            lambda: next((top for top in self.windows(program) if title in (None, top.get_name())), None),
+            seconds, f"a window '{title}' of {program}")
+
+    @staticmethod
+    def _wait_to_see(look, seconds, what):
+        """Looks again where something goes while it is looked at."""
+        def look_safely():
             try:
-                return next((top for top in self.windows(program) if title in (None, top.get_name())), None)
+                return look()
             except GLib.Error:
                 return None
-        return wait_for(look, seconds, f"a window '{title}' of {program}")
+        return wait_for(look_safely, seconds, what)
 
     def titles(self, program):
         """The titles of a program's windows."""
@@ -137,20 +136,24 @@ class Driver:
 
     def texts(self, window):
         """All texts of a window that stand on labels."""
-        return [node.get_name() for node in self.nodes(window) if node.get_role_name() == "label"]
+        return [node.get_name() for node in self.nodes(window) if node.get_role() == Role.LABEL]
+
+    def buttons(self, window):
+        return [node for node in self.nodes(window) if node.get_role() == Role.PUSH_BUTTON]
 
     @staticmethod
-    def is_enabled(node):
+    def _has(node, state):
         node.clear_cache()
-        return node.get_state_set().contains(Atspi.StateType.ENABLED)
+        return node.get_state_set().contains(state)
+
+    def is_enabled(self, node):
+        return self._has(node, Atspi.StateType.ENABLED)
 
     def wait_until_enabled(self, program, name):
-        wait_for(lambda: self.is_enabled(self.find(program, name)), LIMIT, f"'{name}' to be enabled")
+        wait_for(lambda: self.is_enabled(self.find(program, name, Role.PUSH_BUTTON)), LIMIT, f"'{name}' to be enabled")
 
-    @staticmethod
-    def is_focused(node):
-        node.clear_cache()
-        return node.get_state_set().contains(Atspi.StateType.FOCUSED)
+    def is_focused(self, node):
+        return self._has(node, Atspi.StateType.FOCUSED)
 
     # --- acting -----------------------------------------------------------------------------------
 
@@ -182,6 +185,10 @@ class Driver:
         wait_for(lambda: self.is_enabled(node), LIMIT, f"'{node.get_name()}' to be enabled")
         self.aim(node, place)
         self._xdotool("click", button)
+
+    def untick(self, box):
+        self.click(box)
+        wait_for(lambda: not self._has(box, Atspi.StateType.CHECKED), LIMIT, f"'{box.get_name()}' to lose its tick")
 
     def click_here(self):
         """A click where the pointer is already."""
@@ -249,17 +256,21 @@ class Driver:
 
     def box(self, program, besides, seconds=LIMIT):
         """The box that is open: a window whose title is none of `besides`."""
-        def look():
-            try:
-                return next((top for top in self.windows(program) if top.get_name() not in besides), None)
-            except GLib.Error:
-                return None
-        return wait_for(look, seconds, f"a box of {program}")
+        return self._wait_to_see(
+            lambda: next((top for top in self.windows(program) if top.get_name() not in besides), None),
+            seconds, f"a box of {program}")
 
-    def close_box(self, program, box, button="OK"):
+    def close_box(self, program, box, button=None):
+        """Presses a button of a box: the one with this name, or the only one, whatever it is called."""
         title = box.get_name()
-        self.click(self.find(program, button, "push button", window=title))
+        self.click(self.button(box, button))
         wait_for(lambda: not self.has_window(program, title), LIMIT, f"the box '{title}' to close")
+
+    def button(self, box, name=None):
+        def look():
+            named = [button for button in self.buttons(box) if name in (None, button.get_name())]
+            return named[0] if len(named) == 1 else None
+        return self._wait_to_see(look, LIMIT, f"the button '{name}'" if name else "a single button")
 
     # --- reading ----------------------------------------------------------------------------------
 
@@ -281,18 +292,6 @@ class Driver:
         return subprocess.run(["import", "-silent", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "rgb:-"],
                               check=True, stdout=subprocess.PIPE).stdout
 
-    def date(self, program):
-        """The day that the calendar shows as chosen, year/month/day; nothing where none is."""
-        def look():
-            for top in self.windows(program):
-                for node in self.nodes(top):
-                    try:
-                        return datetime.strptime(node.get_name(), "%A, %d %B %Y").strftime("%Y/%m/%d")
-                    except ValueError:
-                        continue
-            return None
-        return look()
-
     def click_day(self, program, year, month, day):
         """Chooses a day of the month that the calendar shows."""
         node = self.calendar(program)
@@ -307,14 +306,10 @@ class Driver:
 
     def calendar(self, program):
         """The calendar, which is called after the day or the month that it shows."""
-        def look():
-            try:
-                return next((node for top in self.windows(program) for node in self.nodes(top)
-                             if CALENDAR_NAME.fullmatch(node.get_name()) and
-                             node.get_role_name() not in ("push button", "label")), None)
-            except GLib.Error:
-                return None
-        return wait_for(look, LIMIT, "the calendar")
+        return self._wait_to_see(
+            lambda: next((node for top in self.windows(program) for node in self.nodes(top)
+                          if node.get_role() == Role.PANEL and CALENDAR_NAME.fullmatch(node.get_name())), None),
+            LIMIT, "the calendar")
 
     def picture(self, path, window=None):
         """Saves the whole screen, or what it shows of one window."""

@@ -21,21 +21,21 @@ def take(file, window):
 
 
 def take_pictures(arrangement, pictures, language):
-    from driver import Driver
+    from driver import Driver, Role
     driver, texts = Driver(arrangement), Texts(arrangement)
     dialog = texts.title(EXCHANGE)
     ending = "" if language == "en" else f"-{language}"
     arrangement.start([arrangement.host, "--open", EXCHANGE])
     driver.window("switchdesk", HOST, seconds=30)
     take(pictures / f"dialog{ending}.png", driver.window("horalink", dialog, seconds=30))
-    driver.click(driver.find("horalink", texts.lookup))
+    driver.click(driver.find("horalink", texts.lookup, Role.PUSH_BUTTON))
     box = driver.box("horalink", besides=[dialog])
     take(pictures / f"answer{ending}.png", box)
     driver.close_box("horalink", box)
     if language != "en":
         return
     # The dialog lies on top of the host; its own button hides it.
-    driver.click(driver.find("horalink", texts.hide))
+    driver.click(driver.find("horalink", texts.hide, Role.PUSH_BUTTON))
     wait_for(lambda: not driver.has_window("horalink", dialog), 10, "the dialog to hide")
     take(pictures / "host.png", driver.window("switchdesk", HOST))
 

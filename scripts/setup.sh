@@ -6,7 +6,7 @@ run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-at
               python3-gi fonts-liberation fonts-noto-cjk)
 check_packages=(clang-format mdbtools)
 campaign_packages=(faketime tzdata valgrind)
-fuzz_packages=(clang libclang-rt-14-dev)
+fuzz_packages=(clang libclang-rt-dev)
 bench_packages=(libbenchmark-dev libxcb1-dev libxcb-damage0-dev libxcb-xtest0-dev)
 
 # Installs those of the named packages that are missing.

@@ -10,7 +10,7 @@ from pathlib import Path
 import dbus.bus
 
 from arrangement import wait_for
-from driver import LIMIT
+from driver import LIMIT, Role
 
 EXCHANGE = "Main Office"
 ADD_IN, SWITCHDESK = "horalink", "switchdesk"
@@ -18,6 +18,7 @@ LOOKUP, UPDATE, CLOSE = "Read the clock of the PBX", "Set the clock of the PBX",
 CLOCK_READ = "PBX Clock"
 LOGIN_FAILED = "Login Failed"
 WAIT_BOX = "Horalink – Waiting for an Answer"
+GIVE_UP = "Cancel"  # the button that ends a wait
 NOTICE = "System Fatal Notice"
 
 ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.cPBXOle"
@@ -135,10 +136,10 @@ class EndToEndTest(unittest.TestCase):
         return driver.window(ADD_IN, dialog_title(exchange))
 
     def press(self, button):
-        driver.click(driver.find(ADD_IN, button, "push button"))
+        driver.click(driver.find(ADD_IN, button, Role.PUSH_BUTTON))
 
     def is_enabled(self, button=LOOKUP):
-        return driver.is_enabled(driver.find(ADD_IN, button, "push button"))
+        return driver.is_enabled(driver.find(ADD_IN, button, Role.PUSH_BUTTON))
 
     def wait_until_enabled(self, button=LOOKUP):
         self.wait_for(lambda: self.is_enabled(button), f"'{button}' to be enabled")
@@ -153,16 +154,19 @@ class EndToEndTest(unittest.TestCase):
         box = driver.window(ADD_IN, title)
         return "\n".join(text for text in driver.texts(box) if text.strip())
 
-    def close_box(self, title, button="OK", seconds=LIMIT):
-        """Presses a button of the box that comes up; returns the box's text."""
+    def close_box(self, title, button=None, seconds=LIMIT):
+        """Presses a button of the box that comes up, or its only one; returns the box's text."""
         text = self.box_text(title, seconds)
         driver.close_box(ADD_IN, driver.window(ADD_IN, title), button)
         return text
 
     def look_up(self):
-        """A whole lookup; returns what the box says of the clock."""
+        """A whole lookup; returns what the box says of the clock. The dialog refuses keys until the add-in has logged
+        out, which it does after the box."""
         self.press(LOOKUP)
-        return self.close_box(CLOCK_READ)
+        text = self.close_box(CLOCK_READ)
+        self.wait_until_enabled()
+        return text
 
     def assert_usable(self):
         """The dialog is there, takes clicks, and a lookup succeeds."""

@@ -4,9 +4,9 @@ import time
 from collections import Counter
 
 from contract import EMPTY
-from driver import LIMIT
+from driver import LIMIT, Role
 from gi.repository import GLib
-from stage import ADD_IN, LOOKUP
+from stage import ADD_IN, GIVE_UP, LOOKUP
 from wire import CALL, Peer
 
 OBJECT, FACTORY = "org.velmora.Automation1.Object", "org.velmora.Automation1.Factory"
@@ -136,10 +136,10 @@ class Operator:
         clicked = 0
         try:
             for box in [each for each in self.driver.windows(ADD_IN) if not each.get_name().startswith(DIALOG_TITLE)]:
-                buttons = [node for node in self.driver.nodes(box) if node.get_role_name() == "push button"]
+                buttons = self.driver.buttons(box)
                 if buttons:
                     title = box.get_name()
-                    give_up = [node for node in buttons if node.get_name() == "Give up"]
+                    give_up = [node for node in buttons if node.get_name() == GIVE_UP]
                     self.driver.click((give_up or buttons)[0])
                     self.closed[title] += 1
                     clicked += 1
@@ -154,7 +154,7 @@ class Operator:
             self.meanwhile()
 
     def press(self, button=LOOKUP):
-        self.driver.click(self.driver.find(ADD_IN, button, "push button", seconds=LIMIT))
+        self.driver.click(self.driver.find(ADD_IN, button, Role.PUSH_BUTTON, seconds=LIMIT))
 
     def close_window(self):
         title = next(title for title in self.driver.titles(ADD_IN) if title.startswith(DIALOG_TITLE))

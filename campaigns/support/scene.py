@@ -12,10 +12,10 @@ from gi.repository import GLib
 
 import stage
 from client import Client
-from stage import ADD_IN, CLOCK_READ, EXCHANGE, GOOD, LIMIT, LOGIN_FAILED, LOOKUP, WAIT_BOX, wait_for
+from driver import Role
+from stage import ADD_IN, CLOCK_READ, EXCHANGE, GIVE_UP, GOOD, LIMIT, LOGIN_FAILED, LOOKUP, WAIT_BOX, wait_for
 
 BUSY_BOX, READING_FAILED = "Horalink \u2013 Busy", "Reading Failed"
-GIVE_UP = {WAIT_BOX: "Give up", BUSY_BOX: "Give up"}
 WAIT_LIMIT = 20  # seconds until the add-in asks the operator
 HOST_PROGRAM = Path(__file__).parent / "scripted_host.py"
 INTROSPECTABLE = "org.freedesktop.DBus.Introspectable"
@@ -214,7 +214,7 @@ class Scene(stage.EndToEndTest):
 
     def _enter_armed(self):
         """What lasts for a tenth of a second: the add-in stands still until click and fault have both been sent."""
-        button = stage.driver.find(ADD_IN, LOOKUP, "push button")
+        button = stage.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON)
         stage.driver.aim(button)
         stand_still(self.process.pid)
         self.frozen = True
@@ -269,8 +269,7 @@ class Scene(stage.EndToEndTest):
         """Presses the button of the uppermost box with this title. Behind it the next may come, with another text."""
         box = self.boxes_of(title)[-1]
         before = self.shown(title)
-        stage.driver.click(next(node for node in stage.driver.nodes(box)
-                                if (node.get_name(), node.get_role_name()) == (GIVE_UP.get(title, "OK"), "push button")))
+        stage.driver.click(stage.driver.button(box, GIVE_UP if title in (WAIT_BOX, BUSY_BOX) else None))
         self.wait_for(lambda: self.shown(title) not in (before, None), f"the box '{title}' to close")
 
     @staticmethod

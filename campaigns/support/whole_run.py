@@ -14,10 +14,11 @@ from dbus.mainloop.glib import DBusGMainLoop
 from gi.repository import Atspi, GLib
 
 import scripted_host
+from stage import GIVE_UP
 
 ADD_IN, EXCHANGE = "horalink", "Main Office"
 LOOKUP, DIALOG, CLOCK_READ = "Read the clock of the PBX", "PBX Clock (", "PBX Clock"
-NOTICE, WAIT_BOX, GIVE_UP = "System Fatal Notice", "Horalink \u2013 Waiting for an Answer", "Give up"
+NOTICE, WAIT_BOX = "System Fatal Notice", "Horalink \u2013 Waiting for an Answer"
 # What the bus says for a process that isn't there any more.
 GONE = [f"org.freedesktop.DBus.Error.{name}" for name in ("NoReply", "ServiceUnknown", "NameHasNoOwner")]
 BUSY, TRY_AGAIN = "org.velmora.Automation1.Error.Busy", 0.2  # the answer to a call that may be sent again, and when
@@ -256,12 +257,11 @@ class WholeRun:
             pass  # it went while it was looked at
 
     def close_box(self, window):
-        nodes = list(self.driver.nodes(window))
-        buttons = [node for node in nodes if node.get_role_name() == "push button"]
+        buttons = self.driver.buttons(window)
         if not buttons:
             return
-        chosen = next((node for node in buttons if node.get_name().startswith(GIVE_UP)), buttons[0])
-        text = " ".join(node.get_name() for node in nodes if node.get_role_name() == "label" and node.get_name().strip())
+        chosen = next((node for node in buttons if node.get_name() == GIVE_UP), buttons[0])
+        text = " ".join(text for text in self.driver.texts(window) if text.strip())
         self.boxes.append((window.get_name(), text))
         Atspi.Action.do_action(chosen, 0)
         self.wait_until_closed(window)

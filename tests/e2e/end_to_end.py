@@ -12,7 +12,7 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "scripts"))
 import stage  # noqa: E402
 from arrangement import Arrangement  # noqa: E402
-from driver import LIMIT, Driver  # noqa: E402
+from driver import LIMIT, Driver, Role  # noqa: E402
 from stage import EXCHANGE, SWITCHDESK  # noqa: E402
 
 BUILD = Path(os.environ["HORALINK_BUILD"])
@@ -95,7 +95,7 @@ class Host:
         """By the button of its window."""
         window = f"Switchdesk \u2013 {self.exchange}"
         stage.driver.raise_window(window)
-        stage.driver.click(stage.driver.find(SWITCHDESK, "Close add-in", "push button", window=window))
+        stage.driver.click(stage.driver.find(SWITCHDESK, "Close add-in", Role.PUSH_BUTTON, window=window))
 
     def kill(self):
         self.process.kill()

@@ -6,17 +6,17 @@ from datetime import date
 from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
-from driver import Atspi, GLib
+from driver import Atspi, GLib, Role
 from stage import ADD_IN, EXCHANGE, EndToEndTest
 from texts import Texts
 
-BUTTONS = [("push button", "cmdButton", index) for index in (0, 1, 2)]
-TIME = [("text", "txtTime", 3), ("spin button", "updTime", -1)] + [("text", "txtTime", index) for index in (2, 1, 0)]
-BOXES = [("check box", "chkTrack", -1), ("check box", "chkTrackDate", -1)]
+BUTTONS = [(Role.PUSH_BUTTON, "cmdButton", index) for index in (0, 1, 2)]
+TIME = [(Role.TEXT, "txtTime", 3), (Role.SPIN_BUTTON, "updTime", -1)] + [(Role.TEXT, "txtTime", index) for index in (2, 1, 0)]
+BOXES = [(Role.CHECK_BOX, "chkTrack", -1), (Role.CHECK_BOX, "chkTrackDate", -1)]
 STOPS = len(BUTTONS + TIME + BOXES) + 1  # the calendar has no name of its own
 DAY = {"en": "{0:%A}, {0.day} {0:%B} {0.year}", "ja": "{0.year}年{0.month}月{0.day}日"}
 LANGUAGES = tuple(DAY)
-SAYS_NOTHING = ("unknown", "invalid", "filler")
+SAYS_NOTHING = (Role.UNKNOWN, Role.INVALID, Role.FILLER)
 
 
 class Accessibility(EndToEndTest):
@@ -60,20 +60,20 @@ class Accessibility(EndToEndTest):
     def test_roles_names_and_values(self):
         for language in LANGUAGES:
             with self.opened_in(language):
-                self.assertEqual(self.window.get_role_name(), "dialog")
+                self.assertEqual(self.window.get_role(), Role.DIALOG)
                 for node in stage.driver.nodes(self.window):
                     self.assertTrue(node.get_name(), node.get_role_name())
-                    self.assertNotIn(node.get_role_name(), SAYS_NOTHING, node.get_name())
+                    self.assertNotIn(node.get_role(), SAYS_NOTHING, node.get_name())
                 today = DAY[language].format(date.today())
                 self.assertTrue(any(node.get_name().startswith(today) for node in stage.driver.nodes(self.window)))
                 for control in BUTTONS + TIME + BOXES:
                     self.assertEqual(self.node(*control).get_description(), self.texts.control(*control[1:]))
                 for caption in ("lblTrack", "lblTrackDate"):
-                    stage.driver.find(ADD_IN, self.texts.caption(caption), "label")
+                    stage.driver.find(ADD_IN, self.texts.caption(caption), Role.LABEL)
                 for box in BOXES:
                     self.assertTrue(self.node(*box).get_state_set().contains(Atspi.StateType.CHECKED))
                 for section in (0, 1, 2):
-                    self.assertRegex(stage.driver.value(self.node("text", "txtTime", section)), r"^\d\d$")
+                    self.assertRegex(stage.driver.value(self.node(Role.TEXT, "txtTime", section)), r"^\d\d$")
 
     def test_keys_alone(self):
         for language in LANGUAGES:
@@ -84,8 +84,8 @@ class Accessibility(EndToEndTest):
                 self.assertEqual(stops[-1], named[0], "only the calendar comes behind them")
                 self.tab_to(*BOXES[0])
                 stage.driver.press("space")
-                minute, spin = self.node("text", "txtTime", 1), self.node(*TIME[1])
-                self.tab_to("text", "txtTime", 1)
+                minute, spin = self.node(Role.TEXT, "txtTime", 1), self.node(*TIME[1])
+                self.tab_to(Role.TEXT, "txtTime", 1)
                 self.wait_for(lambda: self.number(spin) == int(stage.driver.value(minute)), "the value of the minute")
                 before = self.number(spin)
                 stage.driver.press("Up")
@@ -93,9 +93,9 @@ class Accessibility(EndToEndTest):
                 self.tab_to(*BUTTONS[2])
                 stage.driver.press("space")
                 box = stage.driver.box(ADD_IN, besides=[self.title])
-                self.assertIn(box.get_role_name(), ("dialog", "alert"))
+                self.assertIn(box.get_role(), (Role.DIALOG, Role.ALERT))
                 self.assertRegex("\n".join(stage.driver.texts(box)), r"\d{4}/\d\d/\d\d")
-                button = stage.driver.find(ADD_IN, "OK", "push button", window=box.get_name())
+                button = stage.driver.button(box)
                 self.wait_for(lambda: stage.driver.is_focused(button), "the default button to have the keyboard")
                 stage.driver.press("Return")
                 self.wait_for(lambda: stage.driver.titles(ADD_IN) == [self.title], "the box to close")
@@ -103,7 +103,7 @@ class Accessibility(EndToEndTest):
     def test_pop_ups(self):
         heard = []
         listener = Atspi.EventListener.new(lambda event: heard.append(
-            (event.source.get_role_name(), event.source.get_name())) if event.detail1 else None)
+            (event.source.get_role(), event.source.get_name())) if event.detail1 else None)
         listener.register("object:state-changed:focused")
         self.addCleanup(listener.deregister, "object:state-changed:focused")
 
@@ -112,23 +112,23 @@ class Accessibility(EndToEndTest):
                 while GLib.MainContext.default().iteration(False):
                     pass
                 return heard[-1:] == [(role, name)]
-            self.wait_for(look, f"to hear of the {role} '{name}'")
+            self.wait_for(look, f"to hear of '{name}'")
 
         for language in LANGUAGES:
             with self.opened_in(language):
                 self.tab_to(*BOXES[0])
                 for key, leave in (("Menu", "Escape"), ("shift+F10", "Return")):
                     stage.driver.press(key)
-                    hear("menu item", self.texts.caption("itmWhatsThis"))
-                    stage.driver.find(ADD_IN, self.texts.caption("itmWhatsThis"), "menu item")
+                    hear(Role.MENU_ITEM, self.texts.caption("itmWhatsThis"))
+                    stage.driver.find(ADD_IN, self.texts.caption("itmWhatsThis"), Role.MENU_ITEM)
                     stage.driver.press(leave)
                     if leave == "Escape":
-                        hear("check box", self.texts.control(*BOXES[0][1:]))
+                        hear(Role.CHECK_BOX, self.texts.control(*BOXES[0][1:]))
                 topic = stage.driver.box(ADD_IN, besides=[self.title])
-                hear("dialog", topic.get_name())
+                hear(Role.DIALOG, topic.get_name())
                 self.assertTrue(topic.get_description())
                 stage.driver.press("Escape")
-                hear("check box", self.texts.control(*BOXES[0][1:]))
+                hear(Role.CHECK_BOX, self.texts.control(*BOXES[0][1:]))
 
 
 if __name__ == "__main__":

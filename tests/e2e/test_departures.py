@@ -8,6 +8,7 @@ from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
 from client import Client
+from driver import Role
 from stage import ADD_IN, CLOCK_READ, LOGIN_FAILED, LOOKUP, SWITCHDESK, EndToEndTest, dialog_title, pids
 
 
@@ -72,7 +73,7 @@ class DyingAddIn(EndToEndTest):
         host.wait_for_line('ShowMessage("PBX clock request: R1"')
         os.kill(*pids(ADD_IN), signal.SIGKILL)
         host.wait_for_line("# add-in has left")
-        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", "push button"))
+        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
         self.dialog()
         self.assert_usable()
 

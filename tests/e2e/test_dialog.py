@@ -7,7 +7,7 @@ from end_to_end import Host
 from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
-from driver import LOWER, UPPER
+from driver import LOWER, UPPER, Role
 from stage import ADD_IN, LOOKUP, SWITCHDESK, EndToEndTest, dialog_title
 
 SECTIONS = ["Hour", "Minute", "Second", "AM or PM"]
@@ -51,24 +51,24 @@ class DialogTest(EndToEndTest):
         self.host = Host(self).open()
         stage.driver.raise_window(dialog_title())
 
-    def node(self, name, role=None):
+    def node(self, name, role):
         return stage.driver.find(ADD_IN, name, role)
 
     def click_box(self, name):
-        stage.driver.click(self.node(name, "check box"))
+        stage.driver.click(self.node(name, Role.CHECK_BOX))
 
 
 class Setting(DialogTest):
     def test_time_and_date_by_hand(self):
         for box in (FOLLOW_TIME, FOLLOW_DATE):
             self.click_box(box)
-        spin = self.node(SPIN)
+        spin = self.node(SPIN, Role.SPIN_BUTTON)
         ways = [("arrow up", 1, lambda _: stage.driver.click(spin, UPPER)),
                 ("arrow down", -1, lambda _: stage.driver.click(spin, LOWER)),
                 ("key up", 1, lambda _: stage.driver.press("Up")),
                 ("wheel up", 1, lambda node: stage.driver.turn_wheel(node, True))]
         for section in SECTIONS:
-            node = self.node(section)
+            node = self.node(section, Role.TEXT)
             stage.driver.click(node)
             self.wait_for(lambda: stage.driver.is_focused(node), f"'{section}' to have the focus")
             expected = stage.driver.value(node)
@@ -90,7 +90,7 @@ class Setting(DialogTest):
         """A day of the next month a year on; until it is chosen there is nothing to send."""
         today = date.today()
         for name in (month_name(today, 1), month_name(today, 13)):
-            stage.driver.click(self.node(name, "push button"))
+            stage.driver.click(self.node(name, Role.PUSH_BUTTON))
             self.wait_for_calendar(name)
         self.wait_for(lambda: not self.is_enabled(stage.UPDATE), "the update button to be off")
         self.assertTrue(self.is_enabled(LOOKUP))
@@ -103,7 +103,7 @@ class Setting(DialogTest):
         self.wait_for(lambda: stage.driver.calendar(ADD_IN).get_name() == name, f"the calendar to show {name}")
 
     def time_shown(self):
-        return [stage.driver.value(self.node(section)) for section in SECTIONS]
+        return [stage.driver.value(self.node(section, Role.TEXT)) for section in SECTIONS]
 
     def update(self):
         """Sends the update; returns the three values that the host got."""
@@ -129,9 +129,9 @@ class Help(DialogTest):
 
     def test_right_click(self):
         for name, role, place, topic in (
-                ("lblBevel 0", None, EDGE, CALENDAR), ("lblBevel 1", None, TOP, TIME), ("lblTime", None, EDGE, TIME),
-                (SPIN, None, MIDDLE, TIME), (FOLLOW_TIME, "check box", MIDDLE, TRACK),
-                (FOLLOW_DATE, "check box", TEXT, TRACK_DATE)):
+                ("lblBevel 0", Role.PANEL, EDGE, CALENDAR), ("lblBevel 1", Role.PANEL, TOP, TIME), ("lblTime", Role.PANEL, EDGE, TIME),
+                (SPIN, Role.SPIN_BUTTON, MIDDLE, TIME), (FOLLOW_TIME, Role.CHECK_BOX, MIDDLE, TRACK),
+                (FOLLOW_DATE, Role.CHECK_BOX, TEXT, TRACK_DATE)):
             with self.subTest(name, place=place):
                 stage.driver.click(self.node(name, role), place, button=3)
                 self.wait_for_popup(ADD_IN)
@@ -161,7 +161,7 @@ class Kept(DialogTest):
     def choose_sand(self):
         stage.driver.raise_window(f"Switchdesk \u2013 {stage.EXCHANGE}")
         stage.driver.press("alt+v", "b")
-        stage.driver.find(SWITCHDESK, "Sand")
+        stage.driver.find(SWITCHDESK, "Sand", Role.MENU_ITEM)
         stage.driver.press("Down", "Down", "Return")
         self.host.wait_for_line("# SetBackGround(2) returned")
         stage.driver.raise_window(dialog_title())

@@ -5,7 +5,8 @@ from end_to_end import Host
 from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
-from stage import ADD_IN, CLOCK_READ, GOOD, LOGIN_FAILED, LOOKUP, UPDATE, EndToEndTest, dialog_title
+from driver import Role
+from stage import ADD_IN, CLOCK_READ, GIVE_UP, GOOD, LOGIN_FAILED, LOOKUP, UPDATE, EndToEndTest, dialog_title
 
 REQUEST = "PBX clock request: "
 ACCEPTED = [f'"{REQUEST}L1"', f'"{REQUEST}R1"']
@@ -31,7 +32,7 @@ class GoodExchange(EndToEndTest):
         before = self.look_up()
         self.press(UPDATE)
         self.assertEqual(self.close_box("PBX Clock"), "The date and time of the PBX have been updated.")
-        hour, minute = [int(stage.driver.value(stage.driver.find(ADD_IN, name))) for name in ("Hour", "Minute")]
+        hour, minute = [int(stage.driver.value(stage.driver.find(ADD_IN, name, Role.TEXT))) for name in ("Hour", "Minute")]
         after = self.look_up()
         self.assertNotEqual(before[-8:-3], after[-8:-3])
         self.assertLessEqual((int(after[-8:-6]) * 60 + int(after[-5:-3]) - hour * 60 - minute) % 720, 1)
@@ -39,7 +40,7 @@ class GoodExchange(EndToEndTest):
 
     def test_second_press_within_the_tick_sends_no_second_request(self):
         host = Host(self).open()
-        stage.driver.click_twice(stage.driver.find(ADD_IN, LOOKUP, "push button"))
+        stage.driver.click_twice(stage.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON))
         self.close_box(CLOCK_READ)
         self.assert_usable()
         self.assertEqual(host.calls(), GOOD * 2)
@@ -92,7 +93,7 @@ class Failures(EndToEndTest):
     def test_host_that_stays_busy(self):
         Host(self, "--busy=60").open()
         self.press(LOOKUP)
-        self.assertIn("is busy", self.close_box("Horalink \u2013 Busy", "Give up"))
+        self.assertIn("is busy", self.close_box("Horalink \u2013 Busy", GIVE_UP))
         self.assertIn("could not be reached", self.close_box(LOGIN_FAILED))
 
 

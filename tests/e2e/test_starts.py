@@ -8,6 +8,7 @@ from end_to_end import run
 
 import stage
 from client import FACTORY, NAME, Client
+from driver import Role
 from stage import ADD_IN, EXCHANGE, NOTICE, SWITCHDESK, EndToEndTest, dialog_title, pids
 
 # What is done to an installation, and what the notice says: something that names it, and the number.
@@ -52,7 +53,7 @@ class FailedStarts(EndToEndTest):
                 self.assertIn(f"[{number}]", text)
                 host.wait_for_line("# add-in raised error 429")
                 self.wait_until_gone()
-                stage.driver.find(SWITCHDESK, "The clock add-in can't be started (error 429)")
+                stage.driver.find(SWITCHDESK, "The clock add-in can't be started (error 429).", Role.LABEL)
 
     def test_second_object_fails_where_the_register_has_gone(self):
         """The end of a start that fails takes the objects with it that are there already."""
