@@ -18,7 +18,7 @@ LOOKUP, UPDATE, CLOSE = "Read the clock of the PBX", "Set the clock of the PBX",
 CLOCK_READ = "PBX Clock"
 LOGIN_FAILED = "Login Failed"
 WAIT_BOX = "Horalink – Waiting for an Answer"
-GIVE_UP = "Cancel"  # the button that ends a wait
+GIVE_UP = "Give up"  # the button that ends a wait
 NOTICE = "System Fatal Notice"
 
 ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.cPBXOle"
