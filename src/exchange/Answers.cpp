@@ -33,12 +33,16 @@ std::string Named(std::string_view list, std::int16_t i, TextView content) {
     return "item " + std::to_string(i) + ": " + std::string(list) + " \"" + ToUtf8(content) + "\"";
 }
 
+RuntimeError Unreadable(const std::string& why) {
+    return RuntimeError(static_cast<std::int32_t>(ErrorNumber::TypeMismatch), FromUtf8(why));
+}
+
 // Converts a text, and says what was wrong with it where that fails.
 Date Converted(const Text& text, const std::string& blame) {
     try {
         return DateOfText(text);
     } catch (const RuntimeError&) {
-        throw RuntimeError(ErrorNumber::TypeMismatch, blame);
+        throw Unreadable(blame);
     }
 }
 
@@ -51,8 +55,14 @@ struct ClockParts {
 void TakeItem(ClockParts& parts, const cListRequest& answer, std::int16_t i) {
     const Text role = answer.Item(cListRequest::FirstData, i),
                value = answer.Item(cListRequest::SecondData, i);
-    if (role == u"0") parts.year = value, parts.yearItem = i;
-    if (role == u"1") parts.monthDay = Left(value, 5), parts.dayItem = i;
+    if (role == u"0") {
+        parts.year = value;
+        parts.yearItem = i;
+    }
+    if (role == u"1") {
+        parts.monthDay = Left(value, 5);
+        parts.dayItem = i;
+    }
     if (role == u"2")
         parts.time = Converted(Mid(value, 1, 2) + u":" + Mid(value, 4, 2) + u":" + Right(value, 2),
                                Named("SecondData", i, value) + " is no time");
@@ -60,8 +70,7 @@ void TakeItem(ClockParts& parts, const cListRequest& answer, std::int16_t i) {
 
 Date DateOf(const ClockParts& parts) {
     if (parts.yearItem < 0 || parts.dayItem < 0)
-        throw RuntimeError(ErrorNumber::TypeMismatch,
-                           "an item with the year, or with month and day, is missing");
+        throw Unreadable("an item with the year, or with month and day, is missing");
     return Converted(parts.monthDay + u"/" + parts.year,
                      Named("SecondData", parts.yearItem, parts.year) + " and " +
                          Named("SecondData", parts.dayItem, parts.monthDay) + " are no date");
@@ -72,8 +81,7 @@ ClockParts PartsOfAnswer(const cListRequest& answer) {
     for (std::int16_t i = 0; i < answer.Count(); ++i) {
         const Text value = answer.Item(cListRequest::SecondData, i);
         if (LookupAnswerText(value) > -1)
-            throw RuntimeError(ErrorNumber::TypeMismatch,
-                               Named("SecondData", i, value) + " is an answer text");
+            throw Unreadable(Named("SecondData", i, value) + " is an answer text");
         TakeItem(parts, answer, i);
     }
     return parts;

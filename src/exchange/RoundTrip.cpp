@@ -6,6 +6,7 @@
 #include "exchange/ClockCommands.h"
 #include "platform/automation/Patience.h"
 #include "platform/desktop/MessageBoxButtons.h"
+#include "platform/runtime/Trace.h"
 
 namespace horalink {
 
@@ -224,6 +225,7 @@ void RoundTrip::CallBack(ObjectRef& oResponse) {
     Text loginId = LoginResult;
     Skip(error, "LoginID of the answer", [&] { loginId = Get(response, "LoginID").ToText(); });
     if (givenUp_.contains(loginId)) {
+        Trace("the answer's login \"" + ToUtf8(loginId) + "\" was given up: nothing is shown");
         if (wasWaiting) ResumeWaiting();
     } else {
         CloseLogin(loginId, patience);
@@ -276,6 +278,7 @@ bool RoundTrip::JudgeOutcome(const ObjectRef& oResponse) {
     Value errCode = Null{};
     Skip(error, "ErrCode of the answer", [&] { errCode = Get(oResponse, "ErrCode"); });
     const bool isGood = EqualsNumber(errCode, outcome::success);
+    if (!isGood) Trace("the answer's ErrCode is not 0: nothing is shown");
     if (isGood)
         Skip(error, "Message of the answer", [&] {
             if (Get(oResponse, "Message").ToText().empty()) Put(oResponse, "Message", u"OK");

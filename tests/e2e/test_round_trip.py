@@ -1,12 +1,17 @@
 """The way of a request in a run that a host started: orders of calls, answers, and everything that can fail."""
 import unittest
+from datetime import date
+
+import dbus
 
 from end_to_end import Host
 from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
+from client import Client
 from driver import Role
-from stage import ADD_IN, CLOCK_READ, GIVE_UP, GOOD, LOGIN_FAILED, LOOKUP, UPDATE, EndToEndTest, dialog_title
+from stage import (ADD_IN, CLOCK_READ, EXCHANGE, GIVE_UP, GOOD, LOGIN_FAILED, LOOKUP, SWITCHDESK, UPDATE, EndToEndTest,
+                   dialog_title)
 
 REQUEST = "PBX clock request: "
 ACCEPTED = [f'"{REQUEST}L1"', f'"{REQUEST}R1"']
@@ -75,6 +80,22 @@ class Failures(EndToEndTest):
                 host.skip()
                 self.assert_usable()
                 self.assertEqual(host.calls(), GOOD)
+
+    def test_the_trace_says_what_was_passed_over_and_why_an_answer_was_judged_so(self):
+        log = stage.arrangement.folder / "bus.log"
+        before = len(log.read_text(encoding="utf-8").splitlines())
+        Host(self, "--trace", exchange=None)
+        stage.driver.window(SWITCHDESK)
+        nobody = dbus.Struct((":1.99999", dbus.ObjectPath("/Host")))
+        Client(self).created().call("RegisterPBX", 1, EXCHANGE, nobody, dbus.Int16(1))
+        Host(self, "--item=0:SecondData=MMXXVI", "--lack=ShowCode").open()
+        self.press(LOOKUP)
+        self.close_box("Reading Failed")
+        traced = [line for line in log.read_text(encoding="utf-8").splitlines()[before:] if line.startswith("horalink:")]
+        self.assertEqual([line.partition(", ")[0] for line in traced], [
+            "horalink: GetComData skipped: error 462",
+            "horalink: ShowCode skipped: error 438",
+            f'horalink: item 0: SecondData "MMXXVI" and item 1: SecondData "{date.today():%m/%d}" are no date: reading failed'])
 
     def test_login_that_was_not_given_back_keeps_the_exchange_busy(self):
         host = Host(self, "--raise=LogOut").open()

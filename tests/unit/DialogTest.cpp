@@ -347,6 +347,14 @@ TEST_F(DialogTest, ALongAnswerOfASlowHostHasOneLimitAndOneBox) {
     EXPECT_TRUE(form.Enabled);
     PassTick();
     EXPECT_TRUE(computer.boxes.shown.empty());
+    // Nobody waits for this one, so that the window takes a close.
+    const auto close = std::make_shared<int>();
+    slow->answers["CMD"] = [&](Arguments&) {
+        if (++read == 50) form.CloseWaits(close);
+        return Value(u"02");
+    };
+    Deliver(slow);
+    EXPECT_EQ(read, 50) << "whoever closes the window doesn't wait for the rest";
 }
 
 TEST_F(DialogTest, BehindABoxComesTheLastAnswerThatSucceeded) {
