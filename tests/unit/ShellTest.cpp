@@ -99,7 +99,8 @@ struct LifeTest : ShellTest {
         return object;
     }
     bool IsServing() const { return computer.automation.served == cOLELayer::className; }
-    ServerLife life{computer.automation, computer.scheduler, [] { throw fakes::Ended(); }};
+    struct Idle {};
+    ServerLife life{computer.automation, computer.scheduler, [] { throw Idle(); }};
 };
 
 TEST_F(LifeTest, TheNameIsGoneBeforeTheLastReleaseIsAnswered) {
@@ -147,7 +148,7 @@ TEST_F(LifeTest, OnlyAServerThatIsNotUsedEnds) {
     computer.automation.useChanged(true);
     computer.scheduler.Pass(600000);
     computer.automation.useChanged(false);
-    EXPECT_THROW(computer.scheduler.Pass(60000), fakes::Ended);
+    EXPECT_THROW(computer.scheduler.Pass(60000), Idle);
 }
 
 }  // namespace
