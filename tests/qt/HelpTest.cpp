@@ -34,7 +34,7 @@ class HelpTest : public FormTest {
         sqlite3_close(handle);
         surroundings.application.helpFile = PathText(file_);
         menu.Items = {&blank, &item};
-        item.Caption = u"What's This?";
+        item.Caption = u"What's This &\tF1";
         item.Click = [this] { log += "item "; };
         track.WhatsThisHelpID = 3;
     }
@@ -74,6 +74,8 @@ TEST_F(HelpTest, OpenMenuHoldsUpNothingAndItsItemFollowsTheForm) {
     Settle();
     ASSERT_TRUE(OpenMenu());
     ASSERT_EQ(OpenMenu()->actions().size(), 1) << "no caption, no entry";
+    EXPECT_EQ(OpenMenu()->actions().first()->text().toStdString(), "What's This && F1")
+        << "as a menu draws \"&\"";
     form.Enabled = false;
     OpenMenu()->actions().first()->trigger();
     EXPECT_EQ(log, "");
