@@ -92,6 +92,7 @@ TEST_F(InputGateTest, WhatWaitsIsJudgedAgain) {
         input->Close();
         EXPECT_TRUE(form.IsCloseWaiting());
         happens();
+        EXPECT_EQ(form.IsCloseWaiting(), input != nullptr) << "a form that went has nothing to close";
         ExpectAfterTheHold("");
         EXPECT_FALSE(form.IsCloseWaiting());
     }
