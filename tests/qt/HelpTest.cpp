@@ -84,6 +84,16 @@ TEST_F(HelpTest, OpenMenuHoldsUpNothingAndItsItemFollowsTheForm) {
     EXPECT_EQ(log, "item ");
 }
 
+TEST_F(HelpTest, OpenMenuHasTheKeysForItself) {
+    form.KeyDown = [this](auto&&...) { log += "key "; };
+    form.PopupMenu(menu);
+    form.Enabled = false;
+    Key(Qt::Key_F1);
+    Key(Qt::Key_Escape);
+    EXPECT_FALSE(OpenMenu());
+    EXPECT_EQ(log, "");
+}
+
 TEST_F(HelpTest, TopicIsPlainTextAndGoesWithAClickAndWithEscape) {
     EXPECT_EQ(ShowTopic().accessibleName().toStdString(), "Time <1>");
     EXPECT_EQ(BodyOf(*TopicWindow()), "The hours");

@@ -199,7 +199,8 @@ bool FormWindow::eventFilter(QObject* watched, QEvent* event) {
     const auto alive = weak_from_this().lock();
     if (watched == windowHandle()) {
         if (Withholds(*event)) return true;
-        if (event->type() == QEvent::KeyPress) KeyPressed(static_cast<const QKeyEvent&>(*event));
+        if (event->type() == QEvent::KeyPress && !QApplication::activePopupWidget())
+            KeyPressed(static_cast<const QKeyEvent&>(*event));
     } else if (event->type() == QEvent::MouseButtonRelease) {
         if (ControlView* view = ViewOf(watched)) view->MouseReleased(static_cast<const QMouseEvent&>(*event));
     }
