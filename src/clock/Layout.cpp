@@ -135,6 +135,8 @@ CheckBox* PutTrackBox(Form& form, const char16_t* name, const Spot& spot) {
 void PutTracking(Form& form, DialogControls& controls) {
     controls.chkTrack = PutTrackBox(form, u"chkTrack", {4275, 3240, 195, 240, 14, trackHelp});
     controls.chkTrackDate = PutTrackBox(form, u"chkTrackDate", {4275, 2880, 195, 240, 16, trackDateHelp});
+    controls.chkTrack->TextLabel = controls.lblTrack;
+    controls.chkTrackDate->TextLabel = controls.lblTrackDate;
 }
 
 Timer* PutTimer(Form& form, const char16_t* name, std::int32_t interval, bool enabled) {

@@ -7,7 +7,7 @@ from end_to_end import Host
 from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
-from driver import LOWER, UPPER, Role
+from driver import LARGEST_FRAME, LOWER, UPPER, Role
 from stage import ADD_IN, LOOKUP, SWITCHDESK, EndToEndTest, dialog_title
 
 SECTIONS = ["Hour", "Minute", "Second", "AM or PM"]
@@ -150,13 +150,26 @@ class Kept(DialogTest):
         self.choose_sand()
         sand = self.wait_for(lambda: self.ground() != before and self.ground(), "another background")
         for _ in range(2):
-            self.host.close_add_in()
-            self.host.wait_for_line("# add-in has left")
-            self.wait_until_gone()
-            stage.arrangement.end(self.host.process)
+            self.close_dialog()
             self.open_dialog()
             self.wait_for(lambda: self.place() == moved, f"the dialog to come back to {moved}")
             self.wait_for(lambda: self.ground() == sand, "the background to be as it was chosen")
+
+    def test_corner_of_the_screen_is_a_place(self):
+        """The window manager keeps no more than the frame on the screen."""
+        store = stage.arrangement.folder / "home/data/switchdesk/store.ini"
+        for stored in ("0,0", "3,-3"):
+            with self.subTest(stored):
+                self.close_dialog()
+                store.write_text(re.sub(r"(?m)^MOVE=.*$", f"MOVE={stored}", store.read_text()))
+                self.open_dialog()
+                self.assertLessEqual(max(self.place()[:2]), LARGEST_FRAME)
+
+    def close_dialog(self):
+        self.host.close_add_in()
+        self.host.wait_for_line("# add-in has left")
+        self.wait_until_gone()
+        stage.arrangement.end(self.host.process)
 
     def choose_sand(self):
         stage.driver.raise_window(f"Switchdesk \u2013 {stage.EXCHANGE}")

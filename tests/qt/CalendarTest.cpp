@@ -159,6 +159,39 @@ TEST_F(CalendarTest, MarkOfTodayFollowsTheDateByItself) {
     moveTo("UTC");
 }
 
+TEST_F(CalendarTest, TintFollowsTheMouseAndNotTheNumberOfTheDay) {
+    const auto shown = [this](QPoint place) { return Widget().grab(QRect(place, QSize(3, 3))).toImage(); };
+    Set(2003, 10, 1);
+    const QPoint corner = Widget().DayRect(20).topLeft() + QPoint(3, 3);  // 17 November has the same place
+    QTest::mouseMove(Handle(), Widget().mapTo(Window(), corner));
+    const QImage tinted = shown(corner);
+    calendar.SetMonth(11);
+    EXPECT_EQ(shown(corner), tinted);
+    EXPECT_NE(shown(Widget().DayRect(20).topLeft() + QPoint(3, 3)), tinted);
+    QTest::mouseMove(Handle(), Widget().mapTo(Window(), Arrow("Next month").geometry().center()));
+    EXPECT_NE(shown(corner), tinted) << "the mouse is at an arrow now";
+}
+
+TEST_F(CalendarTest, CursorDiffersFromTheMarkOfToday) {
+    const QDate today = QDate::currentDate();
+    Set(today.year(), today.month(), 0);
+    const QRect first = Widget().DayRect(1), marked = Widget().DayRect(today.day());
+    const auto shown = [this](const QRect& day) {
+        return Widget().grab(day.adjusted(0, 0, -1, -1)).toImage();
+    };
+    calendar.ShowOption = true;
+    const QImage both = shown(first);
+    Widget().clearFocus();
+    if (today.day() == 1) {
+        EXPECT_NE(shown(first), both) << "the cursor is to be seen beside the mark";
+        return;
+    }
+    const QImage mark = shown(marked);
+    EXPECT_NE(shown(first), both);
+    const QPoint edge(mark.width() / 2, 1);
+    EXPECT_NE(both.pixelColor(edge), mark.pixelColor(edge));
+}
+
 TEST(MonthPageTest, PlacesOfDays) {
     const struct {
         int year, month, day;

@@ -34,7 +34,7 @@ class HelpTest : public FormTest {
         sqlite3_close(handle);
         surroundings.application.helpFile = PathText(file_);
         menu.Items = {&blank, &item};
-        item.Caption = u"What's This?";
+        item.Caption = u"What's This &\tF1";
         item.Click = [this] { log += "item "; };
         track.WhatsThisHelpID = 3;
     }
@@ -74,12 +74,24 @@ TEST_F(HelpTest, OpenMenuHoldsUpNothingAndItsItemFollowsTheForm) {
     Settle();
     ASSERT_TRUE(OpenMenu());
     ASSERT_EQ(OpenMenu()->actions().size(), 1) << "no caption, no entry";
+    EXPECT_EQ(OpenMenu()->actions().first()->text().toStdString(), "What's This && F1")
+        << "as a menu draws \"&\"";
     form.Enabled = false;
     OpenMenu()->actions().first()->trigger();
     EXPECT_EQ(log, "");
     form.Enabled = true;
     OpenMenu()->actions().first()->trigger();
     EXPECT_EQ(log, "item ");
+}
+
+TEST_F(HelpTest, OpenMenuHasTheKeysForItself) {
+    form.KeyDown = [this](auto&&...) { log += "key "; };
+    form.PopupMenu(menu);
+    form.Enabled = false;
+    Key(Qt::Key_F1);
+    Key(Qt::Key_Escape);
+    EXPECT_FALSE(OpenMenu());
+    EXPECT_EQ(log, "");
 }
 
 TEST_F(HelpTest, TopicIsPlainTextAndGoesWithAClickAndWithEscape) {

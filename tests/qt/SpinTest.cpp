@@ -59,7 +59,8 @@ TEST_F(SpinTest, MouseKeysAndWheelStepTheSectionOfASpinInService) {
         {"wheel down twice", [this] { Wheel(Box(), -240); }, "down down "},
         {"small turns", [this] { Wheel(Box(), 50), Wheel(Box(), 50), Wheel(Box(), 50); }, "up "},
         {"rest of the turn", [this] { Wheel(Box(), -30); }, ""},
-        {"wheel elsewhere", [this] { Wheel(Arrows(), 120); }, ""},
+        {"wheel over the arrows", [this] { Wheel(Arrows(), -120), Wheel(Arrows(), 120); }, "down up "},
+        {"wheel elsewhere", [this] { Wheel(WidgetOf("cmdButton"), 120); }, ""},
     };
     for (const bool inService : {true, false}) {
         spin.Enabled = inService;

@@ -9,7 +9,7 @@ namespace {
 struct InputGateTest : testing::Test {
     InputGateTest() {
         form.Unloaded = [this] { log += "unloaded "; };
-        form.Load();
+        form.Show();
     }
 
     FormInput::CarryOut Note(const std::string& what) {
@@ -80,18 +80,21 @@ TEST_F(InputGateTest, WhatWaitsIsJudgedAgain) {
     const std::pair<const char*, std::function<void()>> meanwhile[] = {
         {"disabled", [this] { form.Enabled = false; }},
         {"covered", [this] { isCovered = true; }},
-        {"loaded again", [this] { form.Unload(), form.Load(), log.clear(), input.reset(); }},
+        {"hidden", [this] { form.Hide(); }},
+        {"loaded again", [this] { form.Unload(), form.Show(), log.clear(), input.reset(); }},
     };
     for (const auto& [what, happens] : meanwhile) {
         SCOPED_TRACE(what);
         form.Enabled = true;
         isCovered = false;
+        form.Show();
         hold = gate.Hold();
         EXPECT_EQ(Press(1, "press"), Verdict::Waits);
         EXPECT_EQ(Release(1, "release"), Verdict::Waits);
         input->Close();
         EXPECT_TRUE(form.IsCloseWaiting());
         happens();
+        EXPECT_EQ(form.IsCloseWaiting(), input != nullptr) << "a form that went has nothing to close";
         ExpectAfterTheHold("");
         EXPECT_FALSE(form.IsCloseWaiting());
     }
@@ -111,7 +114,7 @@ TEST_F(InputGateTest, CloseWaitsAsLongAsItIsToBeSeen) {
     form.Enabled = true;
     EXPECT_TRUE(form.IsCloseWaiting());
     ExpectAfterTheHold("close close unloaded ");
-    form.Load();
+    form.Show();
     input->Close();
     EXPECT_EQ(log, "close close unloaded close unloaded ");
 }

@@ -62,6 +62,8 @@ class CheckBox : public FontControl {
 
     Property<Text> Caption{*this};
     Property<Color> BackColor{*this, 0xC0C0C0};
+    // The label beside it that shows its text, where the box itself has no room for a caption.
+    const Label* TextLabel = nullptr;
 
     std::int16_t Value() const { return value_; }
     // 1 for on, 0 for off; a change raises Click, also when the program makes it.

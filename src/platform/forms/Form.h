@@ -75,7 +75,7 @@ class Form : public Object, public Watched {
     bool IsLoaded() const { return loaded_; }
     bool Visible() const { return visible_; }
     // False where the operator's input is refused.
-    bool TakesInput() const { return loaded_ && Enabled; }
+    bool TakesInput() const { return visible_ && Enabled; }
     // True while a close that the form has accepted waits for a call to be over.
     bool IsCloseWaiting() const { return !waitingClose_.expired(); }
 

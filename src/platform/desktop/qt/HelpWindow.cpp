@@ -35,7 +35,7 @@ void AddText(QVBoxLayout& layout, const QString& text, Qt::TextFormat format, bo
 }  // namespace
 
 HelpWindow::HelpWindow(const HelpTopic& topic, QWidget& parent) : QWidget(&parent, Qt::Popup) {
-    const QString title = ToQt(topic.title), body = ToQt(topic.body);
+    const QString title = ToShow(topic.title), body = ToQt(topic.body);
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(QStringLiteral("HelpWindow"));
     setWindowTitle(title);

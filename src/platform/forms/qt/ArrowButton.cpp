@@ -10,6 +10,7 @@ ArrowButton::ArrowButton(Arrow arrow, const std::function<bool()>& step, QWidget
     : QAbstractButton(&parent), arrow_(arrow), repeater_([this, step] { return !isDown() || step(); }) {
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
+    setMouseTracking(true);
     connect(this, &QAbstractButton::clicked, this, [step] { step(); });
 }
 
@@ -30,7 +31,8 @@ void ArrowButton::mousePressEvent(QMouseEvent* event) {
 }
 
 void ArrowButton::mouseMoveEvent(QMouseEvent* event) {
-    if (repeater_.IsRunning()) setDown(rect().contains(event->position().toPoint()));
+    if (!repeater_.IsRunning()) return event->ignore();  // for the calendar, which the mouse has left
+    setDown(rect().contains(event->position().toPoint()));
 }
 
 void ArrowButton::mouseReleaseEvent(QMouseEvent* event) {

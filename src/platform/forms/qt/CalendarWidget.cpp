@@ -58,6 +58,15 @@ void DrawFitting(QPainter& painter, const QRect& room, const QString& text) {
     painter.drawText(room, Qt::AlignCenter, text);
 }
 
+// The keyboard's place while no day is chosen: dashed, which tells it from the mark of today.
+void DrawCursor(QPainter& painter, const QRect& cell) {
+    painter.save();
+    painter.setPen(QPen(QColor(look::ink), 1, Qt::DashLine));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(cell.adjusted(2, 2, -3, -3));
+    painter.restore();
+}
+
 QFont Bold(QFont font) {
     font.setBold(true);
     return font;
@@ -125,7 +134,7 @@ bool CalendarWidget::event(QEvent* event) {
             disconnect(beforeWaiting_);
             break;
         case QEvent::Leave:
-            PointAt(0);
+            PointAt({});
             break;
         case QEvent::EnabledChange:
             update();
@@ -151,11 +160,16 @@ int CalendarWidget::DayAt(QPoint place) const {
     return 0;
 }
 
-void CalendarWidget::PointAt(int day) {
-    const int before = std::exchange(under_, day);
-    if (before == day || !shown_.selectors) return;
-    for (const int changed : {before, day})
-        if (changed != 0) update(DayRect(changed));
+int CalendarWidget::DayUnderMouse() const {
+    return mouse_ && shown_.selectors ? DayAt(*mouse_) : 0;
+}
+
+void CalendarWidget::PointAt(std::optional<QPoint> place) {
+    const int before = DayUnderMouse();
+    mouse_ = place;
+    if (const int now = DayUnderMouse(); now != before)
+        for (const int changed : {before, now})
+            if (changed != 0) update(DayRect(changed));
 }
 
 // The model has the last word: it refuses while the date isn't the operator's to choose.
@@ -194,7 +208,7 @@ void CalendarWidget::mousePressEvent(QMouseEvent* event) {
 }
 
 void CalendarWidget::mouseMoveEvent(QMouseEvent* event) {
-    PointAt(DayAt(event->position().toPoint()));
+    PointAt(event->position().toPoint());
 }
 
 // The first of a month, so many months from the shown one.
@@ -260,18 +274,24 @@ void CalendarWidget::PaintTitle(QPainter& painter) const {
     DrawFitting(painter, selectors_.MonthText(), NameOf(Month(0)));
 }
 
+// One name that is too long for its column makes all of them narrow.
+QLocale::FormatType CalendarWidget::WeekdayFormat(const QFontMetrics& metrics) const {
+    for (int column = 0; column < MonthPage::columns; ++column) {
+        const QString name = locale_.standaloneDayName(Page().WeekdayOf(column), QLocale::ShortFormat);
+        if (metrics.horizontalAdvance(name) > CellRect(weekdayRow, column).width())
+            return QLocale::NarrowFormat;
+    }
+    return QLocale::ShortFormat;
+}
+
 void CalendarWidget::PaintWeekdays(QPainter& painter) const {
     const MonthPage page = Page();
     painter.setFont(shown_.dayFont);
     painter.setPen(QColor(look::inkSoft));
-    for (int column = 0; column < MonthPage::columns; ++column) {
-        const QRect cell = CellRect(weekdayRow, column);
-        const QString name = locale_.standaloneDayName(page.WeekdayOf(column), QLocale::ShortFormat);
-        const bool fits = painter.fontMetrics().horizontalAdvance(name) <= cell.width();
-        painter.drawText(
-            cell, Qt::AlignCenter,
-            fits ? name : locale_.standaloneDayName(page.WeekdayOf(column), QLocale::NarrowFormat));
-    }
+    const QLocale::FormatType format = WeekdayFormat(painter.fontMetrics());
+    for (int column = 0; column < MonthPage::columns; ++column)
+        painter.drawText(CellRect(weekdayRow, column), Qt::AlignCenter,
+                         locale_.standaloneDayName(page.WeekdayOf(column), format));
 }
 
 // Where cells are drawn, each has a thin line at its left and upper side; without, one line stands below
@@ -293,12 +313,12 @@ void CalendarWidget::PaintDay(QPainter& painter, int day) const {
     const bool chosen = day == shown_.day, today = day == shown_.today;
     if (chosen)
         DrawBox(painter, inside, look::accent, look::accent);
-    else if (day == under_ && shown_.selectors)
+    else if (day == DayUnderMouse())
         DrawBox(painter, inside, QColor::fromRgba(look::tint), Qt::transparent);
     if (today)
         DrawBox(painter, chosen ? inside.adjusted(1, 1, -1, -1) : inside, Qt::transparent,
                 chosen ? look::paper : look::accent);
-    if (hasFocus() && !chosen && day == CursorDay()) DrawFocus(painter, inside);
+    if (hasFocus() && !chosen && day == CursorDay()) DrawCursor(painter, inside);
     painter.setFont(chosen || today ? Bold(shown_.gridFont) : shown_.gridFont);
     painter.setPen(QColor(chosen ? look::paper : isEnabled() ? look::ink : look::inkDisabled));
     painter.drawText(cell.adjusted(0, 0, -1, -1), Qt::AlignCenter, QString::number(day));

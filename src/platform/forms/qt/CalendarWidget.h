@@ -3,6 +3,7 @@
 
 #include <QDate>
 #include <QLocale>
+#include <optional>
 
 #include "platform/forms/qt/CalendarSelectors.h"
 #include "platform/forms/qt/ControlView.h"
@@ -46,7 +47,8 @@ class CalendarWidget : public QWidget, public TypedView<Calendar> {
     MonthPage Page() const { return {shown_.year, shown_.month, locale_.firstDayOfWeek()}; }
     int CursorDay() const;
     int DayAt(QPoint place) const;
-    void PointAt(int day);
+    int DayUnderMouse() const;
+    void PointAt(std::optional<QPoint> place);
     void Choose(const QDate& date);
     bool Turn(int months);
 
@@ -60,12 +62,13 @@ class CalendarWidget : public QWidget, public TypedView<Calendar> {
     QRect GridRect() const;
     QRect CellRect(int row, int column) const;
     void PaintTitle(QPainter& painter) const;
+    QLocale::FormatType WeekdayFormat(const QFontMetrics& metrics) const;
     void PaintWeekdays(QPainter& painter) const;
     void PaintGrid(QPainter& painter) const;
     void PaintDay(QPainter& painter, int day) const;
 
     Shown shown_;
-    int under_ = 0;  // the day under the mouse, 0 for none
+    std::optional<QPoint> mouse_;
     QLocale locale_ = QLocale::system();
     CalendarSelectors selectors_;
     QMetaObject::Connection beforeWaiting_;

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QStyle>
+#include <utility>
 
 #include "platform/desktop/qt/QtText.h"
 #include "platform/forms/qt/Look.h"
@@ -35,16 +36,39 @@ CheckWidget::CheckWidget(CheckBox& control, QWidget& parent) : QCheckBox(&parent
 
 void CheckWidget::SyncOwn() {
     const CheckBox& control = Typed();
-    if (const QString caption = platform::ToQt(control.Caption()); caption != text()) setText(caption);
+    if (const QString caption = Caption(); std::exchange(caption_, caption) != caption) update();
     setFont(ToQt(*control.Font));
     setChecked(control.Value() != 0);
+    SyncRing();
     if (backColor_ == control.BackColor()) return;
     backColor_ = control.BackColor;
     update();
 }
 
-QString CheckWidget::SpokenName() const {
-    return SpokenCaption(Typed().Caption());
+QString CheckWidget::Caption() const {
+    return platform::ToShow(Typed().Caption());
+}
+
+QRect CheckWidget::CaptionRect() const {
+    return rect().adjusted(indicatorSide + captionGap, 0, 0, 0);
+}
+
+void CheckWidget::focusInEvent(QFocusEvent* event) {
+    QCheckBox::focusInEvent(event);
+    SyncRing();
+}
+
+void CheckWidget::focusOutEvent(QFocusEvent* event) {
+    QCheckBox::focusOutEvent(event);
+    SyncRing();
+}
+
+void CheckWidget::SyncRing() {
+    const Label* label = Model() ? Typed().TextLabel : nullptr;
+    if (label && !ring_) ring_ = new FocusRing(parentWidget());
+    if (!ring_) return;
+    ring_->setVisible(label && hasFocus());
+    if (label) ring_->Surround(geometry() | RectOf(*label));
 }
 
 // The back colour is the frame of the indicator: filled around it, a box that is hardly larger than its
@@ -53,7 +77,7 @@ void CheckWidget::PaintIndicator(QPainter& painter, const QRect& box) const {
     const QColor frame = ToQt(backColor_).darker(115);
     const QColor fill = !isEnabled() ? look::faceDisabled : isDown() ? look::facePressed : look::paper;
     DrawBox(painter, box, fill, frame, 2);
-    if (hasFocus()) DrawFocus(painter, box, 2);
+    if (hasFocus() && !ring_) DrawFocus(painter, box, 2);
     if (isChecked()) DrawTick(painter, box, isEnabled() ? look::accent : look::inkDisabled);
 }
 
@@ -61,10 +85,9 @@ void CheckWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const QRect box(0, (height() - indicatorSide) / 2, indicatorSide, indicatorSide);
     PaintIndicator(painter, box);
-    const QRect room = rect().adjusted(indicatorSide + captionGap, 0, 0, 0);
-    if (room.width() > 0)
-        style()->drawItemText(&painter, room, Qt::AlignVCenter | Qt::TextShowMnemonic, palette(), isEnabled(),
-                              text(), QPalette::WindowText);
+    if (ShowsCaption())
+        style()->drawItemText(&painter, CaptionRect(), Qt::AlignVCenter, palette(), isEnabled(), caption_,
+                              QPalette::WindowText);
 }
 
 }  // namespace platform::forms

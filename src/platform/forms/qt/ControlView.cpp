@@ -36,7 +36,21 @@ std::int16_t ButtonOf(Qt::MouseButton button) {
     }
 }
 
+bool IsBlank(const QString& text) {
+    return text.trimmed().isEmpty();
+}
+
+// Qt would take what looks like markup for it.
+QString AsPlainTip(const QString& text) {
+    if (!Qt::mightBeRichText(text)) return text;
+    return QStringLiteral("<span style=\"white-space:pre\">%1</span>").arg(text.toHtmlEscaped());
+}
+
 }  // namespace
+
+QRect RectOf(const Control& control) {
+    return {ToPixels(control.Left), ToPixels(control.Top), ToPixels(control.Width), ToPixels(control.Height)};
+}
 
 bool HasWindow(const Control& control) {
     return !dynamic_cast<const Label*>(&control) && !dynamic_cast<const Image*>(&control);
@@ -62,24 +76,29 @@ void ControlView::Sync() {
 
 void ControlView::SyncCommon() {
     QWidget& widget = Widget();
-    widget.setGeometry(ToPixels(control_->Left), ToPixels(control_->Top), ToPixels(control_->Width),
-                       ToPixels(control_->Height));
+    widget.setGeometry(RectOf(*control_));
     widget.setEnabled(control_->Enabled);
     if (widget.isHidden() == control_->Visible()) widget.setVisible(control_->Visible);
-    const QString tip = platform::ToQt(control_->ToolTipText()).trimmed();
-    if (widget.toolTip() != tip) widget.setToolTip(tip);
-    const QString spoken = tip.isEmpty() ? SpokenName() : tip;
+    SyncTexts();
+}
+
+// What can be read on the screen is what a screen reader says; of what can't, it says the tool tip.
+void ControlView::SyncTexts() {
+    QWidget& widget = Widget();
+    const QString caption = Caption(), tip = platform::ToShow(control_->ToolTipText());
+    if (const QString plain = AsPlainTip(tip); widget.toolTip() != plain) {
+        widget.setToolTip(plain);
+        widget.setAccessibleDescription(tip);
+    }
+    const bool readable = ShowsCaption() && !IsBlank(caption);
+    const QString spoken = readable ? caption : !IsBlank(tip) ? tip : SpokenName();
     if (widget.accessibleName() != spoken) widget.setAccessibleName(spoken);
 }
 
 QString ControlView::SpokenName() const {
+    if (const QString caption = Caption(); !IsBlank(caption)) return caption;
     const QString name = platform::ToQt(control_->Name());
     return control_->Index() < 0 ? name : QStringLiteral("%1 %2").arg(name).arg(control_->Index());
-}
-
-QString ControlView::SpokenCaption(const Text& caption) const {
-    const QString spoken = platform::ToQt(caption).remove(u'&').trimmed();
-    return spoken.isEmpty() ? ControlView::SpokenName() : spoken;
 }
 
 void ControlView::Act(std::function<void()> act) {

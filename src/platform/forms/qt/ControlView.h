@@ -47,13 +47,14 @@ class ControlView {
     // The window, for as long as the result is kept; for events that come from a widget itself.
     std::shared_ptr<void> KeepWindow() const { return window_.lock(); }
     virtual void SyncOwn() = 0;
-    // What a screen reader says where the control has no tool tip.
+    virtual QString Caption() const { return {}; }
+    virtual bool ShowsCaption() const { return true; }
+    // What a screen reader says where neither a caption nor a tool tip is to be seen.
     virtual QString SpokenName() const;
-    // The caption without its marks, or the name where it is empty.
-    QString SpokenCaption(const Text& caption) const;
 
   private:
     void SyncCommon();
+    void SyncTexts();
 
     Control* control_;
     FormInput* input_ = nullptr;  // as long as there is a control
@@ -68,6 +69,9 @@ class TypedView : public ControlView {
     // Only while there is a model.
     Type& Typed() const { return static_cast<Type&>(*Model()); }
 };
+
+// The place of a control on its form, in pixels.
+QRect RectOf(const Control& control);
 
 // Controls without a window of their own lie below all others, whatever the order in which they were added.
 bool HasWindow(const Control& control);

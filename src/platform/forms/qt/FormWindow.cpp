@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QScopedValueRollback>
+#include <QScreen>
 #include <QWindow>
 #include <algorithm>
 #include <vector>
@@ -31,6 +32,16 @@ ControlView* ViewOf(QObject* widget) {
 bool IsMenuKey(const QKeyEvent& event) {
     if (event.key() == Qt::Key_Menu) return event.modifiers() == Qt::NoModifier;
     return event.key() == Qt::Key_F10 && event.modifiers() == Qt::ShiftModifier;
+}
+
+// In an item Qt takes one "&" for a mark of the next letter, and what is behind a tab for a key.
+QString AsItem(QString caption) {
+    return caption.replace(u'&', QStringLiteral("&&")).replace(u'\t', u' ');
+}
+
+QRect PrimaryScreen() {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return screen ? screen->geometry() : QRect();
 }
 
 // The widget of the control that a widget is or belongs to.
@@ -92,7 +103,7 @@ void FormWindow::Sync() {
     if (caption_ != form_->Caption()) {
         caption_ = form_->Caption;
         // Qt takes "[*]" out of a title, unless it is written twice.
-        setWindowTitle(platform::ToQt(caption_).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
+        setWindowTitle(platform::ToShow(caption_).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
     }
     if (icon_ != form_->Icon()) {
         icon_ = form_->Icon;
@@ -118,14 +129,13 @@ void FormWindow::LetGo() {
 }
 
 // The place is that of the client area: a window that has never been shown knows nothing of its frame, and
-// one that was placed by its frame would come back beside where it was left.
-QPoint FormWindow::Place() const {
-    return {ToPixels(form_->Left), ToPixels(form_->Top)};
-}
-
+// one that was placed by its frame would come back beside where it was left. It is asked for even where the
+// window is there by chance before it is shown: without that the window manager would choose another.
 void FormWindow::SyncPlace() {
     setFixedSize(ToPixels(form_->Width), ToPixels(form_->Height));
-    if (Place() != geometry().topLeft()) setGeometry({Place(), size()});
+    const QPoint wanted = ToDesktop(form_->Left, form_->Top, PrimaryScreen());
+    if (std::exchange(place_, wanted) == wanted) return;
+    setGeometry({wanted, size()});
 }
 
 void FormWindow::SyncVisible() {
@@ -151,7 +161,7 @@ void FormWindow::PopUp(const Menu& menu) {
     shown->setAttribute(Qt::WA_DeleteOnClose);
     for (const Menu* item : menu.Items) {
         if (item->Caption().empty() || !item->Visible) continue;
-        QAction* action = shown->addAction(platform::ToQt(item->Caption()));
+        QAction* action = shown->addAction(AsItem(platform::ToShow(item->Caption())));
         action->setEnabled(item->Enabled);
         connect(action, &QAction::triggered, this, [this, item] {
             const auto alive = weak_from_this().lock();
@@ -189,7 +199,8 @@ bool FormWindow::eventFilter(QObject* watched, QEvent* event) {
     const auto alive = weak_from_this().lock();
     if (watched == windowHandle()) {
         if (Withholds(*event)) return true;
-        if (event->type() == QEvent::KeyPress) KeyPressed(static_cast<const QKeyEvent&>(*event));
+        if (event->type() == QEvent::KeyPress && !QApplication::activePopupWidget())
+            KeyPressed(static_cast<const QKeyEvent&>(*event));
     } else if (event->type() == QEvent::MouseButtonRelease) {
         if (ControlView* view = ViewOf(watched)) view->MouseReleased(static_cast<const QMouseEvent&>(*event));
     }
@@ -273,8 +284,9 @@ void FormWindow::closeEvent(QCloseEvent* event) {
 void FormWindow::moveEvent(QMoveEvent*) {
     if (!form_ || !isVisible()) return;
     const QPoint moved = geometry().topLeft();
-    if (moved == Place()) return;
-    Guard([&] { form_->MovedByOperator(ToTwips(moved.x()), ToTwips(moved.y())); });
+    if (std::exchange(place_, moved) == moved) return;
+    const QPoint seen = moved - PrimaryScreen().topLeft();
+    Guard([&] { form_->MovedByOperator(ToTwips(seen.x()), ToTwips(seen.y())); });
 }
 
 }  // namespace platform::forms

@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <map>
 #include <memory>
+#include <optional>
 
 #include "platform/desktop/qt/QtHelp.h"
 #include "platform/forms/FormInput.h"
@@ -42,7 +43,6 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
   private:
     void MakeControls(bool withWindow);
     void SetTabOrder();
-    QPoint Place() const;
     void SyncPlace();
     void SyncVisible();
     void LetGo();
@@ -60,6 +60,7 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
     std::unique_ptr<FormInput> input_;
     const QEvent* delivering_ = nullptr;
     bool takesInput_ = true;
+    std::optional<QPoint> place_;  // on the desktop, as asked for last or moved to by the operator
     std::map<const Control*, ControlView*> views_;
     QPointer<QWidget> focused_;  // the control that the model knows as the one with the focus
     bool menuIsKeyed_ = false;   // a key asks for a menu just now

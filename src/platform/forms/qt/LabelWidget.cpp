@@ -27,20 +27,15 @@ int ExtraAscent(const QString& text, const QFont& font) {
 
 void LabelWidget::SyncOwn() {
     const Label& control = Typed();
-    Shown next{platform::ToQt(control.Caption()),
-               ToQt(*control.Font),
-               control.Border,
-               control.Opaque,
-               control.Align,
-               control.BackColor,
-               control.ForeColor};
+    Shown next{Caption(),     ToQt(*control.Font), control.Border,   control.Opaque,
+               control.Align, control.BackColor,   control.ForeColor};
     if (next == shown_) return;
     shown_ = std::move(next);
     update();
 }
 
-QString LabelWidget::SpokenName() const {
-    return SpokenCaption(Typed().Caption());
+QString LabelWidget::Caption() const {
+    return platform::ToShow(Typed().Caption());
 }
 
 // What a transparent frame encloses is a shade lighter than the form around it.
@@ -59,8 +54,7 @@ void LabelWidget::paintEvent(QPaintEvent*) {
     painter.setPen(isEnabled() ? ToQt(shown_.foreColor) : QColor(look::inkDisabled));
     // One pixel down, the line stands level with that of a borderless text box in the same place.
     painter.drawText(rect().adjusted(0, 1 - ExtraAscent(shown_.caption, shown_.font), 0, 0),
-                     static_cast<int>(ToQt(shown_.align)) | Qt::TextWordWrap | Qt::TextShowMnemonic,
-                     shown_.caption);
+                     static_cast<int>(ToQt(shown_.align)) | Qt::TextWordWrap, shown_.caption);
 }
 
 }  // namespace platform::forms

@@ -14,7 +14,7 @@ class LabelWidget : public QWidget, public TypedView<Label> {
 
   protected:
     void SyncOwn() override;
-    QString SpokenName() const override;
+    QString Caption() const override;
     void paintEvent(QPaintEvent* event) override;
 
   private:

@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <algorithm>
+#include <utility>
 
 #include "platform/desktop/qt/QtText.h"
 #include "platform/forms/qt/Look.h"
@@ -33,7 +34,7 @@ PushWidget::PushWidget(CommandButton& control, QWidget& parent) : QPushButton(&p
 
 void PushWidget::SyncOwn() {
     const CommandButton& control = Typed();
-    if (const QString caption = platform::ToQt(control.Caption()); caption != text()) setText(caption);
+    if (const QString caption = Caption(); std::exchange(caption_, caption) != caption) update();
     setFont(ToQt(*control.Font));
     if (shown_ == control.Picture() && shownDisabled_ == control.DisabledPicture()) return;
     shown_ = control.Picture;
@@ -43,8 +44,12 @@ void PushWidget::SyncOwn() {
     update();
 }
 
-QString PushWidget::SpokenName() const {
-    return SpokenCaption(Typed().Caption());
+QString PushWidget::Caption() const {
+    return platform::ToShow(Typed().Caption());
+}
+
+bool PushWidget::ShowsCaption() const {
+    return !Typed().Picture();
 }
 
 Drawing& PushWidget::Shown() {
@@ -62,8 +67,8 @@ void PushWidget::paintEvent(QPaintEvent*) {
     Drawing& drawing = Shown();
     const QRect inside = rect().adjusted(margin, margin, -margin, -margin);
     if (drawing.IsEmpty()) {
-        style()->drawItemText(&painter, inside, Qt::AlignCenter | Qt::TextShowMnemonic, palette(),
-                              isEnabled(), text(), QPalette::ButtonText);
+        style()->drawItemText(&painter, inside, Qt::AlignCenter, palette(), isEnabled(), caption_,
+                              QPalette::ButtonText);
         return;
     }
     if (!isEnabled() && &drawing == &picture_) painter.setOpacity(fadedOpacity);

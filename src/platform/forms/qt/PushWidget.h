@@ -16,7 +16,8 @@ class PushWidget : public QPushButton, public TypedView<CommandButton> {
 
   protected:
     void SyncOwn() override;
-    QString SpokenName() const override;
+    QString Caption() const override;
+    bool ShowsCaption() const override;
     void paintEvent(QPaintEvent* event) override;
 
   private:
@@ -24,6 +25,7 @@ class PushWidget : public QPushButton, public TypedView<CommandButton> {
     void PaintFace(QPainter& painter);
 
     Drawing picture_, disabledPicture_;
+    QString caption_;  // not the widget's own text, in which "&" would mark a letter
     PictureRef shown_, shownDisabled_;
 };
 

@@ -79,7 +79,6 @@ void SpinWidget::keyPressEvent(QKeyEvent* event) {
 }
 
 void SpinWidget::wheelEvent(QWheelEvent* event) {
-    if (!hasFocus()) return event->ignore();
     const int steps = wheel_.Take(*event);
     const auto alive = KeepWindow();
     for (int i = 0; i < std::abs(steps); ++i) StepIfOperable(steps > 0 ? Direction::Up : Direction::Down);

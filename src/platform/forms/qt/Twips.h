@@ -1,6 +1,7 @@
 // Measures of forms: 15 twips to a logical pixel.
 #pragma once
 
+#include <QRect>
 #include <cmath>
 
 namespace platform::forms {
@@ -13,6 +14,12 @@ inline int ToPixels(float twips) {
 
 inline float ToTwips(double pixels) {
     return static_cast<float>(pixels * static_cast<double>(twipsPerPixel));
+}
+
+// The model's places are seen from the corner of the primary screen, which on a desktop of several may lie
+// anywhere.
+inline QPoint ToDesktop(float left, float top, const QRect& primaryScreen) {
+    return primaryScreen.topLeft() + QPoint(ToPixels(left), ToPixels(top));
 }
 
 }  // namespace platform::forms
