@@ -22,7 +22,7 @@ constexpr int spacing = 16, smallestButton = 88, signSize = 32;
 QPushButton* MakeButton(TextView text) {
     // As it is written: no letter becomes an access key.
     auto* button = new QPushButton(ToShow(text).replace(u'&', QStringLiteral("&&")));
-    button->setMinimumWidth(smallestButton);
+    button->setMinimumWidth(std::max(smallestButton, button->sizeHint().width() + spacing));
     return button;
 }
 
