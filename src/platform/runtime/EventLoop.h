@@ -37,7 +37,8 @@ class EventLoop : public Scheduler {
 
     // Waits for one round of events and serves it: timers, descriptors, painting and input.
     virtual void ServeOnce() = 0;
-    // Until every hold is dropped, input that a form accepts waits (forms/InputGate.h). That of a box doesn't.
+    // Until every hold is dropped, input that a form accepts waits (forms/InputGate.h). That of a box
+    // doesn't.
     virtual HandleRef HoldInput() = 0;
 };
 
