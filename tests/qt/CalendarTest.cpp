@@ -192,6 +192,15 @@ TEST_F(CalendarTest, CursorDiffersFromTheMarkOfToday) {
     EXPECT_NE(both.pixelColor(edge), mark.pixelColor(edge));
 }
 
+TEST(MonthPageTest, OneLongNameMakesAllNarrow) {
+    const QLocale locale = QLocale::c();
+    const QFontMetrics metrics{QFont()};
+    const int wed = metrics.horizontalAdvance(QStringLiteral("Wed"));
+    ASSERT_LT(metrics.horizontalAdvance(QStringLiteral("Fri")), wed - 1);
+    EXPECT_EQ(forms::WeekdayFormat(locale, metrics, wed - 1), QLocale::NarrowFormat);
+    EXPECT_EQ(forms::WeekdayFormat(locale, metrics, 2 * wed), QLocale::ShortFormat);
+}
+
 TEST(MonthPageTest, PlacesOfDays) {
     const struct {
         int year, month, day;

@@ -274,21 +274,12 @@ void CalendarWidget::PaintTitle(QPainter& painter) const {
     DrawFitting(painter, selectors_.MonthText(), NameOf(Month(0)));
 }
 
-// One name that is too long for its column makes all of them narrow.
-QLocale::FormatType CalendarWidget::WeekdayFormat(const QFontMetrics& metrics) const {
-    for (int column = 0; column < MonthPage::columns; ++column) {
-        const QString name = locale_.standaloneDayName(Page().WeekdayOf(column), QLocale::ShortFormat);
-        if (metrics.horizontalAdvance(name) > CellRect(weekdayRow, column).width())
-            return QLocale::NarrowFormat;
-    }
-    return QLocale::ShortFormat;
-}
-
 void CalendarWidget::PaintWeekdays(QPainter& painter) const {
     const MonthPage page = Page();
     painter.setFont(shown_.dayFont);
     painter.setPen(QColor(look::inkSoft));
-    const QLocale::FormatType format = WeekdayFormat(painter.fontMetrics());
+    const QLocale::FormatType format =
+        WeekdayFormat(locale_, painter.fontMetrics(), GridRect().width() / MonthPage::columns);
     for (int column = 0; column < MonthPage::columns; ++column)
         painter.drawText(CellRect(weekdayRow, column), Qt::AlignCenter,
                          locale_.standaloneDayName(page.WeekdayOf(column), format));

@@ -62,7 +62,6 @@ class CalendarWidget : public QWidget, public TypedView<Calendar> {
     QRect GridRect() const;
     QRect CellRect(int row, int column) const;
     void PaintTitle(QPainter& painter) const;
-    QLocale::FormatType WeekdayFormat(const QFontMetrics& metrics) const;
     void PaintWeekdays(QPainter& painter) const;
     void PaintGrid(QPainter& painter) const;
     void PaintDay(QPainter& painter, int day) const;

@@ -43,7 +43,7 @@ bool IsBlank(const QString& text) {
 // Qt would take what looks like markup for it.
 QString AsPlainTip(const QString& text) {
     if (!Qt::mightBeRichText(text)) return text;
-    return QStringLiteral("<span style=\"white-space:pre\">%1</span>").arg(text.toHtmlEscaped());
+    return QStringLiteral("<div style=\"white-space:pre\">%1</div>").arg(text.toHtmlEscaped());
 }
 
 }  // namespace

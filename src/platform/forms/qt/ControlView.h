@@ -36,7 +36,7 @@ class ControlView {
     virtual QWidget& Widget() = 0;
 
     // False where the operator's input has to be refused.
-    bool IsOperable() const { return control_ && control_->Enabled && control_->Owner().Enabled; }
+    bool IsOperable() const { return control_ && control_->Enabled && control_->Owner().TakesInput(); }
     void MouseReleased(const QMouseEvent& event);
     void TakeInputBy(FormInput& input) { input_ = &input; }
     // Carries out what comes past the window's events, as what an assistive program does, once it is

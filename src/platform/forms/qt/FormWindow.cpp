@@ -114,9 +114,9 @@ void FormWindow::Sync() {
         colors.setColor(QPalette::Window, ToQt(form_->BackColor()));
         setPalette(colors);
     }
-    SyncPlace();
-    SyncVisible();
     if (std::exchange(takesInput_, form_->Enabled()) && !takesInput_) LetGo();
+    SyncPlace();
+    SyncVisible();  // last: the focus that it moves may take the form away
 }
 
 // Nothing stays pressed on a form that refuses input: a release would finish what was begun.

@@ -18,4 +18,11 @@ int MonthPage::WeekdayOf(int column) const {
     return (firstDayOfWeek_ - 1 + column) % columns + 1;
 }
 
+QLocale::FormatType WeekdayFormat(const QLocale& locale, const QFontMetrics& metrics, int columnWidth) {
+    for (int day = 1; day <= MonthPage::columns; ++day)
+        if (metrics.horizontalAdvance(locale.standaloneDayName(day, QLocale::ShortFormat)) > columnWidth)
+            return QLocale::NarrowFormat;
+    return QLocale::ShortFormat;
+}
+
 }  // namespace platform::forms

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QDate>
+#include <QFontMetrics>
+#include <QLocale>
 
 namespace platform::forms {
 
@@ -27,5 +29,8 @@ class MonthPage {
     QDate first_;
     Qt::DayOfWeek firstDayOfWeek_;
 };
+
+// How long the names of days may be, all alike: one that is too long for its column makes all of them narrow.
+QLocale::FormatType WeekdayFormat(const QLocale& locale, const QFontMetrics& metrics, int columnWidth);
 
 }  // namespace platform::forms
