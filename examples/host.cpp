@@ -290,7 +290,7 @@ class Host {
     }
 
     void FillResponse(const std::vector<Item>& items, const std::string& tag, const Value& login) {
-        const auto field = [items](std::string Item::*part) {
+        const auto field = [items](std::string Item::* part) {
             return [items, part](Values& a) {
                 return Value(items.at(static_cast<std::size_t>(std::get<std::int16_t>(a.at(0)))).*part);
             };

@@ -52,7 +52,7 @@ bool TakeAnswer(std::string_view value, Misbehaviour& misbehaviour) {
     return !misbehaviour.answers || misbehaviour.answersTwice;
 }
 
-platform::Text Item::*FieldOf(std::string_view name) {
+platform::Text Item::* FieldOf(std::string_view name) {
     const std::string lower = LowerCase(name);
     if (lower == "cmd") return &Item::command;
     if (lower == "firstdata") return &Item::first;

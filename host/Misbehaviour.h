@@ -30,7 +30,7 @@ struct Misbehaviour {
 
     struct Override {
         std::size_t item = 0;
-        platform::Text Item::*field = nullptr;
+        platform::Text Item::* field = nullptr;
         platform::Text text;
     };
     std::vector<Override> overrides;

@@ -15,14 +15,14 @@ std::function<platform::Value(platform::Object&, Arguments&)> Bind(Callable call
     return platform::Bind<ResponseObject>(callable);
 }
 
-Text Indexed(ResponseObject& self, const platform::Value& index, Text Item::*field) {
+Text Indexed(ResponseObject& self, const platform::Value& index, Text Item::* field) {
     const std::vector<Item>& items = self.Content().items;
     const std::int16_t i = index.ToInteger();
     return i >= 0 && static_cast<std::size_t>(i) < items.size() ? items[static_cast<std::size_t>(i)].*field
                                                                 : Text();
 }
 
-Member ListMember(std::string_view name, Text Item::*field) {
+Member ListMember(std::string_view name, Text Item::* field) {
     return {name,
             InvokeKind::PropertyGet,
             {{"Index", ValueType::Integer}},
@@ -32,7 +32,7 @@ Member ListMember(std::string_view name, Text Item::*field) {
             })};
 }
 
-Member TextMember(std::string_view name, Text Answer::*field) {
+Member TextMember(std::string_view name, Text Answer::* field) {
     return {
         name, InvokeKind::PropertyGet, {}, ValueType::String, Bind([field](ResponseObject& self, Arguments&) {
             return self.Content().*field;

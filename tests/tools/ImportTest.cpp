@@ -135,9 +135,8 @@ TEST(JetFiles, AreImportedUnlessEncrypted) {
     std::string text;
     for (const auto& entry : fs::directory_iterator(JET_FILES)) {
         if (entry.path().extension() == ".md") continue;
-        const std::string fault = FaultOf([&] {
-            text += WriteSource({"", {ImportJet(entry.path()).source}});
-        });
+        const std::string fault =
+            FaultOf([&] { text += WriteSource({"", {ImportJet(entry.path()).source}}); });
         const char* expected = entry.path().stem() == "encrypted" ? "encrypted with a password" : "no fault";
         EXPECT_PRED_FORMAT2(testing::IsSubstring, expected, fault) << entry.path();
     }

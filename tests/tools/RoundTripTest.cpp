@@ -133,7 +133,7 @@ class Generator {
         using namespace std::string_view_literals;
         constexpr std::string_view pieces[] = {
             "word", " ",     "\n",   "\r\n", "\t",   "\0"sv,         "\"", "\\",       "|",
-            "#",    "[row]", "\xFF", "é",    "中文", "\xED\xA0\x80", "😀",  "\xC2\x85", "\xE2\x80\xA8",
+            "#",    "[row]", "\xFF", "é",    "中文", "\xED\xA0\x80", "😀", "\xC2\x85", "\xE2\x80\xA8",
             "null", "-1",    "'",    ":",    "= 1",  "\x7F"};
         std::string text;
         for (std::size_t i = Below(6); i > 0; --i) text += One(pieces);

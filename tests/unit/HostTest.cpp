@@ -28,7 +28,7 @@ TEST(OptionsTest, RefusesWhatCannotBe) {
 }
 
 struct SimulatedExchangeTest : testing::Test {
-    Texts Values(const std::vector<Item>& items, Text Item::*field) {
+    Texts Values(const std::vector<Item>& items, Text Item::* field) {
         Texts values;
         for (const Item& item : items) values.push_back(item.*field);
         return values;

@@ -35,8 +35,7 @@ fs::path BehindLinks(const fs::path& file) {
 
 // The directory that is locked may have been taken away, and made anew, while the lock was waited for.
 bool IsStillThere(int descriptor, const fs::path& directory) {
-    struct stat held {
-    }, there{};
+    struct stat held{}, there{};
     return fstat(descriptor, &held) == 0 && stat(directory.c_str(), &there) == 0 &&
            held.st_dev == there.st_dev && held.st_ino == there.st_ino;
 }

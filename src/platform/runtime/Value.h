@@ -44,8 +44,8 @@ class Value {
     Value(const char16_t* value) : storage_(Text(value)) {}
     Value(ObjectRef value) : storage_(std::move(value)) {}
     template <class Class>
-    requires std::is_base_of_v<Object, Class> Value(std::shared_ptr<Class> value)
-        : storage_(ObjectRef(std::move(value))) {}
+        requires std::is_base_of_v<Object, Class>
+    Value(std::shared_ptr<Class> value) : storage_(ObjectRef(std::move(value))) {}
     Value(const void*) = delete;  // a pointer would silently become a Boolean
 
     const Storage& Stored() const { return storage_; }
