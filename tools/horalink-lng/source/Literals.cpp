@@ -12,8 +12,6 @@ namespace lng {
 
 namespace {
 
-constexpr std::string_view blanks = " \t";
-
 bool IsBlank(char c) {
     return c == ' ' || c == '\t';
 }
