@@ -316,12 +316,10 @@ TEST_F(DialogTest, AnAnswerToALoginThatWasGivenUpIsToldAndNothingElse) {
         EXPECT_EQ(form.Enabled, !anotherIsWaiting);
     }
     computer.scheduler.Pass(19900);
-    EXPECT_EQ(computer.waits.open, 1) << "the other wait has its way out";
-    const auto answer = Response(0, u"UPDATE_CLOCK");
-    answer->answers["LoginID"] = Gives(u"L2");
-    Deliver(answer);
-    PassTick();
-    EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
+    ASSERT_EQ(computer.waits.open, 1) << "the other wait has its way out";
+    computer.waits.opened.back().answer(true);
+    EXPECT_TRUE(IsIdle());
+    computer.automation.AnswerPosted();
     EXPECT_EQ(loggedOut, (Calls{"L2"}));
     exchange->answers["Login"] = Gives(u"L1");
     Exchange(2, Response(0, u"UPDATE_CLOCK"));
@@ -530,6 +528,20 @@ TEST_F(StandaloneTest, ConnectsByTheCommandLineAndWorksWithoutAHostObject) {
     Request(0);
     EXPECT_FALSE(form.IsLoaded());
     EXPECT_EQ(loggedOut.back(), "C1") << "the key of the connection";
+}
+
+TEST_F(StandaloneTest, AHostThatWasGivenUpStillHearsOfTheLogOut) {
+    form.Show();
+    exchange->answers["SendRequest"] = [&](Arguments&) {
+        computer.scheduler.Pass(20000);
+        computer.waits.opened.back().answer(true);
+        return Value(u"taken");
+    };
+    Request(2);
+    EXPECT_TRUE(IsIdle());
+    EXPECT_TRUE(loggedOut.empty());
+    computer.automation.AnswerPosted();
+    EXPECT_EQ(loggedOut, (Calls{"L1"}));
 }
 
 TEST_F(StandaloneTest, WithoutABusTheDialogShowsWithItsButtonsDead) {
