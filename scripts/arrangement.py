@@ -72,6 +72,8 @@ class Arrangement:
         self.language = language
         if readable:
             self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+            # What the toolkit says of a widget that went while an assistive program looked at it is not ours.
+            self.environment["QT_LOGGING_RULES"] = "qt.accessibility.*=false"
 
     def speak(self):
         """Names of days and months in the language, whose locale need not be installed for that."""

@@ -175,6 +175,8 @@ class Life:
                 last = time.monotonic()
                 continue
             if self.process.poll() is not None:
+                if self.pump(LIMIT):
+                    continue  # the bus still had an answer
                 raise Lost(f"the process ended with {self.process.returncode} while it was called; last calls: "
                            f"{'; '.join(each.what for each in self.waiting()[:5])}")
             if not self.host.silent:

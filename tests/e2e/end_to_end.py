@@ -102,7 +102,7 @@ class Host:
         self.process.wait()
 
 
-def run(command, **options):
+def run(command, seconds=LIMIT, **options):
     """Runs a program to its end and catches what it prints."""
-    return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=LIMIT,
+    return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=seconds,
                           check=False, env=options.pop("environment", stage.arrangement.environment), **options)

@@ -30,6 +30,7 @@ OTHERS = [
 ]
 AS_IS = (r"horalink-(lng|setup) |cp data/|PATH=|cmake -S examples|busctl |examples/host.py &|exit$|"
          r"\./run bus (bash$|switchdesk --help)")
+COMPILING = 300  # seconds, on a busy machine
 # What a shell that nobody types into does in place of what stands there.
 INSTEAD = [
     (r"^\./run bus bash$", "trap 'kill $!' EXIT"),
@@ -89,7 +90,7 @@ class Manuals(EndToEndTest):
         if not commands:
             return
         folder, environment = self.lay_out(name)
-        done = run(["bash", "-exc", "\n".join(commands)], environment=environment, cwd=folder)
+        done = run(["bash", "-exc", "\n".join(commands)], COMPILING, environment=environment, cwd=folder)
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
 
     def test_what_is_named_is_there(self):

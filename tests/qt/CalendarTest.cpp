@@ -90,7 +90,7 @@ TEST_F(CalendarTest, ClicksThatChooseNothing) {
         [this] { ClickAt(Widget().DayRect(31).center() + QPoint(0, Widget().DayRect(31).height())); },
         [this] { refuse = true, ClickDay(); },
         [this] { Arrow("Next month").click(); },
-        [this] { refuse = calendar.Enabled = false, ClickDay(); }};
+        [this] { refuse = false, calendar.Enabled = false, ClickDay(); }};
     for (std::size_t i = 0; i < std::size(acts); ++i) {
         acts[i]();
         EXPECT_EQ(DateOf(calendar), "2003-10-8") << i;

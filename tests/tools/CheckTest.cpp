@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "Table.h"
 #include "TemporaryDirectory.h"
 #include "common/Fault.h"

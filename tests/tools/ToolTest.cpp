@@ -1,6 +1,8 @@
 // The program as a whole: calls, exit statuses, and files that are whole or not there.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "TemporaryDirectory.h"
 #include "jet/Process.h"
 #include "source/SourceReader.h"
