@@ -10,8 +10,8 @@ from end_to_end import open_stage as setUpModule  # noqa: F401
 import stage
 from client import Client
 from driver import Role
-from stage import (ADD_IN, CLOCK_READ, EXCHANGE, GIVE_UP, GOOD, LOGIN_FAILED, LOOKUP, SWITCHDESK, UPDATE, EndToEndTest,
-                   dialog_title)
+from stage import (ADD_IN, CLOCK_READ, EXCHANGE, GIVE_UP, GOOD, LOGIN_FAILED, LOOKUP, SWITCHDESK, UPDATE,
+                   EndToEndTest)
 
 REQUEST = "PBX clock request: "
 ACCEPTED = [f'"{REQUEST}L1"', f'"{REQUEST}R1"']
@@ -22,16 +22,6 @@ REFUSED_LOGIN = ["oPBX", "Login", "ShowMessage"]
 
 
 class GoodExchange(EndToEndTest):
-    def test_order_of_calls(self):
-        host = Host(self).open()
-        self.look_up()
-        self.assertEqual(host.calls(), GOOD)
-        self.assertEqual(host.told(), ALL_GOOD)
-        self.assertIn('Login("Main Office", <object>) -> "L1"', host.lines())
-        self.assertIn(f'ShowResults("{dialog_title()}", <object>) -> Nothing', host.lines())
-        self.assertIn('LogOut("Main Office", "L1") -> Nothing', host.lines())
-        self.assertEqual(host.lines()[-1], "# CallBack returned")
-
     def test_update_sets_the_clock_that_a_lookup_shows(self):
         host = Host(self, "--offset", "600").open()
         before = self.look_up()
