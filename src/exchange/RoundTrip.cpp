@@ -53,7 +53,7 @@ void RoundTrip::Enter(State state) {
     controls_.tmrEvent->Enabled = look.timerRuns;
 }
 
-// What comes next once nothing is under way: the answer ahead of the button.
+// Chooses the state when nothing is under way: an answer to show goes first, then a button that was pressed.
 void RoundTrip::Rest() {
     Enter(unshown_ ? State::Answered : PendingAction ? State::Armed : State::Idle);
 }
@@ -64,7 +64,7 @@ void RoundTrip::Stop() {
     Enter(State::Idle);
 }
 
-// The form takes no clicks in other states. One request is under way at a time, whoever calls this.
+// In the other states the form takes no clicks. Checked here too, since one request at a time is a promise.
 void RoundTrip::cmdButton_Click(std::int16_t index) {
     if (state_ != State::Idle && state_ != State::Armed && state_ != State::Answered) return;
     PendingAction = index;
@@ -87,7 +87,7 @@ void RoundTrip::RunPendingAction() {
     SubmitRequest(request);
 }
 
-// One box at a time, whatever a host sends: the last good answer that comes meanwhile is shown behind it.
+// One box at a time, whatever a host sends: the last good answer that arrives meanwhile is shown after it.
 void RoundTrip::Show() {
     const auto answer = std::exchange(unshown_, nullptr);
     Enter(State::Showing);
@@ -130,8 +130,8 @@ bool RoundTrip::SubmitRequest(std::shared_ptr<cListRequest>& request) {
     if (error.IsSet()) SendResult.clear();
     error.Clear();
     const bool isAccepted = IsAccepted(SendResult);
-    // Ahead of the word to the host, which may answer as soon as it has that. Where it answered even earlier,
-    // there is nothing to wait for.
+    // Before the host is told: it may answer from inside that call. If it has answered already, there is
+    // nothing to wait for.
     if (isAccepted && state_ == State::Sending) Wait(exchange);
     Skip(error, "ShowMessage of the request", [&] { ReportProgress(SendResult, patience); });
     if (isAccepted) return true;
@@ -144,8 +144,12 @@ bool RoundTrip::SubmitRequest(std::shared_ptr<cListRequest>& request) {
 bool RoundTrip::LogIn(const PatienceRef& patience) {
     try {
         Enter(State::LoggingIn);
+        patience->Late = [this, dialog = dialog_.weak_from_this()](const Value& key) {
+            if (const auto kept = dialog.lock()) EndLateLogin(key.ToText());
+        };
         LoginResult =
             Call(ExchangeObject(patience), "Login", ByRef(far_.PBXName), dialog_.shared_from_this()).ToText();
+        patience->Late = nullptr;
         return true;
     } catch (const RuntimeError& error) {
         TraceSkipped("Login", error);
@@ -166,8 +170,8 @@ void RoundTrip::ReportLoginFailure(const PatienceRef& patience) {
                           0});
 }
 
-// An answer that never comes must not hold the operator: after the pending limit a box offers to give up, and
-// a host that leaves ends the wait at once.
+// A missing answer must not hold the operator: after the pending limit a box offers to give up, and a host
+// that leaves ends the wait at once.
 void RoundTrip::Wait(const ObjectRef& exchange) {
     ownerWatch_ = exchange->WhenOwnerGone([this] {
         if (state_ == State::Waiting) Abandon();
@@ -182,8 +186,8 @@ void RoundTrip::Abandon() {
     PostLogOut(LoginResult);
 }
 
-// A LogOut that fails is passed over: the dialog must not stay disabled on its account. A host that was given
-// up is not waited for again.
+// A failed LogOut is ignored: it must not leave the dialog disabled. A host that was given up is not waited
+// for again.
 void RoundTrip::CloseLogin(Text loginId, const PatienceRef& patience) {
     if (patience->IsGivenUp()) {
         givenUp_.insert(loginId);
@@ -196,6 +200,13 @@ void RoundTrip::CloseLogin(Text loginId, const PatienceRef& patience) {
         Call(exchange, "LogOut", ByRef(far_.PBXName), ByRef(loginId));
     });
     if (!exchange && patience->IsGivenUp()) PostLogOut(loginId);
+}
+
+// A login that the host grants after the operator gave it up would keep the exchange busy.
+void RoundTrip::EndLateLogin(const Text& loginId) {
+    if (!IsAccepted(loginId)) return;
+    givenUp_.insert(loginId);
+    PostLogOut(loginId);
 }
 
 void RoundTrip::PostLogOut(const Text& loginId) {
@@ -245,8 +256,8 @@ RoundTrip::PatienceRef RoundTrip::StartReading() {
     return patience;
 }
 
-// Another answer may come while one is read, so each has a record of its own. Items apart, it begins as the
-// last one ended.
+// Another answer may arrive while one is read, so each gets its own record. All but the items starts as the
+// last answer left it.
 std::shared_ptr<cListRequest> RoundTrip::NextRecord() const {
     auto next = std::make_shared<cListRequest>();
     if (LastResponse) {
@@ -301,15 +312,15 @@ void RoundTrip::TellHost(const ObjectRef& oResponse, const PatienceRef& patience
     Skip(error, "ShowCode", [&] { Call(host, "ShowCode", Get(oResponse, "ErrCode")); });
 }
 
-// An answer that comes while a request is on its way belongs to another one, unless it bears its key. It is
-// shown when that has ended, or behind the box that is open.
+// While a request is being sent, an answer belongs to another one unless it has its login. It is shown once
+// that request has ended; an answer that arrives while a box is open, after that box.
 void RoundTrip::Finish(const Text& loginId) {
     const bool isOnItsWay =
         state_ == State::LoggingIn || (state_ == State::Sending && loginId != LoginResult);
     if (!isOnItsWay && state_ != State::Showing) Rest();
 }
 
-// Behind an answer that the request under way does not wait for.
+// After an answer that the request under way does not wait for.
 void RoundTrip::ResumeWaiting() {
     if (state_ != State::Reading) return;
     Enter(State::Waiting);

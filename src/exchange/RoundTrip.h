@@ -50,6 +50,7 @@ class RoundTrip {
     void Wait(const platform::ObjectRef& exchange);
     void Abandon();
     void CloseLogin(Text loginId, const PatienceRef& patience);
+    void EndLateLogin(const Text& loginId);
     void PostLogOut(const Text& loginId);
     platform::ObjectRef ExchangeObject(const PatienceRef& patience) const;
 

@@ -22,7 +22,7 @@ void ServerLife::Serve(std::string_view className, std::function<ObjectRef()> cr
     WatchIdleness();
 }
 
-// What was asked before the name was given back may come behind it.
+// A request that was sent before the name was given back may arrive after.
 ObjectRef ServerLife::Grant(const std::function<ObjectRef()>& create) {
     if (isRetired_) throw BusyError();
     ++granting_;

@@ -10,14 +10,14 @@ namespace horalink {
 
 class ServerLife {
   public:
-    // All must outlive the life. `end` ends the process, and is called where nobody has used it for a minute.
+    // All must outlive this object. `end` ends the process; called when nobody has used it for a minute.
     ServerLife(platform::Automation& automation, platform::Scheduler& scheduler, std::function<void()> end);
 
     // Serves a class from now on. Raises what ServeClass raises.
     void Serve(std::string_view className, std::function<platform::ObjectRef()> create);
 
-    // From now on whoever creates an object gets another process; objects that others hold go on. For a
-    // process that can't offer a working dialog any more, or is about to end.
+    // Stops granting objects: whoever creates one from now on gets another process. Existing objects keep
+    // working. For a process whose dialog was closed, or that is about to end.
     void Retire();
 
   private:

@@ -88,7 +88,7 @@ void cOLELayer::SetBackGround(std::int16_t index) {
     main_.Dialog().BackGround(index);
 }
 
-// Ahead of the answer to the release: whoever has it gets another process.
+// Runs before the release is answered, so that whoever has the answer reaches another process.
 void cOLELayer::LastClientLeaves() {
     isLast_ = main_.Dialog().DecrementCount() <= 0;
     if (isLast_) main_.Retire();

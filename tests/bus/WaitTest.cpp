@@ -110,7 +110,10 @@ TEST_F(WaitTest, AfterGivingUpALateAnswerIsDroppedAndItsReferencesGoBack) {
     boxes.decide = [this] { return boxes.opened.size() == 3; };
     auto given = Scripted({Named(u"here")});
     const std::weak_ptr<Object> argument = given;
-    EXPECT_EQ(ErrorOf([&] { Call(host, "Take", given); }), 462);
+    const auto patience = client->NewPatience();
+    Value lateResult;
+    patience->Late = [&](const Value& result) { lateResult = result; };
+    EXPECT_EQ(ErrorOf([&] { Call(client->Within(host, patience), "Take", given); }), 462);
     EXPECT_EQ(boxes.opened.size(), 3U) << "it comes again after going on";
     EXPECT_EQ(boxes.open, 0);
     given = nullptr;
@@ -120,6 +123,8 @@ TEST_F(WaitTest, AfterGivingUpALateAnswerIsDroppedAndItsReferencesGoBack) {
     const MessageRef call = stranger.calls[0];
     EXPECT_EQ(stranger.Invoke(ReferenceIn(call), "Name").error, "");
     stranger.ReturnResult(call, "(so)", stranger.Name(), "/Result");
+    EXPECT_TRUE(loop.ServeUntil([&] { return lateResult.IsObject(); }));
+    lateResult = Value();
     EXPECT_TRUE(loop.ServeUntil([&] { return stranger.CallsOf("Release") == 1; }));
     EXPECT_STREQ(sd_bus_message_get_path(stranger.calls.back().get()), "/Result");
     EXPECT_TRUE(argument.expired());

@@ -143,6 +143,9 @@ class Patient : public Object {
         const auto over = [](Patience* patience) { patience->CallEnded(); };
         const std::unique_ptr<Patience, decltype(over)> sent(patience_.get(), over);
         Value result = object_->Invoke(member, kind, arguments);
+        ErrorState dropped;
+        if (patience_->IsGivenUp() && patience_->Late)
+            Skip(dropped, "late", [&] { patience_->Late(result); });
         patience_->RequireOngoing();
         return result;
     }

@@ -48,9 +48,9 @@ class Automation {
     // Raises 429 where that fails for whatever reason.
     virtual ObjectRef CreateObject(TextView className) = 0;
 
-    // The operator's patience with a piece of work that is about to begin.
+    // For a piece of work that is about to begin.
     virtual std::shared_ptr<Patience> NewPatience() = 0;
-    // The same object, for calls that try this patience. One of this process is given back as it is.
+    // The same object, for calls that belong to this work. An object of this process is returned as it is.
     virtual ObjectRef Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) = 0;
 
     // Calls a member without waiting for it. `answered`, where given, gets the result; a failure is passed
@@ -62,7 +62,8 @@ class Automation {
     virtual void ServeClass(std::string_view className, std::function<ObjectRef()> create) = 0;
 
     // Gives the names of the served classes back, so that whoever asks for one from now on starts another
-    // process. What is sent later is heard later. A creation that is under way is refused as busy.
+    // process. The bus hears of it before anything that is sent later. A creation under way is refused as
+    // busy.
     virtual void StopServing() = 0;
 
     // For the moment before the end: stops serving, refuses as busy what was asked before and not taken yet,

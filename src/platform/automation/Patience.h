@@ -8,16 +8,16 @@
 
 namespace platform {
 
-// Watches the limits of its calls, which hold for each of them, or once for all of them, and asks whether to
-// go on when one is reached. Once the operator has given up, no further call of the work is made.
+// Watches the wait limits of its calls, for each call or once for all of them, and asks the operator when one
+// is reached. After giving up no further call of the work is made.
 class Patience : public std::enable_shared_from_this<Patience> {
   public:
     // `settings` is read when a limit starts or is reached. All three must outlive the patience.
     Patience(Scheduler& scheduler, WaitBoxes& boxes, const WaitSettings& settings)
         : scheduler_(scheduler), boxes_(boxes), settings_(settings) {}
 
-    // From now on one pending limit over all that goes on, calls or none, in place of one for each call.
-    // Starts it anew and closes the box that is open. `givenUp` runs once, when the operator gives up.
+    // From now on one pending limit covers everything, with or without a call, instead of one for each call.
+    // Restarts it and closes an open box. `givenUp` runs once, when the operator gives up.
     void SpanCalls(std::function<void()> givenUp = nullptr);
 
     // As if the operator had given up.
@@ -25,6 +25,9 @@ class Patience : public std::enable_shared_from_this<Patience> {
     bool IsGivenUp() const { return isGivenUp_; }
     // Raises 462 once the operator has given up.
     void RequireOngoing() const;
+
+    // Gets the result of a call that comes after the operator gave it up.
+    std::function<void(const Value&)> Late;
 
     // What becomes of a call.
     void CallSent();

@@ -134,10 +134,12 @@ Value RemoteObject::Invoke(std::string_view member, InvokeKind kind, Arguments& 
     const MessageRef call = InvokeMessage(*session, address_, member, kind, arguments, *sent);
     const auto given = arguments.size();
     const MessageRef answer = session->Calls().Call(
-        call, patience_, sent, [&bus = *session, &travelled = *sent, given](sd_bus_message* late) {
+        call, patience_, sent,
+        [&bus = *session, &travelled = *sent, given, patience = patience_](sd_bus_message* late) {
             // References that came with it go back as soon as nothing holds them here.
             Arguments dropped(given);
-            TakeAnswer(bus, late, travelled, dropped);
+            const Value result = TakeAnswer(bus, late, travelled, dropped);
+            if (patience && patience->Late) patience->Late(result);
         });
     return TakeAnswer(*session, answer.get(), *sent, arguments);
 }
