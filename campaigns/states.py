@@ -58,6 +58,8 @@ def play(scene, state, fault):
         scene.play_on(state)
     if expected == NOTHING and state == "login told" and not (fault.dies or scene.other or scene.was_asked()):
         scene.host.wait_for_call("SendRequest")  # comes all the same, and has to find the host not answering yet
+    if expected == NOTHING and state in INSIDE and scene.other:
+        scene.other.wait_for_call("LogOut")  # before the first host is back
     scene.take_boxes(expected)
     if scene.was_asked():
         scene.wait_for_pointer()
