@@ -17,14 +17,14 @@ import campaign
 
 sys.path.insert(0, str(Path(__file__).parent / "support"))
 from faults import ANSWER, FAILED, FAULTS, GONE, NOTHING, STATES, UNREADABLE, TooLate  # noqa: E402
-from scene import INSIDE, Scene, take_stage  # noqa: E402
+from scene import BUSY_BOX, INSIDE, WAIT_BOX, Scene, take_stage  # noqa: E402
 from side_by_side import work_off  # noqa: E402
 
 SHARED = 6  # cells that one process of the add-in goes through
 SAMPLE = 80
 WORKERS = 5  # most of the time they wait for limits of the add-in
 BY_NAME = {fault.name: fault for fault in FAULTS}
-SLOW = ("stops for long", "stays busy")  # these too
+SLOW = ("stops for long", "never wakes", "stays busy")  # these too
 ATTEMPTS = 5  # at a state that lasts for a tenth of a second
 FAULTS_PAGE = campaign.BUILD / "campaigns/states/faults.md"  # becomes that of the manuals by campaigns/run --record
 
@@ -56,15 +56,19 @@ def play(scene, state, fault):
         return GONE
     if not fault.dies:
         scene.play_on(state)
-    if expected == NOTHING and state == "login told" and not (fault.dies or scene.other):
+    if expected == NOTHING and state == "login told" and not (fault.dies or scene.other or scene.was_asked()):
         scene.host.wait_for_call("SendRequest")  # comes all the same, and has to find the host not answering yet
+    if expected == NOTHING and state in INSIDE and scene.other:
+        scene.other.wait_for_call("LogOut")  # before the first host is back
     scene.take_boxes(expected)
+    if scene.was_asked():
+        scene.wait_for_pointer()
     if fault.alone:
         scene.host.count("layer", "Release", 1)
         scene.wait_for(scene.is_gone, "the add-in to end")
     else:
         scene.look_over(state, fault.dies)
-    return expected
+    return scene.seen
 
 
 OUTCOMES = {
@@ -74,6 +78,8 @@ OUTCOMES = {
     tuple(FAILED): "A box tells that the login failed.",
     tuple(ANSWER + FAILED): "The answer is shown, beside the box that is open.",
     tuple(UNREADABLE): "A box tells that reading failed.",
+    (WAIT_BOX,): "The operator is asked once, and gives up.",
+    (BUSY_BOX,): "The operator is asked once, and gives up.",
 }
 
 
@@ -83,7 +89,8 @@ def words(state, fault, boxes):
     if boxes == NOTHING and state in ("idle", "hidden"):
         told = "Nothing is seen."
     else:
-        told = OUTCOMES[tuple(boxes)]
+        asked = len(boxes) > 1 and boxes[0] in (WAIT_BOX, BUSY_BOX)
+        told = " ".join(OUTCOMES[tuple(part)] for part in ([boxes[:1], boxes[1:]] if asked else [boxes]))
     return told + " Then the process ends." if fault.alone else told
 
 
@@ -151,11 +158,18 @@ What becomes of the add-in when its host misbehaves, in every state of a request
 add-in into each state with a host that does at each moment what it is told, does the harm, and sees all come as it
 should. Unless the process ends, the next lookup has then shown the answer to this very request in the right order of
 calls, the add-in has given back every reference to the host's objects and kept none of its own records, and its
-process has ended with a good status when its last client went. A fault stands with the states that it can meet: a call
-can only fail while it is under way.
+process has ended with a good status when its last client went. A fault is listed with the states in which it can
+occur: a call can only fail while it is under way.
 
-Each request here is a lookup that comes after a lookup. The box for an answer that can't be read is that of the last
-answer that was read: after an update it is an update's box, and as the first answer there is none.
+- Each request here is a lookup that comes after a lookup. An answer that can't be read shows the box of the last `Tag`
+  that was read: after an update it is an update's box, and as the first answer there is none.
+- Once the operator has given up, the dialog is enabled with the usual pointer, and each further call of that request
+  fails at once (462). `LogOut` is sent without waiting for its answer: a host that goes on gets `oPBX` and `LogOut`,
+  and no other call of that request.
+- The host is told of an answer under a login that was given up (`ShowResults`, `ShowMessage`, `ShowCode`). That answer
+  shows no box, ends no other wait, and isn't logged out again.
+- An answer that comes while an answer's box is open is shown behind it; of several it is the last that succeeded. One
+  that comes before the add-in waits for it is shown when the request ends, unless another answer comes first.
 
 ## The states
 

@@ -6,6 +6,7 @@ in the order in which they go, or to `gone` where the process has to end.
 from dataclasses import dataclass
 from typing import Callable
 
+import stage
 from scene import BUSY_BOX, CLOCK_READ, INSIDE, LOGIN_FAILED, READING_FAILED, WAIT_BOX, ScriptedHost, TooLate
 
 STATES = {
@@ -35,6 +36,8 @@ GOES_ON = {"idle": NOTHING, "hidden": NOTHING, "failed": FAILED} | dict.fromkeys
 CALL_FAILS = {"asking": FAILED, "logging in": FAILED, "login told": NOTHING, "sending": NOTHING,
               "acceptance told": ANSWER, "reading": UNREADABLE, "results told": ANSWER, "logging out": ANSWER}
 RESULT_IS_BAD = CALL_FAILS | {"login told": ANSWER}  # nobody looks at the result of ShowMessage
+GIVEN_UP = CALL_FAILS | dict.fromkeys(["acceptance told", "reading"], NOTHING)
+STANDS_STILL = GIVEN_UP | dict.fromkeys(["waiting", "asked"], NOTHING)
 
 
 @dataclass(frozen=True)
@@ -44,7 +47,7 @@ class Fault:
     meets: dict
     act: Callable
     alone: bool = False     # without another client that would keep the process
-    dies: bool = False
+    dies: bool = False      # or never does anything again
 
 
 def held(state):
@@ -79,10 +82,21 @@ def stop_briefly(scene, state):
 
 
 def stop_until_given_up(scene, state):
+    scene.host.skip()
     scene.host.stop()
     scene.take_boxes([WAIT_BOX])
-    scene.answered = state in ("waiting", "asked")
     scene.host.go_on()
+    has_login = state not in ("asking", "logging out")
+    if has_login:
+        scene.host.wait_for_call("LogOut")
+    scene.assertEqual(scene.host.calls(), ["oPBX", "LogOut"] if has_login else [])
+
+
+def stop_for_ever(scene, state):
+    scene.host.stop()
+    if state == "idle":
+        stage.driver.raise_window(stage.dialog_title())
+        stage.driver.press("F1")
 
 
 # --- one call goes wrong ------------------------------------------------------------------------------------
@@ -93,30 +107,44 @@ def answering(**reply):
     return act
 
 
+BEFORE_WAITING = ("asking", "logging in", "login told", "sending")  # then one limit holds for all that comes
+
+
 def stay_busy(scene, state):
     scene.host.tell("script", member=held(state), kind="busy", always=True)
     scene.host.tell("answer", member=held(state), kind="busy")
-    scene.take_boxes([BUSY_BOX])
+    scene.take_boxes([BUSY_BOX if state in BEFORE_WAITING else WAIT_BOX])
     scene.host.tell("unscript")
 
 
 # --- answers at the wrong time ------------------------------------------------------------------------------
 
-def answer_now(login=None, times=1):
-    def act(scene, state):
-        tokens = [scene.host.token() for _ in range(times)]
-        for token in tokens:
-            scene.host.tell("callback", token=token, login=login)
-        scene.tokens = tokens
-        scene.answered = True
-        if state in INSIDE and state != "acceptance told":  # served while a call is out, and shown so too
-            scene.host.answer_to(tokens[0])
-            scene.take_boxes(ANSWER)
-        if state == "armed":  # in time it takes the place of the press
-            scene.host.answer_to(tokens[0])
-            if scene.host.has(call="Login"):
-                raise TooLate
-    return act
+def answer_now(scene, state):
+    if state == "answered":
+        return answer_while_the_box_opens(scene)
+    if state == "sending":
+        scene.host.tell("answering", value=False)
+    answer(scene)
+    if state in INSIDE or state == "armed":
+        scene.host.answer_to(scene.tokens[0])
+    if state == "armed" and scene.host.has(call="Login"):
+        raise TooLate
+    if state in ("reading", "results told", "logging out"):
+        scene.box_text(CLOCK_READ)
+    return None
+
+
+def answer_while_the_box_opens(scene):
+    """The box of the first answer opens while the second is read."""
+    scene.host.tell("hold", member="Count")
+    answer(scene)
+    scene.box_text(CLOCK_READ)
+    scene.host.tell("answer", member="Count", kind="good")
+
+
+def answer(scene, login=None):
+    scene.tokens, scene.answered = [scene.host.token()], True
+    scene.host.tell("callback", token=scene.tokens[0], login=login)
 
 
 def request_answered_at_once(scene, state):
@@ -126,12 +154,13 @@ def request_answered_at_once(scene, state):
 
 
 def answer_after_giving_up(scene, state):
-    if state == "waiting":
-        scene.box_text(WAIT_BOX, 60)
     scene.take_boxes([WAIT_BOX])
-    scene.wait_until_enabled()
-    scene.host.ask("callback")
-    scene.answered = True
+    login = scene.host.wait_for_call("LogOut")["arguments"][1]
+    scene.enter("waiting")
+    scene.host.skip()
+    scene.host.ask("callback", login=login)
+    scene.assertEqual(scene.host.calls(), ["ShowResults", "ShowMessage", "ShowCode"])
+    scene.assertNotEqual(scene.pointer(), scene.usual_pointer)
 
 
 # --- references ---------------------------------------------------------------------------------------------
@@ -231,8 +260,11 @@ FAULTS = [
           dict.fromkeys(STATES, GONE), die, alone=True, dies=True),
     Fault("stops briefly", "The host's process stands still, and goes on.", GOES_ON, stop_briefly),
     Fault("stops for long", "The host's process stands still until the operator gives up waiting, and then goes on; "
-          "what it was asked it answers then.",
-          CALL_FAILS | {"waiting": NOTHING, "asked": NOTHING}, stop_until_given_up),
+          "what it was asked it answers then.", STANDS_STILL, stop_until_given_up),
+    Fault("never wakes", "The host's process stands still for ever, and another host then opens the add-in. Where the "
+          "dialog is idle the operator asks for the help.",
+          GOES_ON | {"idle": [WAIT_BOX], "armed": [WAIT_BOX, *FAILED]} |
+          {state: [WAIT_BOX, *boxes] for state, boxes in STANDS_STILL.items()}, stop_for_ever, dies=True),
     Fault("refuses with BUSY", "The call gives \u201cBUSY\u201d.", {"logging in": NOTHING, "sending": NOTHING},
           answering(kind="text", text="BUSY")),
     Fault("refuses with ERROR", "The call gives \u201cERROR\u201d.", {"logging in": NOTHING, "sending": NOTHING},
@@ -241,7 +273,7 @@ FAULTS = [
           answering(kind="text")),
     Fault("is busy once", f"{ONE_CALL} is refused as busy the first time.",
           {state: ANSWER for state in INSIDE}, answering(kind="busy")),
-    Fault("stays busy", f"{ONE_CALL} is refused as busy each time, until the operator gives up.", CALL_FAILS,
+    Fault("stays busy", f"{ONE_CALL} is refused as busy each time, until the operator gives up.", GIVEN_UP,
           stay_busy),
     Fault("raises", f"{ONE_CALL} fails with a run-time error.", CALL_FAILS, answering(kind="raise", number=1004)),
     Fault("lacks the member", f"{ONE_CALL} is answered as if there were no such member.", CALL_FAILS,
@@ -262,13 +294,13 @@ FAULTS = [
           "`SendRequest`.", {"idle": ANSWER},
           request_answered_at_once),
     Fault("answers now", "The host calls `CallBack` with a good answer, and otherwise goes on.",
-          GOES_ON | {"idle": ANSWER, "hidden": ANSWER, "showing": ANSWER * 2, "failed": [CLOCK_READ, LOGIN_FAILED]},
-          answer_now()),
-    Fault("answers twice", "The host calls `CallBack` twice in a row.", {"waiting": ANSWER, "asked": ANSWER},
-          answer_now(times=2)),
+          GOES_ON | {"idle": ANSWER, "hidden": ANSWER, "failed": [CLOCK_READ, LOGIN_FAILED]} |
+          dict.fromkeys(["armed", "reading", "results told", "logging out", "answered", "showing"], ANSWER * 2),
+          answer_now),
     Fault("answers for another login", "The host calls `CallBack` with a `LoginID` that it never gave.",
-          {"waiting": ANSWER, "asked": ANSWER}, answer_now(login="L0")),
-    Fault("answers after giving up", "The host calls `CallBack` when the operator has given up waiting.",
+          {"waiting": ANSWER}, lambda scene, state: answer(scene, login="L0")),
+    Fault("answers after giving up", "The operator gives up waiting and presses again. The host then calls `CallBack` "
+          "under the login that was given up, and later under that of the new request.",
           {"asked": ANSWER}, answer_after_giving_up),
     Fault("releases too often", "The host gives back its reference to the add-in, and twice more, and references to "
           "the record that it never had.", GOES_ON, release_too_often),
@@ -279,8 +311,7 @@ FAULTS = [
     Fault("calls every member", "The host calls every member of all objects of the add-in, with good and bad "
           "arguments.", GOES_ON, call_every_member),
     Fault("answers with nonsense", "The host calls `CallBack` with nothing, a text, and objects that aren't there.",
-          GOES_ON | dict.fromkeys(["results told", "logging out", "answered"], UNREADABLE),
-          deliver_no_answers),
+          GOES_ON, deliver_no_answers),
     Fault("is replaced", "Another host registers itself with the same dialog, and refuses requests under logins "
           "that it never gave.",
           GOES_ON | dict.fromkeys(["asking", "logging in", "login told"], NOTHING), take_over),

@@ -13,13 +13,12 @@ from contract import ANY, DIALOG, DONE
 from driver import LIMIT
 from peers import BUSY, FACTORY, OBJECT, Client, Host
 from stage import ADD_IN_CLASS
+from toolkit import without_harmless
 from wire import CALL
 
 INTROSPECTABLE, PROPERTIES = "org.freedesktop.DBus.Introspectable", "org.freedesktop.DBus.Properties"
 BUS = "org.freedesktop.DBus"
 ANSWER_LIMIT = 60  # seconds; a box that only the operator can close is in it
-# What the toolkit says of a window that is hidden and shown again before the display has told that it is hidden.
-OVERTAKEN = "setNetWmStateOnUnmappedWindow() called on mapped window"
 IDLE = 1.0  # seconds without an answer after which the operator looks whether a box is in the way
 
 
@@ -294,9 +293,8 @@ class Life:
                 peer.leave()
         self.arrangement.end(self.process)
         self.errors.close()
-        said = [line for line in self.log.read_text(encoding="utf-8").splitlines() if OVERTAKEN not in line]
-        if said:
-            self.report.fault(f"life {self.seed}: the process said: {' '.join(said)[:300]}")
+        if said := without_harmless(self.log.read_text(encoding="utf-8")):
+            self.report.fault(f"life {self.seed}: the process said: {said[:300]}")
 
 
 def _same(values, others):

@@ -10,6 +10,7 @@ from pathlib import Path
 
 from gi.repository import GLib
 
+import pointer
 import stage
 from client import Client
 from driver import Role
@@ -151,13 +152,13 @@ INSIDE = {"asking": ("oPBX", 1), "logging in": ("Login", 1), "login told": ("Sho
 class Scene(stage.EndToEndTest):
     """One add-in process with its host, and beside them a client that keeps the process unless it is `alone`."""
 
-    host = keeper = None
+    host = keeper = usual_pointer = None
     frozen = False
 
     def begin_cell(self):
         """What a fault tells of itself: it has answered the request, with which calls; it has brought another host;
-        it has let go of the layer."""
-        self.answered, self.tokens, self.other, self.layer_is_gone = False, [], None, False
+        it has let go of the layer. `seen` has the titles of the boxes that were closed."""
+        self.answered, self.tokens, self.other, self.layer_is_gone, self.seen = False, [], None, False, []
 
     def runTest(self):
         """Only the tools of a test case are wanted."""
@@ -169,6 +170,7 @@ class Scene(stage.EndToEndTest):
         self.keeper = None if alone else Client(self).created()
         self.host = ScriptedHost(self).open()
         self.exchange_once()
+        self.usual_pointer = self.pointer()
 
     def close_curtain(self):
         """All clients go: the process has to follow, and with a good status."""
@@ -264,6 +266,7 @@ class Scene(stage.EndToEndTest):
             except TimeoutError as error:
                 raise AssertionError(f"{error}, of {expected}; there are {self.boxes()}") from error
             self.close_one(title)
+            self.seen.append(title)
 
     def close_one(self, title):
         """Presses the button of the uppermost box with this title. Behind it the next may come, with another text."""
@@ -309,7 +312,19 @@ class Scene(stage.EndToEndTest):
             self.tokens.append(self.host.token())
             self.host.tell("callback", token=self.tokens[-1])
 
+    def was_asked(self):
+        return bool({WAIT_BOX, BUSY_BOX} & set(self.seen))
+
+    def wait_for_pointer(self):
+        """Another wait for the host would take longer."""
+        self.wait_for(lambda: self.pointer() == self.usual_pointer, "the pointer to come back", WAIT_LIMIT / 2)
+
+    def pointer(self):
+        stage.driver.aim(stage.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON))
+        return pointer.picture()
+
     def look_over(self, state, host_died):
+        former = self.host
         if self.other:
             self.other.kill()
             self.host.register()
@@ -325,6 +340,8 @@ class Scene(stage.EndToEndTest):
             raise AssertionError(f"the add-in has ended with status {self.process.returncode}")
         self.assertEqual(self.boxes(), [])
         self.exchange_once()
+        if host_died:
+            former.kill()
         self.assert_no_reference_left()
 
     def assert_no_reference_left(self):

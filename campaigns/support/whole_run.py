@@ -15,6 +15,7 @@ from gi.repository import Atspi, GLib
 
 import scripted_host
 from stage import GIVE_UP
+from toolkit import without_harmless
 
 ADD_IN, EXCHANGE = "horalink", "Main Office"
 LOOKUP, DIALOG, CLOCK_READ = "Read the clock of the PBX", "PBX Clock (", "PBX Clock"
@@ -132,7 +133,7 @@ class WholeRun:
         finally:
             if self.process.poll() is None:
                 self.process.kill()
-            errors = self.process.communicate()[1].decode(errors="replace")
+            errors = without_harmless(self.process.communicate()[1].decode(errors="replace"))
             self.arrangement.processes.remove(self.process)
             self.host.leave()
         return Seen(self.steps, self.boxes, self.names, self.process.returncode, errors, hang or self.illness(),
