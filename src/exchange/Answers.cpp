@@ -73,7 +73,7 @@ Date DateOf(const ClockParts& parts) {
         throw Unreadable("an item with the year, or with month and day, is missing");
     return Converted(parts.monthDay + u"/" + parts.year,
                      Named("SecondData", parts.yearItem, parts.year) + " and " +
-                         Named("SecondData", parts.dayItem, parts.monthDay) + " are no date");
+                         Named("SecondData", parts.dayItem, parts.monthDay) + " aren't a date");
 }
 
 ClockParts PartsOfAnswer(const cListRequest& answer) {

@@ -114,6 +114,7 @@ bool RoundTrip::SubmitRequest(std::shared_ptr<cListRequest>& request) {
     ErrorState error;
     Skip(error, "ShowMessage of the login", [&] { ReportProgress(LoginResult, patience); });
     if (!IsAccepted(LoginResult)) {
+        Trace("Login refused: \"" + ToUtf8(LoginResult) + "\"");
         Rest();
         return false;
     }
@@ -135,6 +136,7 @@ bool RoundTrip::SubmitRequest(std::shared_ptr<cListRequest>& request) {
     if (isAccepted && state_ == State::Sending) Wait(exchange);
     Skip(error, "ShowMessage of the request", [&] { ReportProgress(SendResult, patience); });
     if (isAccepted) return true;
+    Trace("SendRequest refused: \"" + ToUtf8(SendResult) + "\"");
     CloseLogin(LoginResult, patience);
     if (state_ == State::Sending) Rest();
     request = nullptr;
@@ -181,6 +183,7 @@ void RoundTrip::Wait(const ObjectRef& exchange) {
 }
 
 void RoundTrip::Abandon() {
+    Trace("the wait for the answer was given up");
     givenUp_.insert(LoginResult);
     Rest();
     PostLogOut(LoginResult);

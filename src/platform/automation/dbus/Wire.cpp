@@ -76,7 +76,7 @@ Value ReadBasicValue(sd_bus_message* message, char type) {
         case 't':
             return LongOf(ReadBasic<std::uint64_t>(message, 't'));
         default:
-            throw RuntimeError(ErrorNumber::TypeMismatch, "type of a value that is none of this system");
+            throw RuntimeError(ErrorNumber::TypeMismatch, "a value of a type that isn't supported");
     }
 }
 
@@ -85,7 +85,7 @@ Value ReadContent(sd_bus_message* message, std::string_view signature, const Obj
     if (signature == "(y)") return ReadMark(message);
     if (signature == "(d)") return ReadDate(message);
     if (signature == "(so)") return objectAt(ReadAddress(message));
-    throw RuntimeError(ErrorNumber::TypeMismatch, "type of a value that is none of this system");
+    throw RuntimeError(ErrorNumber::TypeMismatch, "a value of a type that isn't supported");
 }
 
 const char* SignatureOfContent(const Value& value) {
