@@ -28,7 +28,7 @@ OTHERS = [
      "test_clients and test_round_trip do it"),
     (r"horalink-lng import|horalink-lng check new|cp --remove", "wants an older installation; lng.ImportTest does it"),
 ]
-AS_IS = (r"horalink-(lng|setup) |cp data/|PATH=|cmake -S examples|busctl |examples/host.py &|exit$|"
+AS_IS = (r"horalink-(lng|setup) |cp data/|PATH=|cmake -S examples|busctl |examples/host.py &|xdotool search|exit$|"
          r"\./run bus (bash$|switchdesk --help)")
 COMPILING = 300  # seconds, on a busy machine
 # What a shell that nobody types into does in place of what stands there.

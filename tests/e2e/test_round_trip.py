@@ -85,7 +85,7 @@ class Failures(EndToEndTest):
         self.assertEqual([line.partition(", ")[0] for line in traced], [
             "horalink: GetComData skipped: error 462",
             "horalink: ShowCode skipped: error 438",
-            f'horalink: item 0: SecondData "MMXXVI" and item 1: SecondData "{date.today():%m/%d}" aren't a date: reading failed'])
+            'horalink: item 0: SecondData "MMXXVI" and item 1: SecondData "' + f'{date.today():%m/%d}" aren\'t a date: reading failed'])
 
     def test_login_that_was_not_given_back_keeps_the_exchange_busy(self):
         host = Host(self, "--raise=LogOut").open()
