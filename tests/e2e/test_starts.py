@@ -1,5 +1,6 @@
 """Starts: what a good one leaves behind, and what a failed one shows and tells who asked for it."""
 import sqlite3
+import subprocess
 import unittest
 
 from end_to_end import Host, change_database, database_file
@@ -9,7 +10,7 @@ from end_to_end import run
 import stage
 from client import FACTORY, NAME, Client
 from driver import Role
-from stage import ADD_IN, EXCHANGE, NOTICE, SWITCHDESK, EndToEndTest, dialog_title, pids
+from stage import ADD_IN, EXCHANGE, LIMIT, NOTICE, SWITCHDESK, EndToEndTest, dialog_title, pids
 
 # What is done to an installation, and what the notice says: something that names it, and the number.
 DAMAGES = [
@@ -75,19 +76,32 @@ class FailedStarts(EndToEndTest):
         self.wait_until_gone()
 
 
+NO_BUS = "DBUS_SESSION_BUS_ADDRESS", "unix:path=/none"
+
+
 class WithoutSurroundings(EndToEndTest):
     def environment(self, **changes):
         environment = {**stage.arrangement.environment, **changes}
         return {name: value for name, value in environment.items() if value is not None}
 
     def test_one_line_and_a_status(self):
-        for name, value, why in (("DISPLAY", None, "no display"), ("DISPLAY", ":4711", ":4711"),
-                                 ("DBUS_SESSION_BUS_ADDRESS", "unix:path=/none", "server")):
-            for argument in (EXCHANGE, "-Embedding"):
+        for name, value, why, arguments in (("DISPLAY", None, "no display", (EXCHANGE, "-Embedding")),
+                                            ("DISPLAY", ":4711", ":4711", (EXCHANGE, "-Embedding")),
+                                            (*NO_BUS, "server", ("-Embedding",))):
+            for argument in arguments:
                 with self.case(f"{name}={value} {argument}"):
                     done = run([stage.arrangement.add_in, argument], environment=self.environment(**{name: value}))
                     self.assertGreater(done.returncode, 0)
                     self.assertRegex(done.stderr, rf"^\S*horalink: [^\n]*{why}[^\n]*\n$")
+
+    def test_a_dialog_without_a_bus_opens_and_closes(self):
+        process = self.start([stage.arrangement.add_in, EXCHANGE], environment=self.environment(**dict([NO_BUS])),
+                             stderr=subprocess.PIPE, text=True)
+        stage.driver.raise_window("PBX Clock")
+        stage.driver.press("alt+F4")
+        _, errors = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, 0)
+        self.assertRegex(errors, r"^horalink: can't reach the session bus: [^\n]+\n$")
 
     def test_creation_fails_at_once_where_the_bus_has_no_display(self):
         address = stage.arrangement.start_bus("bus-alone", self.environment(DISPLAY=None))
