@@ -56,12 +56,12 @@ def play(scene, state, fault):
         return GONE
     if not fault.dies:
         scene.play_on(state)
-    if expected == NOTHING and state == "login told" and not (fault.dies or scene.other or scene.was_asked()):
-        scene.host.wait_for_call("SendRequest")  # comes all the same, and has to find the host not answering yet
+    if expected == NOTHING and state == "reporting the login" and scene.host_goes_on(fault.dies):
+        scene.host.wait_for_call("SendRequest")  # sent all the same; the host must not answer it yet
     if expected == NOTHING and state in INSIDE and scene.other:
         scene.other.wait_for_call("LogOut")  # before the first host is back
     scene.take_boxes(expected)
-    if scene.was_asked():
+    if scene.operator_was_asked():
         scene.wait_for_pointer()
     if fault.alone:
         scene.host.count("layer", "Release", 1)
@@ -74,7 +74,7 @@ def play(scene, state, fault):
 OUTCOMES = {
     (): "The request ends without a box.",
     tuple(ANSWER): "The answer is shown.",
-    tuple(ANSWER * 2): "Both answers are shown, one behind the other.",
+    tuple(ANSWER * 2): "Both answers are shown, one after the other.",
     tuple(FAILED): "A box tells that the login failed.",
     tuple(ANSWER + FAILED): "The answer is shown, beside the box that is open.",
     tuple(UNREADABLE): "A box tells that reading failed.",
@@ -87,11 +87,12 @@ def words(state, fault, boxes):
     if boxes == GONE:
         return "The process ends."
     if boxes == NOTHING and state in ("idle", "hidden"):
-        told = "Nothing is seen."
+        outcome = "Nothing is seen."
+    elif len(boxes) > 1 and boxes[0] in (WAIT_BOX, BUSY_BOX):
+        outcome = f"{OUTCOMES[tuple(boxes[:1])]} {OUTCOMES[tuple(boxes[1:])]}"
     else:
-        asked = len(boxes) > 1 and boxes[0] in (WAIT_BOX, BUSY_BOX)
-        told = " ".join(OUTCOMES[tuple(part)] for part in ([boxes[:1], boxes[1:]] if asked else [boxes]))
-    return told + " Then the process ends." if fault.alone else told
+        outcome = OUTCOMES[tuple(boxes)]
+    return outcome + " Then the process ends." if fault.alone else outcome
 
 
 def play_in_time(scene, state, fault):
@@ -166,10 +167,10 @@ occur: a call can only fail while it is under way.
 - Once the operator has given up, the dialog is enabled with the usual pointer, and each further call of that request
   fails at once (462). `LogOut` is sent without waiting for its answer: a host that goes on gets `oPBX` and `LogOut`,
   and no other call of that request.
-- The host is told of an answer under a login that was given up (`ShowResults`, `ShowMessage`, `ShowCode`). That answer
-  shows no box, ends no other wait, and isn't logged out again.
-- An answer that comes while an answer's box is open is shown behind it; of several it is the last that succeeded. One
-  that comes before the add-in waits for it is shown when the request ends, unless another answer comes first.
+- An answer under a login that was given up is still reported to the host (`ShowResults`, `ShowMessage`, `ShowCode`). It
+  opens no box, ends no other wait, and isn't logged out again.
+- If answers arrive while an answer's box is open, the last successful one is shown after that box. An answer that
+  arrives before the add-in waits for it is shown when the request ends, unless another one arrives first.
 
 ## The states
 

@@ -15,13 +15,13 @@ STATES = {
     "armed": "A button was pressed; its work begins within a tenth of a second.",
     "asking": "The add-in reads `oPBX` of the host object.",
     "logging in": "It is inside `Login`.",
-    "login told": "It is inside the `ShowMessage` behind `Login`.",
+    "reporting the login": "It is inside the `ShowMessage` behind `Login`.",
     "sending": "It is inside `SendRequest`.",
-    "acceptance told": "It is inside the `ShowMessage` behind `SendRequest`.",
+    "reporting acceptance": "It is inside the `ShowMessage` behind `SendRequest`.",
     "waiting": "The host has the request; the dialog is disabled.",
     "asked": "As waiting; a box asks the operator whether to go on waiting.",
     "reading": "Inside `CallBack`, it reads `Count` of the answer.",
-    "results told": "Inside `CallBack`, it is inside `ShowResults`.",
+    "reporting results": "Inside `CallBack`, it is inside `ShowResults`.",
     "logging out": "Inside `CallBack`, it is inside `LogOut`.",
     "answered": "`CallBack` is done; the answer is shown within a tenth of a second.",
     "showing": "The box with the answer is open.",
@@ -33,11 +33,11 @@ NOTHING, ANSWER, FAILED, UNREADABLE = [], [CLOCK_READ], [LOGIN_FAILED], [READING
 # What becomes of an exchange when the host plays on, and when the call it is inside of fails.
 GOES_ON = {"idle": NOTHING, "hidden": NOTHING, "failed": FAILED} | dict.fromkeys(
     ["armed", *INSIDE, "waiting", "asked", "answered", "showing"], ANSWER)
-CALL_FAILS = {"asking": FAILED, "logging in": FAILED, "login told": NOTHING, "sending": NOTHING,
-              "acceptance told": ANSWER, "reading": UNREADABLE, "results told": ANSWER, "logging out": ANSWER}
-RESULT_IS_BAD = CALL_FAILS | {"login told": ANSWER}  # nobody looks at the result of ShowMessage
-GIVEN_UP = CALL_FAILS | dict.fromkeys(["acceptance told", "reading"], NOTHING)
-STANDS_STILL = GIVEN_UP | dict.fromkeys(["waiting", "asked"], NOTHING)
+CALL_FAILS = {"asking": FAILED, "logging in": FAILED, "reporting the login": NOTHING, "sending": NOTHING,
+              "reporting acceptance": ANSWER, "reading": UNREADABLE, "reporting results": ANSWER, "logging out": ANSWER}
+RESULT_IS_BAD = CALL_FAILS | {"reporting the login": ANSWER}  # nobody looks at the result of ShowMessage
+OPERATOR_GIVES_UP = CALL_FAILS | dict.fromkeys(["reporting acceptance", "reading"], NOTHING)
+STANDS_STILL = OPERATOR_GIVES_UP | dict.fromkeys(["waiting", "asked"], NOTHING)
 
 
 @dataclass(frozen=True)
@@ -107,7 +107,8 @@ def answering(**reply):
     return act
 
 
-BEFORE_WAITING = ("asking", "logging in", "login told", "sending")  # then one limit holds for all that comes
+# Each call has its own limits here; later one limit covers them all.
+BEFORE_WAITING = ("asking", "logging in", "reporting the login", "sending")
 
 
 def stay_busy(scene, state):
@@ -129,7 +130,7 @@ def answer_now(scene, state):
         scene.host.answer_to(scene.tokens[0])
     if state == "armed" and scene.host.has(call="Login"):
         raise TooLate
-    if state in ("reading", "results told", "logging out"):
+    if state in ("reading", "reporting results", "logging out"):
         scene.box_text(CLOCK_READ)
     return None
 
@@ -254,7 +255,7 @@ FAULTS = [
     Fault("goes on", "No fault, for comparison.", GOES_ON, lambda scene, state: None),
     Fault("dies", "The host's process is killed while another client holds the add-in; a new host then opens it.",
           GOES_ON | dict.fromkeys(["armed", "asking", "logging in"], FAILED) |
-          dict.fromkeys(["login told", "sending", "acceptance told", "waiting", "asked", "reading"], NOTHING), die,
+          dict.fromkeys(["reporting the login", "sending", "reporting acceptance", "waiting", "asked", "reading"], NOTHING), die,
           dies=True),
     Fault("dies alone", "The host's process is killed, and nobody else holds the add-in.",
           dict.fromkeys(STATES, GONE), die, alone=True, dies=True),
@@ -273,7 +274,7 @@ FAULTS = [
           answering(kind="text")),
     Fault("is busy once", f"{ONE_CALL} is refused as busy the first time.",
           {state: ANSWER for state in INSIDE}, answering(kind="busy")),
-    Fault("stays busy", f"{ONE_CALL} is refused as busy each time, until the operator gives up.", GIVEN_UP,
+    Fault("stays busy", f"{ONE_CALL} is refused as busy each time, until the operator gives up.", OPERATOR_GIVES_UP,
           stay_busy),
     Fault("raises", f"{ONE_CALL} fails with a run-time error.", CALL_FAILS, answering(kind="raise", number=1004)),
     Fault("lacks the member", f"{ONE_CALL} is answered as if there were no such member.", CALL_FAILS,
@@ -295,7 +296,7 @@ FAULTS = [
           request_answered_at_once),
     Fault("answers now", "The host calls `CallBack` with a good answer, and otherwise goes on.",
           GOES_ON | {"idle": ANSWER, "hidden": ANSWER, "failed": [CLOCK_READ, LOGIN_FAILED]} |
-          dict.fromkeys(["armed", "reading", "results told", "logging out", "answered", "showing"], ANSWER * 2),
+          dict.fromkeys(["armed", "reading", "reporting results", "logging out", "answered", "showing"], ANSWER * 2),
           answer_now),
     Fault("answers for another login", "The host calls `CallBack` with a `LoginID` that it never gave.",
           {"waiting": ANSWER}, lambda scene, state: answer(scene, login="L0")),
@@ -314,5 +315,5 @@ FAULTS = [
           GOES_ON, deliver_no_answers),
     Fault("is replaced", "Another host registers itself with the same dialog, and refuses requests under logins "
           "that it never gave.",
-          GOES_ON | dict.fromkeys(["asking", "logging in", "login told"], NOTHING), take_over),
+          GOES_ON | dict.fromkeys(["asking", "logging in", "reporting the login"], NOTHING), take_over),
 ]

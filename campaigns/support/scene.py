@@ -144,9 +144,9 @@ class ScriptedHost:
 
 
 # The call inside which the add-in is in a state, and how often it has to be called for that.
-INSIDE = {"asking": ("oPBX", 1), "logging in": ("Login", 1), "login told": ("ShowMessage", 1),
-          "sending": ("SendRequest", 1), "acceptance told": ("ShowMessage", 2), "reading": ("Count", 1),
-          "results told": ("ShowResults", 1), "logging out": ("LogOut", 1)}
+INSIDE = {"asking": ("oPBX", 1), "logging in": ("Login", 1), "reporting the login": ("ShowMessage", 1),
+          "sending": ("SendRequest", 1), "reporting acceptance": ("ShowMessage", 2), "reading": ("Count", 1),
+          "reporting results": ("ShowResults", 1), "logging out": ("LogOut", 1)}
 
 
 class Scene(stage.EndToEndTest):
@@ -308,12 +308,16 @@ class Scene(stage.EndToEndTest):
         """The host does what it would have done: answers what it holds, and a request that waits."""
         if state in INSIDE:
             self.host.tell("answer_if_held", member=INSIDE[state][0])
-        if state in ("acceptance told", "waiting", "asked") and not self.answered:
+        if state in ("reporting acceptance", "waiting", "asked") and not self.answered:
             self.tokens.append(self.host.token())
             self.host.tell("callback", token=self.tokens[-1])
 
-    def was_asked(self):
+    def operator_was_asked(self):
         return bool({WAIT_BOX, BUSY_BOX} & set(self.seen))
+
+    def host_goes_on(self, host_died):
+        """The host that got the request is still the one that serves it."""
+        return not (host_died or self.other or self.operator_was_asked())
 
     def wait_for_pointer(self):
         """Another wait for the host would take longer."""

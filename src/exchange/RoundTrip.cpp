@@ -178,6 +178,10 @@ void RoundTrip::Wait(const ObjectRef& exchange) {
     ownerWatch_ = exchange->WhenOwnerGone([this] {
         if (state_ == State::Waiting) Abandon();
     });
+    EnterWaiting();
+}
+
+void RoundTrip::EnterWaiting() {
     Enter(State::Waiting);
     patience_->SpanCalls([this] { Abandon(); });
 }
@@ -326,9 +330,7 @@ void RoundTrip::Finish(const Text& loginId) {
 // After an answer that the request under way does not wait for.
 void RoundTrip::ResumeWaiting() {
     if (state_ != State::Reading) return;
-    Enter(State::Waiting);
-    if (patience_->IsGivenUp()) return Abandon();
-    patience_->SpanCalls([this] { Abandon(); });
+    patience_->IsGivenUp() ? Abandon() : EnterWaiting();
 }
 
 }  // namespace horalink

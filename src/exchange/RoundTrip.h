@@ -48,6 +48,7 @@ class RoundTrip {
     void ReportLoginFailure(const PatienceRef& patience);
     void ReportProgress(const Text& result, const PatienceRef& patience);
     void Wait(const platform::ObjectRef& exchange);
+    void EnterWaiting();
     void Abandon();
     void CloseLogin(Text loginId, const PatienceRef& patience);
     void EndLateLogin(const Text& loginId);

@@ -1,5 +1,7 @@
 #include "shell/ServerLife.h"
 
+#include "platform/runtime/ScopeExit.h"
+
 namespace horalink {
 
 using namespace platform;
@@ -27,11 +29,10 @@ ObjectRef ServerLife::Grant(const std::function<ObjectRef()>& create) {
     if (isRetired_) throw BusyError();
     ++granting_;
     WatchIdleness();
-    const auto over = [this](int* granting) {
-        --*granting;
+    const ScopeExit over([this] {
+        --granting_;
         WatchIdleness();
-    };
-    const std::unique_ptr<int, decltype(over)> grant(&granting_, over);
+    });
     return create();
 }
 

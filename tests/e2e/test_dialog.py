@@ -13,7 +13,6 @@ from stage import ADD_IN, LOOKUP, SWITCHDESK, EndToEndTest, dialog_title
 SECTIONS = ["Hour", "Minute", "Second", "AM or PM"]
 SPIN = "Change the selected part of the time"
 FOLLOW_TIME, FOLLOW_DATE = "Follow the time of this PC", "Follow the date of this PC"
-HELP_PAGE = "Help \u2013 The clock of a PBX"
 CALENDAR, TIME, TRACK, TRACK_DATE = "Calendar", "Time", "Follow the time", "Follow the date"
 # Where a control is clicked that others cover in the middle, and a box on its text; in parts of width and height.
 MIDDLE, EDGE, TOP, TEXT = (0.5, 0.5), (0.015, 0.5), (0.5, 0.1), (5, 0.5)
@@ -114,16 +113,6 @@ class Setting(DialogTest):
 
 
 class Help(DialogTest):
-    def test_f1_shows_the_opening_page_at_the_host(self):
-        stage.driver.press("F1")
-        self.host.wait_for_line('DisplayHelp("Horalink.hlp") -> Nothing')
-        page = stage.driver.window(SWITCHDESK, HELP_PAGE)
-        self.assertTrue(any(node.get_name().startswith("This window reads the clock") for node in stage.driver.nodes(page)))
-        stage.driver.raise_window(HELP_PAGE)
-        stage.driver.press("Escape")
-        self.wait_for(lambda: HELP_PAGE not in stage.driver.titles(SWITCHDESK), "the page to go")
-        self.assert_usable()
-
     def wait_for_popup(self, title):
         self.wait_for(lambda: stage.driver.popup(ADD_IN) == title, f"the pop-up '{title}'")
 

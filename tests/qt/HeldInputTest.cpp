@@ -20,22 +20,6 @@ class HeldInputTest : public FormTest {
     }
 };
 
-TEST_F(HeldInputTest, ComesInOrderAfterTheLastHoldAndBeforeWhatIsNew) {
-    HandleRef first = Hold(), second = Hold();
-    Click("chkTrack");
-    Key(Qt::Key_F1);
-    Click("cmdButton");
-    Settle();
-    first.reset();
-    Settle();
-    EXPECT_EQ(log, "");
-    EXPECT_EQ(track.Value(), 0);
-    second.reset();
-    EXPECT_EQ(log, "") << "delivered from inside the drop";
-    Click("chkTrack");
-    ExpectInTheEnd("check key click check ");
-}
-
 TEST_F(HeldInputTest, DisabledFormLosesWhatItIsGivenDuringACall) {
     const auto alive = Window();
     HandleRef hold = Hold();

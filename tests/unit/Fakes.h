@@ -9,6 +9,7 @@
 #include "exchange/dlgAddin.h"
 #include "platform/automation/Patience.h"
 #include "platform/desktop/MessageBoxButtons.h"
+#include "platform/runtime/ScopeExit.h"
 #include "shell/AddInMain.h"
 
 namespace fakes {
@@ -140,8 +141,7 @@ class Patient : public Object {
     Value Invoke(std::string_view member, InvokeKind kind, Arguments& arguments) override {
         patience_->RequireOngoing();
         patience_->CallSent();
-        const auto over = [](Patience* patience) { patience->CallEnded(); };
-        const std::unique_ptr<Patience, decltype(over)> sent(patience_.get(), over);
+        const ScopeExit over([this] { patience_->CallEnded(); });
         Value result = object_->Invoke(member, kind, arguments);
         ErrorState dropped;
         if (patience_->IsGivenUp() && patience_->Late)

@@ -10,4 +10,8 @@ inline constexpr char errorName[] = "org.velmora.Automation1.Error";
 inline constexpr char busyErrorName[] = "org.velmora.Automation1.Error.Busy";
 inline constexpr char annotationPrefix[] = "org.velmora.Automation1.";
 
+// The bus itself.
+inline constexpr char daemonName[] = "org.freedesktop.DBus";  // also its interface
+inline constexpr char daemonPath[] = "/org/freedesktop/DBus";
+
 }  // namespace platform::bus

@@ -5,15 +5,11 @@
 
 namespace platform {
 
-namespace {
-
 using std::chrono::steady_clock;
 
 Milliseconds LimitOf(std::int32_t milliseconds) {
     return Milliseconds(std::max(milliseconds, 0));
 }
-
-}  // namespace
 
 void Patience::SpanCalls(std::function<void()> givenUp) {
     spansCalls_ = true;

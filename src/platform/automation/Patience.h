@@ -8,6 +8,9 @@
 
 namespace platform {
 
+// A wait limit as the settings have it; one below zero counts as zero.
+Milliseconds LimitOf(std::int32_t milliseconds);
+
 // Watches the wait limits of its calls, for each call or once for all of them, and asks the operator when one
 // is reached. After giving up no further call of the work is made.
 class Patience : public std::enable_shared_from_this<Patience> {

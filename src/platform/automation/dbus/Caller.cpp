@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "platform/automation/dbus/BusErrors.h"
+#include "platform/runtime/ScopeExit.h"
 
 namespace platform {
 
@@ -123,7 +124,7 @@ class Caller::Posted : public Outgoing {
         if (answer && !IsError(answer)) Give(answered_, answer.get());
     }
     bool IsTriedAgain() override {
-        return steady_clock::now() - sent_ < Milliseconds(std::max(caller_.settings_.busyTimeout, 0));
+        return steady_clock::now() - sent_ < LimitOf(caller_.settings_.busyTimeout);
     }
 
     Caller::Answered answered_;
@@ -142,9 +143,8 @@ MessageRef Caller::Call(const MessageRef& call, std::shared_ptr<Patience> patien
         std::make_shared<Awaited>(*this, call, patience, std::move(kept), std::move(tooLate));
     awaited->Send();
     // Also where what is served meanwhile throws, and this routine ends with it.
-    const auto stop = [](Awaited* over) { over->Stop(); };
     {
-        const std::unique_ptr<Awaited, decltype(stop)> stopped(awaited.get(), stop);
+        const ScopeExit stop([&] { awaited->Stop(); });
         connection_.WaitUntil([&] { return awaited->IsOver(); });
     }
     return awaited->Answer();

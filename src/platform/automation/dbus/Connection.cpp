@@ -11,6 +11,7 @@
 #include "platform/automation/Automation.h"
 #include "platform/automation/Names.h"
 #include "platform/automation/dbus/BusErrors.h"
+#include "platform/runtime/ScopeExit.h"
 
 namespace platform {
 
@@ -212,8 +213,7 @@ void Connection::WaitUntil(const std::function<bool()>& done) {
     const HandleRef hold = loop_.HoldInput();
     Wait wait{done, innermost_, nullptr};
     innermost_ = &wait;
-    const auto leave = [this, &wait](void*) { innermost_ = wait.outer; };
-    const std::unique_ptr<void, decltype(leave)> restore(&wait, leave);
+    const ScopeExit restore([&] { innermost_ = wait.outer; });
     Pump();
     while (!done()) {
         loop_.ServeOnce();

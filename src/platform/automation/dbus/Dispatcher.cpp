@@ -6,6 +6,7 @@
 #include "platform/automation/Names.h"
 #include "platform/automation/dbus/Nodes.h"
 #include "platform/automation/dbus/TypedInterface.h"
+#include "platform/runtime/ScopeExit.h"
 
 namespace platform {
 
@@ -41,17 +42,6 @@ void InvokeLateBound(IncomingCall& call, Object& object) {
 
 // Far more than hosts with an exchange each need, far less than the stack has room for.
 constexpr int deepest = 32;
-
-class Nesting {
-  public:
-    explicit Nesting(int& depth) : depth_(depth) { ++depth_; }
-    ~Nesting() { --depth_; }
-    Nesting(const Nesting&) = delete;
-    Nesting& operator=(const Nesting&) = delete;
-
-  private:
-    int& depth_;
-};
 
 // These lead nowhere else, and whoever gives back a reference does so once.
 bool IsCount(const IncomingCall& call) {
@@ -93,7 +83,8 @@ void Dispatcher::AddClass(std::string_view className, std::function<ObjectRef()>
 
 void Dispatcher::Serve(const MessageRef& message) {
     {
-        const Nesting nesting(depth_);
+        ++depth_;
+        const ScopeExit leave([this] { --depth_; });
         IncomingCall call(session_.shared_from_this(), message);
         call.Serve([this](IncomingCall& served) { Route(served); });
     }
@@ -131,8 +122,7 @@ void Dispatcher::CreateInstance(IncomingCall& call) {
     // Allocated first: once created, the object counts as in use.
     call.Answer();
     creations_.push_back(&call);
-    const auto leave = [this](IncomingCall* over) { std::erase(creations_, over); };
-    const std::unique_ptr<IncomingCall, decltype(leave)> listed(&call, leave);
+    const ScopeExit unlist([&] { std::erase(creations_, &call); });
     const ObjectRef object = CreatorFor(call.Destination())();
     if (!object) throw RuntimeError(ErrorNumber::CannotCreateObject, call.Destination());
     call.ReturnCreated(object);

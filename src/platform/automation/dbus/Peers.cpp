@@ -2,14 +2,12 @@
 
 #include <utility>
 
+#include "platform/automation/Names.h"
 #include "platform/runtime/Guard.h"
 
 namespace platform {
 
 namespace {
-
-constexpr char busName[] = "org.freedesktop.DBus";
-constexpr char busPath[] = "/org/freedesktop/DBus";
 
 std::string RuleFor(const std::string& name) {
     return "type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
@@ -60,7 +58,8 @@ std::shared_ptr<Peers::Peer> Peers::PeerOf(const std::string& name) {
 void Peers::Subscribe(const std::string& name, const std::shared_ptr<Peer>& peer) {
     peer->match = connection_.AddMatch(RuleFor(name), OnNameChange, this);
     // Whoever left before the match was installed isn't told of by it.
-    const MessageRef question = connection_.NewCall(busName, busPath, busName, "NameHasOwner");
+    const MessageRef question =
+        connection_.NewCall(bus::daemonName, bus::daemonPath, bus::daemonName, "NameHasOwner");
     sd_bus_message_append_basic(question.get(), 's', name.c_str());
     connection_.SendCall(question.get(), [this, name](const MessageRef& answer) {
         if (answer && SaysNobody(answer.get())) Left(name);
@@ -70,7 +69,7 @@ void Peers::Subscribe(const std::string& name, const std::shared_ptr<Peer>& peer
 // A peer can send such a signal straight to this process, past the sender that the rule asks for.
 int Peers::OnNameChange(sd_bus_message* message, void* context, sd_bus_error*) noexcept {
     const char* sender = sd_bus_message_get_sender(message);
-    if (!sender || std::string_view(sender) != busName) return 1;
+    if (!sender || std::string_view(sender) != bus::daemonName) return 1;
     auto* self = static_cast<Peers*>(context);
     const char *name = nullptr, *before = nullptr, *after = nullptr;
     if (sd_bus_message_read(message, "sss", &name, &before, &after) > 0 && *after == '\0')

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/automation/Names.h"
 #include "platform/automation/dbus/Handles.h"
 #include "platform/runtime/RuntimeError.h"
 
@@ -13,9 +14,6 @@ namespace {
 void RequireAnswer(int result) {
     if (result < 0) throw RuntimeError(ErrorNumber::ServerGone, std::strerror(-result));
 }
-
-constexpr char busName[] = "org.freedesktop.DBus";
-constexpr char busPath[] = "/org/freedesktop/DBus";
 
 BusRef Connected() {
     sd_bus* bus = nullptr;
@@ -33,8 +31,8 @@ class SessionBusNames : public BusNames {
     MessageRef Ask(const char* method) {
         if (!bus_) bus_ = Connected();
         sd_bus_message* answer = nullptr;
-        RequireAnswer(
-            sd_bus_call_method(bus_.get(), busName, busPath, busName, method, nullptr, &answer, ""));
+        RequireAnswer(sd_bus_call_method(bus_.get(), bus::daemonName, bus::daemonPath, bus::daemonName,
+                                         method, nullptr, &answer, ""));
         return Adopted(answer);
     }
 
@@ -61,8 +59,9 @@ std::unique_ptr<BusNames> MakeSessionBusNames() {
 
 void SetForStartedPrograms(const char* variable, const char* value) {
     const BusRef bus = Connected();
-    RequireAnswer(sd_bus_call_method(bus.get(), busName, busPath, busName, "UpdateActivationEnvironment",
-                                     nullptr, nullptr, "a{ss}", 1, variable, value));
+    RequireAnswer(sd_bus_call_method(bus.get(), bus::daemonName, bus::daemonPath, bus::daemonName,
+                                     "UpdateActivationEnvironment", nullptr, nullptr, "a{ss}", 1, variable,
+                                     value));
 }
 
 }  // namespace platform
