@@ -85,8 +85,8 @@ std::string HelpText() {
   --store FILE            keeps the add-ins' named values there instead of the user's data directory
   --log FILE              writes every call that the host sees into a file, one line each
   --verbose               writes them to the standard output too
-  --trace                 has the add-in, once the bus starts it, say on standard error what it passes over in
-                          silence; the bus has that in its log
+  --trace                 makes the add-in report ignored failures on its standard error, which goes to the log
+                          of the bus that starts it
   --service               serves the exchange object without a window, and ends when nobody holds one
   --help                  this text
 
