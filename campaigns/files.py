@@ -12,6 +12,7 @@ import os
 import random
 import re
 import shutil
+import sqlite3
 import subprocess
 import sys
 from collections import Counter, defaultdict
@@ -139,6 +140,21 @@ def can_mount():
                                                capture_output=True).returncode == 0
 
 
+def names_a_control(name, byte):
+    """Whether a byte belongs to a text by which the driver finds a button, which then has another name."""
+    file = campaign.BUILD / f"data/en/{name}"
+    if name != OURS:
+        return False
+    content = file.read_bytes()
+    database = sqlite3.connect(file)
+    names = [text.encode() for (text,) in database.execute("SELECT ToolTipText FROM tControls") if text and text != "-1"]
+    database.close()
+    around = content[max(0, byte - 200):byte + 200]
+    at = min(byte, 200)
+    return any(start <= at < start + len(each) for each in names
+               for start in (found.start() for found in re.finditer(re.escape(each), around)))
+
+
 def all_cases(chance, report):
     for name, size in sizes().items():
         for page in range(size // PAGE):
@@ -146,7 +162,9 @@ def all_cases(chance, report):
             yield f"cut/{name}/{page * PAGE}"
             yield f"cut/{name}/{page * PAGE + PAGE // 2}"
             for _ in range(BITS):
-                yield f"bit/{name}/{page * PAGE * 8 + chance.randrange(PAGE * 8)}"
+                place = page * PAGE * 8 + chance.randrange(PAGE * 8)
+                if not names_a_control(name, place // 8):
+                    yield f"bit/{name}/{place}"
         yield from (f"swapped/{name}/{how}/{step}" for how in SWAPS for step in STEPS)
         yield from (f"denied/{name}/{how}" for how in DENIALS)
         if can_mount():
