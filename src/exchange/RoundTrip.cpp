@@ -59,6 +59,7 @@ void RoundTrip::Rest() {
 }
 
 void RoundTrip::Stop() {
+    isStopped_ = true;
     PendingAction.reset();
     unshown_ = nullptr;
     Enter(State::Idle);
@@ -146,11 +147,11 @@ bool RoundTrip::SubmitRequest(std::shared_ptr<cListRequest>& request) {
 bool RoundTrip::LogIn(const PatienceRef& patience) {
     try {
         Enter(State::LoggingIn);
+        const ObjectRef exchange = ExchangeObject(patience);
         patience->Late = [this, dialog = dialog_.weak_from_this()](const Value& key) {
             if (const auto kept = dialog.lock()) EndLateLogin(key.ToText());
         };
-        LoginResult =
-            Call(ExchangeObject(patience), "Login", ByRef(far_.PBXName), dialog_.shared_from_this()).ToText();
+        LoginResult = Call(exchange, "Login", ByRef(far_.PBXName), dialog_.shared_from_this()).ToText();
         patience->Late = nullptr;
         return true;
     } catch (const RuntimeError& error) {
@@ -247,7 +248,7 @@ void RoundTrip::CallBack(ObjectRef& oResponse) {
         if (wasWaiting) ResumeWaiting();
     } else {
         CloseLogin(loginId, patience);
-        if (isGood) unshown_ = answer;
+        if (isGood && !isStopped_) unshown_ = answer;
         Finish(loginId);
     }
     oResponse = nullptr;

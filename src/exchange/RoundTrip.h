@@ -71,6 +71,7 @@ class RoundTrip {
     FarSide& far_;
 
     State state_ = State::Idle;
+    bool isStopped_ = false;
     std::optional<std::int16_t> PendingAction;  // the button that was pressed last and not acted on yet
     Text LoginResult, SendResult;
     std::shared_ptr<cListRequest> LastResponse;

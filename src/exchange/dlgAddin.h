@@ -39,6 +39,8 @@ class dlgAddin : public platform::Object {
     void CallBack(platform::ObjectRef& oResponse) { roundTrip_.CallBack(oResponse); }
     // Puts on the pictures of a background set; a failure is shown to the operator.
     void BackGround(std::int16_t index);
+    // From now on no request begins and no answer is shown.
+    void StopRequests() { roundTrip_.Stop(); }
     // Switches the host's flow on or off.
     void TurnFlow(bool value);
 

@@ -100,6 +100,8 @@ void cOLELayer::LastClientGone() {
 
 void cOLELayer::Class_Terminate() {
     dlgAddin& dialog = main_.Dialog();
+    // A button that was pressed just now must not log in while the host stores the place.
+    dialog.StopRequests();
     dialog.FrmPositionSave();
     // The host is leaving: without it the unload that follows calls nobody back.
     dialog.PutParent(nullptr);

@@ -11,8 +11,9 @@ std::function<bool()> FormInput::WhileAlive(std::function<bool()> isRefused) con
     };
 }
 
-Verdict FormInput::Press(Stroke stroke, CarryOut carryOut) {
-    return Continue(strokes_[stroke] = std::make_shared<bool>(false), std::move(carryOut));
+Verdict FormInput::Press(Stroke stroke, CarryOut carryOut, const Control* target) {
+    return Continue(strokes_[stroke] = std::make_shared<bool>(target && !target->Enabled),
+                    std::move(carryOut));
 }
 
 Verdict FormInput::Repeat(Stroke stroke, CarryOut carryOut) {

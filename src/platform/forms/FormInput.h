@@ -17,9 +17,11 @@ class FormInput {
     using CarryOut = std::function<void()>;
 
     FormInput(Form& form, InputGate& gate, std::function<bool()> isCovered);
+    Form& Owner() const { return form_; }
 
-    // Input that the caller carries out where it is accepted; `carryOut` is for what waits.
-    Verdict Press(Stroke stroke, CarryOut carryOut);
+    // Input that the caller carries out where it is accepted; `carryOut` is for what waits. A press on a
+    // control is judged by the control as well.
+    Verdict Press(Stroke stroke, CarryOut carryOut, const Control* target = nullptr);
     // A key that is held. Once one of its repeats is refused, so is the rest.
     Verdict Repeat(Stroke stroke, CarryOut carryOut);
     // Shares the fate of its press, so that a click is taken or refused as a whole.

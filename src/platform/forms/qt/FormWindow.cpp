@@ -226,7 +226,7 @@ Verdict FormWindow::VerdictOn(const QEvent& event) {
     const auto later = [this, make = MakerOf(event)] { Deliver(*make()); };
     switch (kind) {
         case InputKind::Press:
-            return input_->Press(StrokeOf(event), later);
+            return input_->Press(StrokeOf(event), later, TargetOf(event));
         case InputKind::Repeat:
             return input_->Repeat(StrokeOf(event), later);
         case InputKind::Release:
@@ -234,6 +234,13 @@ Verdict FormWindow::VerdictOn(const QEvent& event) {
         default:
             return input_->Admit(later);
     }
+}
+
+// The control under the mouse.
+const Control* FormWindow::TargetOf(const QEvent& press) const {
+    const auto* mouse = dynamic_cast<const QMouseEvent*>(&press);
+    ControlView* view = mouse ? ViewOf(ControlWidgetOf(childAt(mouse->position().toPoint()))) : nullptr;
+    return view ? view->Model() : nullptr;
 }
 
 // Leaving events that wait in Qt's queue (QEventLoop::ExcludeUserInputEvents) would not do: a loop that waits

@@ -49,6 +49,7 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
     bool IsCovered() const;
     bool Withholds(QEvent& event);
     Verdict VerdictOn(const QEvent& event);
+    const Control* TargetOf(const QEvent& press) const;
     void Deliver(QEvent& event);
     void KeyPressed(const QKeyEvent& event);
     void AskForMenu();
