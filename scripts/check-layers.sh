@@ -12,7 +12,7 @@ report "The add-in's folders include a library" \
   "$(grep -rnE '#include +[<"](Q[A-Z]|Qt|sqlite3|systemd/|dbus/)' $own || true)"
 # shellcheck disable=SC2086
 report "The add-in's folders reach behind the platform's interfaces" \
-  "$(grep -rnE '#include +"platform/[a-z]+/(qt|dbus|sqlite)/' $own || true)"
+  "$(grep -rnE '#include +"platform/([a-z]+/(qt|dbus|sqlite)|headless)/' $own || true)"
 report "The platform reaches up into the add-in" \
   "$(grep -rnE '#include +"(shell|exchange|clock|request|language|locator|pictures)/' src/platform || true)"
 report "The companion host reaches into the add-in" \

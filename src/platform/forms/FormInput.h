@@ -17,6 +17,7 @@ class FormInput {
     using CarryOut = std::function<void()>;
 
     FormInput(Form& form, InputGate& gate, std::function<bool()> isCovered);
+    Form& Owner() const { return form_; }
 
     // Input that the caller carries out where it is accepted; `carryOut` is for what waits.
     Verdict Press(Stroke stroke, CarryOut carryOut);

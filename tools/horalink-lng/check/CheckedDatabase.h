@@ -44,14 +44,14 @@ class CheckedDatabase {
     void ReportFailure(const Notice& notice) const;
     // Runs a routine of the add-in, and reports the notice that it shows.
     template <class Routine>
-    void Run(NotedBoxes& boxes, Routine routine) {
+    void Run(platform::headless::Boxes& boxes, Routine routine) {
         routine();
         if (const auto notice = NoticeIn(boxes.Take())) ReportFailure(*notice);
     }
     // Runs a routine once for each row of its query, with this row alone, so that one fault hides no other.
     // `after` gets the key of each row and what was read of it. Returns the number of rows.
     template <class Routine, class After>
-    std::size_t RunForEachRow(NotedBoxes& boxes, Routine routine, After after) {
+    std::size_t RunForEachRow(platform::headless::Boxes& boxes, Routine routine, After after) {
         std::size_t row = 0;
         for (;; ++row) {
             watched_->ShowOnly(row);

@@ -4,58 +4,12 @@
 #include <utility>
 
 #include "language/FatalNotice.h"
-#include "platform/automation/NoAutomation.h"
 
 namespace lng {
 
 namespace {
 
 using namespace platform;
-
-// Timers that never fire.
-class NoScheduler : public Scheduler {
-  public:
-    HandleRef After(Milliseconds, std::function<void()>) override { return nullptr; }
-    HandleRef Every(Milliseconds, std::function<void()>) override { return nullptr; }
-};
-
-class NoSettings : public Settings {
-  public:
-    Text Get(TextView, TextView, TextView, TextView fallback) const override { return Text(fallback); }
-};
-
-class NoLocale : public LocaleTexts {
-  public:
-    Text LongDate(Date) const override { return {}; }
-    Text LongTime(Date) const override { return {}; }
-    Text DayName(int) const override { return {}; }
-    Text ShortDayName(int) const override { return {}; }
-};
-
-class NoWaits : public WaitBoxes {
-  public:
-    std::unique_ptr<WaitBox> Open(TextView, TextView, std::function<void(bool)>) override { return nullptr; }
-};
-
-class NoScreen : public Screen {
-  public:
-    MousePointer Pointer() const override { return MousePointer::Default; }
-    void SetPointer(MousePointer) override {}
-    float Width() const override { return 0; }
-    float Height() const override { return 0; }
-};
-
-class AnyPictures : public PictureFiles {
-  public:
-    Text Dir(TextView path) const override { return Text(path); }
-    forms::PictureRef LoadPicture(TextView) const override { return std::make_shared<forms::Picture>(""); }
-};
-
-// No form is ever shown.
-class NoToolkit : public forms::Toolkit {
-  public:
-    std::unique_ptr<forms::View> MakeView(forms::Form&) override { return nullptr; }
-};
 
 // The long form has the number in its first line and the description in its second; the short form has the
 // description first.
@@ -73,15 +27,6 @@ Notice NoticeOf(const std::string& prompt) {
 
 }  // namespace
 
-std::int16_t NotedBoxes::Show(const MessageBox& box) {
-    shown_.push_back(box);
-    return 0;
-}
-
-std::vector<MessageBox> NotedBoxes::Take() {
-    return std::exchange(shown_, {});
-}
-
 std::optional<Notice> NoticeIn(const std::vector<MessageBox>& boxes) {
     for (const MessageBox& box : boxes) {
         if (!box.title || *box.title != horalink::noticeTitle) continue;
@@ -90,41 +35,12 @@ std::optional<Notice> NoticeIn(const std::vector<MessageBox>& boxes) {
     return std::nullopt;
 }
 
-struct Desk::Parts {
-    explicit Parts(DatabaseEngine& engine)
-        : services{app,       clock, locale, settings, engine,   automation,
-                   scheduler, boxes, screen, toolkit,  pictures, [] {}} {
-        app.path = u"ADDINS";
-    }
-
-    Application app;
-    SystemClock clock;
-    NoLocale locale;
-    NoSettings settings;
-    NoScheduler scheduler;
-    NotedBoxes boxes;
-    NoWaits waits;
-    NoAutomation automation{scheduler, waits, app.waits};
-    NoScreen screen;
-    NoToolkit toolkit;
-    AnyPictures pictures;
-    horalink::Services services;
-};
-
-Desk::Desk(DatabaseEngine& engine) : parts_(std::make_unique<Parts>(engine)) {}
-
-Desk::~Desk() = default;
-
-const horalink::Services& Desk::Services() const {
-    return parts_->services;
-}
-
-Application& Desk::App() {
-    return parts_->app;
-}
-
-NotedBoxes& Desk::Boxes() {
-    return parts_->boxes;
+Desk::Desk(DatabaseEngine& engine)
+    : services_{headless_.app,    headless_.clock,      headless_.locale,   headless_.settings,
+                engine,           headless_.automation, headless_.timers,   headless_.boxes,
+                headless_.screen, headless_.toolkit,    headless_.pictures, [] {}} {
+    headless_.app.path = u"ADDINS";
+    headless_.pictures.hasAll = true;
 }
 
 }  // namespace lng

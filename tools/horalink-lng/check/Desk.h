@@ -1,25 +1,13 @@
-// A desktop that the add-in's routines can run on without a screen: boxes are written down, every picture is
-// there, and nothing else happens.
+// The add-in's routines without a screen: boxes are kept, every picture is there, and nothing else happens.
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <vector>
 
+#include "platform/headless/Headless.h"
 #include "shell/ModuleData.h"
 
 namespace lng {
-
-// Notes each box in place of showing it.
-class NotedBoxes : public platform::MessageBoxes {
-  public:
-    std::int16_t Show(const platform::MessageBox& box) override;
-    // The boxes since the last call.
-    std::vector<platform::MessageBox> Take();
-
-  private:
-    std::vector<platform::MessageBox> shown_;
-};
 
 // The number and the description that the add-in's notice of a failure shows.
 struct Notice {
@@ -33,15 +21,14 @@ class Desk {
   public:
     // `engine` opens what the add-in asks for.
     explicit Desk(platform::DatabaseEngine& engine);
-    ~Desk();
 
-    const horalink::Services& Services() const;
-    platform::Application& App();
-    NotedBoxes& Boxes();
+    const horalink::Services& Services() const { return services_; }
+    platform::Application& App() { return headless_.app; }
+    platform::headless::Boxes& Boxes() { return headless_.boxes; }
 
   private:
-    struct Parts;
-    std::unique_ptr<Parts> parts_;
+    platform::headless::Headless headless_;
+    horalink::Services services_;
 };
 
 }  // namespace lng

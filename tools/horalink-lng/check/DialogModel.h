@@ -15,7 +15,7 @@ class DialogModel {
 
     platform::forms::Form& Window() { return dialog_->Window(); }
     std::string Name() { return platform::ToUtf8(Window().Name()); }
-    NotedBoxes& Boxes() { return desk_.Boxes(); }
+    platform::headless::Boxes& Boxes() { return desk_.Boxes(); }
     const horalink::Services& Services() const { return desk_.Services(); }
 
   private:

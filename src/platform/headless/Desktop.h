@@ -1,0 +1,78 @@
+// A desktop without a screen: what would be shown is kept for whoever looks at it.
+#pragma once
+
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "platform/automation/Automation.h"
+#include "platform/desktop/Desktop.h"
+#include "platform/desktop/PictureFiles.h"
+#include "platform/runtime/Format.h"
+
+namespace platform::headless {
+
+struct Boxes : MessageBoxes {
+    std::int16_t Show(const MessageBox& box) override;
+    bool IsOpen() const { return open > 0; }
+    // The boxes since the last call.
+    std::vector<MessageBox> Take() { return std::exchange(shown, {}); }
+    std::string LastPrompt() const { return shown.empty() ? "" : ToUtf8(shown.back().prompt); }
+
+    std::vector<MessageBox> shown;
+    int open = 0;
+    std::function<void()> whileOpen;  // runs inside each box
+    std::int16_t answer = 1;
+};
+
+// Boxes of a wait, which stay open until they are answered.
+class WaitBoxes : public platform::WaitBoxes {
+  public:
+    std::unique_ptr<WaitBox> Open(TextView title, TextView text, std::function<void(bool)> answered) override;
+    // True while one is open that has not been answered.
+    bool IsOpen() const { return open_ > 0; }
+    // Closes the newest box with this answer.
+    void Answer(bool giveUp);
+
+    struct Opened {
+        Text title, text;
+        std::function<void(bool)> answered;
+    };
+    std::vector<Opened> opened;
+
+  private:
+    class Box;
+    int open_ = 0;
+};
+
+struct Screen : platform::Screen {
+    MousePointer Pointer() const override { return pointer; }
+    void SetPointer(MousePointer shape) override { pointer = shape; }
+    float Width() const override { return 15000; }
+    float Height() const override { return 12000; }
+
+    MousePointer pointer = MousePointer::Default;
+};
+
+struct Settings : platform::Settings {
+    Text Get(TextView application, TextView section, TextView key, TextView fallback) const override;
+
+    std::map<Text, Text> values;  // by application/section/key
+};
+
+struct Locale : LocaleTexts {
+    Text LongDate(Date date) const override { return u"long " + GeneralDateText(date); }
+    Text LongTime(Date time) const override { return u"long " + GeneralDateText(time); }
+    Text DayName(int weekday) const override { return u"day " + DecimalText(weekday); }
+    Text ShortDayName(int weekday) const override { return u"d" + DecimalText(weekday); }
+};
+
+struct PictureFiles : platform::PictureFiles {
+    Text Dir(TextView path) const override;
+    forms::PictureRef LoadPicture(TextView path) const override;
+
+    std::map<Text, std::string> files;  // content by path; an empty one is no picture
+    bool hasAll = false;                // any other path is a picture as well
+};
+
+}  // namespace platform::headless
