@@ -53,7 +53,7 @@ class SqliteEngine : public DatabaseEngine {
     DatabaseRef OpenDatabase(TextView path, bool readOnly) override {
         const fs::path file = RealPath(path, spellings_);
         RequireDatabaseFile(file);
-        return std::make_shared<SqliteDatabase>(file, readOnly);
+        return OpenSqliteDatabase(file, readOnly);
     }
 
   private:
@@ -61,6 +61,10 @@ class SqliteEngine : public DatabaseEngine {
 };
 
 }  // namespace
+
+DatabaseRef OpenSqliteDatabase(const fs::path& file, bool readOnly) {
+    return std::make_shared<SqliteDatabase>(file, readOnly);
+}
 
 std::unique_ptr<DatabaseEngine> MakeSqliteEngine(Spellings spellings) {
     return std::make_unique<SqliteEngine>(std::move(spellings));
