@@ -4,7 +4,6 @@
 #include <iterator>
 #include <regex>
 
-#include "FakeTime.h"
 #include "TemporaryDirectory.h"
 #include "host/ExchangeObject.h"
 #include "host/HostObject.h"
@@ -13,6 +12,7 @@
 #include "host/SimulatedExchange.h"
 #include "host/Store.h"
 #include "platform/automation/Introspection.h"
+#include "platform/headless/Timers.h"
 #include "platform/runtime/RuntimeError.h"
 
 namespace switchdesk {
@@ -46,7 +46,8 @@ struct SimulatedExchangeTest : testing::Test {
             {{u"02", u"0", values[0], u""}, {u"02", u"1", values[1], u""}, {u"02", u"2", values[2], u""}});
     }
     Texts Read() { return Values(Perform({u"", u"", u""}), &Item::second); }
-    fakes::FakeClock pc;
+    headless::Timers<Scheduler> timers;
+    headless::Clock pc{timers};
     SimulatedExchange exchange{pc, 7};
 };
 
@@ -87,7 +88,7 @@ TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {
     EXPECT_EQ(nowhere.Get(u"A", u"K"), std::nullopt);
 }
 
-struct NoLoop : fakes::FakeTime<EventLoop> {
+struct NoLoop : headless::Timers<EventLoop> {
     HandleRef WhenReadable(int, std::function<void()>) override { return {}; }
     HandleRef WhenWritable(int, std::function<void()>) override { return {}; }
     void Run() override {}

@@ -1,5 +1,6 @@
-#include "Fakes.h"
-#include "platform/forms/FormInput.h"
+#include <gtest/gtest.h>
+
+#include "platform/headless/Headless.h"
 
 using namespace platform;
 using namespace platform::forms;
@@ -27,15 +28,14 @@ struct InputGateTest : testing::Test {
         EXPECT_EQ(log, "");
         hold.reset();
         EXPECT_EQ(log, "") << "carried out from inside the drop";
-        scheduler.Pass(0);
+        computer.timers.Pass(0);
         EXPECT_EQ(log, expected);
     }
 
-    fakes::FakeTime<Scheduler> scheduler;
-    fakes::FakeToolkit toolkit;
-    Form form{u"form", scheduler, toolkit};
+    headless::Headless computer;
+    Form form{u"form", computer.timers, computer.toolkit};
     CheckBox& box = form.Add<CheckBox>(u"box");
-    InputGate gate{scheduler};
+    InputGate gate{computer.timers};
     bool isCovered = false;
     std::unique_ptr<FormInput> input = std::make_unique<FormInput>(form, gate, [this] { return isCovered; });
     HandleRef hold;
@@ -68,7 +68,7 @@ TEST_F(InputGateTest, WhatIsAcceptedWaitsForTheLastCallAndKeepsItsOrder) {
     EXPECT_EQ(Release(1, "release"), Verdict::Waits);
     input->Act(box, Note("act"));
     second.reset();
-    scheduler.Pass(0);
+    computer.timers.Pass(0);
     EXPECT_FALSE(input->TakesNow());
     hold.reset();
     input->Act(box, Note("new"));
@@ -128,7 +128,7 @@ TEST_F(InputGateTest, WhatAPieceStartsCountsForTheNext) {
     });
     input->Act(box, Note("next"));
     hold.reset();
-    scheduler.Pass(0);
+    computer.timers.Pass(0);
     EXPECT_EQ(log, "part ");
     log.clear();
     ExpectAfterTheHold("next later ");

@@ -5,7 +5,8 @@
 
 #include <regex>
 
-#include "Fakes.h"
+#include "Desk.h"
+#include "exchange/dlgAddin.h"
 #include "request/cListRequest.h"
 #include "shell/cOLELayer.h"
 
@@ -25,7 +26,7 @@ std::string Elements(const Object& object, const std::string& kinds) {
 }
 
 TEST(IntrospectionTest, TheLayerWithItsNumbers) {
-    fakes::Computer computer;
+    desk::Desk computer;
     AddInMain main(computer.services);
     EXPECT_EQ(Elements(cOLELayer(main), "method|property|arg|annotation"), R"(method RegisterPBX
 arg PBX s in

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "ErrorOf.h"
-#include "Fakes.h"
 #include "Table.h"
 #include "exchange/Answers.h"
 #include "exchange/ClockCommands.h"
+#include "platform/headless/Headless.h"
 #include "request/comTools.h"
 
 using namespace horalink;
@@ -71,10 +71,10 @@ TEST(UpdateAnswerTest, AnItemIsGoodOrALineInItsPlace) {
 TEST(LookupAnswerTest, TheMarketDecidesTheForm) {
     const auto answer = Answer({{u"0", u"2026", u""}, {u"1", u"11/18 (WED)", u""}, {u"2", u"13:02:03", u""}});
     for (const char16_t* market : {u"10001", u"2", u"9", u"", u"X", u"\u0663"})
-        EXPECT_EQ(ClockText(*answer, market, fakes::FakeLocale()), u"2026/11/18 (d4)\r\n13:02:03")
+        EXPECT_EQ(ClockText(*answer, market, headless::Locale()), u"2026/11/18 (d4)\r\n13:02:03")
             << ToUtf8(market);
     for (const char16_t* market : {u"3", u"80001"})
-        EXPECT_EQ(ClockText(*answer, market, fakes::FakeLocale()), u"long date(day 4)\r\nlong time");
+        EXPECT_EQ(ClockText(*answer, market, headless::Locale()), u"long 11/18/2026(day 4)\r\nlong 13:02:03");
 }
 
 TEST(LookupAnswerTest, MissingAndMalformedItems) {
@@ -91,14 +91,13 @@ TEST(LookupAnswerTest, MissingAndMalformedItems) {
         {{year, day, {u"2", u"01:02 and 03", u""}}, u"2026/11/18 (d4)\r\n01:02:03"}};
     for (const auto& [items, text] : cases)
         EXPECT_EQ(
-            Result([&, given = items] { return ClockText(*Answer(given), u"10001", fakes::FakeLocale()); }),
+            Result([&, given = items] { return ClockText(*Answer(given), u"10001", headless::Locale()); }),
             text);
 }
 
 TEST(CommandTest, TheUpdateCarriesDateAndTimeInTwentyFourHours) {
-    fakes::FakeTime<Scheduler> scheduler;
-    fakes::FakeToolkit toolkit;
-    forms::Form form(u"form", scheduler, toolkit);
+    headless::Headless computer;
+    forms::Form form(u"form", computer.timers, computer.toolkit);
     const DialogControls controls = LayOut(form);
     const Table<std::array<std::int16_t, 3>, std::array<const char16_t*, 4>, Text> cases = {
         {{2026, 11, 18}, {u"01", u"02", u"03", u"PM"}, u"2026 111803 130203"},
@@ -112,7 +111,7 @@ TEST(CommandTest, TheUpdateCarriesDateAndTimeInTwentyFourHours) {
         controls.Calendar->SetYear(date[0]);
         for (std::size_t i = 0; i < 4; ++i) controls.txtTime[i]->Text = time[i];
         const auto make = [&] {
-            const auto request = UpdateClockRequest(controls, fakes::FakeLocale());
+            const auto request = UpdateClockRequest(controls, headless::Locale());
             EXPECT_EQ(request->Tag, u"UPDATE_CLOCK");
             const auto value = [&](std::int16_t i) { return request->Item(cListRequest::SecondData, i); };
             return value(0) + u" " + value(1) + u" " + value(2);

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "ErrorOf.h"
-#include "Fakes.h"
+#include "platform/runtime/Object.h"
 
 using namespace platform;
 
