@@ -12,28 +12,69 @@ using namespace platform;
 
 namespace {
 
-TEST(RecordTest, ItemsOutsideTheCountReadEmptyAndTakeNothing) {
-    const auto record = std::make_shared<cListRequest>();
-    for (const char16_t* cmd : {u"a", u"b", u"c"}) Call(record, "AddToList", cmd);
-    EXPECT_EQ(Get(record, "CMD", 2).ToText(), u"c");
-    for (const int index : {3, -1, 32767, -32768}) {
-        Put(record, "CMD", index, u"x");
-        EXPECT_EQ(Get(record, "CMD", index).ToText(), u"") << index;
+// All fields that can be read without an index, and the items from −1 to the one behind the last.
+std::string Content(const ObjectRef& record) {
+    std::string content;
+    for (const Member& member : record->Class().members)
+        if (member.kind == InvokeKind::PropertyGet && member.parameters.empty())
+            content += ToUtf8(Get(record, member.name).ToText()) + ",";
+    for (std::int16_t i = -1; i <= Get(record, "Count").ToInteger(); ++i) {
+        content += " " + std::to_string(i) + ":";
+        for (const char* list :
+             {"CMD", "FirstData", "SecondData", "ExtraData", "DescriptionData", "CK", "ERMFP", "MSGFP"})
+            content += ToUtf8(Get(record, list, i).ToText()) + ",";
     }
+    return content;
+}
+
+TEST(RecordTest, HoldsItemsInStepAndFieldsOnTheirOwn) {
+    const auto record = std::make_shared<cListRequest>();
+    // Mode, Key, CompIndication, ObjectID, PBXName, PBXNumber, ShowBusy, WaitFlag, LoginID, Tag, RequestID,
+    // TimeTag, CommandType, Count, ErrCode
+    const std::string none = " -1:,,,,,,,, 0:,,,,,,,,";
+    EXPECT_EQ(Content(record), "0,,False,1,,,True,True,,,,,20,0,0," + none);
+    int i = 0;
+    for (const Member& member : record->Class().members)
+        if (member.kind == InvokeKind::PropertyPut && member.parameters.size() == 1) {
+            const bool isFlag = member.parameters[0].type == ValueType::Boolean;
+            Put(record, member.name, isFlag ? !Get(record, member.name).ToBoolean() : Value(++i));
+        }
+    const std::string fields = "1,2,True,1,3,4,False,False,5,6,7,8,9,";
+    EXPECT_EQ(Content(record), fields + "0,10," + none);
+    Call(record, "AddToList", u"a");
+    Call(record, "AddToList", u"b", u"c", u"d", u"e", u"f");
+    Call(record, "AddToList", u"g", Missing{}, u"h");
+    EXPECT_EQ(Content(record),
+              fields + "3,10, -1:,,,,,,,, 0:a,,,,,,,, 1:b,c,d,e,f,,,, 2:g,,h,,,,,, 3:,,,,,,,,");
+    for (const char* list :
+         {"CMD", "FirstData", "SecondData", "ExtraData", "DescriptionData", "CK", "ERMFP", "MSGFP"})
+        for (const int index : {1, 3, -1, 32767, -32768})
+            Put(record, list, index, FromUtf8(list).substr(0, 2));
+    EXPECT_EQ(Content(record),
+              fields + "3,10, -1:,,,,,,,, 0:a,,,,,,,, 1:CM,Fi,Se,Ex,De,CK,ER,MS, 2:g,,h,,,,,, 3:,,,,,,,,");
     EXPECT_EQ(ErrorOf([&] { Get(record, "CMD", 32768); }), 6);
-    EXPECT_EQ(Get(record, "ExtraData", 1).ToText(), u"");
-    Put(record, "ExtraData", 1, u"OK");
-    EXPECT_EQ(Get(record, "ExtraData", 1).ToText(), u"OK");
+    Call(record, "Clear");
+    Put(record, "CMD", 0, u"x");
+    EXPECT_EQ(Content(record), fields + "0,10," + none);
+    Call(record, "AddToList", u"y");
+    EXPECT_EQ(Content(record), fields + "1,10, -1:,,,,,,,, 0:y,,,,,,,, 1:,,,,,,,,");
+    while (record->Count() < 32767) record->AddToList(u"z");
+    EXPECT_EQ(FaultOf([&] { record->AddToList(u"over"); }), "6 Overflow: AddToList");
+    EXPECT_EQ(record->Count(), 32767);
+    EXPECT_EQ(record->Item(cListRequest::CMD, 32766), u"z");
 }
 
 TEST(AnswerTextTest, Codes) {
     const std::pair<int, std::vector<Text>> cases[] = {
-        {-1, {u"", u"ok", u"O", u" OK", u"OK" + Text(28, u' '), u"DATA", u"2026", u"11/18", u"12:30:45"}},
-        {100, {u"OK", u"OK" + Text(23, u' '), u"12345OK" + Text(23, u' ')}},
+        {-1, {u"", u"ok", u"O", u" OK", u"OK" + Text(24, u' '), u"DATA", u"2026", u"11/18", u"12:30:45"}},
+        {100, {u"OK", u"OK" + Text(23, u' '), u"12345OK" + Text(23, u' '), u"OKAY"}},
+        {1, {u"DATA ERROR"}},
         {2, {u"CODE NOT ALLOWED", u"CODE NOTALLOWED"}},
         {15, {u"SEE CM"}},
+        {104, {u"ERROR 12"}},
         {83, {u"LNK_STN", u"LNK_STN_X"}},
         {86, {u"LNK_STN_ZOLAN"}},
+        {89, {u"LNK_STN_ISDN"}},
         {94, {u"LNK_STN_ZOLANIP"}}};
     for (const auto& [code, texts] : cases)
         for (const Text& text : texts) EXPECT_EQ(LookupAnswerText(text), code) << ToUtf8(text);
