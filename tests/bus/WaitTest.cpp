@@ -6,6 +6,15 @@ namespace {
 
 struct WaitTest : BusTest {
     WaitTest() { settings.pendingTimeout = 60000; }
+    // The stranger takes late-bound calls after so many that it refuses as busy.
+    void RefuseFirst(long refusals) {
+        stranger.whenCalled = [this, refusals](const MessageRef& call) {
+            if (stranger.CallsOf("Invoke") <= refusals)
+                sd_bus_reply_method_errorf(call.get(), bus::busyErrorName, "later");
+            else
+                stranger.ReturnResult(call, "s", "taken");
+        };
+    }
     // What a call borrows, kept by the stranger, so that it can be called after the answer.
     Reference Retained(const MessageRef& call) {
         const Reference taken = ReferenceIn(call);
@@ -72,6 +81,87 @@ TEST_F(WaitTest, ALoopOnTopOfAnAnsweredWaitIsServed) {
     EXPECT_TRUE(called);
 }
 
+// A busy limit of 100 and a pending limit of 50 milliseconds.
+struct PatienceTest : testing::Test {
+    PatienceTest() {
+        settings.busyTimeout = 100;
+        settings.pendingTimeout = 50;
+        settings.busyTitle = u"b", settings.busyText = u"busy";
+        settings.pendingTitle = u"p", settings.pendingText = u"pending";
+    }
+    void Do(char step) {
+        if (step == 's') patience->CallSent();
+        if (step == 'r') patience->CallRefused();
+        if (step == 'e') patience->CallEnded();
+        if (step == 'w') patience->SpanCalls([this] { ++givenUp; });
+        if (step == 'g') patience->GiveUp();
+        if (step == 'y' || step == 'n') {
+            boxes.opened.back().answer(step == 'y');
+            answered = boxes.opened.size();
+        }
+        if (step >= '0' && step <= '9') time.Pass((step - '0') * 10);
+    }
+    // The box that is open, a capital where it has just opened; else x where the wait was given up.
+    char Seen() {
+        const bool isNew = std::exchange(seen, boxes.opened.size()) != boxes.opened.size();
+        if (boxes.open == 0 || answered == seen) return patience->IsGivenUp() ? 'x' : '-';
+        const auto& box = boxes.opened.back();
+        EXPECT_EQ(box.text, box.title == u"b" ? u"busy" : u"pending");
+        return static_cast<char>(isNew ? std::toupper(box.title[0]) : box.title[0]);
+    }
+    fakes::FakeTime<Scheduler> time;
+    fakes::FakeWaits boxes;
+    WaitSettings settings;
+    std::shared_ptr<Patience> patience;
+    std::size_t seen = 0, answered = 0;
+    int givenUp = 0;
+};
+
+// Calls are sent, refused and ended; w lets one limit span them; g, y and n give up, by the program and in
+// the box, and go on; a digit lets ten milliseconds pass for each.
+TEST_F(PatienceTest, AsksOnceALimitIsReachedAndNotMoreThanNeeded) {
+    const struct {
+        std::string steps, seen;
+        int givenUp;
+    } cases[] = {{"s4es41e", "-----P-", 0},                // each call has a limit of its own
+                 {"sr9sr1sre", "-------B-", 0},            // refused for a hundred milliseconds
+                 {"sr9e1sr9r", "---------", 0},            // a call that is taken ends the refusals
+                 {"sr91srn9r9r1r", "-----B------B", 0},    // asks again, counting from the next refusal
+                 {"sr91srs9rse9", "-----Bbbbb--", 0},      // one box at a time
+                 {"s5n41n9", "-P--P-P", 0},                // going on starts the pending limit anew
+                 {"sr91srn9", "-----B--", 0},              // but without a call that is out
+                 {"s5eny9", "-P----", 0},                  // an answer that comes after the call's
+                 {"s5y9r9r1rs9e", "-Pxxxxxxxxxx", 0},      // given up for good
+                 {"s5gs9", "-Pxxx", 0},                    // the box closes
+                 {"ws3es2er9rn41y", "-----Ppppp--Px", 1},  // one pending limit over all calls, none busy
+                 {"sr91srws9y9", "-----B--Pxx", 1},        // closes the box of a single call
+                 {"w5w41gg", "-P--Pxx", 1}};               // begins again
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.steps);
+        patience = std::make_shared<Patience>(time, boxes, settings);
+        std::string all;
+        givenUp = 0;
+        for (const char step : c.steps) {
+            Do(step);
+            all += Seen();
+        }
+        EXPECT_EQ(all, c.seen);
+        EXPECT_EQ(givenUp, c.givenUp);
+        EXPECT_EQ(ErrorOf([&] { patience->RequireOngoing(); }), patience->IsGivenUp() ? 462 : 0);
+    }
+}
+
+TEST_F(PatienceTest, ALimitBelowZeroIsReachedAtOnce) {
+    settings.busyTimeout = settings.pendingTimeout = -1;
+    patience = std::make_shared<Patience>(time, boxes, settings);
+    std::string all;
+    for (const char step : std::string("s0esr0sr")) {
+        Do(step);
+        all += Seen();
+    }
+    EXPECT_EQ(all, "-P-----B");
+}
+
 TEST_F(WaitTest, ABusyCalleeIsTriedAgainUntilTheOperatorGivesUp) {
     const struct {
         int limit;
@@ -80,28 +170,20 @@ TEST_F(WaitTest, ABusyCalleeIsTriedAgainUntilTheOperatorGivesUp) {
         std::int32_t error;
         std::size_t boxes;
         long calls;
-    } cases[] = {{10000, 2, {}, 0, 0, 3},       // soon enough
-                 {150, 1000, true, 462, 1, 2},  // given up in the box
+    } cases[] = {{150, 1000, true, 462, 1, 2},  // given up in the box
                  {150, 5, false, 0, 2, 6},      // refused at 0, 200 (box), 400, 600 (box), 800
-                 {0, 2, {}, 0, 1, 3}};          // the box closes when the callee takes the call
+                 {150, 2, {}, 0, 1, 3}};        // the box closes when the callee takes the call
     for (const auto& c : cases) {
         SCOPED_TRACE(c.refusals);
         stranger.calls.clear();
         boxes = {};
         settings.busyTimeout = c.limit;
-        stranger.whenCalled = [&](const MessageRef& call) {
-            if (stranger.CallsOf("Invoke") <= c.refusals)
-                sd_bus_reply_method_errorf(call.get(), bus::busyErrorName, "later");
-            else
-                stranger.ReturnResult(call, "s", "taken");
-        };
+        RefuseFirst(c.refusals);
         if (c.giveUp) boxes.decide = [&] { return *c.giveUp; };
         EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), c.error);
         EXPECT_EQ(boxes.opened.size(), c.boxes);
         EXPECT_EQ(boxes.open, 0);
         EXPECT_EQ(stranger.CallsOf("Invoke"), c.calls);
-        // An answer of the operator that crossed the callee's changes nothing any more.
-        for (const auto& box : boxes.opened) box.answer(true);
     }
 }
 
@@ -153,17 +235,22 @@ TEST_F(WaitTest, OnePatienceEndsWithTheFirstCallThatIsGivenUp) {
 
 TEST_F(WaitTest, APostedCallIsNotWaitedForAndTriedAgainWhileBusy) {
     std::vector<Text> answers;
-    stranger.whenCalled = [&](const MessageRef& call) {
-        if (stranger.CallsOf("Invoke") == 1)
-            sd_bus_reply_method_errorf(call.get(), bus::busyErrorName, "later");
-        else
-            stranger.ReturnResult(call, "s", "taken");
-    };
+    RefuseFirst(1);
     client->Post(host, "Take", InvokeKind::Method, {Value(u"this")},
                  [&](const Value& answer) { answers.push_back(answer.ToText()); });
     EXPECT_TRUE(stranger.calls.empty());
     EXPECT_TRUE(loop.ServeUntil([&] { return answers == std::vector<Text>{u"taken"}; }));
     EXPECT_EQ(loop.Holds(), 0);
+    EXPECT_TRUE(boxes.opened.empty());
+}
+
+TEST_F(WaitTest, APostedCallIsTriedUntilTheBusyLimit) {
+    settings.busyTimeout = 150;
+    RefuseFirst(1000);
+    client->Post(host, "Take", InvokeKind::Method, {}, [](const Value&) { FAIL(); });
+    EXPECT_TRUE(loop.ServeUntil([&] { return stranger.CallsOf("Invoke") == 2; }));
+    loop.ServeUntil([&, limit = 0]() mutable { return ++limit > 400; });
+    EXPECT_EQ(stranger.CallsOf("Invoke"), 2) << "at 0 and 200 milliseconds";
     EXPECT_TRUE(boxes.opened.empty());
 }
 

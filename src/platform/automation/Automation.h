@@ -17,7 +17,7 @@ class BusyError : public RuntimeError {
     BusyError() : RuntimeError(ErrorNumber::AutomationError, "the call can't be taken now") {}
 };
 
-// What a process does with the wait limits of an outgoing call. All is read when a limit is reached.
+// What a process does with the wait limits of an outgoing call. It is read when a limit starts or is reached.
 struct WaitSettings {
     std::int32_t busyTimeout = 10000;    // milliseconds that a busy callee is tried again
     std::int32_t pendingTimeout = 5000;  // milliseconds that a call stays out before a box comes up

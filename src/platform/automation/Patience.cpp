@@ -5,10 +5,22 @@
 
 namespace platform {
 
-using std::chrono::steady_clock;
+namespace {
 
 Milliseconds LimitOf(std::int32_t milliseconds) {
     return Milliseconds(std::max(milliseconds, 0));
+}
+
+}  // namespace
+
+bool BusyLimit::ReachedByRefusal() {
+    if (!timer_) timer_ = scheduler_.After(LimitOf(settings_.busyTimeout), [this] { isReached_ = true; });
+    return isReached_;
+}
+
+void BusyLimit::Reset() {
+    timer_.reset();
+    isReached_ = false;
 }
 
 void Patience::SpanCalls(std::function<void()> givenUp) {
@@ -20,7 +32,6 @@ void Patience::SpanCalls(std::function<void()> givenUp) {
 
 void Patience::GiveUp() {
     if (std::exchange(isGivenUp_, true)) return;
-    pendingLimit_.reset();
     CloseBox();
     const auto keptForTheCall = shared_from_this();
     if (const auto givenUp = std::exchange(givenUp_, nullptr)) givenUp();
@@ -39,28 +50,25 @@ void Patience::CallRefused() {
     callIsOut_ = false;
     if (spansCalls_) return;
     pendingLimit_.reset();
-    const auto now = steady_clock::now();
-    if (!refusedSince_) refusedSince_ = now;
-    if (now - *refusedSince_ >= LimitOf(settings_.busyTimeout)) Ask(settings_.busyTitle, settings_.busyText);
+    if (busyLimit_.ReachedByRefusal()) Ask(settings_.busyTitle, settings_.busyText);
 }
 
 void Patience::CallEnded() {
     callIsOut_ = false;
     if (spansCalls_) return;
     pendingLimit_.reset();
-    refusedSince_.reset();
+    busyLimit_.Reset();
     CloseBox();
 }
 
 void Patience::StartPendingLimit() {
-    if (isGivenUp_) return;
     pendingLimit_ = scheduler_.After(LimitOf(settings_.pendingTimeout),
                                      [this] { Ask(settings_.pendingTitle, settings_.pendingText); });
 }
 
 // One question at a time; an open one offers the same choice.
 void Patience::Ask(TextView title, TextView text) {
-    if (std::exchange(boxIsOpen_, true)) return;
+    if (isGivenUp_ || std::exchange(boxIsOpen_, true)) return;
     auto box = boxes_.Open(title, text, [patience = weak_from_this()](bool giveUp) {
         if (const auto self = patience.lock()) self->Decided(giveUp);
     });
@@ -70,7 +78,7 @@ void Patience::Ask(TextView title, TextView text) {
 void Patience::Decided(bool giveUp) {
     if (!std::exchange(boxIsOpen_, false)) return;
     if (giveUp) return GiveUp();
-    refusedSince_.reset();
+    busyLimit_.Reset();
     if (spansCalls_ || callIsOut_) StartPendingLimit();
 }
 

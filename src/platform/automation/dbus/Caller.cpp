@@ -1,16 +1,11 @@
 #include "platform/automation/dbus/Caller.h"
 
-#include <algorithm>
-#include <chrono>
-
 #include "platform/automation/dbus/BusErrors.h"
 #include "platform/runtime/ScopeExit.h"
 
 namespace platform {
 
 namespace {
-
-using std::chrono::steady_clock;
 
 constexpr Milliseconds retryInterval{200};
 
@@ -117,18 +112,18 @@ class Caller::Awaited : public Outgoing {
 class Caller::Posted : public Outgoing {
   public:
     Posted(Caller& caller, MessageRef call, std::shared_ptr<void> kept, Caller::Answered answered)
-        : Outgoing(caller, std::move(call), std::move(kept)), answered_(std::move(answered)) {}
+        : Outgoing(caller, std::move(call), std::move(kept)),
+          answered_(std::move(answered)),
+          busyLimit_(caller.loop_, caller.settings_) {}
 
   private:
     void Answered(const MessageRef& answer) override {
         if (answer && !IsError(answer)) Give(answered_, answer.get());
     }
-    bool IsTriedAgain() override {
-        return steady_clock::now() - sent_ < LimitOf(caller_.settings_.busyTimeout);
-    }
+    bool IsTriedAgain() override { return !busyLimit_.ReachedByRefusal(); }
 
     Caller::Answered answered_;
-    const steady_clock::time_point sent_ = steady_clock::now();
+    BusyLimit busyLimit_;
 };
 
 std::shared_ptr<Patience> Caller::NewPatience() const {
