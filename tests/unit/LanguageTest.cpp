@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "Desk.h"
-#include "ErrorOf.h"
+#include "Joined.h"
 #include "Table.h"
 #include "harness/SmallTexts.h"
 #include "language/LanguageDatabase.h"
@@ -11,78 +13,56 @@
 
 using namespace horalink;
 using namespace platform;
-using desk::Notes;
+using desk::Long, desk::Notes, desk::Short;
 
 namespace {
 
 TEST(TokensTest, ExpandAsWrittenUpToPositionsOfSixteenBits) {
-    const Text nearPercent = Text(16382, u'a') + u"%", farPercent = u"a" + nearPercent;
-    const Table<Text, Text, Text, Text> cases = {
-        {u"", u"a%", u"", u"a%"},
-        {u"Hello & -1", u"", u"-1", u""},
-        {u"-1 & Hello", u"", u"-1Hello", u""},
-        {u"Line one & %CR & Line two", u"", u"Line one\rLine two", u""},
-        {u"Saving & %SP & %ST & %SP & failed", u"A.DAT%", u"Saving A.DAT failed", u""},
-        {u"%ST & %SP & %ST", u"left%right", u"left right", u"right"},
-        {u"%ST & %ST", u"one", u"oneone", u"one"},
-        {u"%ST & %ST", u"%b%c", u"b", u"c"},
-        {u"Text (%ST) here", u"X%", u"X", u""},
-        {u"%sp & %AND Chips & %CR.", u"", u"%sp%AND Chips%CR.", u""},
-        {u"Fish&%SP&%AND&%SP4&Chips&", u"", u"Fish &    Chips", u""},
-        {u"%ST", u"50% off", u"50", u" off"},
-        {u"%ST & %ST", nearPercent + u"b%", Text(16382, u'a') + u"b", u""},
-        {Text(32766, u'x') + u"&y", u"", Text(32766, u'x') + u"y", u""},
-        {u"head&" + Text(32767, u'x') + u"&y", u"", u"head", u""},
-        {u"%ST & %ST", u"head%" + farPercent, u"head", u"head%" + farPercent}};
     desk::Desk computer;
-    for (auto [text, args, result, left] : cases) {
-        const bool fails = result == u"head";
-        EXPECT_TRUE(ExpandTextTokens(computer.boxes, text, args) == result) << ToUtf8(text.substr(0, 40));
-        EXPECT_TRUE(args == left) << ToUtf8(text.substr(0, 40));
-        EXPECT_EQ(computer.Boxes(), fails ? Notes{desk::Long("Overflow", 6)} : Notes{});
-    }
+    // The expansion, and what is left of the arguments.
+    const auto expand = [&](const Text& text, Text args) {
+        const Text result = ExpandTextTokens(computer.boxes, text, args);
+        return ToUtf8(result + u"|" + args + u"|");
+    };
+    EXPECT_EQ(expand(u"", u"a%") + expand(u"Hello & -1", u"") + expand(u"-1 & Hello", u"") +
+                  expand(u"One & %CR & Two", u"") + expand(u"%sp & %AND Chips & %CR.", u"") +
+                  expand(u"Fish&%SP&%AND&%SP4&Chips&", u""),
+              "|a%|-1||-1Hello||One\rTwo||%sp%AND Chips%CR.||Fish &    Chips||");
+    EXPECT_EQ(expand(u"%ST & %SP & %ST", u"left%right") + expand(u"%ST & %ST", u"one") +
+                  expand(u"%ST & %ST", u"%b%c") + expand(u"Text (%ST) here", u"X%") +
+                  expand(u"%ST", u"50% off"),
+              "left right|right|oneone|one|b|c|X||50| off|");
+    const std::string x(32766, 'x'), a(16382, 'a'), far = "head%a" + a + "%";
+    EXPECT_EQ(expand(FromUtf8(x + "&y"), u"") + expand(u"%ST & %ST", FromUtf8(a + "%b%")),
+              x + "y||" + a + "b||");
+    EXPECT_EQ(computer.Boxes(), Notes{});
+    EXPECT_EQ(expand(FromUtf8("head&x" + x + "&y"), u"") + expand(u"%ST & %ST", FromUtf8(far)),
+              "head||head|" + far + "|");
+    EXPECT_EQ(computer.Boxes(), (Notes{Long("Overflow", 6), Long("Overflow", 6)}));
 }
 
 TEST(ButtonsTest, NamesAddUp) {
-    const std::pair<Text, int> names[] = {{u"vbOKOnly", 0},
-                                          {u"vbOKCancel", 1},
-                                          {u"vbAbortRetryIgnore", 2},
-                                          {u"vbYesNoCancel", 3},
-                                          {u"vbYesNo", 4},
-                                          {u"vbRetryCancel", 5},
-                                          {u"vbCritical", 16},
-                                          {u"vbQuestion", 32},
-                                          {u"vbExclamation", 48},
-                                          {u"vbInformation", 64},
-                                          {u"vbDefaultButton1", 0},
-                                          {u"vbDefaultButton2", 256},
-                                          {u"vbDefaultButton3", 512},
-                                          {u"vbDefaultButton4", 768},
-                                          {u"vbApplicationModal", 0},
-                                          {u"vbSystemModal", 4096},
-                                          {u"vbMsgBoxHelpButton", 16384},
-                                          {u"vbMsgBoxSetForeground", 65536},
-                                          {u"vbMsgBoxRight", 524288},
-                                          {u"vbMsgBoxRtlReading", 1048576}};
-    for (const auto& [name, value] : names) {
-        EXPECT_EQ(ParseMsgBoxButtons(name), value) << ToUtf8(name);
-        EXPECT_TRUE(IsMsgBoxConstant(name) && !IsMsgBoxConstant(UpperCase(name))) << ToUtf8(name);
+    std::istringstream names(
+        "RtlReading 1048576 Right 524288 SetForeground 65536 HelpButton 16384 SystemModal 4096 "
+        "DefaultButton4 768 "
+        "DefaultButton3 512 DefaultButton2 256 Information 64 Exclamation 48 Question 32 Critical 16 "
+        "RetryCancel 5 "
+        "YesNo 4 YesNoCancel 3 AbortRetryIgnore 2 OKCancel 1 OKOnly 0 DefaultButton1 0 ApplicationModal 0");
+    Text largest;
+    std::string word;
+    for (int value, rest = 2147483647; names >> word >> value;) {
+        const Text name = FromUtf8((value > 4096 ? "vbMsgBox" : "vb") + word);
+        EXPECT_TRUE(IsMsgBoxConstant(name) && !IsMsgBoxConstant(UpperCase(name))) << word;
+        EXPECT_EQ(ParseMsgBoxButtons(name), value) << word;
+        for (; value > 0 && rest >= value; rest -= value) largest += name + u"+";
     }
-    Text many;
-    int rest = 2147483647;
-    for (auto name = std::rbegin(names); name != std::rend(names); ++name)
-        for (; name->second > 0 && rest >= name->second; rest -= name->second) many += name->first + u"+";
-    const std::pair<Text, int> sums[] = {{u"vbYesNo + vbQuestion", 0},
-                                         {u"vbYesNo+vbYesNo", 8},
-                                         {u"+vbYesNo", 4},
-                                         {u"vbYesNo+", 4},
-                                         {u"vbYesNo+vbQuestion+any", 36},
-                                         {u"", 0},
-                                         {many, 2147483647}};
-    for (const auto& [text, value] : sums) EXPECT_EQ(ParseMsgBoxButtons(text), value) << ToUtf8(text);
-    EXPECT_EQ(FaultOf([&] { ParseMsgBoxButtons(many + u"vbOKCancel"); }), "6 Overflow: Buttons");
-    EXPECT_EQ(ParseMsgBoxButtons(Text(32766, u'x') + u"+vbYesNo"), 4);
-    EXPECT_EQ(ErrorOf([&] { ParseMsgBoxButtons(Text(32767, u'x') + u"+vbYesNo"); }), 6);
+    const auto sum = [](auto... texts) { return Joined(ParseMsgBoxButtons(texts)...); };
+    EXPECT_EQ(sum(u"vbYesNo + vbQuestion", u"vbYesNo+vbYesNo", u"+vbYesNo", u"vbYesNo+",
+                  u"vbYesNo+vbQuestion+any", u""),
+              "0|8|4|4|36|0|");
+    EXPECT_EQ(sum(largest, Text(32766, u'x') + u"+vbYesNo"), "2147483647|4|");
+    EXPECT_EQ(Faults([&] { sum(largest + u"vbOKCancel"); }, [&] { sum(Text(32767, u'x') + u"+vbYesNo"); }),
+              "6 Overflow: Buttons|6 Overflow|");
 }
 
 struct LanguageTest : testing::Test {
@@ -91,6 +71,31 @@ struct LanguageTest : testing::Test {
         harness::AddSmallTexts(databases);
         OpenLanguageDatabase(databases, computer.boxes, u"C:\\B\\Common.LNG", data.CommonLanguageDb, true);
         OpenLanguageDatabase(databases, computer.boxes, u"C:\\A\\Horalink.lng", data.AddInLanguageDb, false);
+    }
+    std::int16_t Show(int mode, int number, BoxArguments arguments = {}) {
+        computer.Calls();
+        return ShowLanguageMsgBox(computer.services, data, static_cast<std::int16_t>(mode),
+                                  static_cast<std::int16_t>(number), arguments);
+    }
+    bool LoadProject(const char16_t* name) {
+        computer.Calls();
+        return LoadProjectText(computer.boxes, computer.app, name, *data.AddInLanguageDb);
+    }
+    std::string ProjectTexts() {
+        const WaitSettings& waits = computer.app.waits;
+        return Joined(computer.app.title, waits.busyTitle, waits.busyText, waits.pendingTitle,
+                      waits.pendingText);
+    }
+    bool LoadMessages() {
+        computer.Calls();
+        return LoadMessageTable(computer.boxes, data.MessageTable, u"tMessages",
+                                *databases.OpenDatabase(u"Horalink.lng", true));
+    }
+    std::string ButtonWords() {
+        ButtonTexts words;
+        TakeButtonTexts(data.MessageTable, words);
+        return Joined(words.ok, words.cancel, words.abort, words.retry, words.ignore, words.yes, words.no,
+                      words.help, words.keepWaiting, words.giveUp);
     }
     desk::Desk computer;
     harness::MemoryDatabases& databases = computer.databases;
@@ -101,33 +106,24 @@ TEST_F(LanguageTest, ADatabaseIsOpenedAsAskedOrIsNone) {
     EXPECT_FALSE(
         OpenLanguageDatabase(databases, computer.boxes, u"C:\\None.lng", data.AddInLanguageDb, true));
     EXPECT_EQ(data.AddInLanguageDb, nullptr);
-    EXPECT_EQ(computer.Boxes(), Notes{desk::Short("C:\\None.lng", 3024)});
+    EXPECT_EQ(computer.Boxes(), Notes{Short("C:\\None.lng", 3024)});
     EXPECT_EQ(computer.Calls(), (Notes{"open C:\\B\\Common.LNG read-only", "open C:\\A\\Horalink.lng",
                                        "open C:\\None.lng read-only"}));
 }
 
 TEST_F(LanguageTest, TheProjectsTextsGoToTheApplicationOneByOne) {
-    const auto load = [&](const char16_t* name) {
-        computer.Calls();
-        return LoadProjectText(computer.boxes, computer.app, name, *data.AddInLanguageDb);
-    };
-    const auto texts = [&] {
-        const WaitSettings& waits = computer.app.waits;
-        return ToUtf8(computer.app.title + u"|" + waits.busyTitle + u"|" + waits.busyText + u"|" +
-                      waits.pendingTitle + u"|" + waits.pendingText);
-    };
-    EXPECT_TRUE(load(u"Horalink"));
-    EXPECT_EQ(texts(), "app title|busy title|busy text|pending title|pending text");
+    EXPECT_TRUE(LoadProject(u"Horalink"));
+    EXPECT_EQ(ProjectTexts(), "app title|busy title|busy text|pending title|pending text|");
     EXPECT_EQ(computer.Calls(),
               (Notes{"rows 8 select * from tProject where EXEName = 'Horalink'", "close rows"}));
-    EXPECT_FALSE(load(u"Nobody"));
-    EXPECT_EQ(computer.Boxes(), Notes{desk::Short("There is no current record", 3021)});
-    EXPECT_EQ(texts(), "app title|busy title|busy text|pending title|pending text");
+    EXPECT_FALSE(LoadProject(u"Nobody"));
+    EXPECT_EQ(computer.Boxes(), Notes{Short("There is no current record", 3021)});
+    EXPECT_EQ(ProjectTexts(), "app title|busy title|busy text|pending title|pending text|");
     databases.Add(u"Horalink.lng",
                   "update tProject set OleServerBusyMsgTitle = null;"
                   "alter table tProject drop OleServerBusyMsgText");
-    EXPECT_FALSE(load(u"Another"));
-    EXPECT_EQ(texts(), "other title||busy text|pending title|pending text");
+    EXPECT_FALSE(LoadProject(u"Another"));
+    EXPECT_EQ(ProjectTexts(), "other title||busy text|pending title|pending text|");
     EXPECT_EQ(computer.Calls().size(), 1U) << "closed after a failure";
 }
 
@@ -148,20 +144,18 @@ TEST_F(LanguageTest, EachModeTakesTitleAndHelpFromItsOwnPlace) {
         {1, 6, {}, "plain|0|-1|..\\Mora32\\Help\\error.hlp|0"},
         {10, 0, given, "common1|4|2given|C:\\A\\common.hlp|75"},
         {10, 0, {}, "common|4|-|C:\\A\\common.hlp|75"}};
-    computer.Calls();
     computer.boxes.answer = 7;
     for (const auto& [mode, number, arguments, box] : cases) {
-        EXPECT_EQ(ShowLanguageMsgBox(computer.services, data, static_cast<std::int16_t>(mode),
-                                     static_cast<std::int16_t>(number), arguments),
-                  7);
+        EXPECT_EQ(Show(mode, number, arguments), 7);
         EXPECT_EQ(computer.Boxes(), Notes{box});
-        const std::string query = mode == 1 ? "rows 8 select Prompt,Buttons,Title from tMsgBox where MsgNo = "
-                                            : "rows 8 select Prompt, Buttons, Title, HelpFile, Context from "
-                                              "tMsgBox where MsgNo = ";
-        EXPECT_EQ(computer.Calls(), (Notes{query + std::to_string(number), "close rows"}));
+        const std::string fields =
+            mode == 1 ? "Prompt,Buttons,Title" : "Prompt, Buttons, Title, HelpFile, Context";
+        const std::string query =
+            "rows 8 select " + fields + " from tMsgBox where MsgNo = " + std::to_string(number);
+        EXPECT_EQ(computer.Calls(), (Notes{query, "close rows"}));
     }
     computer.app.path = u"C:\\Q & A";
-    ShowLanguageMsgBox(computer.services, data, mode::commonDatabase, 0);
+    Show(10, 0);
     EXPECT_EQ(computer.Boxes(), Notes{"common|4|-|C:\\QA\\common.hlp|75"}) << "an & parts the path as well";
 }
 
@@ -171,90 +165,61 @@ TEST_F(LanguageTest, AFailedBoxIsTheLongNoticeAndZero) {
                   "insert into tMsgBox values (0, null, '', ''), (1, '', null, ''),"
                   " (2, '', '', null), (3, 'fine', 'vbOKOnly', 'fine')");
     databases.Add(u"Common.LNG", "alter table tMsgBox drop Context");
-    const std::string noNull = desk::Long("Invalid use of Null", 94);
-    const Table<int, int, std::string> cases = {
-        {1, 0, noNull},
-        {1, 1, noNull},
-        {1, 2, noNull},
-        {1, 77, desk::Long("There is no current record", 3021)},
-        {2, 3, desk::Long("The field 'HelpFile' was not found in Horalink.lng", 3061)},
-        {10, 0, desk::Long("The field 'Context' was not found in Common.LNG", 3061)}};
-    const auto show = [&](int mode, int number, BoxArguments arguments = {}) {
-        computer.Calls();
-        return ShowLanguageMsgBox(computer.services, data, static_cast<std::int16_t>(mode),
-                                  static_cast<std::int16_t>(number), arguments);
-    };
-    for (const auto& [mode, number, notice] : cases) {
-        EXPECT_EQ(show(mode, number), 0);
-        EXPECT_EQ(computer.Boxes(), Notes{notice}) << mode << " " << number;
+    const auto fail = [&](int mode, int number) {
+        EXPECT_EQ(Show(mode, number), 0);
         EXPECT_EQ(computer.Calls().size(), 1U) << "closed after a failure";
-    }
-    EXPECT_EQ(show(1, 3, {.context = 40000}), 0);
-    EXPECT_EQ(computer.Boxes(), Notes{desk::Long("Overflow", 6)});
+        return computer.Boxes();
+    };
+    for (const int number : {0, 1, 2}) EXPECT_EQ(fail(1, number), Notes{Long("Invalid use of Null", 94)});
+    EXPECT_EQ(fail(1, 77), Notes{Long("There is no current record", 3021)});
+    EXPECT_EQ(fail(2, 3), Notes{Long("The field 'HelpFile' was not found in Horalink.lng", 3061)});
+    EXPECT_EQ(fail(10, 0), Notes{Long("The field 'Context' was not found in Common.LNG", 3061)});
+    EXPECT_EQ(Show(1, 3, {.context = 40000}), 0);
+    EXPECT_EQ(computer.Boxes(), Notes{Long("Overflow", 6)});
     databases.FailAt(5, DataError::DiskError);
-    EXPECT_EQ(show(1, 3), 1) << "shown, and only the closing failed";
+    EXPECT_EQ(Show(1, 3), 1) << "shown, and only the closing failed";
     EXPECT_EQ(computer.Boxes(), (Notes{"fine|0|fine|..\\Mora32\\Help\\error.hlp|0",
-                                       desk::Long("The database file can't be read or written", 3043)}));
+                                       Long("The database file can't be read or written", 3043)}));
     data.AddInLanguageDb = nullptr;
-    EXPECT_EQ(show(1, 3), 0);
-    EXPECT_EQ(computer.Boxes(), Notes{desk::Long("Object variable is not set", 91)});
+    EXPECT_EQ(Show(1, 3), 0);
+    EXPECT_EQ(computer.Boxes(), Notes{Long("Object variable is not set", 91)});
 }
 
-struct MessagesTest : LanguageTest {
-    bool Load() {
-        computer.Calls();
-        return LoadMessageTable(computer.boxes, data.MessageTable, u"tMessages",
-                                *databases.OpenDatabase(u"Horalink.lng", true));
-    }
-    const std::vector<Text>& texts = data.MessageTable.texts;
-};
-
-TEST_F(MessagesTest, StandByRankAndGiveTheButtonsTheirWords) {
-    ASSERT_TRUE(Load());
+TEST_F(LanguageTest, MessagesStandByRankAndGiveTheButtonsTheirWords) {
+    ASSERT_TRUE(LoadMessages());
     EXPECT_EQ(computer.Calls(),
               (Notes{"open Horalink.lng read-only",
                      "rows 8 SELECT * FROM tMessages UNION SELECT -1, COUNT(*) FROM tMessages ORDER BY ID",
                      "close rows"}));
-    const auto words = [&] {
-        ButtonTexts buttons;
-        TakeButtonTexts(data.MessageTable, buttons);
-        Text all;
-        for (const Text& word : {buttons.ok, buttons.cancel, buttons.abort, buttons.retry, buttons.ignore,
-                                 buttons.yes, buttons.no, buttons.help, buttons.keepWaiting, buttons.giveUp})
-            all += word + u" ";
-        return ToUtf8(all);
-    };
-    EXPECT_EQ(words(), "ok cancel abort retry ignore yes no help keep waiting give up ");
+    EXPECT_EQ(ButtonWords(), "ok|cancel|abort|retry|ignore|yes|no|help|keep waiting|give up|");
     databases.Add(u"Horalink.lng",
-                  "update tMessages set Caption = null where ID = 7;"
+                  "update tMessages set Caption = null where ID in (4, 8);"
                   "delete from tMessages where ID in (3, 16)");
-    ASSERT_TRUE(Load());
-    EXPECT_EQ(words(), "cancel abort retry ignore yes no help keep waiting Keep waiting Give up ")
-        << "a gap moves the texts behind it down";
-    EXPECT_EQ(texts[6], u"");
-    EXPECT_EQ(data.MessageTable[14], u"keep waiting");
-    EXPECT_EQ(ErrorOf([&] { data.MessageTable[15]; }), 9);
-    data.MessageTable.texts[7] = u"";
-    EXPECT_EQ(words(), "OK abort retry ignore yes no help keep waiting Keep waiting Give up ");
+    ASSERT_TRUE(LoadMessages());
+    EXPECT_EQ(ButtonWords(), "OK|abort|retry|ignore|yes|no|help|keep waiting|Keep waiting|Give up|")
+        << "a gap moves the texts after it down";
+    const MessageTexts& table = data.MessageTable;
+    EXPECT_EQ(Joined(table[0], table[3], table[14]), "login failed||keep waiting|");
+    EXPECT_EQ(FaultOf([&] { table[15]; }), "9 Subscript out of range: message 15");
 }
 
-TEST_F(MessagesTest, ATableThatDoesNotAddUpIsRefused) {
+TEST_F(LanguageTest, AMessageTableThatDoesNotAddUpIsRefused) {
     const std::string columns = "drop table if exists tMessages; create table tMessages (ID, Caption);";
-    const Table<std::string, std::string> cases = {
-        {columns, desk::Long("Subscript out of range: the message table has no rows", 9)},
-        {columns + "insert into tMessages values (0, 'twice'), (0, 'twice')",
-         desk::Long("There is no current record", 3021)},
-        {columns + "insert into tMessages values (-2, 'text')", desk::Long("Type mismatch", 13)},
-        {columns + "insert into tMessages values (-2, 40000)", desk::Long("Overflow", 6)},
-        {"alter table tMessages add Third",
-         desk::Long("The two parts of a union query have different numbers of fields", 3307)},
-        {"drop table tMessages", desk::Long("The table 'tMessages' was not found in Horalink.lng", 3078)}};
-    for (const auto& [sql, notice] : cases) {
+    const auto load = [&](const std::string& sql) {
         databases.Add(u"Horalink.lng", sql);
-        EXPECT_FALSE(Load()) << sql;
-        EXPECT_EQ(computer.Boxes(), Notes{notice});
+        EXPECT_FALSE(LoadMessages()) << sql;
         EXPECT_EQ(computer.Calls().size(), 2U) << "closed after a failure";
-    }
+        return computer.Boxes();
+    };
+    EXPECT_EQ(load(columns), Notes{Long("Subscript out of range: the message table has no rows", 9)});
+    EXPECT_EQ(load("insert into tMessages values (0, 'twice'), (0, 'twice')"),
+              Notes{Long("There is no current record", 3021)});
+    EXPECT_EQ(load("insert into tMessages values (-2, 'text')"), Notes{Long("Type mismatch", 13)});
+    EXPECT_EQ(load("insert into tMessages values (-3, 40000)"), Notes{Long("Overflow", 6)});
+    EXPECT_EQ(load("alter table tMessages add Third"),
+              Notes{Long("The two parts of a union query have different numbers of fields", 3307)});
+    EXPECT_EQ(load("drop table tMessages"),
+              Notes{Long("The table 'tMessages' was not found in Horalink.lng", 3078)});
 }
 
 }  // namespace

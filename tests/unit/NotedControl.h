@@ -1,6 +1,8 @@
 // A control of any type, which notes what is done to it and to whatever it gives out.
 #pragma once
 
+#include <regex>
+
 #include "Desk.h"
 #include "platform/forms/Form.h"
 
@@ -9,7 +11,10 @@ namespace desk {
 struct NotedControl : platform::forms::Control {
     NotedControl(platform::forms::Form& form, std::string_view typeName, Notes& toWrite, std::string path,
                  platform::Text name = {}, std::int16_t index = -1)
-        : Control(form, std::move(name), index), type{typeName, {}}, notes(toWrite), prefix(std::move(path)) {}
+        : Control(form, std::move(name), index),
+          type{typeName, {}},
+          notes(toWrite),
+          prefix(std::move(path)) {}
     const platform::ClassDescription& Class() const override { return type; }
     platform::Value Invoke(std::string_view member, platform::InvokeKind kind,
                            platform::Arguments& arguments) override {
@@ -34,5 +39,10 @@ struct NotedControl : platform::forms::Control {
     Notes& notes;
     const std::string prefix;
 };
+
+// More rows for an INSERT, "(...), (...)", as those of the form "form".
+inline std::string RowsOfForm(const std::string& rows) {
+    return std::regex_replace(", " + rows, std::regex("\\("), "('form', ");
+}
 
 }  // namespace desk

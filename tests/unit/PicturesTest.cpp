@@ -7,7 +7,7 @@
 
 using namespace horalink;
 using namespace platform;
-using desk::Notes;
+using desk::Notes, desk::Short;
 
 namespace {
 
@@ -24,33 +24,29 @@ struct PicturesTest : testing::Test {
         computer.pictures.files = {{u"D\\one", "1"}, {u"D\\two", "2"}, {u"D\\bad", ""}};
         form->Width = 7110;
         form->Height = 4365;
-        Add(u"image", "Image");
-        Add(u"image", "Image", 2);
-        Add(u"tree", "SSTree");
-        Add(u"list", "SSListBar");
-        Add(u"panel", "SSPanel")->Place(1, 2, 30, 20);
-        Add(u"panel", "PictureBox", 1)->Place(1, 2, 31, 21);
-        Add(u"frame", "Frame")->Place(1, 2, 32, 22);
+        Add(u"image", "Image"), Add(u"image", "Image", 2), Add(u"tree", "SSTree"), Add(u"list", "SSListBar");
+        Add(u"panel", "SSPanel", -1, 30), Add(u"panel", "PictureBox", 1, 31), Add(u"frame", "Frame", -1, 32);
         computer.boxes.whileOpen = [this] { notes.push_back("notice"); };
     }
-    std::shared_ptr<forms::Control> Add(const char16_t* name, const char* type, std::int16_t index = -1) {
+    void Add(const char16_t* name, const char* type, std::int16_t index = -1, float width = 0) {
         const std::string path = ToUtf8(name) + (index < 0 ? "" : std::to_string(index)) + ".";
         const auto control = std::make_shared<desk::NotedControl>(*form, type, notes, path, name, index);
+        control->Place(1, 2, width, width / 2);
         form->Adopt(control);
-        return control;
     }
-    // The rows are those of the form, but for its name.
-    bool Load(int set, const std::string& rows) {
-        std::string sql =
-            "delete from tPicture; insert into tPicture values ('other', 'none', -1, '', '', 0)";
-        for (const char c : ", " + rows) sql += c == '(' ? std::string("('form', ") : std::string(1, c);
-        databases.Add(u"addin", sql);
+    // What was done to the controls, in order.
+    std::string Load(bool succeeds, int set, const std::string& rows) {
+        databases.Add(u"addin",
+                      "delete from tPicture; insert into tPicture values ('other', 'none', -1, '', '', 0)" +
+                          desk::RowsOfForm(rows));
         const auto addIn = databases.OpenDatabase(u"addin", false),
                    common = databases.OpenDatabase(u"common", true);
-        notes.clear();
-        computer.Calls();
-        return LoadFormPictures(computer.services, *form, addIn.get(), common.get(),
-                                static_cast<std::int16_t>(set), u"D\\");
+        notes.clear(), computer.Calls();
+        EXPECT_EQ(succeeds, LoadFormPictures(computer.services, *form, addIn.get(), common.get(),
+                                             static_cast<std::int16_t>(set), u"D\\"));
+        std::string done;
+        for (const std::string& note : notes) done += note + " ";
+        return done;
     }
     Notes notes;
     desk::Desk computer;
@@ -60,70 +56,56 @@ struct PicturesTest : testing::Test {
 };
 
 TEST_F(PicturesTest, ASetReplacesDefaultNamesAndZeroNever) {
-    const auto shown = [](const char* picture) { return Notes{"image.Move=0,0,7110,4365", picture}; };
-    const Notes one = shown("image.Picture=1"), two = shown("image.Picture=2");
-    // The first row of a key wins, what can't be read falls back, and no file is tried in place of another.
-    for (const auto& [set, expected] :
-         {std::pair(0, one), {4, Notes{}}, {5, one}, {6, one}, {-7, two}, {3, two}}) {
-        EXPECT_TRUE(Load(set, "('image', -1, 'one', 'me', -1)"));
-        EXPECT_EQ(notes, expected) << set;
-    }
+    const auto load = [this](int set) { return Load(true, set, "('image', -1, 'one', 'me', -1)"); };
+    const std::string one = "image.Move=0,0,7110,4365 image.Picture=1 ",
+                      two = "image.Move=0,0,7110,4365 image.Picture=2 ";
+    EXPECT_EQ(load(0), one);
+    EXPECT_EQ(load(3), two) << "the first row of a key wins";
+    EXPECT_EQ(load(-7), two);
     EXPECT_EQ(computer.Calls(),
-              (Notes{"rows 8 Select * From PictureFileName Where  ID = 3", "close rows",
-                     "rows 8 select ObjectName,Index,FileName,BasePanel,BasePanelIndex from tPicture where "
-                     "FormName = 'form'",
+              (Notes{"rows 8 Select * From PictureFileName Where  ID = -7", "close rows",
+                     "rows 8 select ObjectName,Index,FileName,BasePanel,BasePanelIndex from "
+                     "tPicture where FormName = 'form'",
                      "close rows"}));
+    EXPECT_EQ(load(4), "") << "no file is tried in place of another";
+    EXPECT_EQ(load(5) + load(6), one + one) << "what can't be read falls back";
     databases.Add(u"common", "drop table PictureFileName");
-    EXPECT_TRUE(Load(3, "('image', -1, 'one', 'me', -1)"));
-    EXPECT_EQ(notes, one);
+    EXPECT_EQ(load(3), one);
     EXPECT_EQ(computer.Boxes(), Notes{});
 }
 
 TEST_F(PicturesTest, EachControlTakesThePictureInItsOwnWay) {
-    const Table<int, const char*, Notes> cases = {
-        {0, "('image', -1, '-1', 'none', -1), ('image', -1, 'none', 'none', -1)", {}},
-        {0,
-         "('IMAGE', 2, 'two', 'me', -1), ('image', -1, 'one', 'frame', -1)",
-         {"image2.Move=0,0,7110,4365", "image2.Picture=2", "image.Move=0,0,32,22", "image.Picture=1"}},
-        {0,
-         "('image', -1, 'one', 'panel', -1)",
-         {"panel.Visible=False", "image.Move=0,0,30,20", "image.Picture=1", "panel.Visible=True"}},
-        {0,
-         "('image', -1, 'one', 'Panel', 1), ('image', 2, 'two', 'me', -1)",
-         {"panel1.Visible=False", "image.Move=0,0,31,21", "image.Picture=1", "panel1.Visible=True",
-          "image2.Move=0,0,7110,4365", "image2.Picture=2"}},
-        {3,
-         "('tree', -1, 'one', 'none', -1), ('list', -1, 'two', 'none', -1)",
-         {"tree.PictureBackground=1", "list.PictureBackground=2"}}};
-    for (const auto& [set, rows, expected] : cases) {
-        EXPECT_TRUE(Load(set, rows));
-        EXPECT_EQ(notes, expected) << rows;
-    }
+    EXPECT_EQ(Load(true, 0, "('image', -1, '-1', 'none', -1), ('image', -1, 'none', 'none', -1)"), "");
+    EXPECT_EQ(Load(true, 0, "('IMAGE', 2, 'two', 'me', -1), ('image', -1, 'one', 'frame', -1)"),
+              "image2.Move=0,0,7110,4365 image2.Picture=2 image.Move=0,0,32,16 image.Picture=1 ");
+    EXPECT_EQ(Load(true, 0, "('image', -1, 'one', 'panel', -1)"),
+              "panel.Visible=False image.Move=0,0,30,15 image.Picture=1 panel.Visible=True ");
+    EXPECT_EQ(Load(true, 0, "('image', -1, 'one', 'Panel', 1), ('image', 2, 'two', 'me', -1)"),
+              "panel1.Visible=False image.Move=0,0,31,15.5 image.Picture=1 panel1.Visible=True "
+              "image2.Move=0,0,7110,4365 image2.Picture=2 ");
+    EXPECT_EQ(Load(true, 3, "('tree', -1, 'one', 'none', -1), ('list', -1, 'two', 'none', -1)"),
+              "tree.PictureBackground=1 list.PictureBackground=2 ");
 }
 
 TEST_F(PicturesTest, AFailureIsOneShortNoticeAndEndsTheRows) {
-    const std::string noImage = desk::Short("Control array element 'image(1)' doesn't exist", 340),
-                      noMe = desk::Short("Control 'me' not found", 730),
-                      bad = desk::Short("Invalid picture", 481);
-    const Table<const char*, std::string, Notes> cases = {
-        {"('none', -1, '-1', 'me', -1)", desk::Short("Control 'none' not found", 730), {"notice"}},
-        {"('image', 1, '-1', 'me', -1)", noImage, {"notice"}},
-        {"('image', -1, 'one', 'me', 2)", noMe, {"notice"}},
-        {"('image', -1, 'one', 'Me', -1)", desk::Short("Control 'Me' not found", 730), {"notice"}},
-        {"('image', -1, null, 'me', -1)", desk::Short("Invalid use of Null", 94), {"notice"}},
-        {"('tree', -1, 'bad', 'me', -1)", bad, {"notice"}},
-        {"('image', -1, 'bad', 'frame', -1)", bad, {"image.Move=0,0,32,22", "notice"}},
-        {"('image', -1, 'bad', 'panel', 1)",
-         bad,
-         {"panel1.Visible=False", "image.Move=0,0,31,21", "notice", "panel1.Visible=True"}}};
-    for (const auto& [row, notice, expected] : cases) {
-        EXPECT_FALSE(Load(0, row + std::string(", ('image', -1, 'one', 'me', -1)")));
-        EXPECT_EQ(notes, expected) << row;
+    const Table<const char*, std::string, std::string> cases = {
+        {"('none', -1, '-1', 'me', -1)", "", Short("Control 'none' not found", 730)},
+        {"('image', 1, '-1', 'me', -1)", "", Short("Control array element 'image(1)' doesn't exist", 340)},
+        {"('image', -1, 'one', 'me', 2)", "", Short("Control 'me' not found", 730)},
+        {"('image', -1, 'one', 'Me', -1)", "", Short("Control 'Me' not found", 730)},
+        {"('image', -1, null, 'me', -1)", "", Short("Invalid use of Null", 94)},
+        {"('tree', -1, 'bad', 'me', -1)", "", Short("Invalid picture", 481)},
+        {"('image', -1, 'bad', 'frame', -1)", "image.Move=0,0,32,16 ", Short("Invalid picture", 481)}};
+    for (const auto& [row, done, notice] : cases) {
+        EXPECT_EQ(Load(false, 0, row + std::string(", ('image', -1, 'one', 'me', -1)")), done + "notice ");
         EXPECT_EQ(computer.Boxes(), Notes{notice});
         EXPECT_EQ(computer.Calls().size(), 3U) << "closed after a failure";
     }
+    EXPECT_EQ(Load(false, 0, "('image', -1, 'bad', 'panel', 1)"),
+              "panel1.Visible=False image.Move=0,0,31,15.5 notice panel1.Visible=True ");
+    computer.Boxes();
     EXPECT_FALSE(LoadFormPictures(computer.services, *form, nullptr, nullptr, 0, u"D\\"));
-    EXPECT_EQ(computer.Boxes(), Notes{desk::Short("Object variable is not set", 91)});
+    EXPECT_EQ(computer.Boxes(), Notes{Short("Object variable is not set", 91)});
 }
 
 }  // namespace
