@@ -21,4 +21,11 @@ std::int32_t ErrorOf(Call call) {
     return Raised(call).Number();
 }
 
+// The error's number and description, such as "6 Overflow".
+template <class Call>
+std::string FaultOf(Call call) {
+    const RuntimeError error = Raised(call);
+    return std::to_string(error.Number()) + " " + error.what();
+}
+
 }  // namespace platform

@@ -4,7 +4,6 @@
 #include <iterator>
 #include <regex>
 
-#include "FakeTime.h"
 #include "TemporaryDirectory.h"
 #include "host/ExchangeObject.h"
 #include "host/HostObject.h"
@@ -13,6 +12,7 @@
 #include "host/SimulatedExchange.h"
 #include "host/Store.h"
 #include "platform/automation/Introspection.h"
+#include "platform/headless/Timers.h"
 #include "platform/runtime/RuntimeError.h"
 
 namespace switchdesk {
@@ -20,7 +20,6 @@ namespace {
 
 using namespace platform;
 using Lines = std::vector<std::string>;
-using Texts = std::vector<Text>;
 
 TEST(OptionsTest, RefusesWhatCannotBe) {
     Misbehaviour misbehaviour;
@@ -36,42 +35,37 @@ TEST(OptionsTest, RefusesWhatCannotBe) {
 }
 
 struct SimulatedExchangeTest : testing::Test {
-    Texts Values(const std::vector<Item>& items, Text Item::* field) {
-        Texts values;
-        for (const Item& item : items) values.push_back(item.*field);
-        return values;
+    // The items of an answer, "SecondData=ExtraData;".
+    std::string Perform(const std::vector<Item>& items) {
+        std::string answers;
+        for (const Item& item : exchange.Perform(items))
+            answers += ToUtf8(item.second + u"=" + item.extra) + ";";
+        return answers;
     }
-    std::vector<Item> Perform(const Texts& values) {
-        return exchange.Perform(
-            {{u"02", u"0", values[0], u""}, {u"02", u"1", values[1], u""}, {u"02", u"2", values[2], u""}});
+    std::string Perform(const Text& year, const Text& day, const Text& time) {
+        return Perform({{u"02", u"0", year, u""}, {u"02", u"1", day, u""}, {u"02", u"2", time, u""}});
     }
-    Texts Read() { return Values(Perform({u"", u"", u""}), &Item::second); }
-    fakes::FakeClock pc;
+    headless::Timers<Scheduler> timers;
+    headless::Clock pc{timers};
     SimulatedExchange exchange{pc, 7};
+    const std::string before = "2026=OK;11/18 WED=OK;13:09:03=OK;";
 };
 
 TEST_F(SimulatedExchangeTest, ARefusedItemLeavesTheClockAlone) {
-    const Text no = u"DATA ERROR", ok = u"OK";
-    const std::pair<Texts, Texts> cases[] = {
-        {{u"1900", u"111800", u"000000"}, {no, ok, ok}}, {{u"2100", u"111800", u"000000"}, {no, ok, ok}},
-        {{u"2o26", u"1118o3", u"13:02:"}, {no, no, no}}, {{u"2026", u"022901", u"130203"}, {no, no, ok}},
-        {{u"2026", u"111804", u"130203"}, {no, no, ok}}, {{u"2026", u"111813", u"130203"}, {ok, no, ok}},
-        {{u"2026", u"111803", u"240000"}, {ok, ok, no}}, {{u"2026", u"111803", u"236000"}, {ok, ok, no}},
-        {{u"2026", u"111803", u"235960"}, {ok, ok, no}}, {{u"2026", u"111803", u"1302030"}, {ok, ok, no}}};
-    for (const auto& [values, answers] : cases) {
-        SCOPED_TRACE(ToUtf8(values[0] + u" " + values[1] + u" " + values[2]));
-        const auto answer = Perform(values);
-        EXPECT_EQ(Values(answer, &Item::extra), answers);
-        EXPECT_EQ(Values(answer, &Item::second), values);
-        EXPECT_EQ(Read(), (Texts{u"2026", u"11/18 WED", u"13:09:03"}));
-    }
-}
-
-TEST_F(SimulatedExchangeTest, AnswersWhatItDoesNotHave) {
-    const auto answer =
-        exchange.Perform({{u"03", u"0", u"", u""}, {u"02", u"3", u"", u""}, {u"02", u"2", u"010203", u""}});
-    EXPECT_EQ(Values(answer, &Item::extra), (Texts{u"CODE NOT USED", u"DATA NOT FOUND", u"OK"}));
-    EXPECT_EQ(Read()[2], u"13:09:03");
+    const std::string no = "=DATA ERROR;", ok = "=OK;";
+    for (const std::string year : {"1900", "2100"})
+        EXPECT_EQ(Perform(FromUtf8(year), u"111800", u"000000"), year + no + "111800" + ok + "000000" + ok);
+    for (const std::string day :
+         {"022901", "111804"})  // no such day in that year, and another day of the week
+        EXPECT_EQ(Perform(u"2026", FromUtf8(day), u"130203"), "2026" + no + day + no + "130203" + ok);
+    EXPECT_EQ(Perform(u"2026", u"111813", u"130203"), "2026" + ok + "111813" + no + "130203" + ok);
+    for (const std::string time : {"240000", "236000", "235960", "1302030"})
+        EXPECT_EQ(Perform(u"2026", u"111803", FromUtf8(time)), "2026" + ok + "111803" + ok + time + no);
+    EXPECT_EQ(Perform(u"2o26", u"1118o3", u"13:02:"), "2o26" + no + "1118o3" + no + "13:02:" + no);
+    EXPECT_EQ(Perform(u"", u"", u""), before);
+    EXPECT_EQ(Perform({{u"03", u"0", u"", u""}, {u"02", u"3", u"", u""}, {u"02", u"2", u"010203", u""}}),
+              "CODE NOT USED=CODE NOT USED;DATA NOT FOUND=DATA NOT FOUND;010203=OK;");
+    EXPECT_EQ(Perform(u"", u"", u""), before);
 }
 
 TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {
@@ -87,7 +81,7 @@ TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {
     EXPECT_EQ(nowhere.Get(u"A", u"K"), std::nullopt);
 }
 
-struct NoLoop : fakes::FakeTime<EventLoop> {
+struct NoLoop : headless::Timers<EventLoop> {
     HandleRef WhenReadable(int, std::function<void()>) override { return {}; }
     HandleRef WhenWritable(int, std::function<void()>) override { return {}; }
     void Run() override {}

@@ -1,5 +1,6 @@
-#include "Fakes.h"
-#include "platform/forms/FormInput.h"
+#include <gtest/gtest.h>
+
+#include "platform/headless/Headless.h"
 
 using namespace platform;
 using namespace platform::forms;
@@ -11,31 +12,31 @@ struct InputGateTest : testing::Test {
         form.Unloaded = [this] { log += "unloaded "; };
         form.Show();
     }
-
     FormInput::CarryOut Note(const std::string& what) {
         return [this, what] { log += what + " "; };
     }
-    // As a view does it: what is accepted is carried out at once.
-    Verdict Carry(Verdict verdict, const char* what) {
-        if (verdict == Verdict::Accepted) Note(what)();
-        return verdict;
+    // As a view does it: what is accepted is carried out at once. Notes "refused", "waits" or the carrying
+    // out.
+    void Judge(Verdict verdict, const char* what) {
+        Note(verdict == Verdict::Accepted ? what : verdict == Verdict::Refused ? "refused" : "waits")();
     }
-    Verdict Press(int key, const char* what) { return Carry(input->Press(key, Note(what)), what); }
-    Verdict Repeat(int key, const char* what) { return Carry(input->Repeat(key, Note(what)), what); }
-    Verdict Release(int key, const char* what) { return Carry(input->Release(key, Note(what)), what); }
-    void ExpectAfterTheHold(const char* expected) {
-        EXPECT_EQ(log, "");
+    void Press() { Judge(input->Press(1, Note("press")), "press"); }
+    void Repeat() { Judge(input->Repeat(1, Note("repeat")), "repeat"); }
+    void Release() { Judge(input->Release(1, Note("release")), "release"); }
+    void Act(const char* what) { input->Act(box, Note(what)); }
+    std::string Log() { return std::exchange(log, ""); }
+    // What is carried out when the hold is dropped, a turn later.
+    std::string AfterTheHold() {
         hold.reset();
         EXPECT_EQ(log, "") << "carried out from inside the drop";
-        scheduler.Pass(0);
-        EXPECT_EQ(log, expected);
+        computer.timers.Pass(0);
+        return Log();
     }
 
-    fakes::FakeTime<Scheduler> scheduler;
-    fakes::FakeToolkit toolkit;
-    Form form{u"form", scheduler, toolkit};
+    headless::Headless computer;
+    Form form{u"form", computer.timers, computer.toolkit};
     CheckBox& box = form.Add<CheckBox>(u"box");
-    InputGate gate{scheduler};
+    InputGate gate{computer.timers};
     bool isCovered = false;
     std::unique_ptr<FormInput> input = std::make_unique<FormInput>(form, gate, [this] { return isCovered; });
     HandleRef hold;
@@ -46,56 +47,51 @@ TEST_F(InputGateTest, WhatIsRefusedIsLostWhateverComesLater) {
     for (const bool holds : {false, true}) {
         if (holds) hold = gate.Hold();
         form.Enabled = false;
-        EXPECT_EQ(Press(1, "press"), Verdict::Refused);
-        input->Act(box, Note("act"));
-        input->Close();
+        Press(), Act("act"), input->Close();
         EXPECT_FALSE(form.IsCloseWaiting());
         form.Enabled = true;
-        EXPECT_EQ(Repeat(1, "repeat"), Verdict::Refused);
-        EXPECT_EQ(Release(1, "release"), Verdict::Refused);
+        Repeat(), Release();
         box.Enabled = false;
-        input->Act(box, Note("act"));
+        Act("act");
         box.Enabled = true;
+        EXPECT_EQ(Log(), "refused refused refused ");
     }
-    ExpectAfterTheHold("");
-    EXPECT_EQ(Press(1, "press"), Verdict::Accepted);
+    EXPECT_EQ(AfterTheHold(), "");
+    Press(), Repeat(), Release(), Repeat();
+    EXPECT_EQ(Log(), "press repeat release repeat ");
 }
 
 TEST_F(InputGateTest, WhatIsAcceptedWaitsForTheLastCallAndKeepsItsOrder) {
     hold = gate.Hold();
     HandleRef second = gate.Hold();
-    EXPECT_EQ(Press(1, "press"), Verdict::Waits);
-    EXPECT_EQ(Release(1, "release"), Verdict::Waits);
-    input->Act(box, Note("act"));
+    Press(), Release(), Act("act");
+    EXPECT_EQ(Log(), "waits waits ");
     second.reset();
-    scheduler.Pass(0);
+    computer.timers.Pass(0);
     EXPECT_FALSE(input->TakesNow());
     hold.reset();
-    input->Act(box, Note("new"));
+    Act("new");
+    EXPECT_FALSE(input->TakesNow()) << "some still wait";
     hold = gate.Hold();
-    ExpectAfterTheHold("press release act new ");
+    EXPECT_EQ(AfterTheHold(), "press release act new ");
+    EXPECT_TRUE(input->TakesNow());
 }
 
 TEST_F(InputGateTest, WhatWaitsIsJudgedAgain) {
-    const std::pair<const char*, std::function<void()>> meanwhile[] = {
-        {"disabled", [this] { form.Enabled = false; }},
-        {"covered", [this] { isCovered = true; }},
-        {"hidden", [this] { form.Hide(); }},
-        {"loaded again", [this] { form.Unload(), form.Show(), log.clear(), input.reset(); }},
-    };
-    for (const auto& [what, happens] : meanwhile) {
-        SCOPED_TRACE(what);
+    const std::function<void()> meanwhile[] = {[this] { form.Enabled = false; }, [this] { isCovered = true; },
+                                               [this] { form.Hide(); },
+                                               [this] { form.Unload(), form.Show(), Log(), input.reset(); }};
+    for (const auto& happens : meanwhile) {
         form.Enabled = true;
         isCovered = false;
         form.Show();
         hold = gate.Hold();
-        EXPECT_EQ(Press(1, "press"), Verdict::Waits);
-        EXPECT_EQ(Release(1, "release"), Verdict::Waits);
-        input->Close();
+        Press(), Release(), input->Close();
+        EXPECT_EQ(Log(), "waits waits ");
         EXPECT_TRUE(form.IsCloseWaiting());
         happens();
         EXPECT_EQ(form.IsCloseWaiting(), input != nullptr) << "a form that went has nothing to close";
-        ExpectAfterTheHold("");
+        EXPECT_EQ(AfterTheHold(), "");
         EXPECT_FALSE(form.IsCloseWaiting());
     }
 }
@@ -107,39 +103,39 @@ TEST_F(InputGateTest, CloseWaitsAsLongAsItIsToBeSeen) {
         log += "close ";
     };
     hold = gate.Hold();
-    input->Close();
-    input->Close();
+    input->Close(), input->Close();
     form.Enabled = false;
     input->Close();
     form.Enabled = true;
-    EXPECT_TRUE(form.IsCloseWaiting());
-    ExpectAfterTheHold("close close unloaded ");
+    EXPECT_EQ(AfterTheHold(), "close close unloaded ");
     form.Show();
+    log = "again ";
     input->Close();
-    EXPECT_EQ(log, "close close unloaded close unloaded ");
+    EXPECT_EQ(log, "again close unloaded ");
 }
 
 TEST_F(InputGateTest, WhatAPieceStartsCountsForTheNext) {
     hold = gate.Hold();
     input->Act(box, [this] {
-        input->Act(box, Note("part"));
+        Act("part");
         hold = gate.Hold();
-        input->Act(box, Note("later"));
+        Act("later");
     });
-    input->Act(box, Note("next"));
-    hold.reset();
-    scheduler.Pass(0);
-    EXPECT_EQ(log, "part ");
-    log.clear();
-    ExpectAfterTheHold("next later ");
+    Act("next");
+    EXPECT_EQ(AfterTheHold(), "part ");
+    EXPECT_EQ(AfterTheHold(), "next later ");
 }
 
-// The window learns that the button is up, though the form takes no clicks any more.
-TEST_F(InputGateTest, ReleaseFollowsAPressThatWasTaken) {
-    EXPECT_EQ(Press(1, "press"), Verdict::Accepted);
+TEST_F(InputGateTest, AReleaseFollowsAPressThatWasTaken) {
+    Press();
     form.Enabled = false;
-    EXPECT_EQ(Release(1, "release"), Verdict::Accepted);
-    EXPECT_EQ(Release(1, "release"), Verdict::Refused) << "a release without a press";
+    Release(), Release();
+    EXPECT_EQ(Log(), "press release refused ") << "the window has to know that the button is up";
+    form.Enabled = true;
+    Press();
+    isCovered = true;
+    Release();
+    EXPECT_EQ(Log(), "press refused ");
 }
 
 }  // namespace

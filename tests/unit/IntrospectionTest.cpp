@@ -5,7 +5,8 @@
 
 #include <regex>
 
-#include "Fakes.h"
+#include "Desk.h"
+#include "exchange/dlgAddin.h"
 #include "request/cListRequest.h"
 #include "shell/cOLELayer.h"
 
@@ -15,49 +16,51 @@ using namespace platform;
 namespace {
 
 // The elements of an interface, in their order, each as its name and the values of its attributes.
-std::string Elements(const Object& object, const std::string& kinds) {
-    const std::string xml = TypedInterfaceXml(object.Class());
-    const std::regex element("<(" + kinds + ") ([^>]*?)/?>"), name("[A-Za-z]+=|\"");
-    std::string found;
-    for (auto i = std::sregex_iterator(xml.begin(), xml.end(), element); i != std::sregex_iterator(); ++i)
-        found += (*i)[1].str() + " " + std::regex_replace((*i)[2].str(), name, "") + "\n";
-    return found;
+std::string Elements(const Object& object) {
+    const std::regex element("[^<]*</?([a-z]+) ?([^>]*?)/?>[^<]*"), name("[A-Za-z]+=|\"");
+    return std::regex_replace(std::regex_replace(TypedInterfaceXml(object.Class()), element, "$1 $2,"), name,
+                              "");
 }
 
 TEST(IntrospectionTest, TheLayerWithItsNumbers) {
-    fakes::Computer computer;
+    desk::Desk computer;
     AddInMain main(computer.services);
-    EXPECT_EQ(Elements(cOLELayer(main), "method|property|arg|annotation"), R"(method RegisterPBX
-arg PBX s in
-arg Parent (so) in
-arg ID n in
-arg Result b out
-property Visible b readwrite
-method SetBackGround
-arg Index n in
-annotation org.velmora.Automation1.ClassGuid {21A5C7B5-2A66-41D0-8298-C64D75E00ED2}
-annotation org.velmora.Automation1.InterfaceGuid {99B2190B-7900-4057-8B17-977CCB7DA003}
-annotation org.velmora.Automation1.TypeLibrary Horalink10013
-annotation org.velmora.Automation1.TypeLibraryGuid {3213E8C5-0679-49E0-83FC-808506AA9FEB}
-annotation org.velmora.Automation1.TypeLibraryVersion 1.0
-annotation org.freedesktop.DBus.Property.EmitsChangedSignal false
-)");
+    EXPECT_EQ(
+        Elements(cOLELayer(main)),
+        "interface Horalink10013._cOLELayer,method RegisterPBX,arg PBX s in,arg Parent (so) in,arg ID n in,"
+        "arg Result b out,method ,property Visible b readwrite,method SetBackGround,arg Index n in,method ,"
+        "annotation org.velmora.Automation1.ClassGuid {21A5C7B5-2A66-41D0-8298-C64D75E00ED2},"
+        "annotation org.velmora.Automation1.InterfaceGuid {99B2190B-7900-4057-8B17-977CCB7DA003},"
+        "annotation org.velmora.Automation1.TypeLibrary Horalink10013,"
+        "annotation org.velmora.Automation1.TypeLibraryGuid {3213E8C5-0679-49E0-83FC-808506AA9FEB},"
+        "annotation org.velmora.Automation1.TypeLibraryVersion 1.0,"
+        "annotation org.freedesktop.DBus.Property.EmitsChangedSignal false,interface ,");
     EXPECT_EQ(TypedInterfaceXml(main.Dialog().Class()), "") << "not public";
 }
 
 TEST(IntrospectionTest, TheRecordInTheOrderOfItsSlots) {
     const cListRequest record;
-    std::string members = std::regex_replace(Elements(record, "method|property"), std::regex("\n"), ", ");
-    for (const char* kind : {"method ", "property ", " readwrite"})
-        members = std::regex_replace(members, std::regex(kind), "");
-    EXPECT_EQ(members,
-              "Mode n, Key s, CompIndication b, ObjectID s read, PBXName s, PBXNumber s, ShowBusy b, "
-              "WaitFlag b, LoginID s, Tag s, RequestID s, TimeTag s, AddToList, CommandType n, Count n read, "
-              "Clear, ErrCode i, FirstData, Put_FirstData, ExtraData, Put_ExtraData, SecondData, "
-              "Put_SecondData, DescriptionData, Put_DescriptionData, CMD, Put_CMD, CK, Put_CK, ERMFP, "
-              "Put_ERMFP, MSGFP, Put_MSGFP, ");
-    EXPECT_NE(Elements(record, "method|arg").find("method Put_CMD\narg Value n in\narg sValue s in\n"),
-              std::string::npos);
+    std::string slots;
+    for (const Member& member : record.Class().members) {
+        const bool isWrite = member.kind == InvokeKind::PropertyPut;
+        slots += (isWrite ? "=" : "") + std::string(member.name) + ":";
+        for (const Parameter& parameter : member.parameters)
+            slots += std::string(parameter.optional ? "?" : "") + std::string(SignatureOf(parameter.type));
+        slots += member.result == ValueType::None ? " " : ">" + std::string(SignatureOf(member.result)) + " ";
+    }
+    EXPECT_EQ(slots,
+              "Mode:>n =Mode:n Key:>s =Key:s CompIndication:>b =CompIndication:b ObjectID:>s PBXName:>s "
+              "=PBXName:s =PBXNumber:s PBXNumber:>s ShowBusy:>b =ShowBusy:b WaitFlag:>b =WaitFlag:b "
+              "LoginID:>s =LoginID:s =Tag:s Tag:>s =RequestID:s RequestID:>s =TimeTag:s TimeTag:>s "
+              "AddToList:s?s?s?s?s CommandType:>n =CommandType:n Count:>n Clear: ErrCode:>i =ErrCode:i "
+              "FirstData:n>s =FirstData:ns ExtraData:n>s =ExtraData:ns SecondData:n>s =SecondData:ns "
+              "DescriptionData:n>s =DescriptionData:ns CMD:n>s =CMD:ns CK:n>s =CK:ns ERMFP:n>s "
+              "=ERMFP:ns MSGFP:n>s =MSGFP:ns ");
+    const std::string elements = Elements(record);
+    EXPECT_NE(elements.find("property ObjectID s read,property PBXName s readwrite,"), std::string::npos);
+    EXPECT_NE(elements.find("method Put_CMD,arg Value n in,arg sValue s in,method ,"), std::string::npos);
+    EXPECT_NE(elements.find("{7791E13E-1D0C-4062-8FD2-7F70BCB0AF50}"), std::string::npos);
+    EXPECT_NE(elements.find("{903139A7-1682-4546-A54A-9F4AB42FEED5}"), std::string::npos);
 }
 
 }  // namespace

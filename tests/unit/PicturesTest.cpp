@@ -1,99 +1,111 @@
+#include "pictures/comPicture.h"
+
 #include <gtest/gtest.h>
 
-#include "Fakes.h"
-#include "pictures/comPicture.h"
+#include "NotedControl.h"
+#include "Table.h"
 
 using namespace horalink;
 using namespace platform;
+using desk::Notes, desk::Short;
 
 namespace {
 
-// A control that notes whether it is seen, at each change of it.
-struct Panel : forms::Control {
-    explicit Panel(forms::Form& form)
-        : Control(form, u"panel", -1), description{"SSPanel", CommonMembers()} {}
-    const ClassDescription& Class() const override { return description; }
-    void Changed() override { history.push_back(Visible); }
-    std::vector<bool> history;
-    ClassDescription description;
-};
-
 struct PicturesTest : testing::Test {
     PicturesTest() {
+        databases.Add(u"common",
+                      "create table PictureFileName (ID, DefaultName, FileName);"
+                      "insert into PictureFileName values (0, 'one', 'two'), (3, 'ONE', 'two'),"
+                      " (3, 'one', 'bad'), (4, 'one', 'missing'), (5, 'two', 'one'), (5, null, 'x'),"
+                      " (5, 'one', 'two'), (-7, 'one', 'two')");
+        databases.Add(u"addin",
+                      "create table tPicture (FormName, ObjectName, [Index], FileName, BasePanel,"
+                      " BasePanelIndex)");
+        computer.pictures.files = {{u"D\\one", "1"}, {u"D\\two", "2"}, {u"D\\bad", ""}};
         form->Width = 7110;
         form->Height = 4365;
-        computer.files.files = {{u"D\\one.png", "one"}, {u"D\\two.png", "two"}, {u"D\\bad.png", ""}};
+        Add(u"image", "Image"), Add(u"image", "Image", 2), Add(u"tree", "SSTree"), Add(u"list", "SSListBar");
+        Add(u"panel", "SSPanel", -1, 30), Add(u"panel", "PictureBox", 1, 31), Add(u"frame", "Frame", -1, 32);
+        computer.boxes.whileOpen = [this] { notes.push_back("notice"); };
     }
-    struct Picture {
-        const char16_t *object, *file, *base = u"me";
-        int baseIndex = -1;
-    };
-    bool Load(std::int16_t set, std::vector<Picture> pictures) {
-        auto& rows = computer.language->answers
-                         [u"select ObjectName,Index,FileName,BasePanel,BasePanelIndex "
-                          u"from tPicture where FormName = 'form'"];
-        rows.clear();
-        for (const auto& [object, file, base, baseIndex] : pictures)
-            rows.push_back({{u"ObjectName", object},
-                            {u"Index", -1},
-                            {u"FileName", file},
-                            {u"BasePanel", base},
-                            {u"BasePanelIndex", baseIndex}});
-        computer.boxes.shown.clear();
-        return LoadFormPictures(computer.services, *form, computer.language.get(), computer.common.get(), set,
-                                u"D\\");
+    void Add(const char16_t* name, const char* type, std::int16_t index = -1, float width = 0) {
+        const std::string path = ToUtf8(name) + (index < 0 ? "" : std::to_string(index)) + ".";
+        const auto control = std::make_shared<desk::NotedControl>(*form, type, notes, path, name, index);
+        control->Place(1, 2, width, width / 2);
+        form->Adopt(control);
     }
-    void Names(std::int16_t set, std::vector<std::pair<const char16_t*, const char16_t*>> names) {
-        auto& rows =
-            computer.common->answers[u"Select * From PictureFileName Where  ID = " + DecimalText(set)];
-        for (const auto& [key, file] : names) rows.push_back({{u"DefaultName", key}, {u"FileName", file}});
+    // What was done to the controls, in order.
+    std::string Load(bool succeeds, int set, const std::string& rows) {
+        databases.Add(u"addin",
+                      "delete from tPicture; insert into tPicture values ('other', 'none', -1, '', '', 0)" +
+                          desk::RowsOfForm(rows));
+        const auto addIn = databases.OpenDatabase(u"addin", false),
+                   common = databases.OpenDatabase(u"common", true);
+        notes.clear(), computer.Calls();
+        EXPECT_EQ(succeeds, LoadFormPictures(computer.services, *form, addIn.get(), common.get(),
+                                             static_cast<std::int16_t>(set), u"D\\"));
+        std::string done;
+        for (const std::string& note : notes) done += note + " ";
+        return done;
     }
-    std::string Shown() const { return image.Picture() ? image.Picture()->Content() : ""; }
-
-    fakes::Computer computer;
+    Notes notes;
+    desk::Desk computer;
+    harness::MemoryDatabases& databases = computer.databases;
     std::shared_ptr<forms::Form> form =
-        std::make_shared<forms::Form>(u"form", computer.scheduler, computer.toolkit);
-    forms::Image& image = form->Add<forms::Image>(u"image");
+        std::make_shared<forms::Form>(u"form", computer.timers, computer.toolkit);
 };
 
 TEST_F(PicturesTest, ASetReplacesDefaultNamesAndZeroNever) {
-    Names(0, {{u"one.png", u"two.png"}});
-    Names(3, {{u"ONE.PNG", u"two.png"}, {u"one.png", u"bad.png"}});
-    Names(5, {{u"one.png", u"missing.png"}});
-    // The first row of a key wins, a set that can't be read falls back, and no file is tried in place of one.
-    for (const auto& [set, content] : {std::pair(0, "one"), {3, "two"}, {4, "one"}, {5, ""}}) {
-        image.Picture = nullptr;
-        EXPECT_TRUE(Load(static_cast<std::int16_t>(set), {{u"image", u"one.png"}}));
-        EXPECT_EQ(Shown(), content) << set;
-        EXPECT_TRUE(computer.boxes.shown.empty());
-    }
-    EXPECT_EQ(image.Width(), 7110);
+    const auto load = [this](int set) { return Load(true, set, "('image', -1, 'one', 'me', -1)"); };
+    const std::string one = "image.Move=0,0,7110,4365 image.Picture=1 ",
+                      two = "image.Move=0,0,7110,4365 image.Picture=2 ";
+    EXPECT_EQ(load(0), one);
+    EXPECT_EQ(load(3), two) << "the first row of a key wins";
+    EXPECT_EQ(load(-7), two);
+    EXPECT_EQ(computer.Calls(),
+              (Notes{"rows 8 Select * From PictureFileName Where  ID = -7", "close rows",
+                     "rows 8 select ObjectName,Index,FileName,BasePanel,BasePanelIndex from "
+                     "tPicture where FormName = 'form'",
+                     "close rows"}));
+    EXPECT_EQ(load(4), "") << "no file is tried in place of another";
+    EXPECT_EQ(load(5) + load(6), one + one) << "what can't be read falls back";
+    databases.Add(u"common", "drop table PictureFileName");
+    EXPECT_EQ(load(3), one);
+    EXPECT_EQ(computer.Boxes(), Notes{});
 }
 
-TEST_F(PicturesTest, FailuresShowOneNoticeAndStop) {
-    const Picture faults[] = {{u"none", u"-1"},
-                              {u"image", u"bad.png"},
-                              {u"image", u"one.png", u"me", 2},
-                              {u"image", u"one.png", u"Me"}};
-    for (const Picture& fault : faults) {
-        EXPECT_FALSE(Load(0, {fault, {u"image", u"one.png"}}));
-        EXPECT_EQ(computer.boxes.shown.size(), 1U);
-        EXPECT_EQ(Shown(), "");
-    }
+TEST_F(PicturesTest, EachControlTakesThePictureInItsOwnWay) {
+    EXPECT_EQ(Load(true, 0, "('image', -1, '-1', 'none', -1), ('image', -1, 'none', 'none', -1)"), "");
+    EXPECT_EQ(Load(true, 0, "('IMAGE', 2, 'two', 'me', -1), ('image', -1, 'one', 'frame', -1)"),
+              "image2.Move=0,0,7110,4365 image2.Picture=2 image.Move=0,0,32,16 image.Picture=1 ");
+    EXPECT_EQ(Load(true, 0, "('image', -1, 'one', 'panel', -1)"),
+              "panel.Visible=False image.Move=0,0,30,15 image.Picture=1 panel.Visible=True ");
+    EXPECT_EQ(Load(true, 0, "('image', -1, 'one', 'Panel', 1), ('image', 2, 'two', 'me', -1)"),
+              "panel1.Visible=False image.Move=0,0,31,15.5 image.Picture=1 panel1.Visible=True "
+              "image2.Move=0,0,7110,4365 image2.Picture=2 ");
+    EXPECT_EQ(Load(true, 3, "('tree', -1, 'one', 'none', -1), ('list', -1, 'two', 'none', -1)"),
+              "tree.PictureBackground=1 list.PictureBackground=2 ");
 }
 
-TEST_F(PicturesTest, APanelIsHiddenForTheChangeAndShownAgainAfterAFailuresNotice) {
-    const auto panel = std::make_shared<Panel>(*form);
-    form->Adopt(panel);
-    panel->Place(0, 0, 300, 200);
-    panel->history.clear();
-    EXPECT_TRUE(Load(0, {{u"image", u"one.png", u"panel"}}));
-    EXPECT_EQ(panel->history, (std::vector{false, true}));
-    EXPECT_EQ(image.Width(), 300);
-    computer.boxes.whileOpen = [&] { EXPECT_FALSE(panel->Visible()); };
-    EXPECT_FALSE(Load(0, {{u"image", u"bad.png", u"panel"}}));
-    EXPECT_EQ(computer.boxes.shown.size(), 1U);
-    EXPECT_TRUE(panel->Visible());
+TEST_F(PicturesTest, AFailureIsOneShortNoticeAndEndsTheRows) {
+    const Table<const char*, std::string, std::string> cases = {
+        {"('none', -1, '-1', 'me', -1)", "", Short("Control 'none' not found", 730)},
+        {"('image', 1, '-1', 'me', -1)", "", Short("Control array element 'image(1)' doesn't exist", 340)},
+        {"('image', -1, 'one', 'me', 2)", "", Short("Control 'me' not found", 730)},
+        {"('image', -1, 'one', 'Me', -1)", "", Short("Control 'Me' not found", 730)},
+        {"('image', -1, null, 'me', -1)", "", Short("Invalid use of Null", 94)},
+        {"('tree', -1, 'bad', 'me', -1)", "", Short("Invalid picture", 481)},
+        {"('image', -1, 'bad', 'frame', -1)", "image.Move=0,0,32,16 ", Short("Invalid picture", 481)}};
+    for (const auto& [row, done, notice] : cases) {
+        EXPECT_EQ(Load(false, 0, row + std::string(", ('image', -1, 'one', 'me', -1)")), done + "notice ");
+        EXPECT_EQ(computer.Boxes(), Notes{notice});
+        EXPECT_EQ(computer.Calls().size(), 3U) << "closed after a failure";
+    }
+    EXPECT_EQ(Load(false, 0, "('image', -1, 'bad', 'panel', 1)"),
+              "panel1.Visible=False image.Move=0,0,31,15.5 notice panel1.Visible=True ");
+    computer.Boxes();
+    EXPECT_FALSE(LoadFormPictures(computer.services, *form, nullptr, nullptr, 0, u"D\\"));
+    EXPECT_EQ(computer.Boxes(), Notes{Short("Object variable is not set", 91)});
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "ErrorOf.h"
-#include "Fakes.h"
-#include "Table.h"
+#include <sstream>
+
+#include "Joined.h"
 #include "exchange/Answers.h"
 #include "exchange/ClockCommands.h"
+#include "platform/headless/Headless.h"
 #include "request/comTools.h"
 
 using namespace horalink;
@@ -12,113 +13,140 @@ using namespace platform;
 
 namespace {
 
-TEST(RecordTest, ItemsOutsideTheCountReadEmptyAndTakeNothing) {
-    const auto record = std::make_shared<cListRequest>();
-    for (const char16_t* cmd : {u"a", u"b", u"c"}) Call(record, "AddToList", cmd);
-    EXPECT_EQ(Get(record, "CMD", 2).ToText(), u"c");
-    for (const int index : {3, -1, 32767, -32768}) {
-        Put(record, "CMD", index, u"x");
-        EXPECT_EQ(Get(record, "CMD", index).ToText(), u"") << index;
+const char* const lists[] = {"CMD", "FirstData", "SecondData", "ExtraData", "DescriptionData",
+                             "CK",  "ERMFP",     "MSGFP"};
+
+// All fields that can be read without an index, and the items from −1 to the one after the last.
+std::string Content(const ObjectRef& record) {
+    std::string content;
+    for (const Member& member : record->Class().members)
+        if (member.kind == InvokeKind::PropertyGet && member.parameters.empty())
+            content += Joined(Get(record, member.name));
+    for (std::int16_t i = -1; i <= Get(record, "Count").ToInteger(); ++i) {
+        content += " " + std::to_string(i) + ":";
+        for (const char* list : lists) content += Joined(Get(record, list, i));
     }
-    EXPECT_EQ(ErrorOf([&] { Get(record, "CMD", 32768); }), 6);
-    EXPECT_EQ(Get(record, "ExtraData", 1).ToText(), u"");
-    Put(record, "ExtraData", 1, u"OK");
-    EXPECT_EQ(Get(record, "ExtraData", 1).ToText(), u"OK");
+    return content;
+}
+
+TEST(RecordTest, HoldsItemsInStepAndFieldsOnTheirOwn) {
+    const auto record = std::make_shared<cListRequest>();
+    // Mode, Key, CompIndication, ObjectID, PBXName, PBXNumber, ShowBusy, WaitFlag, LoginID, Tag, RequestID,
+    // TimeTag, CommandType, Count, ErrCode
+    const std::string none = " -1:|||||||| 0:||||||||";
+    EXPECT_EQ(Content(record), "0||False|1|||True|True|||||20|0|0|" + none);
+    int number = 0;
+    for (const Member& member : record->Class().members)
+        if (member.kind == InvokeKind::PropertyPut && member.parameters.size() == 1) {
+            const bool isFlag = member.parameters[0].type == ValueType::Boolean;
+            Put(record, member.name, isFlag ? !Get(record, member.name).ToBoolean() : Value(++number));
+        }
+    const std::string fields = "1|2|True|1|3|4|False|False|5|6|7|8|9|";
+    EXPECT_EQ(Content(record), fields + "0|10|" + none);
+    Call(record, "AddToList", u"a"), Call(record, "AddToList", u"b", u"c", u"d", u"e", u"f");
+    Call(record, "AddToList", u"g", Missing{}, u"h");
+    EXPECT_EQ(Content(record),
+              fields + "3|10| -1:|||||||| 0:a|||||||| 1:b|c|d|e|f|||| 2:g||h|||||| 3:||||||||");
+    for (const char* list : lists)
+        for (const int index : {1, 3, -1, 32767, -32768})
+            Put(record, list, index, FromUtf8(list).substr(0, 2));
+    EXPECT_EQ(Content(record),
+              fields + "3|10| -1:|||||||| 0:a|||||||| 1:CM|Fi|Se|Ex|De|CK|ER|MS| 2:g||h|||||| 3:||||||||");
+    EXPECT_EQ(FaultOf([&] { Get(record, "CMD", 32768); }), "6 Overflow");
+    Call(record, "Clear"), Put(record, "CMD", 0, u"x");
+    EXPECT_EQ(Content(record), fields + "0|10|" + none);
+    Call(record, "AddToList", u"y");
+    EXPECT_EQ(Content(record), fields + "1|10| -1:|||||||| 0:y|||||||| 1:||||||||");
+    while (record->Count() < 32767) record->AddToList(u"z");
+    EXPECT_EQ(FaultOf([&] { record->AddToList(u"over"); }), "6 Overflow: AddToList");
+    EXPECT_EQ(record->Item(cListRequest::CMD, 32766) + DecimalText(record->Count()), u"z32767");
 }
 
 TEST(AnswerTextTest, Codes) {
-    const std::pair<int, std::vector<Text>> cases[] = {
-        {-1, {u"", u"ok", u"O", u" OK", u"OK" + Text(28, u' '), u"DATA", u"2026", u"11/18", u"12:30:45"}},
-        {100, {u"OK", u"OK" + Text(23, u' '), u"12345OK" + Text(23, u' ')}},
-        {2, {u"CODE NOT ALLOWED", u"CODE NOTALLOWED"}},
-        {15, {u"SEE CM"}},
-        {83, {u"LNK_STN", u"LNK_STN_X"}},
-        {86, {u"LNK_STN_ZOLAN"}},
-        {94, {u"LNK_STN_ZOLANIP"}}};
-    for (const auto& [code, texts] : cases)
-        for (const Text& text : texts) EXPECT_EQ(LookupAnswerText(text), code) << ToUtf8(text);
+    const auto codes = [](auto... texts) { return Joined(LookupAnswerText(texts)...); };
+    const Text ok = u"OK" + Text(23, u' ');
+    EXPECT_EQ(codes(u"", u"ok", u"O", u" OK", ok + u" ", u"DATA", u"2026", u"11/18", u"12:30:45"),
+              "-1|-1|-1|-1|-1|-1|-1|-1|-1|");
+    EXPECT_EQ(codes(u"OK", ok, u"12345" + ok, u"OKAY", u"DATA ERROR", u"ERROR 12", u"SEE CM"),
+              "100|100|100|100|1|104|15|");
+    EXPECT_EQ(codes(u"CODE NOT ALLOWED", u"CODE NOTALLOWED", u"LNK_STN", u"LNK_STN_X", u"LNK_STN_ZOLAN",
+                    u"LNK_STN_ISDN", u"LNK_STN_ZOLANIP"),
+              "2|2|83|83|86|89|94|");
 }
 
-using Items = std::vector<std::array<const char16_t*, 3>>;  // FirstData, SecondData, ExtraData
-
-std::shared_ptr<cListRequest> Answer(const Items& items) {
-    auto answer = std::make_shared<cListRequest>();
-    for (const auto& [first, second, extra] : items) answer->AddToList(u"02", first, second, extra);
+// An answer by its items, "FirstData=SecondData" or "FirstData=SecondData~ExtraData", with ";" between them.
+cListRequest& Fill(cListRequest& answer, const std::string& items) {
+    std::istringstream all(items);
+    for (std::string item; std::getline(all, item, ';');) {
+        const auto value = item.find('=') + 1, extra = std::min(item.find('~'), item.size());
+        const auto piece = [&](std::size_t from, std::size_t to) {
+            return FromUtf8(item.substr(from, to - from));
+        };
+        answer.AddToList(u"02", piece(0, value - 1), piece(value, extra),
+                         extra < item.size() ? piece(extra + 1, item.size()) : Text());
+    }
     return answer;
 }
 
-// The text, or "error" and its number.
-Text Result(const std::function<Text()>& make) {
-    Text text;
-    const auto error = ErrorOf([&] { text = make(); });
-    return error ? u"error " + DecimalText(error) : text;
-}
-
 TEST(UpdateAnswerTest, AnItemIsGoodOrALineInItsPlace) {
-    const std::pair<Items, Text> cases[] = {
-        {{}, u""},
-        {{{u"1", u"x", u"OK"}, {u"1", u"x", u"LNK_OK"}, {u"1", u"x", u"LNK_STN_ZOLANIP"}}, u""},
-        {{{u"1", u"x", u"DIGIT ERROR"}, {u"3", u"y", u"COMMAND="}},
-         u"\r\nCM = 02, FD = 1, SD = x DIGIT ERROR\r\nCM = 02, FD = 3, SD = y COMMAND="},
-        {{{u"1", u"x", u"LNK_TIMEOUT"}}, u"\r\nCM = 02, FD = 1, SD = x no way"},
-        {{{u"1", u"x", u"LNK_PKG"}}, u"\r\nCM = 02, FD = 1, SD = x no way"},
-        {{{u"0", u"2026", u"SEE CM 12"}, {u"1", u"x", u"OK"}, {u"2", u"1", u"gibberish"}},
-         u"\r\nCM = 02, FD = 0, SD = 2026 SEE CM 12\r\nCM = 02, FD = 2, SD = 1 no way"}};
-    for (const auto& [items, text] : cases)
-        EXPECT_EQ(UpdateErrors(*Answer(items), [] { return Text(u"no way"); }), text) << ToUtf8(text);
+    const auto errors = [](const std::string& items) {
+        cListRequest answer;
+        return ToUtf8(UpdateErrors(Fill(answer, items), [] { return Text(u"no way"); }));
+    };
+    EXPECT_EQ(errors("") + errors("1=x~OK;1=x~LNK_OK;1=x~LNK_STN_ZOLANIP;1=x~LNK_STN_STATION"), "");
+    EXPECT_EQ(errors("1=x~DIGIT ERROR;3=y~COMMAND=;4=z~SEE CM;5=z~NONE"),
+              "\r\nCM = 02, FD = 1, SD = x DIGIT ERROR\r\nCM = 02, FD = 3, SD = y COMMAND="
+              "\r\nCM = 02, FD = 4, SD = z SEE CM\r\nCM = 02, FD = 5, SD = z NONE");
+    EXPECT_EQ(errors("1=x~LNK_TIMEOUT;2=x~LNK_NO_IPPBX;3=x~LNK_NONE;4=x~LNK_PKG;5=1~OK;6=x~gibberish"),
+              "\r\nCM = 02, FD = 1, SD = x no way\r\nCM = 02, FD = 2, SD = x no way\r\nCM = 02, FD = 3, SD = "
+              "x no way"
+              "\r\nCM = 02, FD = 4, SD = x no way\r\nCM = 02, FD = 6, SD = x no way");
 }
 
-TEST(LookupAnswerTest, TheMarketDecidesTheForm) {
-    const auto answer = Answer({{u"0", u"2026", u""}, {u"1", u"11/18 (WED)", u""}, {u"2", u"13:02:03", u""}});
-    for (const char16_t* market : {u"10001", u"2", u"9", u"", u"X", u"\u0663"})
-        EXPECT_EQ(ClockText(*answer, market, fakes::FakeLocale()), u"2026/11/18 (d4)\r\n13:02:03")
-            << ToUtf8(market);
-    for (const char16_t* market : {u"3", u"80001"})
-        EXPECT_EQ(ClockText(*answer, market, fakes::FakeLocale()), u"long date(day 4)\r\nlong time");
+// The clock of an answer in the form of a market, or the number of its failure.
+std::string Clock(const std::string& items, TextView market = u"10001") {
+    cListRequest answer;
+    Text text;
+    const auto error = ErrorOf([&] { text = ClockText(Fill(answer, items), market, headless::Locale()); });
+    return error ? "error " + std::to_string(error) : ToUtf8(text);
 }
 
-TEST(LookupAnswerTest, MissingAndMalformedItems) {
-    const std::array<const char16_t*, 3> year{u"0", u"2026", u""}, day{u"1", u"11/18", u""};
-    const std::pair<Items, const char16_t*> cases[] = {
-        {{}, u"error 13"},
-        {{year, day}, u"2026/11/18 (d4)\r\n00:00:00"},
-        {{year, {u"2", u"13:02:03", u""}}, u"error 13"},
-        {{year, {u"1", u"13/18", u""}}, u"error 13"},
-        {{year, day, {u"2", u"", u""}}, u"error 13"},
-        {{{u"0", u"LNK_TIMEOUT", u""}, day}, u"error 13"},
-        {{year, day, {u"7", u"DATA ERROR", u""}}, u"error 13"},
-        {{{u"0", u"1999", u""}, year, {u"7", u"other", u""}, day}, u"2026/11/18 (d4)\r\n00:00:00"},
-        {{year, day, {u"2", u"01:02 and 03", u""}}, u"2026/11/18 (d4)\r\n01:02:03"}};
-    for (const auto& [items, text] : cases)
-        EXPECT_EQ(
-            Result([&, given = items] { return ClockText(*Answer(given), u"10001", fakes::FakeLocale()); }),
-            text);
+TEST(LookupAnswerTest, TheMarketDecidesTheFormAndAllItemsHaveToBeThere) {
+    for (const TextView market : {u"10001", u"2", u"9", u"", u"X", u"\u0663"})
+        EXPECT_EQ(Clock("0=2026;1=11/18 (WED);2=13:02:03", market), "2026/11/18 (d4)\r\n13:02:03");
+    for (const TextView market : {u"3", u"80001"})
+        EXPECT_EQ(Clock("0=2026;1=11/18 (WED);2=13:02:03", market),
+                  "long 11/18/2026(day 4)\r\nlong 13:02:03");
+    EXPECT_EQ(Clock("0=1999;0=2026;7=other;1=11/18"), "2026/11/18 (d4)\r\n00:00:00");
+    EXPECT_EQ(Clock("0=2026;1=11/18;2=01:02 and 03"), "2026/11/18 (d4)\r\n01:02:03");
+    for (const char* items : {"", "0=2026;2=13:02:03", "1=11/18", "0=2026;1=13/18",
+                              "0=2026;1=11/18;2=", "0=LNK_TIMEOUT;1=11/18", "0=2026;1=11/18;7=DATA ERROR"})
+        EXPECT_EQ(Clock(items), "error 13") << items;
 }
 
 TEST(CommandTest, TheUpdateCarriesDateAndTimeInTwentyFourHours) {
-    fakes::FakeTime<Scheduler> scheduler;
-    fakes::FakeToolkit toolkit;
-    forms::Form form(u"form", scheduler, toolkit);
+    headless::Headless computer;
+    forms::Form form(u"form", computer.timers, computer.toolkit);
     const DialogControls controls = LayOut(form);
-    const Table<std::array<std::int16_t, 3>, std::array<const char16_t*, 4>, Text> cases = {
-        {{2026, 11, 18}, {u"01", u"02", u"03", u"PM"}, u"2026 111803 130203"},
-        {{2026, 11, 15}, {u"12", u"00", u"00", u"AM"}, u"2026 111500 000000"},
-        {{2026, 12, 31}, {u"12", u"00", u"00", u"PM"}, u"2026 123104 120000"},
-        {{2026, 2, 0}, {u"01", u"02", u"03", u"PM"}, u"error 13"},
-        {{2026, 2, 28}, {u"", u"02", u"03", u"PM"}, u"error 13"}};
-    for (const auto& [date, time, values] : cases) {
-        controls.Calendar->SetDay(date[2]);
-        controls.Calendar->SetMonth(date[1]);
-        controls.Calendar->SetYear(date[0]);
+    const auto update = [&](const DateParts& date, std::array<const char16_t*, 4> time) {
+        controls.Calendar->SetDay(static_cast<std::int16_t>(date.day));
+        controls.Calendar->SetMonth(static_cast<std::int16_t>(date.month));
+        controls.Calendar->SetYear(static_cast<std::int16_t>(date.year));
         for (std::size_t i = 0; i < 4; ++i) controls.txtTime[i]->Text = time[i];
-        const auto make = [&] {
-            const auto request = UpdateClockRequest(controls, fakes::FakeLocale());
-            EXPECT_EQ(request->Tag, u"UPDATE_CLOCK");
-            const auto value = [&](std::int16_t i) { return request->Item(cListRequest::SecondData, i); };
-            return value(0) + u" " + value(1) + u" " + value(2);
-        };
-        EXPECT_EQ(Result(make), values);
-    }
+        return UpdateClockRequest(controls, headless::Locale());
+    };
+    const std::string fields = "0||False|1|||True|True||UPDATE_CLOCK|||20|3|0| -1:|||||||| ";
+    EXPECT_EQ(Content(update({2026, 11, 18}, {u"01", u"02", u"03", u"PM"})),
+              fields + "0:02|0|2026|||||| 1:02|1|111803|||||| 2:02|2|130203|||||| 3:||||||||");
+    EXPECT_EQ(Content(update({2026, 11, 15}, {u"12", u"00", u"00", u"AM"})),
+              fields + "0:02|0|2026|||||| 1:02|1|111500|||||| 2:02|2|000000|||||| 3:||||||||");
+    EXPECT_EQ(Faults([&] { update({2026, 2, 0}, {u"01", u"02", u"03", u"PM"}); },
+                     [&] { update({2026, 2, 28}, {u"", u"02", u"03", u"PM"}); }),
+              "13 Type mismatch: no day is chosen|13 Type mismatch: :02:03 PM|");
+    EXPECT_EQ(Content(LookupClockRequest()),
+              "0||False|1|||True|True||LOOKUP_CLOCK|||20|3|0| -1:|||||||| 0:02|0||||||| 1:02|1||||||| "
+              "2:02|2||||||| "
+              "3:||||||||");
 }
 
 }  // namespace

@@ -5,18 +5,18 @@
 
 #include <algorithm>
 
-#include "ErrorOf.h"
+#include "Joined.h"
 #include "Table.h"
 #include "TemporaryDirectory.h"
-#include "platform/data/Database.h"
 #include "platform/data/Dialect.h"
-#include "platform/desktop/Paths.h"
+#include "platform/data/sqlite/Failure.h"
 
 namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
 
+using Act = std::function<void()>;
 constexpr auto dynaset = RecordsetType::Dynaset, forwardOnly = RecordsetType::ForwardOnly;
 constexpr TextView horalink = u"SELECT * FROM Registry WHERE AppName = \"Horalink.mra\"";
 
@@ -24,9 +24,8 @@ constexpr TextView horalink = u"SELECT * FROM Registry WHERE AppName = \"Horalin
 struct OtherProgram {
     explicit OtherProgram(const fs::path& file) { sqlite3_open(file.c_str(), &handle); }
     ~OtherProgram() { sqlite3_close(handle); }
-    void Run(const char* statements) {
-        ASSERT_EQ(sqlite3_exec(handle, statements, nullptr, nullptr, nullptr), SQLITE_OK)
-            << statements << ": " << sqlite3_errmsg(handle);
+    void Run(const std::string& sql) {
+        ASSERT_EQ(sqlite3_exec(handle, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
     }
     sqlite3* handle = nullptr;
 };
@@ -37,26 +36,22 @@ struct SqliteTest : testing::Test {
             "create table Registry (AppName text, Version text, Count integer, [Index] integer);"
             "insert into Registry values ('Other.mra', '1.0', 1, -1), ('Horalink.mra', '2.0', 2, 0),"
             " ('Horalink.mra', '3.0', 3, 1);"
-            "create table tMessages (ID integer, Caption text); insert into tMessages values (0, 'zero');"
             "create table Kinds (Name text, Value);"
-            "insert into Kinds values ('whole', 2147483647), ('least', -2147483648), ('large', 2147483648),"
-            " ('real', 0.5), ('text', 'Größe 𝄞'), ('null', null), ('binary', x'00'), ('empty', '');");
+            "insert into Kinds values ('1', 2147483647), ('2', -2147483648), ('3', 2147483648), ('4', "
+            "-2147483649),"
+            " ('5', 0.5), ('6', 'Größe 𝄞'), ('7', null), ('8', '')");
     }
     DatabaseRef Open(bool readOnly = false) { return engine->OpenDatabase(PathText(file), readOnly); }
     std::unique_ptr<Recordset> Rows(TextView query = horalink, RecordsetType type = dynaset) {
         return Open()->OpenRecordset(query, type);
     }
-    void RunElsewhere(const std::string& statements) { OtherProgram(file).Run(statements.c_str()); }
-    // The first column of the first row.
-    Value Single(const Text& query) {
-        return Rows(u"select (" + query + u") as Result", forwardOnly)->Field(u"Result");
+    void RunElsewhere(const std::string& sql) { OtherProgram(file).Run(sql); }
+    // What a query gives in its one row and column.
+    std::string Single(const Text& query) {
+        return ToUtf8(Rows(u"select (" + query + u") as Result", forwardOnly)->Field(u"Result").ToText());
     }
-    static std::int32_t Change(Recordset& rows, TextView field, const Value& value) {
-        return ErrorOf([&] {
-            rows.Edit();
-            rows.SetField(field, value);
-            rows.Update();
-        });
+    static std::string Change(Recordset& rows, TextView field, const Value& value) {
+        return FaultOf([&] { rows.Edit(), rows.SetField(field, value), rows.Update(); });
     }
     // The descriptors of this process that stand for the file.
     std::ptrdiff_t OpenDescriptors() {
@@ -65,194 +60,223 @@ struct SqliteTest : testing::Test {
             return fs::read_symlink(entry.path(), error) == file;
         });
     }
-
     TemporaryDirectory directory;
     const fs::path file = directory.Path() / "Test.mdb";
     std::unique_ptr<DatabaseEngine> engine = MakeSqliteEngine();
 };
 
 TEST(DialectTest, TranslatesNamesAndStrings) {
-    const std::pair<const char16_t*, const char16_t*> cases[] = {
-        {u"", u""},
-        {u"select ObjectName,Index,Caption from t", u"select ObjectName,[Index],Caption from t"},
-        {u"select INDEX, tControls.Index", u"select [INDEX], tControls.[Index]"},
-        {u"select BasePanelIndex, Index2 from t", u"select BasePanelIndex, Index2 from t"},
-        {u"select Größe,Index", u"select Größe,[Index]"},
-        {u"select [Index], `Index` from [From]", u"select [Index], `Index` from [From]"},
-        {u"a = \"Horalink.mra\"", u"a = 'Horalink.mra'"},
-        {u"a = \"say \"\"Index\"\"\"", u"a = 'say \"Index\"'"},
-        {u"a = \"it's\"", u"a = 'it''s'"},
-        {u"a = 'it''s \"Index\"'", u"a = 'it''s \"Index\"'"},
-        {u"a = '[' and Index = ']'", u"a = '[' and [Index] = ']'"},
-        {u"a = \"open\"\"", u"a = 'open\""},
-        {u"a = \"", u"a = '"},
-        {u"a = 'open Index", u"a = 'open Index"}};
-    for (const auto& [query, expected] : cases) EXPECT_EQ(ToUtf8(ToSqliteDialect(query)), ToUtf8(expected));
+    const auto translate = [](auto... queries) { return Joined(ToSqliteDialect(queries)...); };
+    EXPECT_EQ(translate(u"", u"select ObjectName,Index,Caption from t", u"INDEX, t.Index",
+                        u"BasePanelIndex, Index2, _Index", u"Größe,Index", u"[Index], `Index`, [Fr]]om]"),
+              "|select ObjectName,[Index],Caption from t|[INDEX], t.[Index]|BasePanelIndex, Index2, _Index|"
+              "Größe,[Index]|[Index], `Index`, [Fr]]om]|");
+    EXPECT_EQ(
+        translate(u"a = \"Horalink.mra\"", u"\"say \"\"Index\"\"\" Index", u"\"it's\"",
+                  u"'it''s \"Index\"' \"b\"", u"'[' and Index = ']'", u"\"open\"\"", u"\"", u"'open Index",
+                  u"\"\"", u"`a``Index` \"b\""),
+        "a = 'Horalink.mra'|'say \"Index\"' [Index]|'it''s'|'it''s \"Index\"' 'b'|'[' and [Index] = ']'|"
+        "'open\"|'|'open Index|''|`a``Index` 'b'|");
+    const auto numbered = [](auto... queries) {
+        return Joined(WithRowNumber(queries, u"oid").value_or(u"none")...);
+    };
+    EXPECT_EQ(numbered(u" \t\r\n SELECT * FROM t", u"select a from t where b = 'group'",
+                       u"select a from t Group by a", u"  ", u"", u"selected", u"select [group] from t"),
+              "select oid, * FROM t|select oid, a from t where b = 'group'|none|none|none|none|select oid, "
+              "[group] from t|");
 }
 
-TEST(DialectTest, TheRowsNumberStandsBeforeTheOtherColumnsOfASelection) {
-    const std::pair<const char16_t*, std::optional<Text>> cases[] = {
-        {u"  SELECT * FROM Registry", u"select oid, * FROM Registry"},
-        {u"select a from t where b = 'group'", u"select oid, a from t where b = 'group'"},
-        {u"select a from t Group by a", {}},
-        {u"  ", {}}};
-    for (const auto& [query, expected] : cases)
-        EXPECT_EQ(WithRowNumber(query, u"oid"), expected) << ToUtf8(query);
+TEST(FailureTest, CodesBecomeTheNumbersOfTheInterface) {
+    const auto all = [](const std::string& expected, auto... codes) {
+        for (const int code : {codes...})
+            EXPECT_EQ(FaultOf([&] { throw SqliteFailure(code, "why", "F.mdb"); }), expected) << code;
+    };
+    all("3260 F.mdb is locked by another user; try again in a moment", SQLITE_BUSY, SQLITE_LOCKED,
+        SQLITE_BUSY_SNAPSHOT);
+    all("3343 F.mdb is not a database, or it is damaged", SQLITE_NOTADB, SQLITE_CORRUPT);
+    all("3027 F.mdb can't be changed: it is read-only", SQLITE_CANTOPEN, SQLITE_PERM, SQLITE_READONLY);
+    all("3317 The table doesn't accept the value: why", SQLITE_CONSTRAINT, SQLITE_MISMATCH);
+    all("3043 F.mdb can't be read or written: why", SQLITE_FULL, SQLITE_IOERR);
 }
 
-TEST_F(SqliteTest, GivesEachKindOfValueAndNothingBehindTheLastRow) {
-    const std::pair<Text, Value> kinds[] = {
-        {u"whole", 2147483647}, {u"least", -2147483647 - 1}, {u"large", 2147483648.0}, {u"real", 0.5},
-        {u"text", u"Größe 𝄞"},  {u"null", Null()},           {u"empty", u""}};
-    for (const auto& [name, value] : kinds)
-        EXPECT_EQ(Single(u"select Value from Kinds where Name = '" + name + u"'"), value);
+TEST_F(SqliteTest, GivesEachKindOfValueAndNothingPastTheLastRow) {
+    const Value kinds[] = {2147483647, -2147483647 - 1, 2147483648.0, -2147483649.0,
+                           0.5,        u"Größe 𝄞",      Null(),       u""};
+    RunElsewhere("create table Binary as select 'b' as Name, x'00' as Value");
     for (const auto type : {forwardOnly, dynaset}) {
-        const auto rows = Rows(u"select Name,Value from Kinds where Name = 'binary'", type);
-        EXPECT_EQ(rows->Field(u"NAME"), Value(u"binary"));
-        EXPECT_EQ(ErrorOf([&] { rows->Field(u"Value"); }), 13) << "refused where it is read";
-        EXPECT_EQ(ErrorOf([&] { rows->Field(u"Caption"); }), 3265);
-        rows->MoveNext();
-        EXPECT_TRUE(rows->EndOfFile());
+        const auto all = Rows(u"select Value from Kinds order by Name", type);
+        for (const Value& value : kinds) {
+            EXPECT_EQ(all->Field(u"Value"), value);
+            all->MoveNext();
+        }
+        EXPECT_TRUE(all->EndOfFile());
+        const auto rows = Rows(u"select * from Binary", type);
+        const Act text = [&] { rows->Field(u"NAME").ToText(); }, value = [&] { rows->Field(u"Value"); },
+                  next = [&] { rows->MoveNext(); }, none = [&] { rows->Field(u"Caption"); };
+        EXPECT_EQ(
+            Faults(text, value, none, next, text, next),
+            "0 |13 Type mismatch: the field holds binary data|"
+            "3265 The field 'Caption' was not found in the record set|0 |3021 There is no current record|"
+            "3021 There is no current record|");
         EXPECT_EQ(rows->RecordCount(), 1);
-        EXPECT_EQ(ErrorOf([&] { rows->Field(u"Name"); }), 3021);
-        EXPECT_EQ(ErrorOf([&] { rows->MoveNext(); }), 3021);
     }
+    EXPECT_EQ(Rows(u"select * from Registry", forwardOnly)->RecordCount(), 1)
+        << "those that have been current";
+    EXPECT_EQ(Rows(u"select * from Registry", dynaset)->RecordCount(), 3);
 }
 
 TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
-    using enum DataError;
-    const Table<TextView, DataError, TextView> cases = {
-        {u"select * from tProject", NoSuchTable, u"The table 'tProject' was not found in Test.mdb"},
-        {u"select Title from Registry", NoSuchQueryField, u"'Title'"},
-        {u"select Index from Kinds", NoSuchQueryField, u"'Index'"},
-        {u"SELECT * FROM Kinds UNION SELECT 1, 2 ORDER BY ID", NoSuchQueryField, u"sorted"},
-        {u"SELECT * FROM Registry UNION SELECT 1, 2 ORDER BY ID", UnionColumns, u"union"},
-        {u"select * from Kinds where Name = 'it's'", QuerySyntax, u"s"},
-        {u"select * from Kinds where", QuerySyntax, u"incomplete"},
-        {u"select * from Kinds; select 1", QuerySyntax, u"behind"},
-        {u"", QuerySyntax, u"empty"},
-        {u"delete from Kinds", QuerySyntax, u"delete"},
-        {u"vacuum", QuerySyntax, u"no rows"}};
-    for (const auto& [query, number, named] : cases)
-        for (const auto type : {forwardOnly, dynaset}) {
-            const RuntimeError error = Raised([&, text = query] { Rows(text, type); });
-            EXPECT_EQ(error.Number(), static_cast<std::int32_t>(number)) << error.what();
-            EXPECT_NE(error.Description().find(named), Text::npos) << error.what();
-        }
+    const Table<TextView, std::string> cases = {
+        {u"select * from tProject", "3078 The table 'tProject' was not found in Test.mdb"},
+        {u"select Title from Registry", "3061 The field 'Title' was not found in Test.mdb"},
+        {u"select Index from Kinds", "3061 The field 'Index' was not found in Test.mdb"},
+        {u"SELECT * FROM Kinds UNION SELECT 1, 2 ORDER BY ID",
+         "3061 The query is sorted by a field that was not found in Test.mdb"},
+        {u"SELECT * FROM Registry UNION SELECT 1, 2 ORDER BY ID",
+         "3307 The two parts of a union query have different numbers of fields"},
+        {u"select * from Kinds where Name = 'it's'",
+         "3075 The query is not well formed: near \"s\": syntax error"},
+        {u"select * from Kinds where", "3075 The query is not well formed: incomplete input"},
+        {u"select * from Kinds; select 1", "3075 The query is not well formed: there is more behind its end"},
+        {u"", "3075 The query is not well formed: it is empty"},
+        {u" \t\r\n", "3075 The query is not well formed: it is empty"},
+        {u"vacuum", "3075 The query is not well formed: it selects no rows"},
+        {u"delete from Kinds returning Name",
+         "3075 The query is not well formed: near \"[delete]\": syntax error"}};
+    for (const auto& [query, fault] : cases)
+        for (const auto type : {forwardOnly, dynaset})
+            EXPECT_EQ(FaultOf([&, text = query] { Rows(text, type); }), fault);
+    EXPECT_FALSE(Rows(u"select * from Kinds; \t\r\n", dynaset)->EndOfFile());
 }
 
 TEST_F(SqliteTest, NamesAFileThatCantBeOpenedByItsPathOnTheMachine) {
-    const Table<TextView, DataError, fs::path> cases = {
-        {u"", DataError::FileNotFound, directory.Path()},
-        {u"TEST.MDB\\None.mdb", DataError::FileNotFound, file / "None.mdb"},
-        {u"EMPTY.MDB", DataError::NotADatabase, directory.Write("Empty.mdb")}};
-    for (const auto& [path, number, real] : cases) {
-        const Text asked = UpperCase(PathText(directory.Path())) + u"\\" + Text(path);
-        const RuntimeError error = Raised([&] { engine->OpenDatabase(asked); });
-        EXPECT_EQ(error.Number(), static_cast<std::int32_t>(number));
-        EXPECT_NE(std::string(error.what()).find("'" + real.native() + "'"), std::string::npos)
-            << error.what();
-    }
+    const auto open = [&](const char16_t* name) {
+        return FaultOf([&] { engine->OpenDatabase(UpperCase(PathText(directory.Path())) + u"\\" + name); });
+    };
+    directory.Write("Empty.mdb"), directory.Write("Garbage.mdb", std::string(600, 'x'));
+    const std::string here = directory.Path().native();
+    EXPECT_EQ(open(u""), "3024 The file '" + here + "' was not found");
+    EXPECT_EQ(open(u"TEST.MDB\\None.mdb"), "3024 The file '" + here + "/Test.mdb/None.mdb' was not found");
+    EXPECT_EQ(open(u"EMPTY.MDB"), "3343 The file '" + here + "/Empty.mdb' is empty");
+    EXPECT_EQ(open(u"GARBAGE.MDB"), "3343 Garbage.mdb is not a database, or it is damaged");
+    const std::string longName = "/" + std::string(300, 'x');
+    EXPECT_EQ(FaultOf([&] { engine->OpenDatabase(FromUtf8(longName)); }),
+              "3051 You don't have permission to open '" + longName + "'");
 }
 
 TEST_F(SqliteTest, ChangesTheCurrentRowAloneBetweenEditAndUpdate) {
     const auto rows = Rows();
-    EXPECT_EQ(ErrorOf([&] { rows->SetField(u"Version", u"x"); }), 3020);
-    EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020);
-    rows->Edit();
-    EXPECT_EQ(ErrorOf([&] { rows->SetField(u"Nothing", u"x"); }), 3265);
-    rows->SetField(u"version", u"13.0.1");
+    const Act edit = [&] { rows->Edit(); }, set = [&] { rows->SetField(u"version", u"13.0.1"); },
+              update = [&] { rows->Update(); }, next = [&] { rows->MoveNext(); },
+              other = [&] { rows->SetField(u"Nothing", u"x"); };
+    const std::string noEdit = "3020 The record must be opened by Edit before it is changed|",
+                      noField = "3265 The field 'Nothing' was not found in the record set|";
+    EXPECT_EQ(Faults(set, update, edit, other, set, set), noEdit + noEdit + "0 |" + noField + "0 |0 |");
     EXPECT_EQ(rows->Field(u"Version"), Value(u"2.0")) << "before Update";
-    rows->Update();
-    EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020) << "the edit has ended";
+    EXPECT_EQ(Faults(update, update), "0 |" + noEdit);
     EXPECT_EQ(rows->Field(u"Version"), Value(u"13.0.1"));
-    rows->Edit();
-    rows->SetField(u"Version", u"dropped");
-    rows->MoveNext();
-    EXPECT_EQ(rows->Field(u"Version"), Value(u"3.0"));
-    EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3020);
-    rows->MoveNext();
-    EXPECT_EQ(ErrorOf([&] { rows->Edit(); }), 3021);
+    EXPECT_EQ(
+        Faults(edit, update, edit, set, next, update, next, edit, set),
+        "0 |0 |0 |0 |0 |" + noEdit + "0 |3021 There is no current record|3021 There is no current record|");
     EXPECT_EQ(Single(u"select group_concat(AppName || Version || Count || [Index]) from Registry"),
-              Value(u"Other.mra1.01-1,Horalink.mra13.0.120,Horalink.mra3.031"));
+              "Other.mra1.01-1,Horalink.mra13.0.120,Horalink.mra3.031");
+    std::string written;
+    for (const Value& value :
+         {Value(), Value(Null{}), Value(true), Value(false), Value(7), Value(0.5), Value(Date{2.5})}) {
+        EXPECT_EQ(Change(*Rows(), u"Version", value), "0 ");
+        written += Single(u"select ifnull(max(Version), 'null') from Registry where Count = 2") + " ";
+    }
+    EXPECT_EQ(written, "null null -1 0 7 0.5 2.5 ");
+    EXPECT_EQ(Change(*Rows(), u"Version", Missing{}) + Change(*Rows(), u"Version", ObjectRef()),
+              "13 Type mismatch13 Type mismatch");
 }
 
 TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
     RunElsewhere(
-        "create view Shown as select * from Registry; create table Other (x, y);"
-        "insert into Other values (1, 2); create table Keyed (a primary key) without rowid;"
-        "insert into Keyed values (1); create table Named (a primary key, RowID) without rowid;"
-        "insert into Named values (1, 1); create table Taken (rowid, oid, _ROWID_);"
-        "insert into Taken values (1, 1, 1);"
+        "create view Shown as select * from Registry; create table Other (x, y); insert into Other values "
+        "(1, 2);"
+        "create table Keyed (a primary key) without rowid; insert into Keyed values (1);"
+        "create table Named (a primary key, RowID) without rowid; insert into Named values (1, 1);"
+        "create table Taken (rowid, oid, _ROWID_); insert into Taken values (1, 1, 1);"
         "create view Misleading as select Count as rowid, AppName, Version from Registry;");
+    const std::string readOnly = "3027 The record can't be changed: the database or the query is read-only";
     for (const TextView query :
-         {u"SELECT * FROM tMessages UNION SELECT -1, COUNT(*) FROM tMessages ORDER BY ID",
+         {u"SELECT * FROM Kinds UNION SELECT -1, COUNT(*) FROM Kinds ORDER BY Name",
           u"select AppName from Registry, Other", u"select distinct AppName from Registry",
           u"select AppName from Registry group by AppName", u"select count(*) as c from Registry",
           u"select * from Shown", u"select * from Keyed", u"select * from Named", u"select * from Taken",
           u"select AppName, Version from Misleading", u"select * from (select AppName from Registry limit 1)",
           u"select Version || '.' as v from Registry"}) {
-        EXPECT_FALSE(Rows(query)->EndOfFile()) << ToUtf8(query);
-        EXPECT_EQ(ErrorOf([&] { Rows(query)->Edit(); }), 3027) << ToUtf8(query);
+        const auto rows = Rows(query);
+        EXPECT_FALSE(rows->EndOfFile());
+        EXPECT_EQ(FaultOf([&] { rows->Edit(); }), readOnly) << ToUtf8(query);
     }
-    EXPECT_EQ(ErrorOf([&] { Rows(horalink, forwardOnly)->Edit(); }), 3027);
-    EXPECT_EQ(ErrorOf([&] { Open(true)->OpenRecordset(horalink, dynaset)->Edit(); }), 3027);
+    const auto rows = Rows(horalink, forwardOnly);
+    EXPECT_EQ(Faults([&] { rows->Edit(); }, [&] { rows->SetField(u"Version", u"x"); },
+                     [&] { rows->Update(); }, [&] { Open(true)->OpenRecordset(horalink, dynaset)->Edit(); }),
+              readOnly + "|" + readOnly + "|" + readOnly + "|" + readOnly + "|");
 }
 
 TEST_F(SqliteTest, ColumnsNamedLikeTheRowsNumberLeadToNoOtherRow) {
     for (const std::string columns : {"rowid", "oid", "_rowid_", "ROWID, oid", "_rowid_, RowId"}) {
-        RunElsewhere("drop table if exists Shadowed; create table Shadowed (a text, " + columns + ");" +
-                     "insert into Shadowed (a, " + columns.substr(0, columns.find(',')) +
+        RunElsewhere("drop table if exists [Say \"\"\"]; create table [Say \"\"\"] (a text, " + columns +
+                     ");" + "insert into [Say \"\"\"] (a, " + columns.substr(0, columns.find(',')) +
                      ") values ('first', 1), ('second', 1)");
-        EXPECT_EQ(Change(*Rows(u"select * from Shadowed where a = 'first'"), u"a", u"new"), 0) << columns;
-        EXPECT_EQ(Single(u"select group_concat(a) from Shadowed"), Value(u"new,second")) << columns;
+        EXPECT_EQ(Change(*Rows(u"select * from [Say \"\"\"] where a = 'first'"), u"a", u"new"), "0 ")
+            << columns;
+        EXPECT_EQ(Single(u"select group_concat(a) from [Say \"\"\"]"), "new,second") << columns;
     }
 }
 
 TEST_F(SqliteTest, LeavesTheRowAloneWhenTheTableRefusesTheValueOrTheRowIsGone) {
     RunElsewhere("create table Strict (a text not null, b); insert into Strict values ('a', 'b')");
     const auto rows = Rows(u"select * from Strict");
-    rows->Edit();
-    rows->SetField(u"b", u"new");
-    rows->SetField(u"a", Null());
-    EXPECT_EQ(ErrorOf([&] { rows->Update(); }), 3317);
+    const auto set = [&](TextView field, const Value& value) { rows->SetField(field, value); };
+    EXPECT_EQ(FaultOf([&] { rows->Edit(), set(u"b", u"new"), set(u"a", Null()), rows->Update(); }),
+              "3317 The table doesn't accept the value: NOT NULL constraint failed: Strict.a");
     EXPECT_EQ(rows->Field(u"b"), Value(u"b"));
-    rows->SetField(u"a", u"A");
-    rows->Update();
-    EXPECT_EQ(Single(u"select a || b from Strict"), Value(u"Anew"));
+    set(u"a", u"A"), rows->Update();
+    EXPECT_EQ(Single(u"select a || b from Strict"), "Anew");
     RunElsewhere("delete from Strict");
-    EXPECT_EQ(Change(*rows, u"a", u"x"), 3167);
+    EXPECT_EQ(Change(*rows, u"a", u"x"), "3167 The record was deleted in the meantime");
 }
 
 TEST_F(SqliteTest, TellsOfLocks) {
     const auto rows = Rows();
+    const std::string locked = "3260 Test.mdb is locked by another user; try again in a moment";
     OtherProgram other(file);
     other.Run("begin exclusive");
-    EXPECT_EQ(ErrorOf([&] { Open(); }), 3260);
-    EXPECT_EQ(Change(*rows, u"Version", u"x"), 3260);
+    EXPECT_EQ(FaultOf([&] { Open(); }), locked);
+    EXPECT_EQ(Change(*rows, u"Version", u"x"), locked);
     other.Run("rollback");
     rows->Update();
     EXPECT_EQ(rows->Field(u"Version"), Value(u"x"));
-    EXPECT_EQ(Change(*Rows(), u"Version", u"y"), 0) << "two dynasets do not block each other";
-    EXPECT_EQ(Change(*rows, u"Version", u"z"), 0);
+    EXPECT_EQ(Change(*Rows(), u"Version", u"y") + Change(*rows, u"Version", u"z"), "0 0 ")
+        << "no dynaset blocks another";
 }
 
 TEST_F(SqliteTest, WhatIsClosedAnswersNothingAndLetsGoOfTheFile) {
-    for (const auto type : {forwardOnly, dynaset}) {
-        const auto database = Open();
-        const auto rows = database->OpenRecordset(horalink, type);
-        database->OpenRecordset(horalink, type)->Close();
-        EXPECT_EQ(OpenDescriptors(), 1);
-        database->Close();
-        EXPECT_EQ(OpenDescriptors(), 0);
-        const std::function<void()> members[] = {
-            [&] { rows->EndOfFile(); }, [&] { rows->Field(u"Version"); },
-            [&] { rows->MoveNext(); },  [&] { rows->RecordCount(); },
-            [&] { rows->Edit(); },      [&] { rows->SetField(u"Version", u"x"); },
-            [&] { rows->Update(); },    [&] { rows->Close(); },
-            [&] { database->Close(); }, [&] { database->OpenRecordset(horalink, type); }};
-        for (const auto& member : members) EXPECT_EQ(ErrorOf(member), 3420);
-    }
+    for (const auto type : {forwardOnly, dynaset})
+        for (const bool whole : {false, true}) {
+            const auto database = Open();
+            const auto rows = database->OpenRecordset(horalink, type);
+            EXPECT_EQ(OpenDescriptors(), 1);
+            whole ? database->Close() : rows->Close();
+            EXPECT_EQ(OpenDescriptors(), whole ? 0 : 1);
+            const Act members[] = {
+                [&] { rows->EndOfFile(); },
+                [&] { rows->Field(u"Version"); },
+                [&] { rows->MoveNext(); },
+                [&] { rows->RecordCount(); },
+                [&] { rows->Edit(); },
+                [&] { rows->SetField(u"Version", u"x"); },
+                [&] { rows->Update(); },
+                [&] { rows->Close(); },
+                [&] { whole ? database->Close() : rows->Close(); },
+                [&] { whole ? void(database->OpenRecordset(horalink, type)) : rows->Close(); }};
+            for (const auto& member : members)
+                EXPECT_EQ(FaultOf(member), "3420 The database or record set is closed");
+        }
     auto rows = Rows(horalink, forwardOnly);
     rows->MoveNext();
     EXPECT_EQ(rows->Field(u"Version"), Value(u"3.0")) << "keeps the file that its database let go of";

@@ -3,10 +3,10 @@
 namespace platform {
 
 ForwardOnly::ForwardOnly(std::shared_ptr<SqliteConnection> connection, TextView query)
-    : connection_(std::move(connection)),
-      statement_(ReadingStatement(connection_, query)),
-      names_(*statement_) {
+    : connection_(std::move(connection)), statement_(ReadingStatement(connection_, query)) {
+    // The first step looks at the file, where the table may have other columns by now.
     Advance();
+    names_ = ColumnNames(*statement_);
 }
 
 void ForwardOnly::RequireOpen() const {

@@ -74,9 +74,10 @@ Statement::Statement(std::shared_ptr<SqliteConnection> connection, TextView quer
         sqlite3_prepare_v2(connection_->Handle(), utf8.c_str(), Index(utf8.size() + 1), &statement_, &rest);
     if (code != SQLITE_OK) connection_->Fail(code);
     const auto used = static_cast<std::size_t>(rest - utf8.c_str());
-    if (!statement_ || !IsWhole(std::string_view(utf8).substr(used))) {
+    if (!statement_) connection_->FailQuery("it is empty");
+    if (!IsWhole(std::string_view(utf8).substr(used))) {
         Finalize();
-        connection_->FailQuery(used == 0 ? "it is empty" : "there is more behind its end");
+        connection_->FailQuery("there is more behind its end");
     }
     connection_->Add(*this);
 }

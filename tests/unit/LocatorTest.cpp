@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include "Desk.h"
+#include "Joined.h"
+#include "harness/SmallTexts.h"
+#include "locator/VersionRecord.h"
+#include "locator/comRegMarket.h"
+#include "locator/comRegMora32.h"
+
+using namespace horalink;
+using namespace platform;
+using desk::Notes, desk::Short;
+
+namespace {
+
+TEST(MarketCodeTest, IsReadOutOfThePath) {
+    const TextView addIns = u"C:\\VELMORA32\\12345\\ADDINS", mora = u"C:\\VELMORA32\\12345\\MORA32";
+    EXPECT_EQ(
+        Joined(GetMarketCode(addIns, u"Addins"), GetMarketCode(addIns, u"MORA32"),
+               GetMarketCode(mora, u"Mora32"), GetMarketCode(u"C:\\X\\VELMORA32X12345XADDINS", u"ADDINS"),
+               GetMarketCode(u"\\opt\\velmora32\\ab1cd\\addins", u"addins"),
+               GetMarketCode(u"C:\\reader\\5432a", u"Reader")),
+        "12345|NONE|12345|12345|AB1CD|5432A|");
+    EXPECT_EQ(Joined(GetMarketCode(u"C:\\XELMORA32\\12345\\ADDINS", u"Addins"),
+                     GetMarketCode(u"VELMORA32\\1234\\ADDINS", u"ADDINS"), GetMarketCode(u"", u"ADDINS"),
+                     GetMarketCode(u"C:\\READER\\5432", u"Reader")),
+              "NONE|NONE|NONE|NONE|");
+}
+
+TEST(DirectoryTest, FollowsTheSettingTheKeywordAndThePath) {
+    headless::Settings settings;
+    const auto set = [&](const char16_t* name, const char16_t* value) { settings.values[name] = value; };
+    // The directories of keywords, for a program of that base in that directory.
+    const auto all = [&](TextView path, TextView base, auto... keywords) {
+        return Joined(ResolveDirectory(path, settings, base, keywords)...);
+    };
+    EXPECT_EQ(all(u"C:\\Tools", u"Addins", u"Database", u"RegDBofMora32", u"ME"),
+              "C:\\TOOLS\\DATABASE\\|C:\\TOOLS\\..\\MORA32\\DATABASE\\|C:\\TOOLS\\|");
+    set(u"VELMORA32/NONE/InstallPath", u"NONE");
+    EXPECT_EQ(all(u"C:\\Tools", u"Addins", u"ME"), "C:\\TOOLS\\|");
+    set(u"VELMORA32/NONE/InstallPath", u"none");
+    EXPECT_EQ(all(u"C:\\Tools", u"Addins", u"ME"), "NONEADDINS\\|");
+    set(u"VELMORA32/10001/InstallPath", u"D:\\");
+    set(u"OTHER/30003/InstallPath", u"F:\\Other\\");
+    EXPECT_EQ(
+        all(u"C:\\velmora32\\10001\\addins", u"addins", u"me", u"Help", u"Report", u"BackGrnd", u"ACROBATRD"),
+        "D:\\ADDINS\\|D:\\ADDINS\\HELP\\|D:\\ADDINS\\REPORT\\|D:\\ADDINS\\..\\BACKGRND\\|30000|");
+    EXPECT_EQ(all(u"C:\\VELMORA32\\10001\\MORA32", u"Mora32", u"ACROBATRD", u"RegDBofMora32", u"BackGrnd"),
+              "D:\\MORA32\\READER\\|D:\\MORA32\\DATABASE\\|D:\\MORA32\\..\\BACKGRND\\|");
+    EXPECT_EQ(all(u"C:\\Other\\30003", u"Other", u"me", u"Help", u"BackGrnd", u"RegDBofMora32", u"AcrobatRd"),
+              "F:\\OTHER\\|F:\\OTHER\\HELP\\|30000|30000|30000|");
+    // Another application lies under its own market code, by its name as written.
+    const auto printer = [&](const char16_t* code, TextView name = u"Printer") {
+        set(u"VELMORA32/10001/Printer", code);
+        return all(u"X\\velmora32\\10001\\addins", u"Addins", name);
+    };
+    set(u"Printer/20002/InstallPath", u"E:\\Printer\\");
+    EXPECT_EQ(printer(u"20002") + printer(u"99999"), "E:\\PRINTER\\|\\|");
+    EXPECT_EQ(printer(u"20002", u"PRINTER"), "X\\VELMORA32\\10001\\ADDINS\\|");
+    EXPECT_EQ(printer(u"2000") + printer(u"200002"),
+              "X\\VELMORA32\\10001\\ADDINS\\|X\\VELMORA32\\10001\\ADDINS\\|");
+}
+
+struct VersionRecordTest : testing::Test {
+    VersionRecordTest() {
+        computer.app.path = u"C:\\Tools";
+        databases.Add(u"Register.mdb",
+                      "create table Registry (AppName, Version, Other);"
+                      "insert into Registry values ('Another.mra', '1', 'a'),"
+                      " ('Horalink.mra', '2', 'b'), ('Horalink.mra', '3', 'c')");
+    }
+    bool Update(TextView name = u"Horalink.mra") {
+        computer.Calls();
+        return UpdateAddInVersion(computer.services, u"Mora32", name, u"13.0.1");
+    }
+    desk::Desk computer;
+    harness::MemoryDatabases& databases = computer.databases;
+};
+
+TEST_F(VersionRecordTest, TheFirstRowOfTheNameTakesTheVersion) {
+    EXPECT_TRUE(Update());
+    EXPECT_EQ(computer.Calls(), (Notes{"open C:\\TOOLS\\DATABASE\\Register.mdb",
+                                       "rows 2 SELECT * FROM Registry WHERE AppName = \"Horalink.mra\"",
+                                       "edit", "set Version", "update", "close rows", "close"}));
+    EXPECT_TRUE(Update(u"Nobody.mra"));
+    EXPECT_EQ(computer.Calls().size(), 4U) << "opened, asked, and both closed";
+    EXPECT_EQ(
+        databases.Ask(u"Register.mdb", u"select group_concat(AppName || Version || Other) from Registry"),
+        Value(u"Another.mra1a,Horalink.mra13.0.1b,Horalink.mra3c"));
+    EXPECT_EQ(computer.Boxes(), Notes{});
+}
+
+TEST_F(VersionRecordTest, EveryFailureIsTheShortNoticeAndClosesTheRegister) {
+    for (int call = 1; call <= 8; ++call) {
+        databases.FailAt(call, DataError::DiskError);
+        EXPECT_FALSE(Update()) << call;
+        EXPECT_EQ(computer.Boxes(), Notes{Short("The database file can't be read or written", 3043)}) << call;
+        EXPECT_EQ(computer.Calls().back() == "close", call > 1) << call;
+    }
+}
+
+}  // namespace
