@@ -76,13 +76,13 @@ class Driver:
                 if application is None or not self._runs(application, program):
                     continue
                 for window in self._children(application):
-                    if self._is_showing(window):
+                    if self.is_showing(window):
                         yield window
             except GLib.Error:
                 continue  # it went away while it was looked at
 
     @staticmethod
-    def _is_showing(window):
+    def is_showing(window):
         """False for one that is listed but gone, which must not hide those behind it."""
         try:
             return window.get_state_set().contains(Atspi.StateType.SHOWING)

@@ -18,14 +18,33 @@ from stage import EXCHANGE, SWITCHDESK  # noqa: E402
 BUILD = Path(os.environ["HORALINK_BUILD"])
 
 
-def open_stage():
+# In a long run, the share of this process in all cases, as "1/2"; and the one case that is wanted.
+SHARE, ONLY = os.environ.get("HORALINK_SHARE"), os.environ.get("HORALINK_ONLY")
+
+
+def chosen(sample, every):
+    """The cases to go through, of which each is a row of words."""
+    if ONLY:
+        return [next(case for case in every if "/".join(map(str, case)) == ONLY)]
+    first, _, step = (SHARE or "").partition("/")
+    return list(every)[int(first) - 1::int(step)] if SHARE else sample
+
+
+def open_stage(starts_by_itself=True):
     """Serves a module as its setUpModule."""
-    folder = BUILD / "tests/e2e" / Path(sys.argv[0]).stem
+    folder = BUILD / "tests/e2e" / f"{Path(sys.argv[0]).stem}{(SHARE or '').replace('/', '-of-')}"
     arrangement = Arrangement(BUILD, folder, own_display=True).lay_out()
+    if not starts_by_itself:
+        (arrangement.folder / f"services/{stage.ADD_IN_CLASS}.service").unlink()
     arrangement.__enter__()
     unittest.addModuleCleanup(arrangement.__exit__)
     stage.take(arrangement, Driver(arrangement))
     unittest.addModuleCleanup(stage.bus.close)
+
+
+def open_own_stage():
+    """One in which the test starts the add-in, so that it sees the end of the process."""
+    open_stage(starts_by_itself=False)
 
 
 def database_file(name):
