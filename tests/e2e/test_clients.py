@@ -3,19 +3,13 @@ import subprocess
 import sys
 import unittest
 
-import dbus
-import dbus.service
-from dbus.mainloop.glib import DBusGMainLoop
-from gi.repository import GLib
-
 from end_to_end import BUILD
 from end_to_end import open_stage as setUpModule  # noqa: F401
 from end_to_end import run
 
 import stage
 from arrangement import SOURCES
-from client import FACTORY
-from stage import ADD_IN_CLASS, LOOKUP, UPDATE, EndToEndTest, dialog_title
+from stage import LOOKUP, UPDATE, EndToEndTest, dialog_title
 
 # What the example host prints of a lookup: the calls of the add-in, in order, with those that read the answer.
 LOOKUP_LINES = [
@@ -26,28 +20,6 @@ LOOKUP_LINES = [
     'ShowResults("PBX Clock (Example)", <object>)', "Message()", 'ShowMessage("OK")', "ErrCode()", "ShowCode(0)",
     "LoginID()", "oPBX()", 'LogOut("Example", "KEY")',
 ]
-
-
-class LeavingFactory(dbus.service.Object):
-    """That of a process that is ending: refuses, and with the second refusal gives the class's name up."""
-
-    def __init__(self, test):
-        self.bus = stage.connect(DBusGMainLoop())
-        test.addCleanup(self.bus.close)
-        self.name = dbus.service.BusName(ADD_IN_CLASS, self.bus)
-        super().__init__(self.name, "/Factory")
-        self.calls = 0
-
-    @dbus.service.method(FACTORY, out_signature="(so)")
-    def CreateInstance(self):
-        self.calls += 1
-        if self.calls == 2:
-            self.bus.release_name(ADD_IN_CLASS)
-        raise dbus.DBusException("ending", name="org.velmora.Automation1.Error.Busy")
-
-    def has_left(self):
-        GLib.MainContext.default().iteration(False)
-        return self.calls == 2
 
 
 class Example:
@@ -73,13 +45,6 @@ class Example:
         self.wait_for(lambda: process.poll() is not None, "the example host to end")
         self.assertEqual(process.returncode, 0, self.lines())
         self.wait_until_gone()
-
-    def test_a_factory_that_is_busy_is_asked_again(self):
-        factory = LeavingFactory(self)
-        process = self.start_example()
-        self.wait_for(factory.has_left, "two refusals")
-        self.dialog("Example")
-        self.close_window(process)
 
 
 class FullExample(Example):

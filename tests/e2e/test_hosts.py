@@ -7,13 +7,13 @@ import signal
 import unittest
 from pathlib import Path
 
-from end_to_end import chosen
+from end_to_end import OwnHostTest, chosen
 from end_to_end import open_own_stage as setUpModule  # noqa: F401
 
 import stage
 from driver import Role
-from host import LIMIT, READ, Host, asked, clock, good, logged_out, result, told
-from stage import ADD_IN, CLOCK_READ, GIVE_UP, LOGIN_FAILED, LOOKUP, WAIT_BOX, EndToEndTest
+from host import LIMIT, READ, asked, clock, good, logged_out, result, told
+from stage import ADD_IN, CLOCK_READ, GIVE_UP, LOGIN_FAILED, LOOKUP, WAIT_BOX
 
 ANSWER, FAILED, NOTHING = [CLOCK_READ], [LOGIN_FAILED], []
 # The member at whose call the host gets the signal, if it sends that to itself; the boxes where it is killed, stands
@@ -35,13 +35,11 @@ ALL = [(state, fault) for state in STATES for fault in FAULTS]
 QUICK = [(state, fault) for state, fault in ALL if state != "asked" and fault != FAULTS[2]] + [("telling", FAULTS[2])]
 
 
-class Hosts(EndToEndTest):
+class Hosts(OwnHostTest):
     def start_all(self, state, fault):
         """The add-in, a client that keeps it whatever comes, and the host."""
-        self.add_in = self.start([stage.arrangement.add_in, "-Embedding"])
-        self.wait_for(lambda: stage.bus.name_has_owner(stage.ADD_IN_CLASS), "the add-in to serve its class")
-        self.keeper = Host(stage.arrangement.environment["DBUS_SESSION_BUS_ADDRESS"])
-        self.clients.append(self.keeper)
+        self.add_in = self.start_add_in()
+        self.keeper = self.join()
         self.layer = result(self.keeper.create())
         self.log = open(stage.arrangement.folder / "host.log", "w+", encoding="utf-8")
         self.addCleanup(self.log.close)

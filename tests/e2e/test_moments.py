@@ -1,21 +1,18 @@
 """What a host and an operator do at awkward moments, seen by a host that shares no code with the programs."""
 import unittest
 
-from gi.repository import Gio, GLib
-
+from end_to_end import OwnHostTest
 from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
-from host import (BUS, BUSY, EMPTY, LIMIT, OPENED, READ, WRITE, Host, asked, connect, good, logged_out, result, told)
-from stage import ADD_IN, CLOCK_READ, CLOSE, GIVE_UP, LOGIN_FAILED, LOOKUP, UPDATE, WAIT_BOX, EndToEndTest, dialog_title, pids
+from host import BUSY, LIMIT, OPENED, READ, WRITE, asked, good, logged_out, result
+from stage import ADD_IN, CLOCK_READ, CLOSE, GIVE_UP, LOGIN_FAILED, LOOKUP, WAIT_BOX, dialog_title, pids
 
 
-class Moments(EndToEndTest):
+class Moments(OwnHostTest):
     def begin(self):
         super().begin()
-        self.address = stage.arrangement.environment["DBUS_SESSION_BUS_ADDRESS"]
-        self.host = Host(self.address)
-        self.clients.append(self.host)
+        self.host = self.join()
 
     def open(self, creation=None):
         layer = self.host.open(creation)
@@ -38,31 +35,6 @@ class Moments(EndToEndTest):
     def assert_asked(self, layer, calls):
         self.wait_for(lambda: len(self.host.asked_by(layer)) >= len(calls), f"{len(calls)} calls")
         self.assertEqual(self.host.asked_by(layer), calls)
-
-    def test_what_a_disabled_dialog_is_given_is_gone(self):
-        for member in ("ShowResults", "LogOut"):
-            with self.case(member):
-                layer = self.open()
-                self.press_and_hold(member)
-                stage.driver.press("alt+F4")
-                for button in (LOOKUP, UPDATE, CLOSE):
-                    self.press(button)
-                self.assertTrue(self.is_visible(layer))
-                self.go_on()
-                self.close_box(CLOCK_READ)
-                self.look_up()
-                self.assert_asked(layer, OPENED + good("L1") + good("L2"))
-
-    def test_what_is_accepted_during_a_login_follows_it(self):
-        self.host.refusals = ["BUSY"]
-        layer = self.open()
-        self.press_and_hold("Login")
-        self.press(UPDATE)
-        self.assertTrue(self.is_visible(layer))
-        self.assert_asked(layer, OPENED + asked("")[:2])
-        self.go_on()
-        self.assertIn("updated", self.close_box(CLOCK_READ))
-        self.assert_asked(layer, OPENED + asked("BUSY")[:3] + good("L1", "UPDATE_CLOCK"))
 
     def test_creation_behind_a_release_gets_a_fresh_process(self):
         """With a host that answers REGComData at once or late, and a creation that waits for the answer or doesn't."""
@@ -121,55 +93,6 @@ class Moments(EndToEndTest):
         stage.driver.raise_window(dialog_title())
         self.look_up()
         self.assert_asked(layer, calls + logged_out("L1") + good("L2"))
-
-    def test_answer_under_a_login_that_was_given_up(self):
-        layer = self.open()
-        self.host.behaviours["LogOut"] = lambda _: None  # never answered
-        self.press_and_hold("SendRequest")
-        self.close_box(WAIT_BOX, GIVE_UP, LIMIT)
-        self.look_up()
-        calls = OPENED + asked("L1")[:5] + logged_out("L1") + good("L2")
-        self.assert_asked(layer, calls)
-        self.host.calls_back = False
-        self.assertEqual(result(self.host.call_back("L1")), EMPTY)
-        self.press(LOOKUP)
-        calls += told("L1") + asked("L3")
-        self.assert_asked(layer, calls)
-        self.assertEqual(result(self.host.call_back("L1")), EMPTY)
-        calls += told("L1")
-        self.assert_asked(layer, calls)
-        self.press(UPDATE)  # refused: the wait goes on
-        self.assertTrue(self.is_visible(layer))
-        self.assertEqual(self.boxes(), [])
-        self.host.calls_back = True
-        self.host.call_back("L3")
-        self.close_box(CLOCK_READ)
-        self.look_up()
-        self.assert_asked(layer, calls + told("L3") + logged_out("L3") + good("L4"))
-
-    def say_that_the_host_has_left(self, layer):
-        stranger, host = connect(self.address), self.host.bus.get_unique_name()
-        signal = Gio.DBusMessage.new_signal("/org/freedesktop/DBus", BUS, "NameOwnerChanged")
-        signal.set_destination(layer[0])
-        signal.set_body(GLib.Variant("(sss)", (host, host, "")))
-        stranger.send_message(signal, Gio.DBusSendMessageFlags.NONE)
-        stranger.call_sync(layer[0], "/", f"{BUS}.Peer", "Ping", None, None, Gio.DBusCallFlags.NONE, LIMIT * 1000, None)
-        stranger.close_sync()
-
-    def test_nobody_but_the_bus_says_that_the_host_has_left(self):
-        layer = self.open()
-        self.say_that_the_host_has_left(layer)
-        self.host.calls_back = False
-        self.press_and_hold("Login")
-        self.say_that_the_host_has_left(layer)
-        self.go_on()
-        self.assert_asked(layer, OPENED + asked("L1"))
-        self.say_that_the_host_has_left(layer)
-        self.host.calls_back = True
-        self.host.call_back("L1")
-        self.close_box(CLOCK_READ)
-        self.look_up()
-        self.assert_asked(layer, OPENED + good("L1") + good("L2"))
 
 
 if __name__ == "__main__":

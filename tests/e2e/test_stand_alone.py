@@ -43,10 +43,6 @@ class StandAlone(EndToEndTest):
         self.assert_good_end()
         self.wait_until_gone(SWITCHDESK)
 
-    def test_empty_command_line_ends_at_once(self):
-        done = run([stage.arrangement.add_in])
-        self.assertEqual((done.returncode, done.stderr), (0, ""))
-
     def test_dialog_without_a_connection(self):
         """The exchange is unknown, refuses, or there is no host at all: only the close button is left."""
         for name, exchange, prepare in (

@@ -15,6 +15,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -99,6 +100,7 @@ CALL(sqlite3_bind_int, SQLITE_NOMEM)
 CALL(sqlite3_bind_int64, SQLITE_NOMEM)
 CALL(sqlite3_bind_null, SQLITE_NOMEM)
 CALL(sqlite3_bind_text16, SQLITE_NOMEM, SQLITE_TOOBIG)
+CALL(sqlite3_open_v2, SQLITE_NOMEM)
 CALL(sqlite3_close, SQLITE_BUSY)
 CALL(sqlite3_exec, SQLITE_NOMEM, SQLITE_IOERR_READ, SQLITE_BUSY, SQLITE_CORRUPT)
 CALL(sqlite3_prepare_v2, SQLITE_NOMEM, SQLITE_IOERR_READ, SQLITE_BUSY, SQLITE_CORRUPT)
@@ -136,24 +138,12 @@ CALL(sd_bus_message_new_method_call, ENOMEM, ENOTCONN)
 CALL(sd_bus_message_new_method_error, ENOMEM)
 CALL(sd_bus_message_new_method_return, ENOMEM)
 
-// Without memory there is no handle; with any other failure there is one, to be closed.
-extern "C" int sqlite3_open_v2(const char* file, sqlite3** database, int flags, const char* vfs) {
-    REAL(sqlite3_open_v2);
-    const int code =
-        NextOf("sqlite3_open_v2", {SQLITE_NOMEM, SQLITE_CANTOPEN, SQLITE_IOERR}, __builtin_return_address(0));
-    if (code == SQLITE_NOMEM) return *database = nullptr, code;
-    const auto opened = static_cast<int>(real(reinterpret_cast<long>(file), reinterpret_cast<long>(database),
-                                              static_cast<long>(flags), reinterpret_cast<long>(vfs)));
-    return code ? code : opened;
-}
+#define TOLD(name, made_up)                                                     \
+    extern "C" long Hook_##name(long database) __asm__(#name);                  \
+    long Hook_##name(long database) {                                           \
+        REAL(name);                                                             \
+        return plan.pretended ? static_cast<long>(made_up) : real(database, 0); \
+    }
 
-extern "C" const char* sqlite3_errmsg(sqlite3* database) {
-    REAL(sqlite3_errmsg);
-    if (plan.pretended) return sqlite3_errstr(plan.pretended);
-    return reinterpret_cast<const char*>(real(reinterpret_cast<long>(database), 0));
-}
-
-extern "C" int sqlite3_errcode(sqlite3* database) {
-    REAL(sqlite3_errcode);
-    return plan.pretended ? plan.pretended : static_cast<int>(real(reinterpret_cast<long>(database), 0));
-}
+TOLD(sqlite3_errcode, plan.pretended)
+TOLD(sqlite3_errmsg, reinterpret_cast<std::intptr_t>(sqlite3_errstr(plan.pretended)))

@@ -16,7 +16,9 @@ from stage import ADD_IN, NOTICE  # noqa: E402
 
 UPDATE, LOOKUP = 1, 2  # places of the buttons in the dialog
 IDLE_LIMIT = 100  # seconds; a process that nobody has used ends after a minute
-QUIET = 4  # seconds without a call, after which no box comes any more
+# What the bus says for a process that has left it.
+GONE = [f"org.freedesktop.DBus.Error.{name}" for name in ("NoReply", "ServiceUnknown", "NameHasNoOwner")]
+QUIET, WAIT_LIMIT = 4, 20  # seconds without a call after which no box comes: where nothing waits, and where something does
 # What two lives can't have in common: the moment, and names of the bus.
 MOMENT = re.compile(r"\d|AM|PM|day|January|February|March|April|May|June|July|August|September|October|November|December")
 HARMLESS = ("setNetWmStateOnUnmappedWindow", "Qt AtSpiAdaptor: Accessible invalid")  # what the toolkit says of its own
@@ -101,20 +103,27 @@ class Life:
             self.wait(future.done, f"the answer to '{step}'")
             answer = result(future)
         failed = isinstance(answer, tuple) and str(answer[0]).startswith("org.")
+        if failed and answer[0] in GONE:
+            self.wait(lambda: False, "the end of a process that has left the bus", IDLE_LIMIT)
         self.steps.append(f"{step}: {answer if failed or isinstance(answer, bool) else 'done'}")
         return None if failed else answer
 
     def press(self, step, place):
-        """Up to the box of the request, or to where none comes any more."""
+        """Up to the box of the request, or to where none comes any more. A disabled dialog is not told from another one."""
         self.before(step)
         button = self.wait(lambda: self.enabled_button(place), "the button to be enabled")
         boxes, calls, began = len(self.boxes), len(self.host.calls), time.monotonic()
         Atspi.Action.do_action(button, 0)
 
-        def is_over():
-            quiet = time.monotonic() - max(began, self.host.last_call) > QUIET * self.patience
-            return (quiet or len(self.boxes) > boxes) and self.enabled_button(place)
-        self.wait(is_over, f"the end of '{step}'")
+        def is_logged_out():
+            called = [call.split()[0] for _, call in self.host.calls]
+            return called.count("Login") == called.count("LogOut")
+
+        def is_quiet():
+            limit = QUIET if is_logged_out() else WAIT_LIMIT + QUIET
+            return time.monotonic() - max(began, self.host.last_call) > limit * self.patience
+        self.wait(lambda: len(self.boxes) > boxes or is_quiet(), f"the end of '{step}'")
+        self.wait(lambda: is_logged_out() or is_quiet(), f"the log-out of '{step}'")
         self.steps.append(f"{step}: {' '.join(call.split()[0] for _, call in self.host.calls[calls:])}")
 
     # --- the screen -------------------------------------------------------------------------------

@@ -11,13 +11,13 @@ from pathlib import Path
 from statistics import median
 
 import life  # noqa: F401
-from end_to_end import SHARE
+from end_to_end import SHARE, OwnHostTest
 from end_to_end import open_own_stage as setUpModule  # noqa: F401
 
 import stage
 from driver import Role
-from host import BUS, CALL, CONTRACT, LIMIT, Host, connect, result
-from stage import ADD_IN, LOOKUP, EndToEndTest
+from host import BUS, CALL, CONTRACT, LIMIT, connect, result
+from stage import ADD_IN, LOOKUP
 
 ROUNDS, GROWTH = (100, 512) if SHARE else (10, 2048)  # KiB over the second half; the allocator takes some to settle
 PART = 3 + ROUNDS // 20  # that a figure is the median of
@@ -27,13 +27,9 @@ MESSAGE_STANDS = 99  # code of an answer after which there is no box
 Sample = namedtuple("Sample", "memory descriptors rules")
 
 
-class LongLife(EndToEndTest):
+class LongLife(OwnHostTest):
     def start_all(self):
-        self.process = self.start([stage.arrangement.add_in, "-Embedding"])
-        self.wait_for(lambda: stage.bus.name_has_owner(stage.ADD_IN_CLASS), "the add-in to serve its class")
-        self.address = stage.arrangement.environment["DBUS_SESSION_BUS_ADDRESS"]
-        self.host = Host(self.address)
-        self.clients.append(self.host)
+        self.process, self.host = self.start_add_in(), self.join()
         self.layer = self.host.open()
         self.dialog()
 
