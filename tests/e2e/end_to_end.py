@@ -95,7 +95,7 @@ class Host:
         """Waits until the dialog is up and everything about it is logged; `calls` counts from here."""
         self.wait_for_line("# Visible is written")
         self.test.dialog(self.exchange)
-        self.skip()
+        self.mark = len(self.all_lines())
         return self
 
     def all_lines(self):
@@ -106,9 +106,6 @@ class Host:
 
     def lines(self):
         return self.all_lines()[self.mark:]
-
-    def skip(self):
-        self.mark = len(self.all_lines())
 
     def wait_for_line(self, start, count=1):
         """Waits for a line with this start, the `count`th of them."""

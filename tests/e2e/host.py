@@ -74,9 +74,9 @@ class Host:
     gets the routine that sends it. `kept` counts the references that the add-in holds."""
 
     def __init__(self, address):
-        self.calls, self.behaviours, self.held, self.kept = [], {}, [], Counter()
+        self.calls, self.behaviours, self.kept = [], {}, Counter()
         self.clients, self.tags, self.messages = {}, {}, {}  # by the keys of logins
-        self.refusals, self.calls_back, self.code, self.last_call = [], True, 0, 0.0
+        self.calls_back, self.code, self.last_call = True, 0, 0.0
         self.context = GLib.MainContext()
         self.loop = GLib.MainLoop(self.context)
         self.bus = connect(address)
@@ -134,8 +134,6 @@ class Host:
         self.behave(sender, member if member.endswith("ComData") else " ".join([member, *own]), lambda: answer(given))
 
     def log_in(self, client):
-        if self.refusals:
-            return self.refusals.pop()
         key = f"L{len(self.clients) + 1}"
         self.clients[key] = client
         self.send(client, "Object", "Retain")
@@ -187,8 +185,8 @@ class Host:
     def show(self, layer):
         return result(self.invoke(layer, "Visible", WRITE, True))
 
-    def open(self, creation=None):
-        layer = result(creation or self.create())
+    def open(self):
+        layer = result(self.create())
         self.register(layer)
         self.show(layer)
         return layer

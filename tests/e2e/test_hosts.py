@@ -30,7 +30,8 @@ STATES = {
     "showing": (None, ANSWER, ANSWER, ANSWER, good("L1")),
 }
 FAULTS = ("killed", "stopped", "never wakes")
-ALL = [(state, fault) for state in STATES for fault in FAULTS]
+ALONE = [(state, "killed alone") for state in STATES]  # nobody else holds the add-in
+ALL = [(state, fault) for state in STATES for fault in FAULTS] + ALONE
 # The others wait for 20 seconds each.
 QUICK = [(state, fault) for state, fault in ALL if state != "asked" and fault != FAULTS[2]] + [("telling", FAULTS[2])]
 
@@ -43,7 +44,7 @@ class Hosts(OwnHostTest):
         self.layer = result(self.keeper.create())
         self.log = open(stage.arrangement.folder / "host.log", "w+", encoding="utf-8")
         self.addCleanup(self.log.close)
-        signal_name = "SIGKILL" if fault == "killed" else "SIGSTOP"
+        signal_name = "SIGKILL" if "killed" in fault else "SIGSTOP"
         answers = "" if state in ("waiting", "asked", "showing") else "answers"
         self.host = self.start(["/usr/bin/python3", Path(__file__).with_name("host.py"), STATES[state][0] or "", signal_name,
                                 answers], stdout=self.log)
@@ -80,7 +81,7 @@ class Hosts(OwnHostTest):
 
     def do_harm(self, state, fault):
         if STATES[state][0] is None:
-            self.host.send_signal(signal.SIGKILL if fault == "killed" else signal.SIGSTOP)
+            self.host.send_signal(signal.SIGKILL if "killed" in fault else signal.SIGSTOP)
         self.wait_for(lambda: self.is_still(self.host), "the host to stand still")
         if state == "armed":
             self.add_in.send_signal(signal.SIGCONT)
@@ -128,6 +129,11 @@ class Hosts(OwnHostTest):
             with self.case(f"{state}/{fault}"):
                 self.start_all(state, fault)
                 self.enter(state)
+                if (state, fault) in ALONE:
+                    self.keeper.bus.close_sync()
+                    self.do_harm(state, fault)
+                    self.assertEqual(self.add_in.wait(LIMIT), 0)
+                    continue
                 self.do_harm(state, fault)
                 self.take_boxes(STATES[state][1 + FAULTS.index(fault)])
                 if fault == "stopped" and state != "idle":

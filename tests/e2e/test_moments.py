@@ -5,32 +5,14 @@ from end_to_end import OwnHostTest
 from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
-from host import BUSY, LIMIT, OPENED, READ, WRITE, asked, good, logged_out, result
-from stage import ADD_IN, CLOCK_READ, CLOSE, GIVE_UP, LOGIN_FAILED, LOOKUP, WAIT_BOX, dialog_title, pids
+from host import BUSY, LIMIT, OPENED, asked, good, logged_out, result
+from stage import ADD_IN, CLOSE, GIVE_UP, LOGIN_FAILED, LOOKUP, WAIT_BOX, dialog_title
 
 
 class Moments(OwnHostTest):
     def begin(self):
         super().begin()
         self.host = self.join()
-
-    def open(self, creation=None):
-        layer = self.host.open(creation)
-        self.dialog()
-        stage.driver.raise_window(dialog_title())
-        return layer
-
-    def is_visible(self, layer):
-        return result(self.host.invoke(layer, "Visible", READ))
-
-    def press_and_hold(self, member):
-        """The host keeps the answer to a member until `go_on`, and serves other calls meanwhile."""
-        self.host.behaviours[member] = self.host.held.append
-        self.press(LOOKUP)
-        self.wait_for(lambda: self.host.held, f"{member} to be called")
-
-    def go_on(self):
-        self.host.later(self.host.held.pop())
 
     def assert_asked(self, layer, calls):
         self.wait_for(lambda: len(self.host.asked_by(layer)) >= len(calls), f"{len(calls)} calls")
@@ -53,33 +35,12 @@ class Moments(OwnHostTest):
         for layer in layers[:-1]:
             self.assert_asked(layer, OPENED + ["REGComData"])
 
-    def test_close_makes_room_for_a_fresh_process(self):
-        old, creations = self.open(), []
-
-        def create_inside(answer):
-            creations.append(self.host.create())
-            creations[0].add_done_callback(lambda _: answer())
-
-        calls, unloaded = OPENED, ["UnloadChild 7"]
-        for key, behaviour in (("L1", create_inside), ("L2", lambda answer: answer())):
-            self.host.behaviours["UnloadChild"] = behaviour
-            stage.driver.raise_window(dialog_title())
-            stage.driver.press("alt+F4")
-            self.assert_asked(old, calls + unloaded)
-            new = self.open(creations.pop() if creations else None)
-            self.look_up()
-            self.assert_asked(new, OPENED + good(key))
-            self.assertEqual(result(self.host.invoke(old, "Visible", WRITE, True))[-1], 364)
-            self.assertFalse(self.is_visible(old))
-            self.assertEqual(len(pids(ADD_IN)), 2)
-            result(self.host.send(old, "Object", "Release"))
-            self.wait_for(lambda: len(pids(ADD_IN)) == 1, "the old process to end")
-            self.assert_asked(old, calls + unloaded + unloaded + ["REGComData"])
-            old, calls = new, OPENED + good(key)
-
     def test_login_that_is_granted_when_it_was_given_up(self):
-        layer = self.open()
-        self.press_and_hold("Login")
+        layer = self.host.open()
+        self.dialog()
+        answers = []  # kept, while the host serves other calls
+        self.host.behaviours["Login"] = answers.append
+        self.press(LOOKUP)
         self.close_box(WAIT_BOX, GIVE_UP, LIMIT)
         self.close_box(LOGIN_FAILED)
         # The dialog works while the host still waits.
@@ -87,7 +48,7 @@ class Moments(OwnHostTest):
         self.wait_for(lambda: not stage.driver.titles(ADD_IN), "the dialog to hide, and no box")
         calls = OPENED + asked("L1")[:2]
         self.assert_asked(layer, calls)
-        self.go_on()
+        self.host.later(answers.pop())
         self.assert_asked(layer, calls + logged_out("L1"))
         self.host.show(layer)
         stage.driver.raise_window(dialog_title())

@@ -15,7 +15,7 @@ import stage
 from register import NEW, Register
 from stage import EndToEndTest
 
-SAMPLE = {"file": 5, "full": 3, "sqlite": 15, "bus": 25}
+SAMPLE = {"file": 5, "full": 3, "sqlite": 12, "bus": 16}
 ONE_LINE = re.compile(r"(\S*horalink: [^\n]+\n)?")
 
 
