@@ -111,7 +111,6 @@ class Hosts(OwnHostTest):
         self.keeper.register(self.layer)
         self.keeper.show(self.layer)
         stage.driver.raise_window(stage.dialog_title())
-        self.wait_until_enabled()
         self.assertIn(clock("L1"), self.look_up())
         self.assertEqual(self.keeper.asked_by(self.layer), good("L1"))
 

@@ -46,7 +46,6 @@ class LongLife(OwnHostTest):
         stage.driver.aim(stage.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON))
         for click in range(CLICKS):
             self.host.code = 0 if click == CLICKS - 1 else MESSAGE_STANDS
-            self.wait_until_enabled()
             before = len(self.host.calls)
             stage.driver.click_here()
             self.wait_for(lambda: any(call.startswith("LogOut") for _, call in self.host.calls[before:]), "the log-out")
