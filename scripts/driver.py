@@ -1,7 +1,5 @@
 """Works a program as an operator does: finds its widgets by their accessible names, clicks them with real
 input events, and reads what its boxes say."""
-import calendar
-import contextlib
 import os
 import re
 import subprocess
@@ -18,9 +16,7 @@ from arrangement import wait_for  # noqa: E402
 LIMIT = 25  # seconds for what comes at once on an idle machine
 LARGEST_FRAME = 30  # pixels that a window manager draws at a side of a window
 MIDDLE = (0.5, 0.5)
-CALENDAR_TITLE, CALENDAR_MARGIN = 30, 6
-CALENDAR_NAME = re.compile(r"(\w+day, \d+ )?[A-Z][a-z]+ \d{4}")
-UPPER, LOWER = (0.5, 0.25), (0.5, 0.75)  # the arrows of a spin control
+UPPER = (0.5, 0.25)  # the upper arrow of a spin control
 Role = Atspi.Role
 
 
@@ -76,30 +72,18 @@ class Driver:
                 if application is None or not self._runs(application, program):
                     continue
                 for window in self._children(application):
-                    if self._is_showing(window):
+                    if self.is_showing(window):
                         yield window
             except GLib.Error:
                 continue  # it went away while it was looked at
 
     @staticmethod
-    def _is_showing(window):
+    def is_showing(window):
         """False for one that is listed but gone, which must not hide those behind it."""
         try:
             return window.get_state_set().contains(Atspi.StateType.SHOWING)
         except GLib.Error:
             return False
-
-    def popup(self, program):
-        """The title of what has popped up, a menu's being the program's name; nothing where nothing has. These are
-        the windows that no window manager takes in."""
-        search = ["search", "--onlyvisible", "--maxdepth", "1", "--class", program, "getwindowname"]
-        return self._ask_xdotool(*search).strip() or None
-
-    def click_popup(self, program):
-        """Clicks a menu of one item."""
-        place = self._geometry("search", "--onlyvisible", "--maxdepth", "1", "--class", program)
-        left, top, width, height = place
-        self._xdotool("mousemove", left + width // 2, top + height // 2, "click", 1)
 
     def find(self, program, name, role, seconds=LIMIT, window=None):
         """A widget by its accessible name and its role, in any window or in that of a title."""
@@ -181,10 +165,10 @@ class Driver:
         wait_for(lambda: subprocess.run(search, check=False, stdout=subprocess.DEVNULL).returncode == 0, LIMIT,
                  f"the window '{title}' to be shown")
 
-    def click(self, node, place=MIDDLE, button=1):
+    def click(self, node, place=MIDDLE):
         wait_for(lambda: self.is_enabled(node), LIMIT, f"'{node.get_name()}' to be enabled")
         self.aim(node, place)
-        self._xdotool("click", button)
+        self.click_here()
 
     def untick(self, box):
         self.click(box)
@@ -193,25 +177,6 @@ class Driver:
     def click_here(self):
         """A click where the pointer is already."""
         self._xdotool("click", 1)
-
-    def click_twice(self, node):
-        """Two clicks at once, as an impatient operator's."""
-        self.aim(node)
-        self._xdotool("click", "--repeat", 2, "--delay", 10, 1)
-
-    @contextlib.contextmanager
-    def held(self, node, place=MIDDLE):
-        """The left button is down on a widget for as long as this lasts."""
-        self.aim(node, place)
-        self._xdotool("mousedown", 1)
-        try:
-            yield
-        finally:
-            self._xdotool("mouseup", 1)
-
-    def turn_wheel(self, node, up):
-        """One notch of the wheel over a widget."""
-        self.click(node, button=4 if up else 5)
 
     def aim(self, node, place=MIDDLE):
         """Moves the pointer to a widget. A program speaks of a window as shown when it has asked for it; until
@@ -236,10 +201,7 @@ class Driver:
     def _under_pointer(self):
         """Place and size of the window that a click would go to, with its frame."""
         window = re.search(r"WINDOW=(\d+)", self._ask_xdotool("getmouselocation", "--shell"))[1]
-        return self._geometry(window=window)
-
-    def _geometry(self, *search, window="%1"):
-        told = self._ask_xdotool(*search, "getwindowgeometry", "--shell", window)
+        told = self._ask_xdotool("getwindowgeometry", "--shell", window)
         values = dict(re.findall(r"^(X|Y|WIDTH|HEIGHT)=(-?\d+)$", told, re.M))
         return tuple(int(values.get(name, 0)) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
@@ -291,25 +253,6 @@ class Driver:
         """What the screen shows at a point."""
         return subprocess.run(["import", "-silent", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "rgb:-"],
                               check=True, stdout=subprocess.PIPE).stdout
-
-    def click_day(self, program, year, month, day):
-        """Chooses a day of the month that the calendar shows."""
-        node = self.calendar(program)
-        first, _ = calendar.monthrange(year, month)  # weeks begin with Monday, as in the locale of the tests
-        row, column = divmod(first + day - 1, 7)
-        box = node.get_extents(Atspi.CoordType.SCREEN)
-        # Below the title come the names of the days and six weeks, all of one height, inside a margin.
-        height = (box.height - CALENDAR_TITLE - CALENDAR_MARGIN) / 7
-        x = CALENDAR_MARGIN + (column + 0.5) * (box.width - 2 * CALENDAR_MARGIN) / 7
-        y = CALENDAR_TITLE + (row + 1.5) * height
-        self.click(node, (x / box.width, y / box.height))
-
-    def calendar(self, program):
-        """The calendar, which is called after the day or the month that it shows."""
-        return self._wait_to_see(
-            lambda: next((node for top in self.windows(program) for node in self.nodes(top)
-                          if node.get_role() == Role.PANEL and CALENDAR_NAME.fullmatch(node.get_name())), None),
-            LIMIT, "the calendar")
 
     def picture(self, path, window=None):
         """Saves the whole screen, or what it shows of one window."""

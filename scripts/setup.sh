@@ -6,7 +6,7 @@ run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-at
               python3-gi fonts-liberation fonts-noto-cjk)
 # Each version of clang-format lays some lines out otherwise; this one is in Debian 12 and in 13.
 check_packages=(clang-format-19 mdbtools)
-campaign_packages=(faketime tzdata valgrind)
+long_packages=(valgrind)
 fuzz_packages=(clang libclang-rt-dev)
 bench_packages=(libbenchmark-dev libxcb1-dev libxcb-damage0-dev libxcb-xtest0-dev)
 

@@ -68,12 +68,8 @@ class Accessibility(EndToEndTest):
                 self.assertTrue(any(node.get_name().startswith(today) for node in stage.driver.nodes(self.window)))
                 for control in BUTTONS + TIME + BOXES:
                     self.assertEqual(self.node(*control).get_description(), self.texts.control(*control[1:]))
-                for caption in ("lblTrack", "lblTrackDate"):
-                    stage.driver.find(ADD_IN, self.texts.caption(caption), Role.LABEL)
                 for box in BOXES:
                     self.assertTrue(self.node(*box).get_state_set().contains(Atspi.StateType.CHECKED))
-                for section in (0, 1, 2):
-                    self.assertRegex(stage.driver.value(self.node(Role.TEXT, "txtTime", section)), r"^\d\d$")
 
     def test_keys_alone(self):
         for language in LANGUAGES:

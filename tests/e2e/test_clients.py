@@ -3,19 +3,13 @@ import subprocess
 import sys
 import unittest
 
-import dbus
-import dbus.service
-from dbus.mainloop.glib import DBusGMainLoop
-from gi.repository import GLib
-
 from end_to_end import BUILD
 from end_to_end import open_stage as setUpModule  # noqa: F401
 from end_to_end import run
 
 import stage
 from arrangement import SOURCES
-from client import FACTORY
-from stage import ADD_IN_CLASS, LOOKUP, UPDATE, EndToEndTest, dialog_title
+from stage import UPDATE, EndToEndTest, dialog_title
 
 # What the example host prints of a lookup: the calls of the add-in, in order, with those that read the answer.
 LOOKUP_LINES = [
@@ -28,38 +22,13 @@ LOOKUP_LINES = [
 ]
 
 
-class LeavingFactory(dbus.service.Object):
-    """That of a process that is ending: refuses, and with the second refusal gives the class's name up."""
-
-    def __init__(self, test):
-        self.bus = stage.connect(DBusGMainLoop())
-        test.addCleanup(self.bus.close)
-        self.name = dbus.service.BusName(ADD_IN_CLASS, self.bus)
-        super().__init__(self.name, "/Factory")
-        self.calls = 0
-
-    @dbus.service.method(FACTORY, out_signature="(so)")
-    def CreateInstance(self):
-        self.calls += 1
-        if self.calls == 2:
-            self.bus.release_name(ADD_IN_CLASS)
-        raise dbus.DBusException("ending", name="org.velmora.Automation1.Error.Busy")
-
-    def has_left(self):
-        GLib.MainContext.default().iteration(False)
-        return self.calls == 2
-
-
 class Example:
-    def open_example(self, *options):
-        process = self.start_example(*options)
-        self.dialog("Example")
-        return process
-
-    def start_example(self, *options):
+    def open_example(self):
         self.output = stage.arrangement.folder / "example.txt"
         with open(self.output, "w", encoding="utf-8") as output:
-            return self.start([*self.command, *options], stdout=output, stderr=subprocess.STDOUT)
+            process = self.start(self.command, stdout=output, stderr=subprocess.STDOUT)
+        self.dialog("Example")
+        return process
 
     def lines(self):
         return self.output.read_text(encoding="utf-8").splitlines()
@@ -67,19 +36,9 @@ class Example:
     def close_window(self, process):
         stage.driver.raise_window(dialog_title("Example"))
         stage.driver.press("alt+F4")
-        self.wait_for_end(process)
-
-    def wait_for_end(self, process):
         self.wait_for(lambda: process.poll() is not None, "the example host to end")
         self.assertEqual(process.returncode, 0, self.lines())
         self.wait_until_gone()
-
-    def test_a_factory_that_is_busy_is_asked_again(self):
-        factory = LeavingFactory(self)
-        process = self.start_example()
-        self.wait_for(factory.has_left, "two refusals")
-        self.dialog("Example")
-        self.close_window(process)
 
 
 class FullExample(Example):
@@ -89,17 +48,8 @@ class FullExample(Example):
         process = self.open_example()
         self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
         self.close_window(process)
-        lines = self.lines()
-        self.assertEqual(lines[0], 'GetComData("Horalink", "MOVE", "")')
-        self.assertEqual(lines[1:1 + len(LOOKUP_LINES)], LOOKUP_LINES)
-        self.assertEqual(lines[1 + len(LOOKUP_LINES)], "UnloadChild(1)")
-
-    def test_once(self):
-        process = self.open_example("--once")
-        self.press(LOOKUP)
-        self.wait_for_end(process)
-        self.assertEqual(self.lines()[1:1 + len(LOOKUP_LINES)], LOOKUP_LINES)
-        self.assertRegex(self.lines()[-1], r'^REGComData\("Horalink", "MOVE", "-?[\d.]+,-?[\d.]+"\)$')
+        expected = ['GetComData("Horalink", "MOVE", "")', *LOOKUP_LINES, "UnloadChild(1)"]
+        self.assertEqual(self.lines()[:len(expected)], expected)
 
     def test_without_an_add_in_it_says_so_in_one_line(self):
         stage.arrangement.add_in.unlink()

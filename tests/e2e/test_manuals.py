@@ -10,19 +10,19 @@ import unittest
 
 from gi.repository import Gio
 
-from end_to_end import BUILD, run
+from end_to_end import BUILD, OwnHostTest, run
 from end_to_end import open_stage as setUpModule  # noqa: F401
 
 import stage
 from arrangement import SOURCES
-from client import Client
+from host import result
 from stage import ADD_IN_CLASS, EndToEndTest
 
 MANUALS = [SOURCES / name for name in ("README.md", "CONTRIBUTING.md")] + sorted(SOURCES.glob("docs/*.md"))
 OTHERS = [
     (r"\./run( --language \S+)?( \.\.\.| COMMAND\.\.\.)?$|\./run (stand-alone|bus) [A-Z]", "builds; tried on a bare system"),
     (r"\./check|cmake --build build/check|ctest", "this test is a part of it"),
-    (r"tests/fuzz/run|bench/run|campaigns/run|scripts/make-pictures.sh", "takes minutes"),
+    (r"tests/fuzz/run|bench/run|tests/long/run|scripts/make-pictures.sh", "takes minutes"),
     (r"packaging/|sudo ", "packaging/try-packages.sh does it on a bare system"),
     (r"\./run( --language \S+)? bus (examples/|build/examples/|switchdesk --(verbose|open))",
      "test_clients and test_round_trip do it"),
@@ -107,17 +107,12 @@ def shape(interface):
                              [argument.signature for argument in method.out_args]) for method in interface.methods]
 
 
-class HostAuthors(EndToEndTest):
-    def test_programs_are_on_the_path(self):
-        for program in (stage.arrangement.add_in, stage.arrangement.host):
-            found = shutil.which(program.name, path=stage.arrangement.environment["PATH"])
-            self.assertEqual(found, str(program))
-
+class HostAuthors(OwnHostTest):
     def test_introspection_files(self):
-        client = Client(self).created()
+        client = self.join()
         served = {}
-        for owner, path in ((ADD_IN_CLASS, "/Factory"), (client.owner, client.path)):
-            (xml,) = client.ask(owner, path, "org.freedesktop.DBus.Introspectable", "Introspect")
+        for owner, path in ((ADD_IN_CLASS, "/Factory"), result(client.create())):
+            xml = client.ask(owner, path, "org.freedesktop.DBus.Introspectable", "Introspect")
             served.update(shape(interface) for interface in Gio.DBusNodeInfo.new_for_xml(xml).interfaces)
         members = set()
         for file in (SOURCES / "docs/introspection").glob("*.xml"):

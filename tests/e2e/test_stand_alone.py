@@ -4,10 +4,9 @@ import unittest
 
 from end_to_end import Host
 from end_to_end import open_stage as setUpModule  # noqa: F401
-from end_to_end import run
 
 import stage
-from stage import (ADD_IN, CLOCK_READ, CLOSE, EXCHANGE, LOGIN_FAILED, LOOKUP, SWITCHDESK, UPDATE, EndToEndTest,
+from stage import (ADD_IN, CLOCK_READ, CLOSE, EXCHANGE, LOOKUP, SWITCHDESK, UPDATE, EndToEndTest,
                    dialog_title, pids)
 
 
@@ -43,10 +42,6 @@ class StandAlone(EndToEndTest):
         self.assert_good_end()
         self.wait_until_gone(SWITCHDESK)
 
-    def test_empty_command_line_ends_at_once(self):
-        done = run([stage.arrangement.add_in])
-        self.assertEqual((done.returncode, done.stderr), (0, ""))
-
     def test_dialog_without_a_connection(self):
         """The exchange is unknown, refuses, or there is no host at all: only the close button is left."""
         for name, exchange, prepare in (
@@ -59,18 +54,6 @@ class StandAlone(EndToEndTest):
                 self.assertEqual([self.is_enabled(button) for button in (LOOKUP, UPDATE, CLOSE)], [False, False, True])
                 self.assertEqual(stage.driver.titles(ADD_IN), ["PBX Clock" if name == "no host" else dialog_title(exchange)])
                 self.close()
-
-    def test_host_that_leaves_while_its_answer_is_out(self):
-        host = self.serve("--leave=waiting")
-        self.start_add_in()
-        host.wait_for_line("ConnectToPbx")
-        self.press(LOOKUP)
-        host.process.wait(stage.LIMIT)
-        # Whoever would be created now is another one than the dialog knows.
-        # The dialog takes clicks again as soon as the bus has told it that the host is gone.
-        self.wait_for(lambda: self.boxes() or self.press(LOOKUP), "a request that fails")
-        self.close_box(LOGIN_FAILED)
-        self.close()
 
 
 if __name__ == "__main__":

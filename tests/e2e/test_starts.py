@@ -3,21 +3,20 @@ import sqlite3
 import subprocess
 import unittest
 
-from end_to_end import Host, change_database, database_file
+from end_to_end import Host, OwnHostTest, change_database, database_file
 from end_to_end import open_stage as setUpModule  # noqa: F401
 from end_to_end import run
 
 import stage
-from client import FACTORY, NAME, Client
 from driver import Role
-from stage import ADD_IN, EXCHANGE, LIMIT, NOTICE, SWITCHDESK, EndToEndTest, dialog_title, pids
+from host import CONTRACT, result
+from stage import ADD_IN, EXCHANGE, LIMIT, NOTICE, SWITCHDESK, EndToEndTest
 
 # What is done to an installation, and what the notice says: something that names it, and the number.
 DAMAGES = [
     ("no common texts", lambda: database_file("Common.LNG").unlink(), r"COMMON\.LNG|Common\.LNG", 3024),
     ("texts that are no database", lambda: spoil("Horalink.lng"), r"Horalink\.lng", 3343),
     ("no row for the application", lambda: change_database("Horalink.lng", "DELETE FROM tProject"), "record", 3021),
-    ("empty short texts", lambda: change_database("Horalink.lng", "DELETE FROM tMessages"), "message", 9),
     ("no register", lambda: database_file("Register.mdb").unlink(), r"Register\.mdb", 3024),
 ]
 
@@ -37,13 +36,8 @@ class GoodStarts(EndToEndTest):
         rows = register.execute("SELECT Version FROM Registry WHERE AppName = 'Horalink.mra'").fetchall()
         self.assertEqual(rows, [("13.0.1",), ("0.0.0",)])
 
-    def test_register_without_a_row_is_left_alone(self):
-        change_database("Register.mdb", "DELETE FROM Registry")
-        Host(self).open()
-        self.assert_usable()
 
-
-class FailedStarts(EndToEndTest):
+class FailedStarts(OwnHostTest):
     def test_one_notice_and_the_creation_fails(self):
         for name, damage, what, number in DAMAGES:
             with self.case(name):
@@ -68,11 +62,12 @@ class FailedStarts(EndToEndTest):
 
     def test_form_without_texts_leaves_one_notice_and_no_window(self):
         change_database("Horalink.lng", "DROP TABLE tForms")
-        client = Client(self)
+        client = self.join()
+        creation = client.create()
         self.assertIn("tForms", self.close_box(NOTICE))
-        client.created()
+        layer = result(creation)
         self.assertEqual(stage.driver.titles(ADD_IN), [])
-        client.leave()
+        client.send(layer, "Object", "Release")
         self.wait_until_gone()
 
 
@@ -106,19 +101,11 @@ class WithoutSurroundings(EndToEndTest):
     def test_creation_fails_at_once_where_the_bus_has_no_display(self):
         address = stage.arrangement.start_bus("bus-alone", self.environment(DISPLAY=None))
         environment = self.environment(DBUS_SESSION_BUS_ADDRESS=address)
-        created = run(["busctl", "--user", "--timeout=20", "call", NAME, "/Factory", FACTORY, "CreateInstance"],
+        created = run(["busctl", "--user", "--timeout=20", "call", stage.ADD_IN_CLASS, "/Factory", f"{CONTRACT}Factory", "CreateInstance"],
                       environment=environment)
         self.assertRegex(created.stderr, "exited with status 1")
         Host(self, environment=environment).wait_for_line("# add-in raised error 429")
         self.assertIn("display", (stage.arrangement.folder / "bus-alone.log").read_text())
-
-    def test_class_that_is_served_already(self):
-        Host(self).open()
-        done = run([stage.arrangement.add_in, "-Embedding"])
-        self.assertGreater(done.returncode, 0)
-        self.assertRegex(done.stderr, r"^\S*horalink: [^\n]+\n$")
-        self.assertEqual(len(pids(ADD_IN)), 1)
-        self.assertIn(dialog_title(), stage.driver.titles(ADD_IN))
 
 
 if __name__ == "__main__":

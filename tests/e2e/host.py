@@ -1,0 +1,233 @@
+"""A host that is written against the contract alone and shares no code with the programs. It misbehaves as it is told.
+
+As a program it is a process that can be killed and stopped: `host.py MEMBER SIGNAL ANSWERS` opens the add-in, prints
+each call that it gets, and sends itself the signal before it answers the first call of the member. Without ANSWERS it
+answers a request when it gets USR1.
+"""
+import os
+import re
+import signal
+import sys
+import threading
+import time
+from collections import Counter
+from concurrent.futures import Future
+
+from gi.repository import Gio, GLib
+
+CONTRACT, ADD_IN_CLASS, EXCHANGE = "org.velmora.Automation1.", "Horalink10013.cOLELayer", "Main Office"
+BUS = "org.freedesktop.DBus"
+CALL, READ, WRITE = 1, 2, 4
+EMPTY = (0,)
+BUSY = f"{CONTRACT}Error.Busy"
+LIMIT = 40  # seconds; the add-in waits for 20 before it asks the operator
+OBJECT = Gio.DBusNodeInfo.new_for_xml(f"""<node><interface name="{CONTRACT}Object"><method name="Invoke">
+  <arg type="s" direction="in"/><arg type="q" direction="in"/><arg type="av" direction="in"/>
+  <arg type="v" direction="out"/><arg type="av" direction="out"/></method><method name="Retain"/><method name="Release"/>
+  </interface></node>""").interfaces[0]
+
+# What the add-in calls.
+OPENED = ["GetComData"]
+
+
+def asked(key, tag="LOOKUP_CLOCK"):
+    return ["oPBX", f"Login {EXCHANGE}", f"ShowMessage PBX clock request: {key}",
+            "oPBX", f"SendRequest {tag}", "ShowMessage PBX clock request: R"]
+
+
+def told(key):
+    return [f"ShowResults PBX Clock ({EXCHANGE}) /Response/{key}", "ShowMessage OK", "ShowCode 0"]
+
+
+def logged_out(key):
+    return ["oPBX", f"LogOut {EXCHANGE} {key}"]
+
+
+def good(key, tag="LOOKUP_CLOCK"):
+    return asked(key, tag) + told(key) + logged_out(key)
+
+
+def clock(key):
+    """The time that the box of an answer shows, by which it tells whose answer it is."""
+    return f"09:02:{int(key[1:]) % 60:02}"
+
+
+def value(plain):
+    kinds = {bool: "b", int: "n", str: "s", tuple: "(y)" if plain == EMPTY else "(so)"}
+    return GLib.Variant(kinds[type(plain)], plain)
+
+
+def connect(address):
+    flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+    return Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
+
+
+def result(future):
+    """What a call gives; of one that failed the name, the description and the number."""
+    reply = future.result(LIMIT)
+    body = reply.get_body().unpack() if reply.get_body() else (None,)
+    return (reply.get_error_name(), *body) if reply.get_error_name() else body[0]
+
+
+class Host:
+    """Serves in a thread of its own. `behaviours` holds for a member what becomes of its next answer: a routine that
+    gets the routine that sends it. `kept` counts the references that the add-in holds."""
+
+    def __init__(self, address):
+        self.calls, self.behaviours, self.kept = [], {}, Counter()
+        self.clients, self.tags, self.messages = {}, {}, {}  # by the keys of logins
+        self.calls_back, self.code, self.last_call = True, 0, 0.0
+        self.context = GLib.MainContext()
+        self.loop = GLib.MainLoop(self.context)
+        self.bus = connect(address)
+        self.bus.set_exit_on_close(False)
+        self.thread = threading.Thread(target=self.run, daemon=True)
+        self.thread.start()
+
+    def run(self):
+        self.context.push_thread_default()
+        for path in ("/Host", "/Exchange"):
+            self.bus.register_object(path, OBJECT, self.serve, None, None)
+        self.loop.run()
+
+    def leave(self):
+        self.later(self.loop.quit)
+        self.thread.join()
+        if not self.bus.is_closed():
+            self.bus.close_sync()
+
+    def later(self, act, milliseconds=0):
+        """In its own thread, at once where that is this one."""
+        if self.context.is_owner() and not milliseconds:
+            return act()
+        source = GLib.Timeout(milliseconds)
+        source.set_callback(lambda *_: act() and False)
+        source.attach(self.context)
+
+    def behave(self, sender, call, answer):
+        self.calls.append((sender, call))
+        self.last_call = time.monotonic()
+        self.behaviours.pop(call.split()[0], lambda send: send())(answer)
+
+    def asked_by(self, layer):
+        """The calls from the process of an object."""
+        return [call for sender, call in self.calls if sender == layer[0]]
+
+    def serve(self, _bus, sender, path, _interface, method, parameters, invocation):
+        if method != "Invoke":
+            self.kept[path] += 1 if method == "Retain" else -1
+            return invocation.return_value(None)
+        member, _, arguments = parameters.unpack()
+
+        def answer(plain):
+            answers = GLib.Variant("v", value(plain)), parameters.get_child_value(2)
+            invocation.return_value(GLib.Variant.new_tuple(*answers))
+
+        if path.startswith("/Response/"):
+            return answer(self.respond(path.rpartition("/")[2], member, *arguments))
+        if member == "SendRequest":
+            return self.take(sender, arguments[0], answer)
+        own = [each[1] if isinstance(each, tuple) else str(each) for each in arguments
+               if not isinstance(each, tuple) or each[0] == self.bus.get_unique_name()]
+        given = self.log_in(arguments[1]) if member == "Login" else self.at("/Exchange") if member == "oPBX" else EMPTY
+        self.kept["/Exchange"] += member == "oPBX"
+        self.behave(sender, member if member.endswith("ComData") else " ".join([member, *own]), lambda: answer(given))
+
+    def log_in(self, client):
+        key = f"L{len(self.clients) + 1}"
+        self.clients[key] = client
+        self.send(client, "Object", "Retain")
+        self.bus.register_object(f"/Response/{key}", OBJECT, self.serve, None, None)
+        return key
+
+    def take(self, sender, record, answer):
+        key = f"L{len(self.clients)}"
+
+        def accept():
+            answer("R")
+            if self.calls_back:
+                self.call_back(key)
+
+        def tagged(reply):
+            tag = result(reply)
+            self.tags[key] = tag if isinstance(tag, str) else "LOOKUP_CLOCK"  # a read that failed
+            self.behave(sender, f"SendRequest {self.tags[key]}", accept)
+        self.invoke(record, "Tag", READ).add_done_callback(tagged)
+
+    def respond(self, key, member, *arguments):
+        if member == "Message" and arguments:
+            self.messages[key] = arguments[0]
+        item = arguments[0] if arguments and member != "Message" else 0
+        return {"Count": 3, "CMD": "02", "FirstData": str(item), "SecondData": ("2026", "07/04 SAT", clock(key))[item],
+                "ExtraData": "OK", "ErrCode": self.code, "Tag": self.tags[key], "LoginID": key,
+                "Message": self.messages.get(key, "")}[member]
+
+    def send(self, target, interface, method, parameters=None):
+        """Sends in the order of these calls; gives the reply that is to come."""
+        message = Gio.DBusMessage.new_method_call(*target, CONTRACT + interface, method)
+        message.set_body(parameters or GLib.Variant("()", ()))
+        future = Future()
+        self.later(lambda: self.bus.send_message_with_reply(
+            message, Gio.DBusSendMessageFlags.NONE, GLib.MAXINT32, None,
+            lambda bus, reply: future.set_result(bus.send_message_with_reply_finish(reply))))
+        return future
+
+    def invoke(self, target, member, kind, *arguments):
+        return self.send(target, "Object", "Invoke",
+                         GLib.Variant("(sqav)", (member, kind, [value(each) for each in arguments])))
+
+    def create(self):
+        return self.send((ADD_IN_CLASS, "/Factory"), "Factory", "CreateInstance")
+
+    def register(self, layer):
+        return result(self.invoke(layer, "RegisterPBX", CALL, EXCHANGE, self.at("/Host"), 7))
+
+    def show(self, layer):
+        return result(self.invoke(layer, "Visible", WRITE, True))
+
+    def open(self):
+        layer = result(self.create())
+        self.register(layer)
+        self.show(layer)
+        return layer
+
+    def call_back(self, key):
+        return self.invoke(self.clients[key], "CallBack", CALL, self.at(f"/Response/{key}"))
+
+    def ask(self, owner, path, interface, method, *arguments):
+        """A call of one of the bus's own interfaces."""
+        asked = GLib.Variant("(s)", arguments) if arguments else None
+        return self.bus.call_sync(owner, path, interface, method, asked, None, 0, LIMIT * 1000, None).unpack()[0]
+
+    def objects(self, layer):
+        """All objects in the process of one."""
+        tree = self.ask(layer[0], "/Object", f"{BUS}.Introspectable", "Introspect")
+        return {f"/Object/{number}" for number in re.findall(r'node name="(\d+)"', tree)}
+
+    def at(self, path):
+        return self.bus.get_unique_name(), path
+
+
+class Process(Host):
+    """Prints its calls, and at one of them gets a signal."""
+
+    def __init__(self, member, wanted, answers):
+        self.member, self.wanted = member, wanted
+        super().__init__(os.environ["DBUS_SESSION_BUS_ADDRESS"])
+        self.calls_back = bool(answers)
+
+    def behave(self, sender, call, answer):
+        print(call, flush=True)
+        if call.split()[0] == self.member:
+            self.member = None
+            os.kill(os.getpid(), signal.Signals[self.wanted])
+        super().behave(sender, call, answer)
+
+
+if __name__ == "__main__":
+    signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGUSR1})
+    host = Process(*sys.argv[1:])
+    host.open()
+    print("open", flush=True)
+    while signal.sigwait({signal.SIGUSR1}):
+        host.later(lambda: host.call_back(f"L{len(host.clients)}"))
