@@ -3,5 +3,5 @@
 #include <iostream>
 
 int main() {
-    std::cout << platform::ProgramFile().string();
+    std::cout << platform::ProgramFile().string() << "\n";
 }
