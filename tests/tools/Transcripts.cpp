@@ -59,7 +59,7 @@ class Transcript : public testing::Test {
                      " && env -i LC_ALL=C.UTF-8 PATH=" PROGRAMS ":/usr/bin:/bin DATA=" DATA
                      " DATABASES=" DATABASES " TOP=" +
                      top + " HOME=" + top + "/home TMPDIR=" + top + "/tmp HERE=" + folder_.string() +
-                     " bash tmp/.script 2>&1 </dev/null | sed 's|" + top + "|TOP|g'");
+                     " timeout 200 bash tmp/.script 2>&1 </dev/null | sed 's|" + top + "|TOP|g'");
         EXPECT_EQ(output, text_);
     }
 
