@@ -47,8 +47,7 @@ void Append(sd_bus_message* message, const std::string& shape, std::string_view&
     for (const char type : shape) {
         if (type == 'a') {
             sd_bus_message_open_container(message, 'a', shape.c_str() + 1);
-            sd_bus_message_close_container(message);
-            return;
+            return void(sd_bus_message_close_container(message));
         }
         if (type == 'v') {
             const char* next = depth > 8 ? "n" : inside[TakeByte(recipe) % std::size(inside)];
@@ -68,22 +67,19 @@ void Append(sd_bus_message* message, const std::string& shape, std::string_view&
     }
 }
 
-ObjectRef NoObject(const Address&) {
-    return nullptr;
-}
-
 // What was read can be sent again and is read the same.
 void RoundTrip(sd_bus_message* message, ValueType type) {
+    const auto noObject = [](const Address&) { return ObjectRef(); };
     Value value;
     try {
-        value = ReadTyped(message, type, NoObject);
+        value = ReadTyped(message, type, noObject);
     } catch (const RuntimeError&) {
         return;
     }
     const MessageRef copy = MakeMessage();
     AppendTyped(copy.get(), value, type, [](const ObjectRef&) { return Address{"", "/"}; });
     if (sd_bus_message_seal(copy.get(), 1, 0) < 0) std::abort();
-    const Value again = ReadTyped(copy.get(), type, NoObject);
+    const Value again = ReadTyped(copy.get(), type, noObject);
     horalink::fuzz::Require(again == value || !(value == value), "a value travels unchanged");
 }
 

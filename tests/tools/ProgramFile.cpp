@@ -1,0 +1,7 @@
+#include "platform/desktop/ProgramFile.h"
+
+#include <iostream>
+
+int main() {
+    std::cout << platform::ProgramFile().string() << "\n";
+}
