@@ -1,5 +1,5 @@
 // A server and a client of this system, and a peer that writes its messages by hand, all on the thread of
-// the test.
+// the test. Their names on the bus are :1.0, :1.1 and :1.2.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,20 +14,7 @@
 
 namespace platform::test {
 
-inline const Reference factory{"Test.cScripted", bus::factoryPath};
-
-// The object in an answer, in the result of a late-bound call, or the one argument of such a call.
-inline Reference ReferenceIn(const MessageRef& message) {
-    const char *owner = "", *path = "";
-    sd_bus_message_rewind(message.get(), true);
-    if (sd_bus_message_has_signature(message.get(), "sqav")) {
-        sd_bus_message_skip(message.get(), "sq");
-        sd_bus_message_enter_container(message.get(), 'a', "v");
-    }
-    if (sd_bus_message_read(message.get(), "v", "(so)", &owner, &path) <= 0)
-        sd_bus_message_read(message.get(), "(so)", &owner, &path);
-    return {owner, path};
-}
+inline const Reference factory{"Test.cScripted", factoryPath};
 
 class BusTest : public testing::Test {
   protected:
@@ -39,7 +26,7 @@ class BusTest : public testing::Test {
         };
         host = client->CreateObject(u"Test.cStranger");
         stranger.whenCalled = nullptr;
-        stranger.calls.clear();
+        EXPECT_EQ(stranger.Heard(), "/Factory CreateInstance");
     }
     std::unique_ptr<Automation> Connect() { return ConnectToSessionBus(loop, boxes, settings); }
 
@@ -49,27 +36,36 @@ class BusTest : public testing::Test {
         return client->CreateObject(u"Test.cScripted");
     }
     ObjectRef Created(std::vector<Member> members) { return Created(Scripted(std::move(members))); }
+    std::string CreateInstance() { return stranger.Call(factory, factoryInterface, "CreateInstance"); }
     Reference CreateForStranger(ObjectRef object) {
         create = [object = std::move(object)]() mutable { return std::move(object); };
-        return ReferenceIn(stranger.Call(factory, bus::factoryInterface, "CreateInstance").message);
+        return ReferenceIn(CreateInstance());
     }
     Reference CreateForStranger(std::vector<Member> members) {
         return CreateForStranger(ObjectRef(Scripted(std::move(members))));
     }
 
     // The stranger calls Retain or Release, or a member without wanting an answer.
-    Answer Plain(const Reference& object, const char* method) {
-        return stranger.Call(object, bus::objectInterface, method);
+    std::string Plain(const Reference& object, const char* method) {
+        return stranger.Call(object, objectInterface, method);
     }
-    void Poke(const Reference& object, const char* member = "Poke") {
-        stranger.Notify(stranger.NewInvoke(object, member));
-    }
+    void Poke(const Reference& object) { stranger.Notify(stranger.NewInvoke(object, "Poke")); }
 
     // The stranger answers all late-bound calls with a text.
     void AnswerAll(const char* text) {
         stranger.whenCalled = [this, text](const MessageRef& call) {
             stranger.ReturnResult(call, "s", text);
         };
+    }
+    // Serves until the stranger has heard exactly this.
+    void ExpectHeard(const std::string& calls) {
+        std::string heard;
+        loop.ServeUntil([&] {
+            const std::string more = stranger.Heard();
+            heard += (heard.empty() || more.empty() ? "" : "; ") + more;
+            return heard == calls;
+        });
+        EXPECT_EQ(heard, calls);
     }
 
     PrivateBus bus;
@@ -81,5 +77,13 @@ class BusTest : public testing::Test {
     RawPeer stranger{loop};
     ObjectRef host;  // of the stranger's, held by the client
 };
+
+// Number and detail of what a call raises, or nothing.
+template <class Act>
+std::string Failure(Act act) {
+    const RuntimeError error = Raised(act);
+    return error.Number() == 0 ? ""
+                               : std::to_string(error.Number()) + ' ' + Detail(ToUtf8(error.Description()));
+}
 
 }  // namespace platform::test

@@ -5,8 +5,7 @@
 #include <string>
 
 #include "PollLoop.h"
-#include "platform/automation/Names.h"
-#include "platform/automation/dbus/Handles.h"
+#include "Told.h"
 
 namespace platform::test {
 
@@ -15,12 +14,11 @@ struct Reference {
     std::string owner, path;
 };
 
-// What a call was answered with; `error` and `number` are those of an error answer.
-struct Answer {
-    MessageRef message;
-    std::string error;
-    std::int32_t number = 0;
-};
+// The first reference in a message.
+inline Reference ReferenceIn(const std::string& told) {
+    const auto owner = told.find("(':") + 2, path = told.find("' ", owner), end = told.find(')', path);
+    return {told.substr(owner, path - owner), told.substr(path + 2, end - path - 2)};
+}
 
 class RawPeer {
   public:
@@ -54,14 +52,15 @@ class RawPeer {
     // A late-bound call with `count` arguments, each given with its type.
     template <class... Parts>
     MessageRef NewInvoke(const Reference& to, const char* member, int count = 0, Parts... parts) {
-        return NewCall(to, bus::objectInterface, "Invoke", "sqav", member, 1, count, parts...);
+        return NewCall(to, objectInterface, "Invoke", "sqav", member, 1, count, parts...);
     }
+    // What the answer says.
     template <class... Parts>
-    Answer Call(Parts... parts) {
+    std::string Call(Parts... parts) {
         return Await(NewCall(parts...));
     }
     template <class... Parts>
-    Answer Invoke(Parts... parts) {
+    std::string Invoke(Parts... parts) {
         return Await(NewInvoke(parts...));
     }
 
@@ -75,17 +74,11 @@ class RawPeer {
         sd_bus_call_async(Bus(), nullptr, call.get(), keep, &answer, UINT64_MAX);
         return answer;
     }
-    Answer Await(const MessageRef& call) {
+    std::string Await(const MessageRef& call) {
         const MessageRef& message = Send(call);
         loop_.ServeUntil([&] { return Process(), message != nullptr; });
         if (!message) throw std::runtime_error("no answer");
-        Answer answer{message, {}, 0};
-        if (const sd_bus_error* error = sd_bus_message_get_error(message.get())) {
-            answer.error = error->name;
-            sd_bus_message_rewind(message.get(), true);
-            sd_bus_message_read(message.get(), "si", nullptr, &answer.number);
-        }
-        return answer;
+        return Told(message);
     }
     // Sends a call that wants no answer.
     void Notify(const MessageRef& call) {
@@ -108,6 +101,12 @@ class RawPeer {
             return sd_bus_message_get_member(call.get()) == member;
         });
     }
+    // The calls since the last time, in their order.
+    std::string Heard() {
+        std::string all;
+        for (const MessageRef& call : std::exchange(calls, {})) all += (all.empty() ? "" : "; ") + Told(call);
+        return all;
+    }
 
     template <class... Parts>
     void Return(const MessageRef& call, const char* types, Parts... parts) {
@@ -117,6 +116,9 @@ class RawPeer {
     template <class... Parts>
     void ReturnResult(const MessageRef& call, const char* type, Parts... parts) {
         Return(call, "vav", type, parts..., 0);
+    }
+    void Refuse(const MessageRef& call, const char* error = busyErrorName) {
+        sd_bus_reply_method_errorf(call.get(), error, "later");
     }
 
     // Leaves the bus without giving anything back.

@@ -1,4 +1,6 @@
-// The typed interface of public classes, and what the bus's own interfaces answer.
+// How calls find their member, and what the bus's own interfaces answer.
+#include <regex>
+
 #include "BusTest.h"
 
 namespace platform::test {
@@ -6,73 +8,124 @@ namespace {
 
 constexpr TypeLibrary library{"TestLibrary", "{library}", "1.0"};
 constexpr char typed[] = "TestLibrary._cTyped", properties[] = "org.freedesktop.DBus.Properties";
+constexpr char introspectable[] = "org.freedesktop.DBus.Introspectable";
 
 struct TypedInterfaceTest : BusTest {
     std::vector<Member> Members() {
         const auto get = InvokeKind::PropertyGet, put = InvokeKind::PropertyPut;
         const auto none = ValueType::None, string = ValueType::String;
         const Parameter content{"Content", string}, index{"Index", ValueType::Integer};
-        const auto write = [this](Object&, Arguments& a) { return tag = a[0].ToText(), Value(); };
+        const auto write = [this](Object&, Arguments& a) { return tag = a.back().ToText(), Value(); };
         const auto fail = [](Object&, Arguments&) -> Value { throw RuntimeError(9, u"out of range"); };
         return {{"Tag", put, {content}, none, write},
                 {"Tag", get, {}, string, [this](Object&, Arguments&) { return tag; }},
                 {"Item", get, {index}, string, fail},
-                {"ErrCode", get, {}, ValueType::Long, [](Object&, Arguments&) { return -5; }}};
+                {"Item", put, {index, content}, none, write},
+                {"ErrCode", get, {}, ValueType::Long, [](Object&, Arguments&) { return -5; }},
+                {"Both", InvokeKind::Method, {content, index}, string, [](Object&, Arguments& a) {
+                     return a[0].ToText() + a[1].ToText();
+                 }}};
     }
     template <class... Parts>
-    Answer Ask(Parts... parts) {
+    std::string Ask(Parts... parts) {
         return stranger.Call(reference, parts...);
+    }
+    template <class... Parts>
+    std::string Invoke(const char* member, int kind, Parts... arguments) {
+        return Ask(objectInterface, "Invoke", "sqav", member, kind, arguments...);
     }
     Text tag = u"tag";
     Reference reference = CreateForStranger(std::make_shared<ScriptedObject>(
         ClassDescription{"cTyped", Members(), &library, "{class}", "{interface}"}));
 };
 
-TEST_F(TypedInterfaceTest, AllPropertiesInTheirOrder) {
-    const Answer answer = Ask(properties, "GetAll", "s", typed);
-    const char *first = "", *second = "", *text = "";
-    std::int32_t number = 0;
-    sd_bus_message_read(answer.message.get(), "a{sv}", 2, &first, "s", &text, &second, "i", &number);
-    EXPECT_EQ(std::string(first) + " " + second, "Tag ErrCode");
-    const Answer none = Ask(properties, "GetAll", "s", bus::objectInterface);
-    EXPECT_STREQ(sd_bus_message_get_signature(none.message.get(), true), "a{sv}");
-}
-
-TEST_F(TypedInterfaceTest, ThePropertiesInterfaceMayBeLeftUnnamed) {
-    EXPECT_EQ(Ask(properties, "Set", "ssv", "", "Tag", "s", "new").error, "");
+TEST_F(TypedInterfaceTest, CallsAreRoutedByPathInterfaceNameAndKind) {
+    const auto at = [&](const char* path) { return Reference{reference.owner, path}; };
+    const Reference hidden = CreateForStranger({Named(u"")});
+    const char* late = objectInterface;
+    const char* other = "org.example.Other";
+    const std::string noInterface = "UnknownInterface i438 ", noMethod = "UnknownMethod i438 ";
+    const std::string noProperty = "UnknownProperty i438 ", wanted = "wanted are arguments of signature ";
+    const std::string badArguments = "InvalidArgs i13 " + wanted;
+    const std::pair<std::string, std::string> cases[] = {
+        {Invoke("tag", 2, 0), "<'tag'> []"},
+        {Invoke("TAG", 4, 1, "s", "late"), "<(y0)> [<'late'>]"},
+        {Invoke("Tag", 8, 1, "s", "x"), "<(y0)> [<'x'>]"},
+        {Invoke("Tag", 3, 0), "Error i5 kind of call 3"},
+        {Invoke("Both", 1, 2, "i", 1, "s", "2"), "<'12'> [<i1> <'2'>]"},
+        {Invoke("Nobody", 1, 0), "Error i438 cTyped.Nobody"},
+        {Ask(late, "Invoke", "sq", "Tag", 2), badArguments + "\"sqav\""},
+        {Ask(late, "Retain", "s", ""), badArguments + "\"\""},
+        {Ask(late, "Nobody"), noMethod + "Nobody"},
+        {Ask(typed, "Both", "sn", "a", 1), "'a1'"},
+        {Ask(nullptr, "Both", "sn", "b", 2), "'b2'"},
+        {Ask(typed, "Put_Item", "ns", 1, "put"), ""},
+        {Ask(nullptr, "Retain"), ""},
+        {Ask(nullptr, "Release"), ""},
+        {Ask(nullptr, "Get", "ss", typed, "Tag"), "<'put'>"},
+        {Ask(properties, "Get", "ss", "", "ErrCode"), "<i-5>"},
+        {Ask(properties, "Set", "ssv", "", "Tag", "s", "new"), ""},
+        {Ask(properties, "GetAll", "s", typed), "[('Tag' <'new'>) ('ErrCode' <i-5>)]"},
+        {Ask(nullptr, "GetAll", "s", late), "[]"},
+        {Ask(other, "Nobody"), noInterface + other},
+        {stranger.Call(at("/"), late, "Retain"), noInterface + late},
+        {stranger.Call(at("/Nowhere"), nullptr, "Retain"), "UnknownObject i462 /Nowhere"},
+        {stranger.Call(at("/"), nullptr, "Nobody"), noMethod + "Nobody"},
+        {stranger.Call(factory, factoryInterface, "Nobody"), noMethod + "Nobody"},
+        {stranger.Call(factory, nullptr, "CreateInstance", "s", ""), badArguments + "\"\""},
+        {stranger.Call(factory, other, "CreateInstance"), noInterface + other},
+        {Ask(introspectable, "Introspect", "s", ""), badArguments + "\"\""},
+        {Ask(typed, "item", "n", 1), noMethod + "item"},
+        {Ask(typed, "Tag"), noMethod + "Tag"},
+        {Ask(typed, "Put_Tag", "s", ""), noMethod + "Put_Tag"},
+        {Ask(nullptr, "Nobody"), noMethod + "Nobody"},
+        {Ask(typed, "Item", "i", 1), badArguments + "\"n\""},
+        {Ask(typed, "Item", "n", 1), "Error i9 out of range"},
+        {Ask(properties, "Nobody", "s", typed), noMethod + "Nobody"},
+        {Ask(properties, "Get", "ss", typed, "Item"), noProperty + "Item"},
+        {Ask(properties, "Get", "ss", late, "Tag"), noProperty + "Tag"},
+        {Ask(properties, "Get", "ss", other, "Tag"), noInterface + other},
+        {Ask(properties, "Get", "s", typed), badArguments + "\"ss\""},
+        {Ask(properties, "Set", "ssv", typed, "ErrCode", "i", 1), "PropertyReadOnly i383 ErrCode"},
+        {Ask(properties, "Set", "ssv", typed, "Nobody", "i", 1), noProperty + "Nobody"},
+        {stranger.Call(hidden, properties, "Get", "ss", typed, "Tag"), noInterface + typed},
+        {stranger.Call(hidden, nullptr, "Name"), noMethod + "Name"},
+    };
+    for (std::size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(cases[i].first, cases[i].second) << i;
     EXPECT_EQ(tag, u"new");
 }
 
-TEST_F(TypedInterfaceTest, FailuresHaveTheBussNamesAndANumber) {
-    const char* late = bus::objectInterface;
-    const auto at = [&](const char* path) { return Reference{reference.owner, path}; };
-    const Reference hidden = CreateForStranger({Named(u"")});
-    const struct {
-        Answer answer;
-        const char* error;
-        std::int32_t number;
-    } cases[] = {
-        {Ask("org.example.Other", "Nobody"), SD_BUS_ERROR_UNKNOWN_INTERFACE, 438},
-        {stranger.Call(at("/"), late, "Retain"), SD_BUS_ERROR_UNKNOWN_INTERFACE, 438},
-        {stranger.Call(at("/Nowhere"), nullptr, "Retain"), SD_BUS_ERROR_UNKNOWN_OBJECT, 462},
-        {Ask(typed, "item", "n", 1), SD_BUS_ERROR_UNKNOWN_METHOD, 438},
-        {Ask(typed, "Tag"), SD_BUS_ERROR_UNKNOWN_METHOD, 438},
-        {Ask(typed, "Put_Tag", "s", ""), SD_BUS_ERROR_UNKNOWN_METHOD, 438},
-        {Ask(nullptr, "Nobody"), SD_BUS_ERROR_UNKNOWN_METHOD, 438},
-        {Ask(typed, "Item", "i", 1), SD_BUS_ERROR_INVALID_ARGS, 13},
-        {Ask(typed, "Item", "n", 1), bus::errorName, 9},
-        {Ask(properties, "Get", "ss", typed, "Item"), SD_BUS_ERROR_UNKNOWN_PROPERTY, 438},
-        {Ask(properties, "Get", "ss", late, "Tag"), SD_BUS_ERROR_UNKNOWN_PROPERTY, 438},
-        {Ask(properties, "Get", "ss", "org.example.Other", "Tag"), SD_BUS_ERROR_UNKNOWN_INTERFACE, 438},
-        {Ask(properties, "Set", "ssv", typed, "ErrCode", "i", 1), SD_BUS_ERROR_PROPERTY_READ_ONLY, 383},
-        {Ask(properties, "Get", "s", typed), SD_BUS_ERROR_INVALID_ARGS, 13},
-        {stranger.Call(hidden, properties, "Get", "ss", typed, "Tag"), SD_BUS_ERROR_UNKNOWN_INTERFACE, 438},
-        {stranger.Call(hidden, nullptr, "Name"), SD_BUS_ERROR_UNKNOWN_METHOD, 438},
+// The values of all attributes, in their order.
+TEST_F(TypedInterfaceTest, TheTreeOfPathsShowsItself) {
+    const std::regex value("=\"([^\"]*)\"");
+    const auto shown = [&](const char* path) {
+        const std::string xml = stranger.Call(Reference{reference.owner, path}, introspectable, "Introspect");
+        std::string values;
+        for (auto i = std::sregex_iterator(xml.begin(), xml.end(), value); i != std::sregex_iterator(); ++i)
+            values += (values.empty() ? "" : " ") + (*i)[1].str();
+        return values;
     };
-    for (std::size_t i = 0; i < std::size(cases); ++i) {
-        EXPECT_EQ(cases[i].answer.error, cases[i].error) << "case " << i;
-        EXPECT_EQ(cases[i].answer.number, cases[i].number) << "case " << i;
-    }
+    const std::string common =
+        "org.freedesktop.DBus.Peer Ping GetMachineId machine_uuid s out "
+        "org.freedesktop.DBus.Introspectable Introspect xml_data s out ";
+    EXPECT_EQ(shown("/"), common + "Factory Object");
+    EXPECT_EQ(shown("/Object"), common + "1");
+    EXPECT_EQ(shown("/Factory"), common + "org.velmora.Automation1.Factory CreateInstance object (so) out");
+    EXPECT_EQ(shown("/Object/1"),
+              common +
+                  "org.velmora.Automation1.Object Invoke member s in kind q in arguments av in "
+                  "result v out arguments av out Retain Release "
+                  "org.freedesktop.DBus.Properties Get interface_name s in property_name s in value v out "
+                  "Set interface_name s in property_name s in value v in "
+                  "GetAll interface_name s in props a{sv} out "
+                  "TestLibrary._cTyped Tag s readwrite Item Index n in Result s out "
+                  "Put_Item Index n in Content s in ErrCode i read Both Content s in Index n in Result s out "
+                  "org.velmora.Automation1.ClassGuid {class} "
+                  "org.velmora.Automation1.InterfaceGuid {interface} "
+                  "org.velmora.Automation1.TypeLibrary TestLibrary "
+                  "org.velmora.Automation1.TypeLibraryGuid {library} "
+                  "org.velmora.Automation1.TypeLibraryVersion 1.0 "
+                  "org.freedesktop.DBus.Property.EmitsChangedSignal false");
 }
 
 }  // namespace

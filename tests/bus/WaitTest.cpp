@@ -10,15 +10,15 @@ struct WaitTest : BusTest {
     void RefuseFirst(long refusals) {
         stranger.whenCalled = [this, refusals](const MessageRef& call) {
             if (stranger.CallsOf("Invoke") <= refusals)
-                sd_bus_reply_method_errorf(call.get(), bus::busyErrorName, "later");
+                stranger.Refuse(call);
             else
                 stranger.ReturnResult(call, "s", "taken");
         };
     }
     // What a call borrows, kept by the stranger, so that it can be called after the answer.
     Reference Retained(const MessageRef& call) {
-        const Reference taken = ReferenceIn(call);
-        stranger.Notify(stranger.NewCall(taken, bus::objectInterface, "Retain"));
+        const Reference taken = ReferenceIn(Told(call));
+        stranger.Notify(stranger.NewCall(taken, objectInterface, "Retain"));
         return taken;
     }
 };
@@ -37,12 +37,12 @@ TEST_F(WaitTest, CallsFromInsideCallsAreRefusedAsBusyBeforeTheStackEnds) {
         if (!refused || stranger.calls.empty()) return;
         const auto asked = std::exchange(stranger.calls, {});
         EXPECT_EQ(asked.size(), 32U);
-        EXPECT_EQ(Plain(object, "Retain").error, "") << "references are counted all the same";
+        EXPECT_EQ(Plain(object, "Retain"), "") << "references are counted all the same";
         for (const MessageRef& question : asked) stranger.ReturnResult(question, "s", "");
     });
     EXPECT_TRUE(loop.ServeUntil([&] { return first != nullptr; }));
-    EXPECT_GT(sd_bus_message_is_method_error(refused.get(), bus::busyErrorName), 0);
-    EXPECT_EQ(stranger.Invoke(object, "Ask").number, 424) << "there is room again";
+    EXPECT_EQ(Told(refused), "Busy i440 the call can't be taken now");
+    EXPECT_EQ(stranger.Invoke(object, "Ask"), "Error i424 Object required") << "there is room again";
 }
 
 // Both messages lie ready when the client looks: what came first has to take effect first.
@@ -201,14 +201,13 @@ TEST_F(WaitTest, AfterGivingUpALateAnswerIsDroppedAndItsReferencesGoBack) {
     given = nullptr;
     // The callee may still use what it borrowed.
     EXPECT_FALSE(argument.expired());
-    ASSERT_EQ(stranger.calls.size(), 1u);
-    const MessageRef call = stranger.calls[0];
-    EXPECT_EQ(stranger.Invoke(ReferenceIn(call), "Name").error, "");
+    const MessageRef call = stranger.calls.at(0);
+    EXPECT_EQ(stranger.Heard(), "/Host Invoke 'Take' q1 [<(':1.1' /Object/1)>]");
+    EXPECT_EQ(stranger.Invoke(ReferenceIn(Told(call)), "Name"), "<'here'> []");
     stranger.ReturnResult(call, "(so)", stranger.Name(), "/Result");
     EXPECT_TRUE(loop.ServeUntil([&] { return lateResult.IsObject(); }));
     lateResult = Value();
-    EXPECT_TRUE(loop.ServeUntil([&] { return stranger.CallsOf("Release") == 1; }));
-    EXPECT_STREQ(sd_bus_message_get_path(stranger.calls.back().get()), "/Result");
+    ExpectHeard("/Result Release!");
     EXPECT_TRUE(argument.expired());
 }
 
@@ -260,7 +259,8 @@ TEST_F(WaitTest, CreatingGivesUpWith429) {
     EXPECT_EQ(ErrorOf([&] { client->CreateObject(u"Test.cStranger"); }), 429);
     // The object that was made all the same goes back.
     stranger.Return(stranger.calls.back(), "(so)", stranger.Name(), "/Made");
-    EXPECT_TRUE(loop.ServeUntil([&] { return stranger.CallsOf("Release") == 1; }));
+    stranger.calls.clear();
+    ExpectHeard("/Made Release!");
 }
 
 TEST_F(WaitTest, InnerAndOuterWaitEndEachWithItsOwnAnswer) {
@@ -271,7 +271,7 @@ TEST_F(WaitTest, InnerAndOuterWaitEndEachWithItsOwnAnswer) {
         Scripted({Method("Poke", 0, [&](Arguments&) { events.push_back(Call(host, "Inner").ToText()); })});
     stranger.whenCalled = [&](const MessageRef& call) {
         EXPECT_GE(loop.Holds(), 1) << "clicks and keys wait";
-        if (!outer) return Poke(ReferenceIn(outer = call));
+        if (!outer) return Poke(ReferenceIn(Told(outer = call)));
         stranger.ReturnResult(outer, "s", "outer");
         stranger.ReturnResult(call, "s", "inner");
     };
