@@ -110,7 +110,8 @@ bool Judge::KnowsWhatIsGivenUp() const {
     const bool isBefore = std::any_of(works_.begin(), works_.end(), [](const WorkRef& work) {
         return work->isAnswer && !work->wasWaiting;
     });
-    return phase_ != Phase::Waiting || !isBefore;
+    const bool isOther = std::find(out_.begin(), out_.end(), nullptr) != out_.end();
+    return phase_ != Phase::Waiting || !(isBefore || isOther);
 }
 
 void Judge::OperatorGaveUp() {

@@ -66,7 +66,7 @@ class Judge {
     // With nothing left to come.
     void CheckEnd() const;
 
-    // False while both a request and an answer that came before it can be given up, which look alike.
+    // False while a wait and another call can be given up, which look alike.
     bool KnowsWhatIsGivenUp() const;
     bool IsWaiting() const { return phase_ == Phase::Waiting; }
     const Text& CurrentLogin() const { return login_; }
