@@ -197,6 +197,10 @@ void RoundTrip::Abandon() {
 // A failed LogOut is ignored: it must not leave the dialog disabled. A host that was given up is not waited
 // for again.
 void RoundTrip::CloseLogin(Text loginId, const PatienceRef& patience) {
+    if (patience->IsGivenUp()) {
+        givenUp_.insert(loginId);
+        return PostLogOut(loginId);
+    }
     ErrorState error;
     ObjectRef exchange;
     Skip(error, "LogOut", [&] {

@@ -45,6 +45,7 @@ struct Work {
     std::shared_ptr<Answer> answer;
     Text tagBefore;
     std::optional<bool> isOfGivenUp;  // its login was given up before
+    std::optional<Text> lastLogin;    // of all requests, when its own had to be read
 
     Text Tag() const { return answer && answer->takenTag ? *answer->takenTag : tagBefore; }
 };
@@ -128,8 +129,8 @@ void Judge::HostDied(const void* host) {
             continue;
         work->isCutShort = work->isCutShort || !work->isRead;
         work->next = Next::Nothing;
-        work->login = loginResult_;
-        work->isOfGivenUp = givenUp_.contains(loginResult_);
+        work->login = work->lastLogin.value_or(loginResult_);
+        work->isOfGivenUp = givenUp_.contains(work->login);
     }
     if (phase_ != Phase::Waiting || IsReadingForWait() || host != sentTo_) return;
     GiveUp(login_);
@@ -365,7 +366,7 @@ void Judge::AnswerBegins(const std::shared_ptr<Answer>& answer) {
 // Whoever can't be asked for its login is taken for the last one.
 void Judge::AnswerGivenUp(Work& work) {
     work.next = Next::Nothing;
-    work.login = loginResult_;
+    work.login = work.lastLogin.value_or(loginResult_);
     work.isOfGivenUp = givenUp_.contains(work.login);
     if (!*work.isOfGivenUp) GiveUp(work.login);
 }
@@ -375,6 +376,7 @@ void Judge::AnswerGoesOn(Work& work, End end) {
         return AnswerGivenUp(work);
     const auto readable = [&](const char* member) { return work.answer && !work.answer->IsMissing(member); };
     const auto afterCode = [&] {
+        work.lastLogin = loginResult_;
         if (!readable("LoginID")) work.login = loginResult_;
         work.isOfGivenUp = givenUp_.contains(work.login);
         return *work.isOfGivenUp ? Next::Nothing : Next::AskExchangeToLogOut;

@@ -21,7 +21,7 @@ constexpr Kind kinds[] = {
     {Act::PressF1, "press F1", 1, 3},
     {Act::Toggle, "toggle", 2, 4},
     {Act::Enter, "enter section", 4, 2},
-    {Act::Step, "step", 2, 3},
+    {Act::StepTime, "step", 2, 3},
     {Act::ChooseDay, "choose day", 28, 1},
     {Act::TurnTo, "turn to month", int(std::size(months)), 1},
     {Act::AskForTopic, "ask for the topic", 1, 2},

@@ -13,7 +13,7 @@ enum class Act {
     PressF1,      //
     Toggle,       // 0 the box of the time, 1 that of the date
     Enter,        // a section of the time
-    Step,         // the arrows: 0 up, 1 down
+    StepTime,     // the arrows: 0 up, 1 down
     ChooseDay,    // of the month that is shown
     TurnTo,       // an entry of `months`
     AskForTopic,  // by the menu on the arrows

@@ -246,7 +246,7 @@ void World::ChangeClock(const Step& step, bool takes) {
             window.Enter(*controls.txtTime[static_cast<std::size_t>(step.n)]);
             if (takes) section_ = tracksTime ? -1 : step.n;
             break;
-        case Act::Step:
+        case Act::StepTime:
             if (takes && !tracksTime && section_ >= 0) expected.Step(section_, step.n == 0);
             window.Step(*controls.updTime, step.n == 0);
             break;
