@@ -82,7 +82,8 @@ TEST_F(FormTest, EveryPropertyIsReachedByItsName) {
     EXPECT_EQ(Joined(label.Left(), label.Top(), label.Width(), label.Height(), label.Font->Name(),
                      label.Font->Size()),
               "1|2|3|4|F|2160|");
-    EXPECT_EQ(Faults([&] { Put(late, "FontSize", 0.5), Put(late, "FontSize", 0); }, [&] { Put(late, "FontSize", 2161); }),
+    EXPECT_EQ(Faults([&] { Put(late, "FontSize", 0.5), Put(late, "FontSize", 0); },
+                     [&] { Put(late, "FontSize", 2161); }),
               "380 Invalid property value: Size|380 Invalid property value: Size|");
 }
 
