@@ -32,7 +32,7 @@ constexpr Kind kinds[] = {
     {Act::GoOn, "go on", 1, 30},
     {Act::Reply, "reply", repliedMembers* replies, 1},
     {Act::CallBack, "call back", answers* logins, 2},
-    {Act::Register, "register", int(std::size(names)), 2},
+    {Act::Register, "register", int(std::size(exchanges)), 2},
     {Act::Show, "show", 2, 3},
     {Act::SetBackGround, "set background", 4, 1},
     {Act::TurnFlow, "turn flow", 2, 1},

@@ -25,7 +25,7 @@ enum class Act {
     GoOn,           // the innermost call that stays out is answered
     Reply,          // the next call of a member fails in some way, see `ReplyOf`
     CallBack,       // an answer under a login, see `AnswerOf`
-    Register,       // RegisterPBX with an entry of `names`
+    Register,       // RegisterPBX with an entry of `exchanges`
     Show,           // Visible: 1 True, 0 False
     SetBackGround,  //
     TurnFlow,       // 1 on, 0 off
@@ -60,7 +60,7 @@ inline constexpr int repliedMembers = 7;  // those of them that a reply can go w
 enum class Reply { Good, Busy, Error, Empty, Blank, Raises, Object, RefusedAsBusy };
 inline constexpr int replies = 8;
 
-inline constexpr const char16_t* names[] = {u"Main", u"Second", u""};
+inline constexpr const char16_t* exchanges[] = {u"Main", u"Second", u""};
 inline constexpr int spans[] = {50, 100, 1000, 20000};  // milliseconds
 
 struct Month {

@@ -86,7 +86,7 @@ void World::Start() {
     main_->Retire = [this] { life_->Retire(); };
     life_->Serve(cOLELayer::className, [this] { return cOLELayer::Create(*main_); });
     Create(*host_);
-    Register(*host_, names[0]);
+    Register(*host_, exchanges[0]);
     Show(true);
 }
 
@@ -319,7 +319,7 @@ void World::UseLayer(const Step& step) {
         case Act::CallBack:
             return Deliver(AnswerOf(step.n), LoginOf(step.n));
         case Act::Register:
-            return Register(*host_, names[step.n]);
+            return Register(*host_, exchanges[step.n]);
         case Act::Show:
             return Show(step.n == 1);
         case Act::SetBackGround:
