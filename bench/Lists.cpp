@@ -2,7 +2,8 @@
 // answer; beside them plain vectors of the same strings.
 #include <benchmark/benchmark.h>
 
-#include "../tests/unit/Fakes.h"
+#include "../tests/unit/Desk.h"
+#include "exchange/dlgAddin.h"
 
 namespace {
 
@@ -52,7 +53,7 @@ void FillVectors(benchmark::State& state) {
 // The response is an object of this process, so that no bus takes part. It is handed over as any host's is:
 // every item and field is fetched by a late-bound call.
 void CopyByCallBack(benchmark::State& state) {
-    fakes::Computer computer;
+    desk::Desk computer;
     horalink::ModuleData data;
     const auto dialog = std::make_shared<horalink::dlgAddin>(computer.services, data);
     const ObjectRef response = RecordOf(Items(state.range(0)));

@@ -2,7 +2,7 @@
 // same fields of the same rows and put them where they go.
 #include <benchmark/benchmark.h>
 
-#include "../tests/unit/Fakes.h"
+#include "../tests/unit/Desk.h"
 #include "LanguageFiles.h"
 #include "language/ControlFonts.h"
 #include "language/FormTexts.h"
@@ -20,7 +20,7 @@ DatabaseRef OpenAsAddIn(const LanguageFile& file) {
     return MakeSqliteEngine()->OpenDatabase(PathText(file.Path()), true);
 }
 
-void Check(benchmark::State& state, bool went, const fakes::Computer& computer) {
+void Check(benchmark::State& state, bool went, const desk::Desk& computer) {
     if (!went) state.SkipWithError(computer.boxes.LastPrompt().c_str());
 }
 
@@ -39,7 +39,7 @@ LanguageFile Messages(long rows) {
 void MessagesByAddIn(benchmark::State& state) {
     const LanguageFile file = Messages(state.range(0));
     const DatabaseRef database = OpenAsAddIn(file);
-    fakes::Computer computer;
+    desk::Desk computer;
     horalink::MessageTexts messages;
     for (auto _ : state)
         Check(state, horalink::LoadMessageTable(computer.boxes, messages, u"tMessages", *database), computer);
@@ -76,9 +76,9 @@ struct Labels {
         for (long i = 0; i < count; ++i) form->Add<forms::Label>(u"label", static_cast<std::int16_t>(i));
         all.assign(form->Controls().begin(), form->Controls().end());
     }
-    fakes::Computer computer;
+    desk::Desk computer;
     std::shared_ptr<forms::Form> form =
-        std::make_shared<forms::Form>(u"form", computer.scheduler, computer.toolkit);
+        std::make_shared<forms::Form>(u"form", computer.timers, computer.toolkit);
     std::vector<ObjectRef> all;
 };
 
@@ -129,12 +129,12 @@ struct Images {
         form->Height = 4365;
         for (long i = 0; i < count; ++i) {
             all.push_back(&form->Add<forms::Image>(u"image", static_cast<std::int16_t>(i)));
-            computer.files.files[u"D\\sky" + DecimalText(i) + u".svg"] = "<svg/>";
+            computer.pictures.files[u"D\\sky" + DecimalText(i) + u".svg"] = "<svg/>";
         }
     }
-    fakes::Computer computer;
+    desk::Desk computer;
     std::shared_ptr<forms::Form> form =
-        std::make_shared<forms::Form>(u"form", computer.scheduler, computer.toolkit);
+        std::make_shared<forms::Form>(u"form", computer.timers, computer.toolkit);
     std::vector<forms::Image*> all;
 };
 
@@ -166,9 +166,10 @@ void PicturesBySqlite(benchmark::State& state) {
             benchmark::DoNotOptimize(FieldText(query.get(), 3));
             forms::Image& image = *images.all[static_cast<std::size_t>(sqlite3_column_int(query.get(), 1))];
             const Text path = u"D\\" + fileNames[FieldText(query.get(), 2)];
-            if (images.computer.files.Dir(path).empty() || sqlite3_column_int(query.get(), 4) != -1) continue;
+            if (images.computer.pictures.Dir(path).empty() || sqlite3_column_int(query.get(), 4) != -1)
+                continue;
             image.Place(0, 0, images.form->Width, images.form->Height);
-            image.Picture = images.computer.files.LoadPicture(path);
+            image.Picture = images.computer.pictures.LoadPicture(path);
         }
     }
 }

@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 
 #include "../unit/ErrorOf.h"
-#include "../unit/FakeWaits.h"
 #include "PrivateBus.h"
 #include "RawPeer.h"
 #include "ScriptedObject.h"
 #include "platform/automation/Patience.h"
 #include "platform/automation/dbus/BusAutomation.h"
+#include "platform/headless/Desktop.h"
 
 namespace platform::test {
 
@@ -70,7 +70,7 @@ class BusTest : public testing::Test {
 
     PrivateBus bus;
     PollLoop loop;
-    fakes::FakeWaits boxes;
+    headless::WaitBoxes boxes;
     WaitSettings settings;
     std::function<ObjectRef()> create;
     std::unique_ptr<Automation> server = Connect(), client = Connect();

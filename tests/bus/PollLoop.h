@@ -6,11 +6,11 @@
 #include <stdexcept>
 #include <variant>
 
-#include "../unit/FakeTime.h"
+#include "platform/headless/Timers.h"
 
 namespace platform::test {
 
-class PollLoop : public fakes::FakeTime<EventLoop> {
+class PollLoop : public headless::Timers<EventLoop> {
   public:
     HandleRef WhenReadable(int descriptor, std::function<void()> call) override {
         return watches_.Add({descriptor, POLLIN, std::move(call)});
@@ -66,8 +66,8 @@ class PollLoop : public fakes::FakeTime<EventLoop> {
         }
     }
 
-    fakes::Sources<Watch> watches_;
-    fakes::Sources<std::monostate> holds_;
+    headless::Sources<Watch> watches_;
+    headless::Sources<std::monostate> holds_;
     const Clock::time_point start_ = Clock::now();
     Clock::time_point last_ = start_;
 };

@@ -95,25 +95,22 @@ struct PatienceTest : testing::Test {
         if (step == 'e') patience->CallEnded();
         if (step == 'w') patience->SpanCalls([this] { ++givenUp; });
         if (step == 'g') patience->GiveUp();
-        if (step == 'y' || step == 'n') {
-            boxes.opened.back().answer(step == 'y');
-            answered = boxes.opened.size();
-        }
+        if (step == 'y' || step == 'n') boxes.Answer(step == 'y');
         if (step >= '0' && step <= '9') time.Pass((step - '0') * 10);
     }
     // The box that is open, a capital where it has just opened; else x where the wait was given up.
     char Seen() {
         const bool isNew = std::exchange(seen, boxes.opened.size()) != boxes.opened.size();
-        if (boxes.open == 0 || answered == seen) return patience->IsGivenUp() ? 'x' : '-';
+        if (!boxes.IsOpen()) return patience->IsGivenUp() ? 'x' : '-';
         const auto& box = boxes.opened.back();
         EXPECT_EQ(box.text, box.title == u"b" ? u"busy" : u"pending");
         return static_cast<char>(isNew ? std::toupper(box.title[0]) : box.title[0]);
     }
-    fakes::FakeTime<Scheduler> time;
-    fakes::FakeWaits boxes;
+    headless::Timers<Scheduler> time;
+    headless::WaitBoxes boxes;
     WaitSettings settings;
     std::shared_ptr<Patience> patience;
-    std::size_t seen = 0, answered = 0;
+    std::size_t seen = 0;
     int givenUp = 0;
 };
 
@@ -182,7 +179,7 @@ TEST_F(WaitTest, ABusyCalleeIsTriedAgainUntilTheOperatorGivesUp) {
         if (c.giveUp) boxes.decide = [&] { return *c.giveUp; };
         EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), c.error);
         EXPECT_EQ(boxes.opened.size(), c.boxes);
-        EXPECT_EQ(boxes.open, 0);
+        EXPECT_FALSE(boxes.IsOpen());
         EXPECT_EQ(stranger.CallsOf("Invoke"), c.calls);
     }
 }
@@ -197,7 +194,7 @@ TEST_F(WaitTest, AfterGivingUpALateAnswerIsDroppedAndItsReferencesGoBack) {
     patience->Late = [&](const Value& result) { lateResult = result; };
     EXPECT_EQ(ErrorOf([&] { Call(client->Within(host, patience), "Take", given); }), 462);
     EXPECT_EQ(boxes.opened.size(), 3U) << "it comes again after going on";
-    EXPECT_EQ(boxes.open, 0);
+    EXPECT_FALSE(boxes.IsOpen());
     given = nullptr;
     // The callee may still use what it borrowed.
     EXPECT_FALSE(argument.expired());

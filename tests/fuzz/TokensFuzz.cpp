@@ -1,7 +1,7 @@
 // The token language of the texts in a database. The first line holds the values, the rest the text.
-#include "../unit/Fakes.h"
 #include "FuzzTarget.h"
 #include "language/TextTokens.h"
+#include "platform/headless/Desktop.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace horalink;
@@ -9,7 +9,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::size_t end = std::min(input.find('\n'), size);
     const platform::Text given = platform::FromUtf8(input.substr(0, end));
     platform::Text args = given;
-    fakes::FakeBoxes boxes;
+    platform::headless::Boxes boxes;
     ExpandTextTokens(boxes, platform::FromUtf8(input.substr(std::min(end + 1, size))), args);
     fuzz::Require(given.ends_with(args), "values are used from the front");
     fuzz::Require(boxes.shown.empty() || args == given, "after a failure the values are as they were");

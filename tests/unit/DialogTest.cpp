@@ -1,561 +1,421 @@
+// The dialog and the start of the process, as far as the model does not play them: what is laid down by
+// tables, the stand-alone run, and what goes wrong at the start.
 #include <gtest/gtest.h>
 
+#include <chrono>
+
+#include "Desk.h"
 #include "ErrorOf.h"
-#include "Fakes.h"
 #include "Table.h"
+#include "exchange/dlgAddin.h"
+#include "harness/SmallTexts.h"
 #include "platform/automation/NoAutomation.h"
+#include "shell/ServerLife.h"
+#include "shell/cOLELayer.h"
 
 using namespace horalink;
 using namespace platform;
-using fakes::RecordedObject;
-using Calls = std::vector<std::string>;
-using Items = std::vector<std::array<const char16_t*, 3>>;  // FirstData, SecondData, ExtraData
+using desk::Notes, desk::Short;
 
 namespace {
 
-RecordedObject::Answer Gives(Value value) {
-    return [value](Arguments&) { return value; };
-}
-RecordedObject::Answer Raises(std::int32_t number) {
-    return [number](Arguments&) -> Value { throw RuntimeError(number, u"no"); };
-}
+// An object of the host: notes its calls with their texts, and answers by name.
+class NotedHost : public Object {
+  public:
+    using Answer = std::function<Value(Arguments&)>;
+    const ClassDescription& Class() const override {
+        static const ClassDescription description{"NotedHost", {}};
+        return description;
+    }
+    Value Invoke(std::string_view member, InvokeKind, Arguments& arguments) override {
+        std::string call(member);
+        for (const Value& argument : arguments)
+            call += " " + (argument.IsObject() ? "object" : ToUtf8(argument.ToText()));
+        calls.push_back(call);
+        const auto found = answers.find(member);
+        return found == answers.end() ? Value() : found->second(arguments);
+    }
+    Notes Calls() { return std::exchange(calls, {}); }
 
-// The dialog on a recorded host that accepts everything.
-struct DialogTest : testing::Test {
-    DialogTest() {
-        data.AddInLanguageDb = computer.language;
-        data.MarketCode = u"10001";
-        for (int i = 0; i < 7; ++i) data.MessageTable.texts.push_back(u"entry " + DecimalText(i));
-        host->answers["oPBX"] = Gives(exchange);
-        for (const char* member : {"ShowMessage", "ShowResults", "ShowCode", "UnloadChild", "TurnOnFlow",
-                                   "TurnOffFlow", "DisplayHelp"})
-            host->answers[member] = [this](Arguments& a) {
-                told.push_back(ToUtf8(a.empty() || a.back().IsObject() ? Text() : a.back().ToText()));
-                return Value();
-            };
-        exchange->answers["Login"] = Gives(u"L1");
-        exchange->answers["SendRequest"] = [this](Arguments& a) {
-            request = std::dynamic_pointer_cast<cListRequest>(a[0].ToObject());
-            return Value(u"taken");
-        };
-        exchange->answers["LogOut"] = [this](Arguments& a) {
-            return loggedOut.push_back(ToUtf8(a[1].ToText())), Value();
-        };
-        computer.app.waits.pendingTimeout = 20000;
-        computer.app.waits.pendingText = u"pending";
-    }
-    void Open() {
-        form.Load();
-        dialog->PutParent(host);
-        dialog->PutPBXName(u"Main");
-        calls.clear();
-    }
-    void Click(std::size_t button) { dialog->Controls().cmdButton[button]->Click(); }
-    void PassTick() { computer.scheduler.Pass(100); }
-    void Request(std::size_t button) {
-        for (Calls* noted : {&calls, &told, &loggedOut}) noted->clear();
-        computer.boxes.shown.clear();
-        Click(button);
-        PassTick();
-    }
-    // An answer of the host's own class.
-    std::shared_ptr<RecordedObject> Response(int errCode, const char16_t* tag = u"", Items items = {}) {
-        static Calls reads;
-        auto response = std::make_shared<RecordedObject>(reads);
-        auto& answers = response->answers;
-        answers["CMD"] = Gives(u"02");
-        answers["ErrCode"] = Gives(errCode);
-        answers["Tag"] = Gives(tag);
-        answers["LoginID"] = Gives(u"L1");
-        answers["Count"] = Gives(static_cast<std::int16_t>(items.size()));
-        const char* names[] = {"FirstData", "SecondData", "ExtraData"};
-        for (std::size_t k = 0; k < 3; ++k)
-            answers[names[k]] = [items, k](Arguments& a) { return items[std::size_t(a[0].ToInteger())][k]; };
-        answers["Message"] = [this](Arguments&) { return responseMessage; };
-        answers["=Message"] = [this](Arguments& a) { return responseMessage = a[0].ToText(), Value(); };
-        return response;
-    }
-    void Deliver(ObjectRef response) {
-        dialog->CallBack(response);
-        EXPECT_EQ(response, nullptr) << "the host's variable is emptied";
-    }
-    void Exchange(std::size_t button, ObjectRef response) {
-        Request(button);
-        Deliver(response);
-        PassTick();
-    }
-    bool IsIdle() {
-        return form.Enabled && computer.screen.pointer == MousePointer::Default &&
-               !dialog->Controls().tmrEvent->Enabled;
-    }
-
-    fakes::Computer computer;
-    ModuleData data;
-    Calls calls, told, loggedOut;
-    std::shared_ptr<RecordedObject> host = std::make_shared<RecordedObject>(calls),
-                                    exchange = std::make_shared<RecordedObject>(calls);
-    std::shared_ptr<cListRequest> request;
-    Text responseMessage;
-    std::shared_ptr<dlgAddin> dialog = std::make_shared<dlgAddin>(computer.services, data);
-    forms::Form& form = dialog->Window();
+    Notes calls;
+    std::map<std::string, Answer, std::less<>> answers;
 };
 
-TEST_F(DialogTest, AGoodExchangeInOrder) {
-    Open();
-    Click(2);
-    EXPECT_TRUE(calls.empty()) << "nothing is done inside the click";
-    PassTick();
-    EXPECT_EQ(calls, (Calls{"oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage"}));
-    EXPECT_FALSE(form.Enabled);
-    EXPECT_EQ(computer.screen.pointer, MousePointer::Hourglass);
-    ASSERT_TRUE(request);
-    EXPECT_EQ(request->LoginID, u"L1");
-    EXPECT_EQ(request->PBXName, u"Main");
-    calls.clear();
-    Deliver(Response(0, u"LOOKUP_CLOCK",
-                     {{u"0", u"2026", u""}, {u"1", u"11/18", u""}, {u"2", u"13:02:03", u""}}));
-    EXPECT_EQ(calls, (Calls{"ShowResults", "ShowMessage", "ShowCode", "oPBX", "LogOut"}));
-    EXPECT_TRUE(form.Enabled);
-    EXPECT_TRUE(computer.boxes.shown.empty()) << "shown by the timer, not inside the host's call";
-    PassTick();
-    EXPECT_EQ(computer.boxes.LastPrompt(), "box 0 2026/11/18 (d4)\r\n13:02:03");
-    EXPECT_TRUE(IsIdle());
-    EXPECT_EQ(told, (Calls{"entry 3: L1", "entry 3: taken", "", "OK", "0"}));
+NotedHost::Answer Gives(Value value) {
+    return [value](Arguments&) { return value; };
 }
 
-TEST_F(DialogTest, ALoginThatFailsIsToldToBoth) {
-    Open();
-    Exchange(2, Response(99));
-    exchange->answers["Login"] = Raises(1004);
-    for (const bool hostIsTold : {true, false}) {
-        if (!hostIsTold) host->answers.erase("ShowMessage");
-        Request(2);
-        EXPECT_EQ(told, hostIsTold ? Calls{"entry 3: L1"} : Calls()) << "the value of the last login";
-        ASSERT_EQ(computer.boxes.shown.size(), 1U);
-        EXPECT_EQ(computer.boxes.LastPrompt(), "entry 0");
-        EXPECT_EQ(computer.boxes.shown[0].buttons, 48);
-        EXPECT_EQ(computer.boxes.shown[0].title, u"entry 1");
-        EXPECT_TRUE(IsIdle());
+struct Ended {};
+
+// A process of the add-in, not started yet.
+struct Process {
+    Process() {
+        harness::AddSmallTexts(desk.databases);
+        desk.app.path = u"C:\\VELMORA32\\10001\\ADDINS";
+        desk.app.startMode = startedByAutomation;
+        desk.app.major = 13, desk.app.revision = 1;
+        desk.services.End = [] { throw Ended(); };
     }
-}
 
-TEST_F(DialogTest, ARefusalEndsTheRequestAndNearlyARefusalIsAKey) {
-    Open();
-    const Calls all{"oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage", "oPBX", "LogOut"};
-    const int refusedLogin = 3, accepted = 6, refusedSend = 8;  // so many of them are made
-    const Table<const char*, RecordedObject::Answer, const char*, int> cases = {
-        {"Login", Gives(u"BUSY"), "entry 3: BUSY", refusedLogin},
-        {"Login", Gives(u"ERROR"), "entry 3: ERROR", refusedLogin},
-        {"Login", Gives(u""), "entry 3: ", refusedLogin},
-        {"SendRequest", Gives(u"BUSY"), "entry 3: BUSY", refusedSend},
-        {"SendRequest", Gives(u"ERROR"), "entry 3: ERROR", refusedSend},
-        {"SendRequest", Gives(u""), "entry 3: ", refusedSend},
-        {"SendRequest", Gives(Null{}), "entry 3: ", refusedSend},
-        {"SendRequest", Raises(1004), "entry 3: ", refusedSend},
-        {"Login", Gives(u"Busy"), "entry 3: taken", accepted},
-        {"Login", Gives(u"error"), "entry 3: taken", accepted},
-        {"Login", Gives(u" "), "entry 3: taken", accepted}};
-    for (const auto& [member, answer, text, count] : cases) {
-        SCOPED_TRACE(std::string(member) + " " + text);
-        const auto usual = std::exchange(exchange->answers[member], answer);
-        Request(1);
-        exchange->answers[member] = usual;
-        EXPECT_EQ(calls, Calls(all.begin(), all.begin() + count));
-        EXPECT_EQ(told.back(), text);
-        EXPECT_EQ(loggedOut, count == refusedSend ? Calls{"L1"} : Calls());
-        EXPECT_EQ(IsIdle(), count != accepted);
-        if (count == accepted) Deliver(Response(99));
+    desk::Desk desk;
+    AddInMain main{desk.services};
+};
+
+struct DialogTest : testing::Test, Process {
+    dlgAddin& Dialog() { return main.Dialog(); }
+    forms::Form& Window() { return Dialog().Window(); }
+    const DialogControls& Controls() { return Dialog().Controls(); }
+    ObjectRef Host() { return desk.automation.Far(host, peer); }
+    void Open() {
+        main.Main();
+        Window().Load();
+        Dialog().PutPBXName(u"Main");
+        Controls().chkTrack->SetValue(0);
+        Controls().chkTrackDate->SetValue(0);
     }
-    host->answers["ShowMessage"] = Raises(1004);
-    Request(1);
-    EXPECT_EQ(loggedOut, (Calls{"L1"})) << "a host that can't be told of the login";
-    EXPECT_TRUE(IsIdle());
-    EXPECT_TRUE(computer.boxes.shown.empty());
-}
-
-TEST_F(DialogTest, TheAnswerDecidesMessageAndBox) {
-    Open();
-    const Text update = u"UPDATE_CLOCK", lookup = u"LOOKUP_CLOCK";
-    const Table<int, Text, Text, Items, Text, std::string> cases = {
-        {0, u"", update, {}, u"OK", "box 1 "},
-        {0, u"fine", update, {}, u"fine", "box 1 "},
-        {99, u"", update, {}, u"", ""},
-        {99, u"x", update, {}, u"x", ""},
-        {7, u"x", update, {}, u"entry 6 : <7>", ""},
-        {-1, u"", update, {}, u"entry 6 : <-1>", ""},
-        {0, u"", update, {{u"0", u"2026", u"WRONG"}}, u"OK", "box 2 \r\nCM = 02, FD = 0, SD = 2026 WRONG"},
-        {0, u"", update, {{u"0", u"1", u"LNK_TIMEOUT"}}, u"OK", "box 2 \r\nCM = 02, FD = 0, SD = 1 entry 2"},
-        {0, u"", lookup, {}, u"OK", "box 3 "},
-        {0, u"", lookup, {{u"0", u"LNK_TIMEOUT", u""}}, u"OK", "box 3 "},
-        {0, u"", u"lookup_clock", {}, u"OK", ""},
-        {0, u"", u"", {}, u"OK", ""}};
-    for (const auto& [errCode, before, tag, items, after, box] : cases) {
-        responseMessage = before;
-        Exchange(1, Response(errCode, tag.c_str(), items));
-        EXPECT_EQ(responseMessage, after);
-        EXPECT_EQ(told, (Calls{"entry 3: L1", "entry 3: taken", "", ToUtf8(after), std::to_string(errCode)}));
-        EXPECT_EQ(computer.boxes.LastPrompt(), box) << errCode << ToUtf8(tag);
-        EXPECT_TRUE(IsIdle());
+    Text Time() {
+        Text time;
+        for (const auto* box : Controls().txtTime) time += box->Text() + u" ";
+        return time;
     }
-}
 
-TEST_F(DialogTest, AnswersWithHolesNeverLeaveTheDialogDisabled) {
-    Open();
-    for (const std::string hole :
-         {"Count", "CMD", "FirstData", "ExtraData", "ErrCode", "Tag", "LoginID", "Message", "=Message"})
-        for (const int errCode : {0, 7}) {
-            responseMessage.clear();
-            const auto response = Response(errCode, u"UPDATE_CLOCK", {{u"0", u"2026", u"OK"}});
-            response->answers.erase(hole);
-            Exchange(1, response);
-            EXPECT_EQ(loggedOut, (Calls{"L1"})) << hole;
-            EXPECT_TRUE(IsIdle()) << hole;
-            EXPECT_TRUE(computer.boxes.shown.empty() || errCode == 0) << hole;
-            EXPECT_TRUE(responseMessage.empty() || hole != "ErrCode") << "no success";
+    std::shared_ptr<NotedHost> host = std::make_shared<NotedHost>();
+    std::shared_ptr<headless::Peer> peer = std::make_shared<headless::Peer>();
+};
+
+// --- date and time
+// ------------------------------------------------------------------------------------------
+
+TEST_F(DialogTest, TheCalendarIsSetUpByMarketAndFont) {
+    for (const auto& [market, style] : {std::pair(u"90001", 2), {u"10001", 1}}) {
+        ModuleData data;
+        data.AddInLanguageDb = desk.databases.OpenDatabase(u"Horalink.lng", true);
+        data.MarketCode = market;
+        dlgAddin dialog(desk.services, data);
+        dialog.Window().Load();
+        const forms::Calendar& calendar = *dialog.Controls().Calendar;
+        EXPECT_EQ(calendar.MarketStyle(), style);
+        EXPECT_EQ(calendar.CalendarValue(), MakeDate({2026, 11, 18}));
+        EXPECT_EQ(calendar.gridcelleffect(), 2);
+        EXPECT_EQ(calendar.showdateselectors(), selectors::hidden);
+        EXPECT_TRUE(calendar.ShowOption());
+        for (const auto& font : {calendar.dayfont, calendar.gridfont, calendar.titlefont}) {
+            EXPECT_EQ(font->Name(), u"Form Sans");
+            EXPECT_EQ(font->Size(), 8);
+            EXPECT_EQ(font->Charset(), 128);
         }
-    Exchange(1, nullptr);
-    EXPECT_TRUE(form.Enabled);
-    exchange->answers.erase("LogOut");
-    Exchange(2, Response(7));
-    EXPECT_TRUE(IsIdle()) << "a LogOut that fails is passed over";
-}
-
-TEST_F(DialogTest, WaysOutOfAnAnswerThatNeverComes) {
-    Open();
-    Request(2);
-    computer.scheduler.Pass(19999);
-    EXPECT_EQ(computer.waits.open, 0);
-    computer.scheduler.Pass(1);
-    ASSERT_EQ(computer.waits.open, 1);
-    EXPECT_EQ(computer.waits.opened.back().text, u"pending");
-    computer.waits.opened.back().answer(false);
-    computer.scheduler.Pass(20000);
-    ASSERT_EQ(computer.waits.opened.size(), 2U) << "going on waiting starts the limit anew";
-    computer.waits.opened.back().answer(true);
-    EXPECT_EQ(computer.waits.open, 0);
-    EXPECT_TRUE(IsIdle()) << "a host that hangs is not waited for";
-    EXPECT_TRUE(loggedOut.empty());
-    computer.automation.AnswerPosted();
-    EXPECT_EQ(loggedOut, (Calls{"L1"}));
-    Request(2);
-    EXPECT_FALSE(form.Enabled) << "the next request goes out";
-    computer.scheduler.Pass(20000);
-    Deliver(Response(99));
-    EXPECT_EQ(computer.waits.open, 0) << "the answer closes the box";
-    computer.scheduler.Pass(60000);
-    EXPECT_EQ(computer.waits.opened.size(), 3U);
-    Request(2);
-    exchange->LeaveBus();
-    EXPECT_TRUE(IsIdle()) << "a host that leaves ends the wait";
-    exchange->LeaveBus();
-    computer.automation.AnswerPosted();
-    EXPECT_EQ(loggedOut.size(), 1U);
-}
-
-// Whatever the host hangs in, the operator gives up once, and finds the dialog free.
-TEST_F(DialogTest, AHostThatWasGivenUpIsNotWaitedForAgain) {
-    const Calls submitting{"oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage"};
-    const Calls answering{"ShowResults", "ShowMessage", "ShowCode", "oPBX", "LogOut"};
-    const auto hang = [&](RecordedObject& object, const std::string& member, std::size_t nth) {
-        const auto usual = object.answers[member];
-        object.answers[member] = [&, usual, member, nth](Arguments& a) {
-            if (static_cast<std::size_t>(std::count(calls.begin(), calls.end(), member)) != nth)
-                return usual(a);
-            computer.scheduler.Pass(20000);
-            if (computer.waits.open == 1) computer.waits.opened.back().answer(true);
-            return usual(a);
-        };
-        return [&object, member, usual] { object.answers[member] = usual; };
-    };
-    Open();
-    for (std::size_t at = 0; at < submitting.size() + answering.size(); ++at) {
-        const bool isAnswer = at >= submitting.size();
-        const Calls& made = isAnswer ? answering : submitting;
-        const std::size_t place = isAnswer ? at - submitting.size() : at;
-        const std::string member = made[place];
-        SCOPED_TRACE(member + " " + std::to_string(at));
-        const auto nth =
-            static_cast<std::size_t>(std::count(made.begin(), made.begin() + long(place) + 1, member));
-        if (isAnswer) Request(2);
-        RecordedObject& object = host->answers.contains(member) ? *host : *exchange;
-        const auto boxes = computer.waits.opened.size();
-        calls.clear();
-        const auto wake = hang(object, member, nth);
-        if (isAnswer)
-            Deliver(Response(0, u"UPDATE_CLOCK"));
-        else
-            Request(2);
-        wake();
-        EXPECT_EQ(calls, Calls(made.begin(), made.begin() + long(place) + 1))
-            << "each further call fails at once";
-        EXPECT_EQ(computer.waits.opened.size(), boxes + 1);
-        EXPECT_TRUE(form.Enabled);
-        EXPECT_EQ(computer.screen.pointer, MousePointer::Default);
-        computer.automation.AnswerPosted();
-        EXPECT_EQ(loggedOut, at == 0 ? Calls() : Calls{"L1"})
-            << "each login, also one that is granted late, once";
-        PassTick();
-        Exchange(2, Response(99));
-        EXPECT_TRUE(IsIdle()) << "the next request is asked anew";
     }
 }
 
-TEST_F(DialogTest, AnAnswerToALoginThatWasGivenUpIsToldAndNothingElse) {
+TEST_F(DialogTest, EachSectionOfTheTimeIsSteppedInItsOwnRange) {
     Open();
-    Request(2);
-    computer.scheduler.Pass(20000);
-    computer.waits.opened.back().answer(true);
-    computer.automation.AnswerPosted();
-    exchange->answers["Login"] = Gives(u"L2");
-    for (const bool anotherIsWaiting : {false, true}) {
-        if (anotherIsWaiting) Request(2);
-        calls.clear();
-        Deliver(Response(0, u"LOOKUP_CLOCK"));
-        PassTick();
-        EXPECT_EQ(calls, (Calls{"ShowResults", "ShowMessage", "ShowCode"}));
-        EXPECT_TRUE(computer.boxes.shown.empty());
-        EXPECT_EQ(form.Enabled, !anotherIsWaiting);
-    }
-    computer.scheduler.Pass(19900);
-    ASSERT_EQ(computer.waits.open, 1) << "the other wait has its way out";
-    computer.waits.opened.back().answer(true);
-    EXPECT_TRUE(IsIdle());
-    computer.automation.AnswerPosted();
-    EXPECT_EQ(loggedOut, (Calls{"L2"}));
-    exchange->answers["Login"] = Gives(u"L1");
-    Exchange(2, Response(0, u"UPDATE_CLOCK"));
-    EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ") << "the key of a new login";
-}
-
-// The pending limit holds for the whole of an answer, however soon each of its items comes.
-TEST_F(DialogTest, ALongAnswerOfASlowHostHasOneLimitAndOneBox) {
-    Open();
-    Request(2);
-    const auto slow = Response(0, u"LOOKUP_CLOCK");
-    int read = 0;
-    slow->answers["Count"] = Gives(std::int16_t{32767});
-    slow->answers["CMD"] = [&](Arguments&) {
-        computer.scheduler.Pass(1000);
-        if (++read == 40) computer.waits.opened.back().answer(true);
-        return Value(u"02");
-    };
-    for (const char* list : {"FirstData", "SecondData", "ExtraData"}) slow->answers[list] = Gives(u"");
-    Deliver(slow);
-    EXPECT_EQ(read, 40);
-    EXPECT_EQ(computer.waits.opened.size(), 1U);
-    EXPECT_TRUE(form.Enabled);
-    PassTick();
-    EXPECT_TRUE(computer.boxes.shown.empty());
-    // Nobody waits for this one, so that the window takes a close.
-    const auto close = std::make_shared<int>();
-    slow->answers["CMD"] = [&](Arguments&) {
-        if (++read == 50) form.CloseWaits(close);
-        return Value(u"02");
-    };
-    Deliver(slow);
-    EXPECT_EQ(read, 50) << "whoever closes the window doesn't wait for the rest";
-}
-
-TEST_F(DialogTest, BehindABoxComesTheLastAnswerThatSucceeded) {
-    Open();
-    Request(2);
-    Deliver(Response(0, u"LOOKUP_CLOCK"));
-    computer.boxes.whileOpen = [&] {
-        computer.boxes.whileOpen = nullptr;
-        for (const int errCode : {0, 0, 7}) {
-            Deliver(Response(errCode, errCode == 0 ? u"UPDATE_CLOCK" : u"LOOKUP_CLOCK"));
-            PassTick();
+    forms::UpDown& spin = *Controls().updTime;
+    const Table<std::size_t, Text, Text, Text> cases = {
+        {0, u"09", u"10", u"08"}, {0, u"12", u"01", u"11"}, {0, u"01", u"02", u"12"},
+        {1, u"04", u"05", u"03"}, {1, u"59", u"00", u"58"}, {2, u"00", u"01", u"59"},
+        {3, u"AM", u"PM", u"PM"}, {3, u"PM", u"AM", u"AM"}, {3, u"??", u"PM", u"PM"}};
+    for (const auto& [section, from, up, down] : cases)
+        for (const bool isUp : {true, false}) {
+            auto& box = *Controls().txtTime[section];
+            box.Text = from;
+            const Text before = Time();
+            box.GotFocus();
+            EXPECT_EQ(Time(), before) << "the focus changes nothing";
+            isUp ? spin.StepUp() : spin.StepDown();
+            EXPECT_EQ(box.Text(), isUp ? up : down);
+            EXPECT_EQ(box.SelStart() * 10 + box.SelLength(), 2) << "stays selected";
+            box.Text = from;
+            EXPECT_EQ(Time(), before) << "no other section is touched";
         }
-        Click(2);
-        EXPECT_EQ(computer.boxes.shown.size(), 1U);
-    };
-    calls.clear();
-    PassTick();
-    for (int i = 0; i < 3; ++i) PassTick();
-    EXPECT_EQ(computer.boxes.shown.size(), 2U);
-    EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
-    EXPECT_TRUE(IsIdle());
-    EXPECT_EQ(std::count(calls.begin(), calls.end(), "Login"), 0) << "the box takes the form's clicks";
+    Controls().txtTime[3]->LostFocus();
+    const Text before = Time();
+    spin.StepUp();
+    EXPECT_EQ(Time(), before) << "no section is under edit";
 }
 
-TEST_F(DialogTest, NeitherAnswerNorClickIsLostBetweenTheTwoTicks) {
+// From any day to the next the three settings end on the date asked for, through days that don't exist, and
+// the update button stays as it was.
+TEST_F(DialogTest, TheDateFollowsOverEveryDayThatCanBeSet) {
+    using namespace std::chrono;
     Open();
-    Request(2);
-    Deliver(Response(0, u"UPDATE_CLOCK"));
-    Click(0);
-    form.Show();
-    PassTick();
-    EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
-    PassTick();
-    EXPECT_FALSE(form.Visible()) << "behind the answer";
-    Click(2);
-    Deliver(Response(0, u"UPDATE_CLOCK"));
-    PassTick();
-    calls.clear();
-    PassTick();
-    EXPECT_EQ(calls.front(), "oPBX") << "a click that an answer of nobody came between";
-    EXPECT_FALSE(form.Enabled);
+    Controls().chkTrackDate->SetValue(1);
+    for (sys_days at = 1901y / January / 1; at <= sys_days(2099y / December / 31); at += days(1)) {
+        const year_month_day day(at);
+        const DateParts parts{int(day.year()), int(unsigned(day.month())), int(unsigned(day.day()))};
+        desk.clock.Set(parts);
+        desk.timers.Pass(1000);
+        ASSERT_EQ(Controls().Calendar->CalendarValue(), MakeDate(parts));
+        ASSERT_TRUE(Controls().cmdButton[button::update]->Enabled());
+    }
+    EXPECT_EQ(desk.Boxes(), Notes());
 }
 
-// Where a host answers too early, the answer counts for its own login alone.
-TEST_F(DialogTest, AnAnswerAheadOfTheWaitSavesItWhereItIsToThisRequest) {
+TEST_F(DialogTest, ChosenDatesKeepWithinTheYearsThatCanBeSet) {
     Open();
-    const Table<const char*, const char16_t*, bool> cases = {
-        {"Login", u"L0", false}, {"SendRequest", u"L0", false}, {"SendRequest", u"L1", true}};
-    for (const auto& [member, login, saves] : cases) {
-        SCOPED_TRACE(member);
-        const auto usual = exchange->answers[member];
-        exchange->answers[member] = [&, &key = login](Arguments& a) {
-            const auto response = Response(0, u"UPDATE_CLOCK");
-            response->answers["LoginID"] = Gives(key);
-            Deliver(response);
-            return usual(a);
-        };
-        Request(2);
-        exchange->answers[member] = usual;
-        EXPECT_EQ(form.Enabled, saves);
-        EXPECT_EQ(computer.screen.pointer == MousePointer::Default, saves);
-        if (!saves) Deliver(Response(99));
-        PassTick();
-        EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
-        EXPECT_TRUE(IsIdle());
+    forms::Calendar& calendar = *Controls().Calendar;
+    const Table<DateParts, DateParts, std::size_t> cases = {{{1901, 1, 1}, {1901, 1, 1}, 0},
+                                                            {{1900, 12, 31}, {1901, 12, 31}, 1},
+                                                            {{2099, 12, 31}, {2099, 12, 31}, 0},
+                                                            {{2100, 1, 1}, {2099, 1, 1}, 1}};
+    for (const auto& [chosen, kept, notices] : cases) {
+        calendar.ChooseDate(chosen);
+        EXPECT_EQ(calendar.CalendarValue(), MakeDate(kept));
+        EXPECT_EQ(desk.Boxes().size(), notices);
     }
 }
 
-// A value is compared as it is, before anything is converted.
-TEST_F(DialogTest, OnlyZeroIsSuccessAndOnly99LeavesTheMessage) {
+TEST_F(DialogTest, HelpIsOfferedOnTheRightControlsByTheRightButton) {
     Open();
-    const Table<Value, Text, bool> cases = {{0.0, u"OK", true},
-                                            {u"0", u"OK", true},
-                                            {0.4, u"entry 6 : <0.4>", false},
-                                            {99.0, u"", false},
-                                            {u"99", u"", false},
-                                            {99.3, u"entry 6 : <99.3>", false},
-                                            {Null{}, u"entry 6 : <>", false},
-                                            {u"abc", u"entry 6 : <abc>", false}};
-    for (const auto& [errCode, message, shows] : cases) {
-        responseMessage.clear();
-        const auto response = Response(0, u"UPDATE_CLOCK");
-        response->answers["ErrCode"] = Gives(errCode);
-        Exchange(1, response);
-        EXPECT_EQ(responseMessage, message);
-        EXPECT_EQ(computer.boxes.shown.size(), shows ? 1U : 0U) << ToUtf8(message);
+    Window().Show();
+    const std::pair<const forms::Control*, int> topics[] = {
+        {Controls().lblBevel[0], 2},  {Controls().lblBevel[1], 3},  {Controls().lblColon[0], 3},
+        {Controls().lblColon[1], 3},  {Controls().lblTime, 3},      {Controls().txtTime[0], 3},
+        {Controls().txtTime[3], 3},   {Controls().updTime, 3},      {Controls().lblTrack, 4},
+        {Controls().chkTrack, 4},     {Controls().lblTrackDate, 5}, {Controls().chkTrackDate, 5},
+        {Controls().lblBevel[2], 0},  {Controls().Calendar, 0},     {Controls().imgBack, 0},
+        {Controls().cmdButton[0], 0}, {Controls().cmdButton[1], 0}, {Controls().cmdButton[2], 0}};
+    headless::Window& window = *desk.toolkit.Open();
+    for (const auto& [control, topic] : topics) {
+        ASSERT_EQ(bool(control->MouseUp), topic != 0) << ToUtf8(control->Name());
+        if (topic == 0) continue;
+        for (const auto other : {forms::MouseButton::Left, forms::MouseButton::Middle}) {
+            control->MouseUp(other, 0, 0, 0);
+            EXPECT_EQ(window.popped, nullptr) << ToUtf8(control->Name());
+        }
+        control->MouseUp(forms::MouseButton::Right, 0, 0, 0);
+        EXPECT_EQ(std::exchange(window.popped, nullptr), Controls().mnuWhatsThis);
+        Controls().itmWhatsThis->Click();
+        EXPECT_EQ(window.topic, topic) << ToUtf8(control->Name());
     }
+    EXPECT_EQ(ErrorOf([&] { Controls().itmWhatsThis->Click(); }), 91) << "no control was pointed at";
 }
 
-TEST_F(DialogTest, TheFirstButtonHidesAndUnloadingTellsTheHost) {
-    Open();
-    dialog->PutID(42);
-    form.Show();
-    Request(0);
-    EXPECT_FALSE(form.Visible());
-    EXPECT_TRUE(form.IsLoaded());
-    EXPECT_TRUE(calls.empty());
-    form.Unload();
-    EXPECT_EQ(calls, (Calls{"UnloadChild"}));
-    EXPECT_EQ(told.back(), "42");
-    EXPECT_TRUE(computer.language->closed);
-    EXPECT_EQ(data.AddInLanguageDb, nullptr);
-    form.Load();
-    EXPECT_FALSE(form.IsLoaded()) << "without a language database the form unloads itself";
-    EXPECT_FALSE(dialog->CheckLoadError());
-}
-
-TEST_F(DialogTest, TheCountOverflowsAtSixteenBits) {
-    for (int i = 0; i < 32767; ++i) dialog->IncrementCount();
-    EXPECT_EQ(ErrorOf([&] { dialog->IncrementCount(); }), 6);
-    EXPECT_EQ(dialog->DecrementCount(), 32766);
-}
-
-TEST_F(DialogTest, FlowIsSwitchedAtTheHostAndOnlyF1AsksItForHelp) {
-    Open();
-    Call(dialog, "TurnFlow", true);
-    Call(dialog, "TurnFlow", false);
-    for (const std::int16_t key : std::vector<std::int16_t>{111, 113, 112}) form.KeyDown(key, 0);
-    data.IsStandalone = true;
-    form.KeyDown(112, 0);
-    EXPECT_EQ(calls, (Calls{"TurnOnFlow", "TurnOffFlow", "DisplayHelp"}));
-    EXPECT_EQ(told.back(), "Horalink.hlp");
-}
+// --- the dialog's members
+// -----------------------------------------------------------------------------------
 
 TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
+    Open();
     const float middle = (15000 - 7110) / 2.0F, centre = (12000 - 4365) / 2.0F;
     const Table<Text, float, float> cases = {
         {u"", middle, centre}, {u"0,0", 0, 0},       {u"-30,45.5", -30, 45.5F}, {u"10,20,30", 10, 20},
         {u"10", 3150, 2295},   {u"a,b", 3150, 2295}, {u"10,", 3150, 2295},      {u",", middle, centre}};
     for (const auto& [stored, left, top] : cases) {
-        form.Move(3150, 2295);
-        host->answers["GetComData"] = [&, &text = stored](Arguments& a) {
-            EXPECT_EQ(a[0].ToText() + a[1].ToText(), u"HoralinkMOVE");
-            return a[2] = Value(text), Value();
-        };
-        dialog->FrmMove(host);
-        EXPECT_EQ(form.Left(), left) << ToUtf8(stored);
-        EXPECT_EQ(form.Top(), top) << ToUtf8(stored);
+        Window().Move(3150, 2295);
+        host->answers["GetComData"] = [&text = stored](Arguments& a) { return a[2] = Value(text), Value(); };
+        Dialog().FrmMove(Host());
+        EXPECT_EQ(Window().Left(), left) << ToUtf8(stored);
+        EXPECT_EQ(Window().Top(), top) << ToUtf8(stored);
     }
-    Text saved;
-    host->answers["REGComData"] = [&](Arguments& a) { return saved = a[2].ToText(), Value(); };
-    dialog->PutParent(host);
-    form.Move(3150, 2295);
-    dialog->FrmMove(host);
-    EXPECT_EQ(form.Left(), 3150) << "a dialog that has its host stays";
-    dialog->FrmPositionSave();
-    EXPECT_EQ(saved, u"3150,2295");
+    EXPECT_EQ(host->Calls(), Notes(8, "GetComData Horalink MOVE "));
+    host->answers["GetComData"] = [](Arguments&) -> Value { throw RuntimeError(1004, u"no"); };
+    Dialog().FrmMove(Host());
+    EXPECT_EQ(Window().Left(), middle);
+    Dialog().PutParent(Host());
+    Window().Move(3150, 2295);
+    host->Calls();
+    Dialog().FrmMove(Host());
+    Dialog().FrmPositionSave();
+    EXPECT_EQ(host->Calls(), Notes{"REGComData Horalink MOVE 3150,2295"}) << "with its host it stays";
 }
+
+TEST_F(DialogTest, FlowIsSwitchedAtTheHostAndOnlyF1AsksItForHelp) {
+    Open();
+    const auto dialog = Dialog().shared_from_this();
+    Dialog().PutParent(Host());
+    Call(dialog, "TurnFlow", true);
+    Call(dialog, "TurnFlow", false);
+    for (const std::int16_t key : std::vector<std::int16_t>{111, 113, 112}) Window().KeyDown(key, 0);
+    EXPECT_EQ(host->Calls(), (Notes{"TurnOnFlow", "TurnOffFlow", "DisplayHelp Horalink.hlp"}));
+}
+
+TEST_F(DialogTest, UnloadingClosesTheTextsForGoodAndTellsTheHost) {
+    Open();
+    Dialog().PutParent(Host());
+    Dialog().PutID(-42);
+    desk.Calls();
+    Window().Unload();
+    EXPECT_EQ(desk.Calls(), Notes{"close"});
+    EXPECT_EQ(ErrorOf([&] { Window().Show(); }), 364) << "without texts it unloads itself";
+    EXPECT_EQ(host->Calls(), Notes(2, "UnloadChild -42"));
+    EXPECT_FALSE(Dialog().CheckLoadError());
+}
+
+TEST_F(DialogTest, TheCountOverflowsAtSixteenBits) {
+    for (int i = 0; i < 32767; ++i) Dialog().IncrementCount();
+    EXPECT_EQ(ErrorOf([&] { Dialog().IncrementCount(); }), 6);
+    EXPECT_EQ(Dialog().DecrementCount(), 32766);
+    for (int i = 0; i < 32766 + 32768; ++i) Dialog().DecrementCount();
+    EXPECT_EQ(ErrorOf([&] { Dialog().DecrementCount(); }), 6);
+}
+
+TEST_F(DialogTest, TheTitleTakesOneMarkForEachName) {
+    main.Main();
+    const auto layer = cOLELayer::Create(main);
+    for (const char16_t* pbx : {u"", u"Main", u"Main", u"MAIN", u"Mai"}) {
+        EXPECT_FALSE(Call(layer, "RegisterPBX", pbx, Host(), std::int16_t{1}).ToBoolean());
+        EXPECT_TRUE(*pbx || desk.app.title == u"app title");
+        EXPECT_EQ(Window().Caption(), u"caption (" + Text(pbx) + u")");
+    }
+    EXPECT_EQ(desk.app.title, u"app title (Main) (MAIN) (Mai)");
+    Dialog().PutParent(nullptr);
+}
+
+// --- the start
+// ----------------------------------------------------------------------------------------------
+
+TEST_F(DialogTest, TheStartReadsAllThatNeedsNoWindow) {
+    desk.settings.values[u"VELMORA32/10001/InstallPath"] = u"C:\\VELMORA32\\10001\\";
+    main.Main();
+    const std::string root = "C:\\VELMORA32\\10001\\";
+    EXPECT_EQ(desk.Calls()[0], "open " + root + "ADDINS\\..\\MORA32\\DATABASE\\Common.LNG read-only");
+    EXPECT_EQ(ToUtf8(main.Data().BackgroundDirectory), root + "ADDINS\\..\\BACKGRND\\");
+    EXPECT_EQ(ToUtf8(desk.app.helpFile), root + "ADDINS\\HELP\\Horalink.hlp");
+    EXPECT_EQ(main.Data().MarketCode, u"10001");
+    EXPECT_FALSE(main.Data().IsStandalone);
+    const ButtonTexts& words = desk.app.buttons;
+    EXPECT_EQ(words.ok + words.cancel + words.help + words.keepWaiting + words.giveUp,
+              u"okcancelhelpkeep waitinggive up");
+    desk.Calls();
+    main.LoadAddIn();
+    const Notes calls = desk.Calls();
+    EXPECT_EQ(calls[0], "open " + root + "ADDINS\\..\\MORA32\\DATABASE\\Register.mdb");
+    EXPECT_EQ(desk.databases.Ask(u"Register.mdb", u"select Version from Registry where Title = 'clock'"),
+              Value(u"13.0.1"));
+    EXPECT_EQ(ToUtf8(desk.app.helpFile), root + "ADDINS\\HELP\\Horalink.HLP");
+    EXPECT_EQ(desk.app.waits.busyTimeout, 10000);
+    EXPECT_EQ(desk.app.waits.pendingTimeout, 20000);
+}
+
+TEST_F(DialogTest, AnUnknownMarketIsTheFirst) {
+    desk.app.path = u"C:\\Tools";
+    main.Main();
+    EXPECT_EQ(main.Data().MarketCode, u"10001");
+}
+
+// Whatever fails first ends the process with its one notice.
+TEST_F(DialogTest, AStartThatFailsEndsTheProcess) {
+    const Table<Text, const char*, bool> cases = {{u"Common.LNG", nullptr, false},
+                                                  {u"Horalink.lng", nullptr, false},
+                                                  {u"Horalink.lng", "drop table tProject", false},
+                                                  {u"Horalink.lng", "drop table tMessages", false},
+                                                  {u"Register.mdb", nullptr, true}};
+    for (const auto& [file, sql, atCreation] : cases) {
+        Process process;
+        sql ? process.desk.databases.Add(file, sql) : process.desk.databases.Remove(file);
+        if (atCreation) process.main.Main();
+        EXPECT_THROW(atCreation ? void(cOLELayer::Create(process.main)) : process.main.Main(), Ended)
+            << ToUtf8(file);
+        EXPECT_EQ(process.desk.Boxes().size(), 1U) << ToUtf8(file);
+    }
+}
+
+TEST_F(DialogTest, ADialogThatUnloadsItselfWhileItLoadsEndsNoService) {
+    main.Main();
+    ServerLife life(desk.automation, desk.timers, [] {});
+    main.Retire = [&] { life.Retire(); };
+    life.Serve(cOLELayer::className, [&] { return cOLELayer::Create(main); });
+    desk.databases.Add(u"Horalink.lng", "drop table tControls");
+    ObjectRef layer = desk.automation.Create();
+    EXPECT_FALSE(Window().IsLoaded());
+    EXPECT_EQ(desk.automation.served, cOLELayer::className);
+}
+
+TEST_F(DialogTest, OnlyAServerThatIsNotUsedEnds) {
+    main.Main();
+    int ends = 0;
+    ServerLife life(desk.automation, desk.timers, [&] { ++ends; });
+    life.Serve(cOLELayer::className, [&] { return cOLELayer::Create(main); });
+    desk.timers.Pass(59999);
+    desk.databases.FailAt(1, DataError::DiskError);
+    desk.boxes.whileOpen = [&] { desk.timers.Pass(600000); };
+    EXPECT_THROW(desk.automation.grant(), Ended) << "by the notice, which the operator read for long";
+    EXPECT_EQ(ends, 0);
+    desk.timers.Pass(59999);
+    ObjectRef layer = desk.automation.Create();
+    desk.timers.Pass(600000);
+    EXPECT_EQ(ends, 0);
+    EXPECT_THROW(desk.automation.Release(layer), Ended);
+}
+
+// --- stand-alone
+// --------------------------------------------------------------------------------------------
 
 struct StandaloneTest : DialogTest {
     StandaloneTest() {
-        data.IsStandalone = true;
-        computer.automation.exchange = exchange;
-        computer.app.command = u"Main";
-        exchange->answers["ConnectToPbx"] = Gives(u"C1");
+        desk.app.startMode = 0;
+        desk.app.command = u"Main";
+        host->answers["ConnectToPbx"] = Gives(u"C1");
+        host->answers["Login"] = Gives(u"L1");
+        host->answers["SendRequest"] = [this](Arguments& a) {
+            return request = a[0].ToObject(), Value(u"taken");
+        };
+        desk.automation.others[u"SwitchDeskProj10001.cPBXOle"] = Host();
+        desk.app.waits.pendingTimeout = 20000;
     }
+    void Click(std::size_t button) {
+        desk.toolkit.Open()->Click(*Controls().cmdButton[button]);
+        desk.timers.Pass(100);
+    }
+    ObjectRef request;
 };
 
 TEST_F(StandaloneTest, ConnectsByTheCommandLineAndWorksWithoutAHostObject) {
-    form.Show();
-    EXPECT_EQ(computer.automation.created, (std::vector<Text>{u"SwitchDeskProj10001.cPBXOle"}));
-    Request(2);
-    EXPECT_EQ(calls, (Calls{"Login", "SendRequest"}));
-    calls.clear();
-    Deliver(Response(0, u"UPDATE_CLOCK"));
-    PassTick();
-    EXPECT_EQ(calls, (Calls{"LogOut"}));
-    EXPECT_EQ(computer.boxes.LastPrompt(), "box 1 ");
-    exchange->answers["Login"] = Raises(1004);
-    Request(2);
-    EXPECT_EQ(computer.boxes.LastPrompt(), "entry 0");
-    EXPECT_TRUE(told.empty());
-    Request(0);
-    EXPECT_FALSE(form.IsLoaded());
-    EXPECT_EQ(loggedOut.back(), "C1") << "the key of the connection";
+    main.Main();
+    EXPECT_TRUE(Window().Visible());
+    EXPECT_EQ(host->Calls(), Notes{"ConnectToPbx Main object"});
+    Click(button::lookup);
+    EXPECT_EQ(host->Calls(), (Notes{"Login Main object", "SendRequest object"}));
+    ObjectRef answer = request;  // a record serves as an answer: it has all that is needed but a message
+    Dialog().CallBack(answer);
+    desk.timers.Pass(100);
+    EXPECT_EQ(host->Calls(), Notes{"LogOut Main L1"});
+    EXPECT_EQ(desk.Boxes(), Notes{"not read|16|-|C:\\VELMORA32\\10001\\ADDINS\\read.hlp|73"});
+    host->answers["Login"] = [](Arguments&) -> Value { throw RuntimeError(1004, u"no"); };
+    Click(button::lookup);
+    EXPECT_EQ(desk.Boxes(), Notes{"login failed|48|login title|-|0"});
+    host->Calls();
+    Window().KeyDown(112, 0);
+    Click(button::hide);
+    EXPECT_FALSE(Window().IsLoaded());
+    EXPECT_EQ(host->Calls(), Notes{"LogOut Main C1"}) << "the key of the connection";
 }
 
 TEST_F(StandaloneTest, AHostThatWasGivenUpStillHearsOfTheLogOut) {
-    form.Show();
-    exchange->answers["SendRequest"] = [&](Arguments&) {
-        computer.scheduler.Pass(20000);
-        computer.waits.opened.back().answer(true);
+    main.Main();
+    host->answers["SendRequest"] = [this](Arguments&) {
+        desk.timers.Pass(20000);
+        desk.waits.Answer(true);
         return Value(u"taken");
     };
-    Request(2);
-    EXPECT_TRUE(IsIdle());
-    EXPECT_TRUE(loggedOut.empty());
-    computer.automation.AnswerPosted();
-    EXPECT_EQ(loggedOut, (Calls{"L1"}));
+    Click(button::lookup);
+    EXPECT_TRUE(Window().Enabled());
+    desk.timers.Pass(0);
+    EXPECT_EQ(host->Calls().back(), "LogOut Main L1");
 }
 
-TEST_F(StandaloneTest, WithoutABusTheDialogShowsWithItsButtonsDead) {
-    NoAutomation none(computer.scheduler, computer.waits, computer.app.waits);
-    Services services{
-        computer.app,       computer.clock, computer.locale, computer.settings, computer.engine, none,
-        computer.scheduler, computer.boxes, computer.screen, computer.toolkit,  computer.files,  [] {}};
-    const auto alone = std::make_shared<dlgAddin>(services, data);
-    alone->Window().Show();
-    EXPECT_TRUE(alone->Window().Visible());
-    EXPECT_TRUE(alone->CheckLoadError());
-    for (const std::size_t button : {1U, 2U}) EXPECT_FALSE(alone->Controls().cmdButton[button]->Enabled);
-    EXPECT_TRUE(computer.boxes.shown.empty());
+TEST_F(StandaloneTest, WithoutAConnectionTheButtonsAreDead) {
+    NoAutomation none(desk.timers, desk.waits, desk.app.waits);
+    const Services alone{desk.app,    desk.clock, desk.locale, desk.settings, desk.databases, none,
+                         desk.timers, desk.boxes, desk.screen, desk.toolkit,  desk.pictures,  [] {}};
+    host->answers["ConnectToPbx"] = Gives(u"");
+    for (const Services* services : {&alone, &std::as_const(desk.services)}) {
+        AddInMain start(*services);
+        start.Main();
+        EXPECT_TRUE(start.Dialog().Window().Visible());
+        EXPECT_EQ(start.Dialog().CheckLoadError(), services == &alone);
+        const auto& buttons = start.Dialog().Controls().cmdButton;
+        EXPECT_FALSE(buttons[button::update]->Enabled || buttons[button::lookup]->Enabled);
+        EXPECT_TRUE(buttons[button::hide]->Enabled());
+    }
+    EXPECT_EQ(desk.Boxes(), Notes());
+}
+
+TEST_F(StandaloneTest, WithoutANameNoDialogIsMade) {
+    desk.app.command = u"";
+    main.Main();
+    EXPECT_TRUE(main.Data().IsStandalone);
+    EXPECT_FALSE(Window().IsLoaded());
+    EXPECT_EQ(desk.automation.created, std::vector<Text>());
 }
 
 }  // namespace

@@ -53,8 +53,10 @@ TEST_F(InputGateTest, WhatIsRefusedIsLostWhateverComesLater) {
         Repeat(), Release();
         box.Enabled = false;
         Act("act");
+        Judge(input->Press(1, Note("press"), &box), "press on the box");
         box.Enabled = true;
-        EXPECT_EQ(Log(), "refused refused refused ");
+        Release();
+        EXPECT_EQ(Log(), "refused refused refused refused refused ");
     }
     EXPECT_EQ(AfterTheHold(), "");
     Press(), Repeat(), Release(), Repeat();

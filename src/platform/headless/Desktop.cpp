@@ -22,6 +22,7 @@ struct WaitBoxes::Box : WaitBox {
 std::unique_ptr<WaitBox> WaitBoxes::Open(TextView title, TextView text, std::function<void(bool)> answered) {
     auto box = std::make_unique<Box>();
     opened.push_back({Text(title), Text(text), std::move(answered), box->open});
+    if (decide) Answer(decide());
     return box;
 }
 

@@ -40,6 +40,7 @@ class WaitBoxes : public platform::WaitBoxes {
         bool IsOpen() const { return answered && !box.expired(); }
     };
     std::vector<Opened> opened;
+    std::function<bool()> decide;  // answers each box as it opens, where set
 
   private:
     struct Box;
