@@ -451,7 +451,10 @@ bool Judge::TakesHide() {
 }
 
 void Judge::BoxOpens(const MessageBox& box) {
-    if (toShow_ && Same(box, Expected(*toShow_))) return toShow_.reset();
+    if (toShow_ && Same(box, Expected(*toShow_))) {
+        Require(!std::exchange(isAnswerShown_, true), "two answers are shown at once");
+        return toShow_.reset();
+    }
     if (yearNotices_ > 0 && Same(box, yearNotice)) return void(--yearNotices_);
     if (Same(box, loginFailed) && (failures_ > 0 || (IsHostDead() && !presses_.empty()))) {
         failures_ > 0 ? void(--failures_) : presses_.clear();
@@ -461,6 +464,11 @@ void Judge::BoxOpens(const MessageBox& box) {
             "a box says \"" + ToUtf8(box.prompt) + "\"");
     --notices_;
     isUnsure_ = true;
+}
+
+void Judge::BoxCloses(const MessageBox& box) {
+    if (!Same(box, loginFailed) && !Same(box, yearNotice) && box.title != Text(horalink::noticeTitle))
+        isAnswerShown_ = false;
 }
 
 // --- what must hold -----------------------------------------------------------------------------------

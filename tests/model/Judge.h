@@ -55,6 +55,7 @@ class Judge {
     void ReadingGivenUp();
     void AnswerEnds(bool isLoaded);
     void BoxOpens(const platform::MessageBox& box);
+    void BoxCloses(const platform::MessageBox& box);
     void Unloaded();
     // True where a click asked for it.
     bool TakesHide();
@@ -114,6 +115,7 @@ class Judge {
     std::set<Text> givenUp_;
     std::deque<Posted> posted_;
     std::optional<Shown> toShow_;
+    bool isAnswerShown_ = false;
     int failures_ = 0, unloads_ = 0, helps_ = 0, places_ = 0, yearNotices_ = 0, notices_ = 0;
     bool asksToLogOut_ = false;  // inside the posted call for the exchange object
     bool isUnsure_ = false;      // what a failed database kept from being shown

@@ -133,11 +133,12 @@ void World::CloseFrame(bool isBox) {
 }
 
 void World::WhileBoxIsOpen() {
-    const MessageBox& box = headless_.boxes.shown.back();
+    const MessageBox box = headless_.boxes.shown.back();
     Note("  box: " + ToUtf8(box.prompt));
     judge_.NoteFailures(databases_.TakeFailures());
     judge_.BoxOpens(box);
     StayInside(true);
+    judge_.BoxCloses(box);
 }
 
 // Everything that is held goes on, what was given up is made good, and one more lookup has to succeed.

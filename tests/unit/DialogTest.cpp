@@ -393,6 +393,33 @@ TEST_F(StandaloneTest, AHostThatWasGivenUpStillHearsOfTheLogOut) {
     EXPECT_EQ(host->Calls().back(), "LogOut Main L1");
 }
 
+// One limit over the whole of an answer, however soon each of its items comes; and whoever closes the window
+// does not wait for the rest.
+TEST_F(StandaloneTest, ALongAnswerOfASlowHostHasOneLimitAndOneBox) {
+    main.Main();
+    const auto slow = std::make_shared<NotedHost>();
+    slow->answers["Count"] = Gives(std::int16_t{32767});
+    int read = 0;
+    slow->answers["CMD"] = [&](Arguments&) {
+        desk.timers.Pass(1000);
+        if (++read == 40) desk.waits.Answer(true);
+        if (read == 50) desk.toolkit.Open()->Close();
+        return Value(u"02");
+    };
+    for (const char* list : {"FirstData", "SecondData", "ExtraData"}) slow->answers[list] = Gives(u"");
+    for (const int last : {40, 50}) {
+        if (last == 40) Click(button::lookup);
+        ObjectRef answer = desk.automation.Far(slow, peer);
+        Dialog().CallBack(answer);
+        EXPECT_EQ(read, last);
+        EXPECT_EQ(desk.waits.opened.size(), 1U);
+        EXPECT_TRUE(Window().Enabled());
+    }
+    desk.timers.Pass(100);
+    EXPECT_FALSE(Window().IsLoaded());
+    EXPECT_EQ(desk.Boxes(), Notes());
+}
+
 TEST_F(StandaloneTest, WithoutAConnectionTheButtonsAreDead) {
     NoAutomation none(desk.timers, desk.waits, desk.app.waits);
     const Services alone{desk.app,    desk.clock, desk.locale, desk.settings, desk.databases, none,
