@@ -84,7 +84,7 @@ class Judge {
     struct Posted {
         const void* host;
         Text name, login;
-        bool hasExchange = false;
+        bool isLate = false;  // granted after it was given up
     };
     using WorkRef = std::shared_ptr<Work>;
 
@@ -100,8 +100,8 @@ class Judge {
     void AnswerGoesOn(Work& work, End end);
     void AnswerGivenUp(Work& work);
     bool IsReadingForWait() const;
-    void GiveUp(const Text& login);
-    void Post(const Text& login) { posted_.push_back({host_, name_, login}); }
+    void GiveUp(const Text& login, bool isLate = false);
+    void Post(const Text& login, bool isLate = false) { posted_.push_back({host_, name_, login, isLate}); }
     void Rest() { phase_ = Phase::Idle; }
 
     Phase phase_ = Phase::Idle;
@@ -113,7 +113,8 @@ class Judge {
     std::set<const void*> dead_;
     Text name_, login_, loginResult_, lastGivenUp_;
     std::set<Text> givenUp_;
-    std::deque<Posted> posted_;
+    std::deque<Posted> posted_;  // logouts that nobody waits for, each after a posted oPBX
+    std::size_t exchangesAsked_ = 0, notLoggedOut_ = 0;
     std::optional<Shown> toShow_;
     bool isAnswerShown_ = false;
     int failures_ = 0, unloads_ = 0, helps_ = 0, places_ = 0, yearNotices_ = 0, notices_ = 0;

@@ -29,6 +29,8 @@ constexpr Kind kinds[] = {
     {Act::GiveUp, "give up", 1, 15},
     {Act::KeepWaiting, "keep waiting", 1, 3},
     {Act::Hold, "hold", int(std::size(members)), 3},
+    {Act::Hang, "hang in", repliedMembers, 6},
+    {Act::AnswerEarly, "answer inside", repliedMembers, 2},
     {Act::GoOn, "go on", 1, 30},
     {Act::Reply, "reply", repliedMembers* replies, 1},
     {Act::CallBack, "call back", answers* logins, 2},
@@ -40,7 +42,7 @@ constexpr Kind kinds[] = {
     {Act::CreateOther, "create for another", 1, 6},
     {Act::Release, "release", 2, 2},
     {Act::ReleaseOther, "release of another", 1, 2},
-    {Act::Die, "die", 1, 4},
+    {Act::Die, "die", 2, 2},
     {Act::GetStuck, "get stuck", 1, 2},
     {Act::Wake, "wake", 1, 3},
     {Act::Pass, "pass", int(std::size(spans)), 20},
@@ -58,6 +60,8 @@ std::ostream& operator<<(std::ostream& out, const Step& step) {
     out << KindOf(step.act).name;
     switch (step.act) {
         case Act::Hold:
+        case Act::Hang:
+        case Act::AnswerEarly:
             return out << ' ' << members[step.n];
         case Act::Reply: {
             static constexpr const char* texts[] = {"well",  "BUSY",        "ERROR",        "\"\"",

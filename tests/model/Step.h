@@ -22,6 +22,8 @@ enum class Act {
     KeepWaiting,  // in the box of a wait
     // The host.
     Hold,           // the next call of a member (an entry of `members`) stays out
+    Hang,           // the next call of a member stays out until the operator gives up
+    AnswerEarly,    // the next call of a member is answered only after `CallBack` to its request
     GoOn,           // the innermost call that stays out is answered
     Reply,          // the next call of a member fails in some way, see `ReplyOf`
     CallBack,       // an answer under a login, see `AnswerOf`
@@ -33,7 +35,7 @@ enum class Act {
     CreateOther,    // an object for a second client
     Release,        // an object: 0 the oldest, 1 the newest
     ReleaseOther,   // what the second client has
-    Die,            // the host's process
+    Die,            // the host's process; 1 while a second client keeps the add-in
     GetStuck,       // it gives no late answers and takes no calls that nobody waits for
     Wake,           //
     // Time, and the machine.

@@ -289,7 +289,9 @@ void World::ActAsHost(const Step& step) {
     const auto n = static_cast<std::size_t>(step.n);
     switch (step.act) {
         case Act::Hold:
-            return holds_.push_back(members[n]);
+        case Act::Hang:
+        case Act::AnswerEarly:
+            return holds_.push_back({members[n], step.act});
         case Act::GoOn:
             return CloseFrame(false);
         case Act::Reply:
@@ -334,7 +336,7 @@ void World::UseLayer(const Step& step) {
         case Act::Release:
             return Release(*host_, step.n == 0 ? 0 : host_->layers.size() - 1);
         default:
-            return Die();
+            return Die(step.n == 1);
     }
 }
 
@@ -385,7 +387,8 @@ void World::Show(bool visible) {
     }
 }
 
-void World::Die() {
+void World::Die(bool isKept) {
+    if (isKept && other_->layers.empty()) Create(*other_);
     judge_.HostDied(host_.get());
     host_->peer->Die();
     while (!host_->layers.empty()) Release(*host_, 0);
@@ -424,11 +427,9 @@ void World::Deliver(AnswerKind kind, LoginKind login) {
 }
 
 void World::ReadBegins(const Answer& answer, std::string_view member) {
-    if (TakesHold(member)) {
-        judge_.ReadingIsOut(member, true);
-        StayInside(false);
-        judge_.ReadingIsOut(member, false);
-    }
+    judge_.ReadingIsOut(member, true);
+    MayHold(member);
+    judge_.ReadingIsOut(member, false);
     // Whoever closes the window doesn't wait for the next item.
     const bool nextIsItem = (member == "Count" || member == "ExtraData") && !answer.IsMissing(member);
     const bool isClosing = Dialog().Window().IsCloseWaiting() && nextIsItem && answer.taken.size() < 3;
@@ -449,7 +450,7 @@ Value World::Called(Party& party, std::string_view member, Arguments& arguments)
         refused_.push_back({headless_.automation.CallDepth(), &party});
         throw BusyError();
     }
-    if (!isPosted && TakesHold(member)) StayInside(false);
+    if (!isPosted) MayHold(member);
     return Answered(party, member, arguments, reply);
 }
 
@@ -508,11 +509,16 @@ Value World::ResultOf(Party& party, std::string_view member, const Arguments& ar
     return u"L" + DecimalText(++lastLogin_);
 }
 
-bool World::TakesHold(std::string_view member) {
-    const auto hold = std::find(holds_.begin(), holds_.end(), member);
-    if (hold == holds_.end()) return false;
+void World::MayHold(std::string_view member) {
+    const auto hold =
+        std::find_if(holds_.begin(), holds_.end(), [&](const auto& each) { return each.first == member; });
+    if (hold == holds_.end()) return;
+    const Act act = hold->second;
     holds_.erase(hold);
-    return true;
+    if (act == Act::AnswerEarly) return Deliver(AnswerKind::Read, LoginKind::Current);
+    if (act == Act::Hold) return StayInside(false);
+    Pass(20000);
+    Operate({Act::GiveUp});
 }
 
 model::Reply World::TakeReply(std::string_view member) {

@@ -56,7 +56,7 @@ class World {
     void Release(Party& party, std::size_t index);
     void Register(Party& party, const platform::Text& name);
     void Show(bool visible);
-    void Die();
+    void Die(bool isKept);
     void Replace(std::unique_ptr<Party>& party);
     bool IsDead(const void* host) const;
     void Deliver(AnswerKind kind, LoginKind login);
@@ -70,7 +70,8 @@ class World {
     void Arrive(const Party& party, std::string_view member, const platform::Arguments& arguments,
                 bool isPosted);
     void WaitForRetry(int milliseconds);
-    bool TakesHold(std::string_view member);
+    // Keeps a call out where that is wanted.
+    void MayHold(std::string_view member);
     model::Reply TakeReply(std::string_view member);
 
     // What the dialog shows of date and time.
@@ -108,7 +109,7 @@ class World {
     const std::vector<Step>* steps_ = nullptr;
     std::size_t next_ = 0;
     std::list<Frame> frames_;
-    std::vector<std::string> holds_;
+    std::vector<std::pair<std::string, Act>> holds_;
     std::vector<std::pair<std::string, model::Reply>> replies_;
     struct Refused {
         std::size_t depth;

@@ -93,6 +93,11 @@ class FarObject : public Object {
     std::shared_ptr<Patience> patience_;  // for each call one of its own, where there is none
 };
 
+// What waits for a process refers to it.
+Automation::~Automation() {
+    for (const auto& peer : peers_) peer->waiting_.clear();
+}
+
 ObjectRef Automation::Far(const ObjectRef& object, const std::shared_ptr<Peer>& peer) {
     return object ? std::make_shared<FarObject>(*this, object, peer) : nullptr;
 }
@@ -150,6 +155,7 @@ void Automation::Post(const ObjectRef& object, std::string_view member, InvokeKi
 }
 
 void Automation::Send(const std::shared_ptr<Peer>& peer, std::function<void()> message) {
+    if (!peer->isAlive_) return;
     peer->waiting_.push_back(std::move(message));
     if (std::find(peers_.begin(), peers_.end(), peer) == peers_.end()) peers_.push_back(peer);
     delivery_ = scheduler_.After(Milliseconds(0), [this] { Deliver(); });

@@ -32,6 +32,7 @@ class Automation : public platform::Automation {
   public:
     Automation(Scheduler& scheduler, WaitBoxes& boxes, const WaitSettings& settings, forms::InputGate& gate)
         : scheduler_(scheduler), boxes_(boxes), settings_(settings), gate_(gate) {}
+    ~Automation() override;
 
     // An object of another process as the add-in reaches it. While a call is out input waits; one that is
     // given up meanwhile fails at once for the add-in, and its answer is late.
