@@ -121,7 +121,7 @@ class Hosts(OwnHostTest):
         self.keeper.send(dialog, "Object", "Release")
         self.keeper.send(self.layer, "Object", "Release")
         self.assertEqual(self.add_in.wait(LIMIT), 0)
-        self.assertEqual(+self.keeper.kept, {})
+        self.wait_for(lambda: not +self.keeper.kept, "the last releases, which arrive after the end")
 
     def test_harm(self):
         for state, fault in chosen(QUICK, ALL):
