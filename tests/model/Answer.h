@@ -43,6 +43,9 @@ inline AnswerKind AnswerOf(int n) {
 inline LoginKind LoginOf(int n) {
     return static_cast<LoginKind>(n % logins);
 }
+constexpr int Of(AnswerKind kind, LoginKind login) {
+    return static_cast<int>(kind) * logins + static_cast<int>(login);
+}
 const char* NameOf(AnswerKind kind);
 const char* NameOf(LoginKind kind);
 

@@ -26,27 +26,22 @@ TEST(ModelTest, HoldsInEveryOrder) {
     });
 }
 
-constexpr int Of(AnswerKind kind, LoginKind login) {
-    return static_cast<int>(kind) * logins + static_cast<int>(login);
-}
-
 // Found once, and shrunk: each is gone through again.
 TEST(ModelTest, HoldsInOrdersThatOnceBroke) {
     using enum Act;
     using enum AnswerKind;
     using enum LoginKind;
-    constexpr int unload = 11, place = 14;
     const std::vector<Step> orders[] = {
         // An answer that arrives while the window goes.
         {{Click, 1},
-         {Hold, unload},
+         {Hold, UnloadChild},
          {Pass, 1},
          {CallBack, Of(Set, Nobodys)},
          {Close},
          {CallBack, Of(Set, Nobodys)},
          {Pass, 1}},
         // A click just before the last object goes.
-        {{Hold, place}, {Click, 1}, {Release}, {Pass, 3}},
+        {{Hold, REGComData}, {Click, 1}, {Release}, {Pass, 3}},
     };
     for (const std::vector<Step>& order : orders) EXPECT_EQ(Trouble(order), "");
 }

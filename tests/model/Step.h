@@ -57,6 +57,17 @@ const std::vector<Step>& AllSteps();
 inline constexpr const char* members[] = {
     "oPBX", "Login", "ShowMessage", "SendRequest", "LogOut",      "ShowResults", "ShowCode",  "Count",
     "CMD",  "Tag",   "LoginID",     "UnloadChild", "DisplayHelp", "GetComData",  "REGComData"};
+enum Member {
+    oPBX,
+    Login,
+    ShowMessage,
+    SendRequest,
+    LogOut,
+    ShowResults,
+    Count = 7,
+    UnloadChild = 11,
+    REGComData = 14
+};
 inline constexpr int repliedMembers = 7;  // those of them that a reply can go wrong for
 
 enum class Reply { Good, Busy, Error, Empty, Blank, Raises, Object, RefusedAsBusy };

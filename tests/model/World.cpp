@@ -143,6 +143,7 @@ void World::WhileBoxIsOpen() {
 
 // Everything that is held goes on, what was given up is made good, and one more lookup has to succeed.
 void World::Settle() {
+    Note("in the end");
     holds_.clear();
     replies_.clear();
     for (const auto& party : {host_.get(), other_.get()}) party->peer->SetStuck(false);
@@ -203,8 +204,9 @@ void World::Operate(const Step& step) {
     if (step.act == Act::GiveUp || step.act == Act::KeepWaiting) {
         if (!headless_.waits.IsOpen() || !judge_.KnowsWhatIsGivenUp()) return;
         headless_.waits.Answer(step.act == Act::GiveUp);
-        if (step.act == Act::GiveUp) judge_.OperatorGaveUp();
-        return;
+        if (step.act == Act::KeepWaiting) return;
+        Note("  gives up");
+        return judge_.OperatorGaveUp();
     }
     if (!Window()) return;
     headless::Window& window = *Window();
