@@ -7,6 +7,7 @@
 #include <map>
 #include <sstream>
 
+#include "model/Answer.h"
 #include "model/World.h"
 
 namespace {
@@ -128,10 +129,8 @@ Steps OrderOf(const Fault& fault, const State& state) {
 
 // In words, what the operator has seen by the end.
 std::string OutcomeOf(const Fault& fault, const State& state) {
-    World world;
-    world.Run(OrderOf(fault, state));
     // Without the lookups at the beginning and at the end.
-    std::string log = world.Log();
+    std::string log = Play(OrderOf(fault, state)).log;
     log = log.substr(log.find("close the box"), log.find("a last lookup") - log.find("close the box"));
     const auto count = [&](const std::string& words) {
         int found = 0;

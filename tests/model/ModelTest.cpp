@@ -2,27 +2,18 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include "model/Answer.h"
 #include "model/World.h"
 
 namespace {
 
 using namespace model;
 
-// What broke, with all that was seen on the way; nothing where all held.
-std::string Trouble(const std::vector<Step>& steps) {
-    World world;
-    try {
-        world.Run(steps);
-    } catch (const Broken& broken) {
-        return std::string(broken.what()) + "\n" + world.Log();
-    }
-    return "";
-}
-
 TEST(ModelTest, HoldsInEveryOrder) {
     rc::detail::checkGTest([] {
         const auto steps = *rc::gen::container<std::vector<Step>>(rc::gen::elementOf(AllSteps()));
-        if (const std::string trouble = Trouble(steps); !trouble.empty()) RC_FAIL(trouble);
+        const Outcome outcome = Play(steps);
+        if (!outcome.trouble.empty()) RC_FAIL(outcome.trouble + "\n" + outcome.log);
     });
 }
 
@@ -43,7 +34,10 @@ TEST(ModelTest, HoldsInOrdersThatOnceBroke) {
         // A click just before the last object goes.
         {{Hold, REGComData}, {Click, 1}, {Release}, {Pass, 3}},
     };
-    for (const std::vector<Step>& order : orders) EXPECT_EQ(Trouble(order), "");
+    for (const std::vector<Step>& order : orders) {
+        const Outcome outcome = Play(order);
+        EXPECT_EQ(outcome.trouble, "") << outcome.log;
+    }
 }
 
 }  // namespace

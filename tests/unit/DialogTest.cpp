@@ -4,10 +4,10 @@
 
 #include <chrono>
 
-#include "Desk.h"
 #include "ErrorOf.h"
 #include "Table.h"
 #include "exchange/dlgAddin.h"
+#include "harness/Desk.h"
 #include "harness/SmallTexts.h"
 #include "platform/automation/NoAutomation.h"
 #include "shell/ServerLife.h"

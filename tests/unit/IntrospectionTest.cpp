@@ -5,8 +5,8 @@
 
 #include <regex>
 
-#include "Desk.h"
 #include "exchange/dlgAddin.h"
+#include "harness/Desk.h"
 #include "request/cListRequest.h"
 #include "shell/cOLELayer.h"
 

@@ -2,9 +2,9 @@
 
 #include <sstream>
 
-#include "Desk.h"
 #include "Joined.h"
 #include "Table.h"
+#include "harness/Desk.h"
 #include "harness/SmallTexts.h"
 #include "language/LanguageDatabase.h"
 #include "language/LanguageMsgBox.h"

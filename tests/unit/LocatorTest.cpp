@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "Desk.h"
 #include "Joined.h"
+#include "harness/Desk.h"
 #include "harness/SmallTexts.h"
 #include "locator/VersionRecord.h"
 #include "locator/comRegMarket.h"

@@ -3,7 +3,7 @@
 
 #include <regex>
 
-#include "Desk.h"
+#include "harness/Desk.h"
 #include "platform/forms/Form.h"
 
 namespace desk {
