@@ -22,7 +22,7 @@ MANUALS = [SOURCES / name for name in ("README.md", "CONTRIBUTING.md")] + sorted
 OTHERS = [
     (r"\./run( --language \S+)?( \.\.\.| COMMAND\.\.\.)?$|\./run (stand-alone|bus) [A-Z]", "builds; tried on a bare system"),
     (r"\./check|cmake --build build/check|ctest", "this test is a part of it"),
-    (r"tests/fuzz/run|bench/run|tests/long/run|scripts/make-pictures.sh", "takes minutes"),
+    (r"tests/fuzz/run|bench/run|tests/(long|model)/run|scripts/make-pictures.sh", "takes minutes"),
     (r"packaging/|sudo ", "packaging/try-packages.sh does it on a bare system"),
     (r"\./run( --language \S+)? bus (examples/|build/examples/|switchdesk --(verbose|open))",
      "test_clients and test_round_trip do it"),
