@@ -19,6 +19,10 @@ struct WaitTest : BusTest {
                 stranger.ReturnResult(call, "s", "taken");
         };
     }
+    void Pass(int milliseconds) {
+        const auto end = loop.Now() + Milliseconds(milliseconds);
+        loop.ServeUntil([&] { return loop.Now() > end; });
+    }
     // What a call borrows, kept by the stranger, so that it can be called after the answer.
     Reference Retained(const MessageRef& call) {
         const Reference taken = ReferenceIn(Told(call));
@@ -98,9 +102,8 @@ TEST_F(WaitTest, InnerAndOuterWaitEndEachWithItsOwnAnswer) {
 
 // A busy limit of 100 and a pending limit of 50 milliseconds. Calls are sent, refused and ended; w lets one
 // limit span them; g, y and n give up, by the program and in the box, and go on; a digit lets ten
-// milliseconds pass for each; z takes the limits away. After each step comes the box that is open, a capital
-// where it has just opened; else x where the wait was given up, a capital where the work that made the calls
-// has just heard of it.
+// milliseconds pass for each. After each step comes the box that is open, a capital where it has just opened;
+// else x where the wait was given up, a capital where the work that made the calls has just heard of it.
 TEST(PatienceTest, AsksOnceALimitIsReachedAndNotMoreThanNeeded) {
     const std::pair<std::string, Text> cases[] = {
         {"s4es41e", u"-----P-"},                // each call has a limit of its own
@@ -115,12 +118,12 @@ TEST(PatienceTest, AsksOnceALimitIsReachedAndNotMoreThanNeeded) {
         {"s5gs9", u"-Pxxx"},                    // the box closes
         {"ws3es2er9rn41y", u"-----Ppppp--PX"},  // one pending limit over all calls, none busy
         {"sr91srws9y9", u"-----B--PXx"},        // closes the box of a single call
-        {"w5w41gg", u"-P--PXx"},                // begins again
-        {"zs0esr0sr", u"--P-----B"}};           // reached at once
+        {"wsr5", u"---P"},                      // goes on over refusals
+        {"w5w41gg", u"-P--PXx"}};               // begins again
     for (const auto& [steps, expected] : cases) {
         headless::Timers<Scheduler> time;
         headless::WaitBoxes boxes;
-        WaitSettings settings{100, 50, u"b", u"B", u"p", u"P"};
+        const WaitSettings settings{100, 50, u"b", u"B", u"p", u"P"};
         const auto patience = std::make_shared<Patience>(time, boxes, settings);
         bool isTold = false;
         Text all;
@@ -132,7 +135,6 @@ TEST(PatienceTest, AsksOnceALimitIsReachedAndNotMoreThanNeeded) {
             if (step == 'w') patience->SpanCalls([&] { isTold = true; });
             if (step == 'g') patience->GiveUp();
             if (step == 'y' || step == 'n') boxes.Answer(step == 'y');
-            if (step == 'z') settings.busyTimeout = settings.pendingTimeout = -1;
             if (step >= '0' && step <= '9') time.Pass((step - '0') * 10);
             if (boxes.IsOpen())
                 all += boxes.opened.size() > before ? boxes.opened.back().text : boxes.opened.back().title;
@@ -145,7 +147,7 @@ TEST(PatienceTest, AsksOnceALimitIsReachedAndNotMoreThanNeeded) {
 }
 
 TEST_F(WaitTest, ABusyCalleeIsTriedAgainUntilTheOperatorGivesUp) {
-    for (const bool givesUp : {true, false}) {
+    for (const bool givesUp : {false, true}) {
         boxes = {};
         RefuseFirst(5);
         const auto operating = loop.Every(Milliseconds(1), [&] {
@@ -157,6 +159,14 @@ TEST_F(WaitTest, ABusyCalleeIsTriedAgainUntilTheOperatorGivesUp) {
         // At 0, 200 (a box), 400, 600 (a box that closes by itself), 800 and 1000.
         EXPECT_EQ(stranger.calls.size(), givesUp ? 2U : 6U);
     }
+    // A call that was given up is not made again, nor where the refusal comes later.
+    settings.pendingTimeout = 20;
+    boxes.decide = [] { return true; };
+    stranger.whenCalled = nullptr;
+    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462);
+    stranger.Refuse(stranger.calls.back());
+    Pass(300);
+    EXPECT_EQ(stranger.calls.size(), 3U);
 }
 
 TEST_F(WaitTest, AfterGivingUpALateAnswerIsDroppedAndItsReferencesGoBack) {
@@ -196,8 +206,7 @@ TEST_F(WaitTest, APostedCallIsNotWaitedForAndTriedAgainUntilTheBusyLimit) {
     EXPECT_EQ(loop.Holds(), 0);
     RefuseFirst(2);
     post();
-    const auto end = loop.Now() + Milliseconds(700);
-    loop.ServeUntil([&] { return loop.Now() > end; });
+    Pass(700);
     EXPECT_EQ(stranger.calls.size(), 2U) << "at 0 and 200 milliseconds";
     EXPECT_EQ(events, "");
     EXPECT_TRUE(boxes.opened.empty());
