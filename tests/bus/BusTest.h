@@ -22,7 +22,7 @@ class BusTest : public testing::Test {
         server->ServeClass("Test.cScripted", [this] { return create(); });
         sd_bus_request_name(stranger.Bus(), "Test.cStranger", 0);
         stranger.whenCalled = [this](const MessageRef& call) {
-            stranger.Return(call, "(so)", stranger.Name(), "/Host");
+            stranger.Return(call, "(so)", ":1.2", "/Host");
         };
         host = client->CreateObject(u"Test.cStranger");
         stranger.whenCalled = nullptr;
@@ -35,15 +35,11 @@ class BusTest : public testing::Test {
         create = [object = std::move(object)]() mutable { return std::move(object); };
         return client->CreateObject(u"Test.cScripted");
     }
-    ObjectRef Created(std::vector<Member> members) { return Created(Scripted(std::move(members))); }
-    std::string CreateInstance() { return stranger.Call(factory, factoryInterface, "CreateInstance"); }
     Reference CreateForStranger(ObjectRef object) {
         create = [object = std::move(object)]() mutable { return std::move(object); };
         return ReferenceIn(CreateInstance());
     }
-    Reference CreateForStranger(std::vector<Member> members) {
-        return CreateForStranger(ObjectRef(Scripted(std::move(members))));
-    }
+    std::string CreateInstance() { return stranger.Call(factory, factoryInterface, "CreateInstance"); }
 
     // The stranger calls Retain or Release, or a member without wanting an answer.
     std::string Plain(const Reference& object, const char* method) {
@@ -57,17 +53,26 @@ class BusTest : public testing::Test {
             stranger.ReturnResult(call, "s", text);
         };
     }
-    // Serves until the stranger has heard exactly this.
-    void ExpectHeard(const std::string& calls) {
-        std::string heard;
-        loop.ServeUntil([&] {
-            const std::string more = stranger.Heard();
-            heard += (heard.empty() || more.empty() ? "" : "; ") + more;
-            return heard == calls;
-        });
-        EXPECT_EQ(heard, calls);
+
+    // What a test lets be noted, in its order, with a space after each.
+    void Note(std::string_view event) { (events += event) += ' '; }
+    std::shared_ptr<ScriptedObject> Watched(std::vector<Member> members = {}) {
+        const auto object = Scripted(std::move(members));
+        object->told = [this](std::string_view event) { Note(event); };
+        return object;
+    }
+    // Serves until exactly this has been noted, or the stranger has heard exactly this, since the last time.
+    void ExpectEvents(const std::string& expected) {
+        loop.ServeUntil([&] { return events == expected; });
+        EXPECT_EQ(std::exchange(events, ""), expected);
+    }
+    void ExpectHeard(const std::string& expected) {
+        const auto count = 1 + std::count(expected.begin(), expected.end(), ';');
+        loop.ServeUntil([&] { return std::ssize(stranger.calls) == count; });
+        EXPECT_EQ(stranger.Heard(), expected);
     }
 
+    std::string events;
     PrivateBus bus;
     PollLoop loop;
     headless::WaitBoxes boxes;

@@ -4,7 +4,8 @@
 #include <signal.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
-#include <unistd.h>
+
+#include <cstdio>
 
 #include "../unit/TemporaryDirectory.h"
 
@@ -19,31 +20,19 @@ class PrivateBus {
             "bus.conf", "<busconfig><listen>" + address + "</listen><policy context='default'>" +
                             "<allow send_destination='*'/><allow receive_sender='*'/><allow own='*'/>" +
                             "</policy></busconfig>");
-        const std::string configuration = "--config-file=" + file.string();
-        int output[2];
-        if (pipe(output) != 0) throw std::runtime_error("no pipe");
-        daemon_ = fork();
-        if (daemon_ == 0) {
-            dup2(output[1], STDOUT_FILENO);
-            freopen("/dev/null", "w", stderr);
-            execlp(DBUS_DAEMON, DBUS_DAEMON, "--nofork", "--print-address", configuration.c_str(), nullptr);
-            _exit(127);
-        }
-        close(output[1]);
-        // The address comes once the daemon listens.
-        char first = 0;
-        const bool listens = read(output[0], &first, 1) == 1;
-        close(output[0]);
-        if (!listens) throw std::runtime_error("the bus daemon did not start");
+        const std::string daemon = "exec " DBUS_DAEMON " --nofork --print-pid --config-file=" + file.string();
+        output_ = popen((daemon + " 2>/dev/null").c_str(), "r");
+        // The number comes once the daemon listens.
+        if (std::fscanf(output_, "%d", &daemon_) != 1)
+            throw std::runtime_error("the bus daemon did not start");
         setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
     }
     ~PrivateBus() { Stop(); }
 
     void Stop() {
-        if (daemon_ == 0) return;
+        if (!output_) return;
         kill(daemon_, SIGKILL);
-        waitpid(daemon_, nullptr, 0);
-        daemon_ = 0;
+        pclose(std::exchange(output_, nullptr));
     }
     // Keeps the daemon from reading and writing, and leaves all connections of this process room for little
     // at a time, so that a text of half a megabyte can't leave at once.
@@ -58,6 +47,7 @@ class PrivateBus {
 
   private:
     TemporaryDirectory directory_;
+    std::FILE* output_ = nullptr;
     pid_t daemon_ = 0;
 };
 

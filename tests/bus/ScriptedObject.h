@@ -8,14 +8,13 @@ namespace platform::test {
 class ScriptedObject : public Object {
   public:
     explicit ScriptedObject(ClassDescription description) : description_(std::move(description)) {}
+    ~ScriptedObject() override { told("freed"); }
     const ClassDescription& Class() const override { return description_; }
-    void LastClientLeaves() override {
-        if (whenLastClientLeaves) whenLastClientLeaves();
-    }
-    void LastClientGone() override {
-        if (whenLastClientGone) whenLastClientGone();
-    }
-    std::function<void()> whenLastClientLeaves, whenLastClientGone;
+    void LastClientLeaves() override { told("leaves"); }
+    void LastClientGone() override { told("gone"); }
+
+    // Gets "leaves" and "gone" when the last client does, and "freed" at the end.
+    std::function<void(std::string_view)> told = [](std::string_view) {};
 
   private:
     ClassDescription description_;
@@ -40,12 +39,6 @@ Member Method(std::string_view name, std::size_t arguments, Function call) {
 
 inline Member Echo() {
     return Method("Echo", 1, [](Arguments& a) { return a[0]; });
-}
-inline Member Named(const char16_t* name) {
-    return Method("Name", 0, [name](Arguments&) { return name; });
-}
-inline Member Keep(ObjectRef& kept) {
-    return Method("Keep", 1, [&kept](Arguments& a) { kept = a[0].ToObject(); });
 }
 
 }  // namespace platform::test

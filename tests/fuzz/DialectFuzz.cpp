@@ -24,11 +24,9 @@ bool IsUnderstood(platform::TextView query) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace platform;
-    const Text query = ToSqliteDialect(FromUtf8(horalink::fuzz::Bytes(data, size)));
+void horalink::fuzz::Try(std::string_view input) {
+    const platform::Text query = platform::ToSqliteDialect(platform::FromUtf8(input));
     const bool understood = IsUnderstood(query);
-    if (const auto numbered = WithRowNumber(query, u"rowid"); numbered && !understood)
-        horalink::fuzz::Require(!IsUnderstood(*numbered), "a row number makes no query of what is none");
-    return 0;
+    if (const auto numbered = platform::WithRowNumber(query, u"rowid"); numbered && !understood)
+        Require(!IsUnderstood(*numbered), "a row number makes no query of what is none");
 }

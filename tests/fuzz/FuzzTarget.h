@@ -1,22 +1,17 @@
 // What the targets share. A fault is whatever ends the process: a crash, a sanitizer, or Require.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/runtime/RuntimeError.h"
-#include "platform/runtime/Text.h"
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+#include "../unit/ErrorOf.h"
 
 namespace horalink::fuzz {
 
-inline std::string_view Bytes(const std::uint8_t* data, std::size_t size) {
-    return {reinterpret_cast<const char*>(data), size};
-}
+// Takes one input. Each target defines it.
+void Try(std::string_view input);
 
 inline void Require(bool holds, const char* what) {
     if (holds) return;
@@ -25,3 +20,8 @@ inline void Require(bool holds, const char* what) {
 }
 
 }  // namespace horalink::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    horalink::fuzz::Try({reinterpret_cast<const char*>(data), size});
+    return 0;
+}

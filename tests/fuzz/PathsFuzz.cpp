@@ -2,14 +2,12 @@
 #include "FuzzTarget.h"
 #include "platform/desktop/Paths.h"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace horalink;
-    const platform::Text text = platform::FromUtf8(fuzz::Bytes(data, size));
+void horalink::fuzz::Try(std::string_view input) {
+    const platform::Text text = platform::FromUtf8(input);
     const std::filesystem::path path = platform::RealPath(text);
     if (path.is_absolute()) {
-        for (const auto& component : path) fuzz::Require(component != "..", "no step upwards is left");
-        fuzz::Require(platform::RealPath(platform::PathText(path)) == path, "a real path stays what it is");
+        for (const auto& component : path) Require(component != "..", "no step upwards is left");
+        Require(platform::RealPath(platform::PathText(path)) == path, "a real path stays what it is");
     }
     platform::Dir(text);
-    return 0;
 }

@@ -2,18 +2,15 @@
 #include "FuzzTarget.h"
 #include "platform/desktop/IniText.h"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace platform;
-    using horalink::fuzz::Require;
-    IniText ini(horalink::fuzz::Bytes(data, size));
-    const std::string before = ini.Content();
-    Require(before == horalink::fuzz::Bytes(data, size), "what isn't changed stays byte by byte");
-    for (const Text& section : ini.Sections()) ini.Value(section, u"InstallPath");
-    ini.Set(u"VELMORA32/10001", u"InstallPath", u"\\SOMEWHERE\\");
-    Require(ini.Value(u"VELMORA32/10001", u"InstallPath") == u"\\SOMEWHERE\\", "what is set is found");
-    const IniText reread(ini.Content());
-    Require(reread.Value(u"VELMORA32/10001", u"InstallPath") == u"\\SOMEWHERE\\", "and found in the file");
-    ini.Remove(u"VELMORA32/10001", u"InstallPath");
-    Require(!ini.Value(u"VELMORA32/10001", u"InstallPath"), "what is removed is gone");
-    return 0;
+void horalink::fuzz::Try(std::string_view input) {
+    using platform::IniText, platform::Text;
+    const Text section = u"VELMORA32/10001", key = u"InstallPath", value = u"\\SOMEWHERE\\";
+    IniText ini(input);
+    Require(ini.Content() == input, "what isn't changed stays byte by byte");
+    for (const Text& each : ini.Sections()) ini.Value(each, key);
+    ini.Set(section, key, value);
+    Require(ini.Value(section, key) == value, "what is set is found");
+    Require(IniText(ini.Content()).Value(section, key) == value, "and found in the file");
+    ini.Remove(section, key);
+    Require(!ini.Value(section, key), "what is removed is no longer there");
 }

@@ -5,16 +5,14 @@
 #include "source/SourceReader.h"
 #include "source/SourceWriter.h"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace lng;
-    Source read;
+void horalink::fuzz::Try(std::string_view input) {
+    lng::Source read;
     try {
-        read = ParseSource("input", horalink::fuzz::Bytes(data, size));
+        read = lng::ParseSource("input", input);
     } catch (const tools::Fault&) {
-        return 0;
+        return;
     }
-    const std::string written = WriteSource(read);
-    horalink::fuzz::Require(WriteSource(ParseSource("output", written)) == written,
-                            "what was written is read as the same");
-    return 0;
+    const std::string written = lng::WriteSource(read);
+    Require(lng::WriteSource(lng::ParseSource("output", written)) == written,
+            "what was written is read as the same");
 }
