@@ -18,7 +18,6 @@ StoredPlace LoadPlace(const ObjectRef& host) {
     ErrorState error;
     Text key = u"MOVE", value;
     Skip(error, "GetComData", [&] { Call(host, "GetComData", appName, ByRef(key), ByRef(value)); });
-    if (error.IsSet()) return {};
     const auto comma = value.find(u',');
     if (comma == Text::npos) return {value, {}};
     const auto end = value.find(u',', comma + 1);

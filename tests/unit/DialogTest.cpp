@@ -193,6 +193,25 @@ TEST_F(DialogTest, HelpIsOfferedOnTheRightControlsByTheRightButton) {
 // --- the dialog's members
 // -----------------------------------------------------------------------------------
 
+// What decides on looks and on what a screen reader says.
+TEST_F(DialogTest, TheControlsBeginAsTheyAreLaidOut) {
+    forms::Form form(u"form", desk.timers, desk.toolkit);
+    const DialogControls controls = LayOut(form);
+    for (const auto& [box, label] :
+         {std::pair(controls.chkTrack, controls.lblTrack), {controls.chkTrackDate, controls.lblTrackDate}}) {
+        EXPECT_EQ(box->TextLabel, label);
+        EXPECT_TRUE(label->Font->Bold() && !label->Opaque && box->Value() == 1);
+    }
+    std::string time;
+    for (const auto* box : controls.txtTime) {
+        EXPECT_TRUE(box->Locked() && !box->Border && box->Align == forms::Alignment::Center);
+        time += ToUtf8(box->Text()) + " ";
+    }
+    EXPECT_EQ(time, "12 00 00 PM ");
+    EXPECT_FALSE(controls.mnuWhatsThis->Visible());
+    EXPECT_EQ(controls.mnuWhatsThis->Items, std::vector{controls.itmWhatsThis});
+}
+
 TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
     Open();
     const float middle = (15000 - 7110) / 2.0F, centre = (12000 - 4365) / 2.0F;
@@ -202,7 +221,7 @@ TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
     for (const auto& [stored, left, top] : cases) {
         Window().Move(3150, 2295);
         host->answers["GetComData"] = [&text = stored](Arguments& a) { return a[2] = Value(text), Value(); };
-        Dialog().FrmMove(Host());
+        Call(Dialog().shared_from_this(), "FrmMove", Host());
         EXPECT_EQ(Window().Left(), left) << ToUtf8(stored);
         EXPECT_EQ(Window().Top(), top) << ToUtf8(stored);
     }
@@ -214,7 +233,7 @@ TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
     Window().Move(3150, 2295);
     host->Calls();
     Dialog().FrmMove(Host());
-    Dialog().FrmPositionSave();
+    Call(Dialog().shared_from_this(), "FrmPositionSave");
     EXPECT_EQ(host->Calls(), Notes{"REGComData Horalink MOVE 3150,2295"}) << "with its host it stays";
 }
 
@@ -237,15 +256,16 @@ TEST_F(DialogTest, UnloadingClosesTheTextsForGoodAndTellsTheHost) {
     EXPECT_EQ(desk.Calls(), Notes{"close"});
     EXPECT_EQ(ErrorOf([&] { Window().Show(); }), 364) << "without texts it unloads itself";
     EXPECT_EQ(host->Calls(), Notes(2, "UnloadChild -42"));
-    EXPECT_FALSE(Dialog().CheckLoadError());
+    EXPECT_EQ(Get(Dialog().shared_from_this(), "CheckLoadError"), Value(false));
 }
 
 TEST_F(DialogTest, TheCountOverflowsAtSixteenBits) {
-    for (int i = 0; i < 32767; ++i) Dialog().IncrementCount();
-    EXPECT_EQ(ErrorOf([&] { Dialog().IncrementCount(); }), 6);
-    EXPECT_EQ(Dialog().DecrementCount(), 32766);
-    for (int i = 0; i < 32766 + 32768; ++i) Dialog().DecrementCount();
-    EXPECT_EQ(ErrorOf([&] { Dialog().DecrementCount(); }), 6);
+    const auto dialog = Dialog().shared_from_this();
+    for (int i = 0; i < 32767; ++i) Call(dialog, "IncrementCount");
+    EXPECT_EQ(ErrorOf([&] { Call(dialog, "IncrementCount"); }), 6);
+    EXPECT_EQ(Call(dialog, "DecrementCount"), Value(std::int16_t{32766}));
+    for (int i = 0; i < 32766 + 32768; ++i) Call(dialog, "DecrementCount");
+    EXPECT_EQ(ErrorOf([&] { Call(dialog, "DecrementCount"); }), 6);
 }
 
 TEST_F(DialogTest, TheTitleTakesOneMarkForEachName) {

@@ -57,6 +57,7 @@ TEST(IntrospectionTest, TheRecordInTheOrderOfItsSlots) {
               "DescriptionData:n>s =DescriptionData:ns CMD:n>s =CMD:ns CK:n>s =CK:ns ERMFP:n>s "
               "=ERMFP:ns MSGFP:n>s =MSGFP:ns ");
     const std::string elements = Elements(record);
+    EXPECT_TRUE(elements.starts_with("interface Horalink10013._cListRequest,"));
     EXPECT_NE(elements.find("property ObjectID s read,property PBXName s readwrite,"), std::string::npos);
     EXPECT_NE(elements.find("method Put_CMD,arg Value n in,arg sValue s in,method ,"), std::string::npos);
     EXPECT_NE(elements.find("{7791E13E-1D0C-4062-8FD2-7F70BCB0AF50}"), std::string::npos);

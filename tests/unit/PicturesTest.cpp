@@ -21,7 +21,7 @@ struct PicturesTest : testing::Test {
         databases.Add(u"addin",
                       "create table tPicture (FormName, ObjectName, [Index], FileName, BasePanel,"
                       " BasePanelIndex)");
-        computer.pictures.files = {{u"D\\one", "1"}, {u"D\\two", "2"}, {u"D\\bad", ""}};
+        computer.pictures.files = {{u"D\\one", "1"}, {u"D\\two", "2"}, {u"D\\bad", ""}, {u"D\\-1", "no"}};
         form->Width = 7110;
         form->Height = 4365;
         Add(u"image", "Image"), Add(u"image", "Image", 2), Add(u"tree", "SSTree"), Add(u"list", "SSListBar");
