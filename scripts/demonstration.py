@@ -94,7 +94,8 @@ class Demonstration:
         wait_for(lambda: not self.driver.has_window("switchdesk", title), LIMIT, "the help page to close")
 
     def close_and_open_again(self):
-        """The dialog comes back where it was left."""
+        """The dialog comes back where it was left, on the background that was chosen."""
+        ground = self.corner()
         self.driver.move_window(self.dialog, 120, 90)
         moved = wait_for(lambda: self.driver.place(self.window())[0] < 200 and self.driver.place(self.window()), LIMIT,
                          "the dialog to move")
@@ -104,6 +105,7 @@ class Demonstration:
         self.driver.click(self.driver.find("switchdesk", "Open clock add-in", Role.PUSH_BUTTON))
         self.open()
         wait_for(lambda: self.driver.place(self.window()) == moved, LIMIT, f"the dialog to be at {moved} again")
+        wait_for(lambda: self.corner() == ground, LIMIT, "the background to be as it was chosen")
         return self.tell(True, f"the dialog is at {moved[0]}, {moved[1]} again, where it was closed")
 
     # --- means ------------------------------------------------------------------------------------

@@ -15,24 +15,21 @@ from concurrent.futures import Future
 
 from gi.repository import Gio, GLib
 
+from arrangement import SOURCES
+
 CONTRACT, ADD_IN_CLASS, EXCHANGE = "org.velmora.Automation1.", "Horalink10013.cOLELayer", "Main Office"
 BUS = "org.freedesktop.DBus"
 CALL, READ, WRITE = 1, 2, 4
 EMPTY = (0,)
 BUSY = f"{CONTRACT}Error.Busy"
 LIMIT = 40  # seconds; the add-in waits for 20 before it asks the operator
-OBJECT = Gio.DBusNodeInfo.new_for_xml(f"""<node><interface name="{CONTRACT}Object"><method name="Invoke">
-  <arg type="s" direction="in"/><arg type="q" direction="in"/><arg type="av" direction="in"/>
-  <arg type="v" direction="out"/><arg type="av" direction="out"/></method><method name="Retain"/><method name="Release"/>
-  </interface></node>""").interfaces[0]
+OBJECT = Gio.DBusNodeInfo.new_for_xml((SOURCES / "docs/introspection/host.xml").read_text(encoding="utf-8")).interfaces[0]
 
 # What the add-in calls.
-OPENED = ["GetComData"]
 
-
-def asked(key, tag="LOOKUP_CLOCK"):
+def asked(key):
     return ["oPBX", f"Login {EXCHANGE}", f"ShowMessage PBX clock request: {key}",
-            "oPBX", f"SendRequest {tag}", "ShowMessage PBX clock request: R"]
+            "oPBX", "SendRequest LOOKUP_CLOCK", "ShowMessage PBX clock request: R"]
 
 
 def told(key):
@@ -43,8 +40,8 @@ def logged_out(key):
     return ["oPBX", f"LogOut {EXCHANGE} {key}"]
 
 
-def good(key, tag="LOOKUP_CLOCK"):
-    return asked(key, tag) + told(key) + logged_out(key)
+def good(key):
+    return asked(key) + told(key) + logged_out(key)
 
 
 def clock(key):
@@ -53,8 +50,8 @@ def clock(key):
 
 
 def value(plain):
-    kinds = {bool: "b", int: "n", str: "s", tuple: "(y)" if plain == EMPTY else "(so)"}
-    return GLib.Variant(kinds[type(plain)], plain)
+    kind = "(y)" if plain == EMPTY else {bool: "b", int: "n", str: "s", tuple: "(so)"}[type(plain)]
+    return GLib.Variant(kind, plain)
 
 
 def connect(address):
@@ -70,13 +67,13 @@ def result(future):
 
 
 class Host:
-    """Serves in a thread of its own. `behaviours` holds for a member what becomes of its next answer: a routine that
-    gets the routine that sends it. `kept` counts the references that the add-in holds."""
+    """Serves in a thread of its own. `kept` counts the references that the add-in holds, `delay` is what REGComData takes
+    in milliseconds."""
 
     def __init__(self, address):
-        self.calls, self.behaviours, self.kept = [], {}, Counter()
-        self.clients, self.tags, self.messages = {}, {}, {}  # by the keys of logins
-        self.calls_back, self.code, self.last_call = True, 0, 0.0
+        self.calls, self.kept, self.clients = [], Counter(), {}  # the clients by the keys of logins
+        self.tags, self.messages = {}, {}
+        self.calls_back, self.code, self.delay, self.last_call = True, 0, 0, 0.0
         self.context = GLib.MainContext()
         self.loop = GLib.MainLoop(self.context)
         self.bus = connect(address)
@@ -107,7 +104,7 @@ class Host:
     def behave(self, sender, call, answer):
         self.calls.append((sender, call))
         self.last_call = time.monotonic()
-        self.behaviours.pop(call.split()[0], lambda send: send())(answer)
+        self.later(answer, self.delay if call == "REGComData" else 0)
 
     def asked_by(self, layer):
         """The calls from the process of an object."""
@@ -182,13 +179,11 @@ class Host:
     def register(self, layer):
         return result(self.invoke(layer, "RegisterPBX", CALL, EXCHANGE, self.at("/Host"), 7))
 
-    def show(self, layer):
-        return result(self.invoke(layer, "Visible", WRITE, True))
-
-    def open(self):
-        layer = result(self.create())
+    def open(self, layer=None):
+        """Shows the dialog of an object, or of a new one."""
+        layer = layer or result(self.create())
         self.register(layer)
-        self.show(layer)
+        result(self.invoke(layer, "Visible", WRITE, True))
         return layer
 
     def call_back(self, key):
@@ -230,4 +225,4 @@ if __name__ == "__main__":
     host.open()
     print("open", flush=True)
     while signal.sigwait({signal.SIGUSR1}):
-        host.later(lambda: host.call_back(f"L{len(host.clients)}"))
+        host.call_back(f"L{len(host.clients)}")

@@ -1,6 +1,4 @@
-"""What assistive programs are told of the dialog, and that it is worked by keys alone; in two languages."""
-import contextlib
-import unittest
+"""What assistive programs hear of the dialog, and that it is worked by keys alone; in two languages."""
 from datetime import date
 
 from end_to_end import open_stage as setUpModule  # noqa: F401
@@ -13,119 +11,109 @@ from texts import Texts
 BUTTONS = [(Role.PUSH_BUTTON, "cmdButton", index) for index in (0, 1, 2)]
 TIME = [(Role.TEXT, "txtTime", 3), (Role.SPIN_BUTTON, "updTime", -1)] + [(Role.TEXT, "txtTime", index) for index in (2, 1, 0)]
 BOXES = [(Role.CHECK_BOX, "chkTrack", -1), (Role.CHECK_BOX, "chkTrackDate", -1)]
-STOPS = len(BUTTONS + TIME + BOXES) + 1  # the calendar has no name of its own
+MINUTE, SPIN, TRACK, LOOKUP = TIME[3], TIME[1], BOXES[0], BUTTONS[2]
+CONTROLS = BUTTONS + TIME + BOXES  # and the calendar, which has no name of its own
 DAY = {"en": "{0:%A}, {0.day} {0:%B} {0.year}", "ja": "{0.year}年{0.month}月{0.day}日"}
-LANGUAGES = tuple(DAY)
-SAYS_NOTHING = (Role.UNKNOWN, Role.INVALID, Role.FILLER)
 
 
 class Accessibility(EndToEndTest):
-    @contextlib.contextmanager
-    def opened_in(self, language):
-        with self.case(language):
-            stage.arrangement.language = language
-            stage.arrangement.speak()
-            stage.arrangement.install()
-            self.texts = Texts(stage.arrangement)
-            self.title = self.texts.title(EXCHANGE)
-            self.start([stage.arrangement.add_in, EXCHANGE])
-            self.window = stage.driver.window(ADD_IN, self.title)
-            self.wait_for(lambda: self.focused() is not None, "the dialog to have the keyboard")
-            yield
+    def open_in(self, language):
+        stage.arrangement.language = language
+        stage.arrangement.speak()
+        stage.arrangement.install()
+        self.texts = Texts(stage.arrangement)
+        self.start([stage.arrangement.add_in, EXCHANGE])
+        self.window = stage.driver.window(ADD_IN, self.texts.title(EXCHANGE))
+        self.wait_for(self.focused, "the dialog to have the keyboard")
 
-    def node(self, role, name, index):
-        return stage.driver.find(ADD_IN, self.texts.control(name, index), role, window=self.title)
+    def node(self, control):
+        return stage.driver.find(ADD_IN, self.name(control), control[0], window=self.texts.title(EXCHANGE))
+
+    def name(self, control):
+        return self.texts.control(*control[1:])
 
     def focused(self):
-        return next((node for node in stage.driver.nodes(self.window)
+        """The name of the control that has the keyboard."""
+        return next((node.get_name() for node in stage.driver.nodes(self.window)
                      if node.get_state_set().contains(Atspi.StateType.FOCUSED)), None)
 
     def press_tab(self):
-        before = self.focused().get_name()
+        before = self.focused()
         stage.driver.press("Tab")
-        self.wait_for(lambda: self.focused() and self.focused().get_name() != before, "the focus to go on")
-        return self.focused()
+        return self.wait_for(lambda: self.focused() != before and self.focused(), "the focus to go on")
 
-    def tab_to(self, *control):
-        for _ in range(STOPS):
-            if self.focused().get_name() == self.texts.control(*control[1:]):
-                return
-            self.press_tab()
-        self.fail(f"no key leads to {control}")
+    def press_at(self, control, key):
+        name = self.name(control)
+        self.wait_for(lambda: self.focused() == name or self.press_tab() == name, f"a key to lead to '{name}'")
+        stage.driver.press(key)
 
-    @staticmethod
-    def number(node):
-        return int(Atspi.Value.get_current_value(node))
+    def box(self):
+        return stage.driver.box(ADD_IN, besides=[self.window.get_name()])
 
-    def test_roles_names_and_values(self):
-        for language in LANGUAGES:
-            with self.opened_in(language):
-                self.assertEqual(self.window.get_role(), Role.DIALOG)
-                for node in stage.driver.nodes(self.window):
-                    self.assertTrue(node.get_name(), node.get_role_name())
-                    self.assertNotIn(node.get_role(), SAYS_NOTHING, node.get_name())
-                today = DAY[language].format(date.today())
-                self.assertTrue(any(node.get_name().startswith(today) for node in stage.driver.nodes(self.window)))
-                for control in BUTTONS + TIME + BOXES:
-                    self.assertEqual(self.node(*control).get_description(), self.texts.control(*control[1:]))
-                for box in BOXES:
-                    self.assertTrue(self.node(*box).get_state_set().contains(Atspi.StateType.CHECKED))
+    def hear(self, *what):
+        def look():
+            while GLib.MainContext.default().iteration(False):
+                pass
+            return self.heard[-1:] == [what]
+        self.wait_for(look, f"to hear of {what}")
 
-    def test_keys_alone(self):
-        for language in LANGUAGES:
-            with self.opened_in(language):
-                stops = [self.focused().get_name()] + [self.press_tab().get_name() for _ in range(STOPS)]
-                named = [self.texts.control(*control[1:]) for control in BUTTONS + TIME + BOXES]
-                self.assertEqual(stops[:len(named)], named)
-                self.assertEqual(stops[-1], named[0], "only the calendar comes behind them")
-                self.tab_to(*BOXES[0])
-                stage.driver.press("space")
-                minute, spin = self.node(Role.TEXT, "txtTime", 1), self.node(*TIME[1])
-                self.tab_to(Role.TEXT, "txtTime", 1)
-                self.wait_for(lambda: self.number(spin) == int(stage.driver.value(minute)), "the value of the minute")
-                before = self.number(spin)
-                stage.driver.press("Up")
-                self.wait_for(lambda: self.number(spin) == (before + 1) % 60 == int(stage.driver.value(minute)), "a step")
-                self.tab_to(*BUTTONS[2])
-                stage.driver.press("space")
-                box = stage.driver.box(ADD_IN, besides=[self.title])
-                self.assertIn(box.get_role(), (Role.DIALOG, Role.ALERT))
-                self.assertRegex("\n".join(stage.driver.texts(box)), r"\d{4}/\d\d/\d\d")
-                button = stage.driver.button(box)
-                self.wait_for(lambda: stage.driver.is_focused(button), "the default button to have the keyboard")
-                stage.driver.press("Return")
-                self.wait_for(lambda: stage.driver.titles(ADD_IN) == [self.title], "the box to close")
-
-    def test_pop_ups(self):
-        heard = []
-        listener = Atspi.EventListener.new(lambda event: heard.append(
+    def test_dialog(self):
+        self.heard = []
+        listener = Atspi.EventListener.new(lambda event: self.heard.append(
             (event.source.get_role(), event.source.get_name())) if event.detail1 else None)
         listener.register("object:state-changed:focused")
         self.addCleanup(listener.deregister, "object:state-changed:focused")
+        for language in DAY:
+            with self.case(language):
+                self.open_in(language)
+                self.check_what_is_read_out(DAY[language].format(date.today()))
+                self.check_order_of_keys()
+                self.work_by_keys()
+                self.ask_what_this_is()
 
-        def hear(role, name):
-            def look():
-                while GLib.MainContext.default().iteration(False):
-                    pass
-                return heard[-1:] == [(role, name)]
-            self.wait_for(look, f"to hear of '{name}'")
+    def check_what_is_read_out(self, today):
+        nodes = list(stage.driver.nodes(self.window))
+        self.assertEqual(self.window.get_role(), Role.DIALOG)
+        self.assertTrue(all(node.get_name() for node in nodes))
+        self.assertFalse({node.get_role() for node in nodes} & {Role.UNKNOWN, Role.INVALID, Role.FILLER})
+        self.assertTrue(any(node.get_name().startswith(today) for node in nodes))
+        for control in CONTROLS:
+            self.assertEqual(self.node(control).get_description(), self.name(control))
+        for box in BOXES:
+            self.assertTrue(self.node(box).get_state_set().contains(Atspi.StateType.CHECKED))
 
-        for language in LANGUAGES:
-            with self.opened_in(language):
-                self.tab_to(*BOXES[0])
-                for key, leave in (("Menu", "Escape"), ("shift+F10", "Return")):
-                    stage.driver.press(key)
-                    hear(Role.MENU_ITEM, self.texts.caption("itmWhatsThis"))
-                    stage.driver.find(ADD_IN, self.texts.caption("itmWhatsThis"), Role.MENU_ITEM)
-                    stage.driver.press(leave)
-                    if leave == "Escape":
-                        hear(Role.CHECK_BOX, self.texts.control(*BOXES[0][1:]))
-                topic = stage.driver.box(ADD_IN, besides=[self.title])
-                hear(Role.DIALOG, topic.get_name())
-                self.assertTrue(topic.get_description())
-                stage.driver.press("Escape")
-                hear(Role.CHECK_BOX, self.texts.control(*BOXES[0][1:]))
+    def check_order_of_keys(self):
+        stops = [self.focused()] + [self.press_tab() for _ in range(len(CONTROLS) + 1)]
+        names = [self.name(control) for control in CONTROLS]
+        self.assertEqual(stops[:len(names)] + stops[-1:], names + names[:1], "only the calendar comes after them")
 
+    def work_by_keys(self):
+        minute, spin = self.node(MINUTE), self.node(SPIN)
 
-if __name__ == "__main__":
-    unittest.main()
+        def held():
+            return {int(stage.driver.value(minute)), int(Atspi.Value.get_current_value(spin))}
+        self.press_at(TRACK, "space")
+        self.press_at(MINUTE, "Home")
+        (before,) = self.wait_for(lambda: len(both := held()) == 1 and both, "the value of the minute")
+        stage.driver.press("Up")
+        self.wait_for(lambda: held() == {(before + 1) % 60}, "a step")
+        self.press_at(LOOKUP, "space")
+        button = stage.driver.button(self.box())
+        self.wait_for(lambda: stage.driver.is_focused(button), "the default button to have the keyboard")
+        stage.driver.press("Return")
+        self.wait_for(lambda: self.focused() == self.name(LOOKUP), "the keyboard to come back")
+
+    def ask_what_this_is(self):
+        item, box = (Role.MENU_ITEM, self.texts.caption("itmWhatsThis")), (Role.CHECK_BOX, self.name(TRACK))
+        self.press_at(TRACK, "Menu")
+        self.hear(*item)
+        stage.driver.find(ADD_IN, item[1], item[0])
+        stage.driver.press("Escape")
+        self.hear(*box)
+        stage.driver.press("shift+F10")
+        self.hear(*item)
+        stage.driver.press("Return")
+        self.hear(Role.DIALOG, self.box().get_name())
+        self.assertTrue(self.box().get_description())
+        stage.driver.press("Escape")
+        self.hear(*box)

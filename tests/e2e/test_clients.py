@@ -1,84 +1,77 @@
-"""The example hosts, which share no code with the add-in."""
+"""The hosts that come with the add-in: the companion, and the examples, which share no code with it."""
+import os
+import re
+import signal
 import subprocess
 import sys
-import unittest
+from datetime import date
 
-from end_to_end import BUILD
+from end_to_end import BUILD, Host, run
 from end_to_end import open_stage as setUpModule  # noqa: F401
-from end_to_end import run
 
 import stage
 from arrangement import SOURCES
-from stage import UPDATE, EndToEndTest, dialog_title
+from driver import Role
+from stage import ADD_IN, LIMIT, LOOKUP, SWITCHDESK, UPDATE, EndToEndTest, dialog_title, pids
 
-# What the example host prints of a lookup: the calls of the add-in, in order, with those that read the answer.
-LOOKUP_LINES = [
-    "oPBX()", 'Login("Example", <object>)', 'ShowMessage("PBX clock request: KEY")',
-    "oPBX()", "SendRequest(<object>)", 'ShowMessage("PBX clock request: ACCEPTED")',
-    "Count()", *(f"{member}({i})" for i in range(3) for member in ("CMD", "FirstData", "SecondData", "ExtraData")),
-    "ErrCode()", "Tag()", "ErrCode()", "Message()", 'Message("OK")',
-    'ShowResults("PBX Clock (Example)", <object>)', "Message()", 'ShowMessage("OK")', "ErrCode()", "ShowCode(0)",
-    "LoginID()", "oPBX()", 'LogOut("Example", "KEY")',
-]
+EXAMPLES = [(sys.executable, SOURCES / "examples/host.py"), (BUILD / "examples/example-host",),
+            (sys.executable, SOURCES / "examples/minimal_host.py")]
 
 
-class Example:
-    def open_example(self):
-        self.output = stage.arrangement.folder / "example.txt"
-        with open(self.output, "w", encoding="utf-8") as output:
-            process = self.start(self.command, stdout=output, stderr=subprocess.STDOUT)
-        self.dialog("Example")
-        return process
+class Companion(EndToEndTest):
+    def test_the_trace_says_what_was_passed_over_and_why_an_answer_was_judged_so(self):
+        Host(self, "--trace", "--item=0:SecondData=MMXXVI", "--lack=ShowCode").open()
+        self.press(LOOKUP)
+        self.close_box("Reading Failed")
+        log = (stage.arrangement.folder / "bus.log").read_text(encoding="utf-8")
+        self.assertEqual(re.findall(r"^horalink: ([^,\n]*)", log, re.M), [
+            "ShowCode skipped: error 438", 'item 0: SecondData "MMXXVI" and item 1: SecondData '
+            f'"{date.today():%m/%d}" aren\'t a date: reading failed'])
 
-    def lines(self):
-        return self.output.read_text(encoding="utf-8").splitlines()
+    def test_the_login_of_an_add_in_that_dies_is_given_back(self):
+        host = Host(self, "--answer=never", "--logins=1").open()
+        self.press(LOOKUP)
+        host.wait_for_line('ShowMessage("PBX clock request: R1"')
+        os.kill(*pids(ADD_IN), signal.SIGKILL)
+        host.wait_for_line("# add-in has left")
+        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
+        self.dialog()
+        self.press(LOOKUP)
+        host.wait_for_line('Login("Main Office", <object>) -> "L2"')
 
-    def close_window(self, process):
-        stage.driver.raise_window(dialog_title("Example"))
-        stage.driver.press("alt+F4")
-        self.wait_for(lambda: process.poll() is not None, "the example host to end")
-        self.assertEqual(process.returncode, 0, self.lines())
+    def test_last_of_two_hosts_ends_the_process(self):
+        first, second = Host(self).open(), Host(self, exchange="Warehouse").open()
+        self.assertEqual(len(pids(ADD_IN)), 1)
+        stage.driver.raise_window(dialog_title("Warehouse"))
+        self.look_up()
+        first.close_add_in()
+        first.wait_for_line("# lets go of the add-in")
+        stage.driver.raise_window(dialog_title("Warehouse"))
+        self.assert_usable()
+        second.close_add_in()
+        second.wait_for_line("# add-in has left")
         self.wait_until_gone()
+        calls = [[line for line in host.lines() if line.startswith(("Login(", "REG"))] for host in (first, second)]
+        self.assertEqual((calls[0], len(calls[1])), ([], 3))
+        self.assertEqual(calls[1][0], 'Login("Warehouse", <object>) -> "L1"')
+        self.assertRegex(calls[1][2], r'^REGComData\("Horalink", "MOVE", "-?[\d.]+,-?[\d.]+"\) -> Nothing$')
 
 
-class FullExample(Example):
-    """These behave alike, whatever they are written in."""
-
-    def test_lookup_and_the_end_of_the_window(self):
-        process = self.open_example()
-        self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
-        self.close_window(process)
-        expected = ['GetComData("Horalink", "MOVE", "")', *LOOKUP_LINES, "UnloadChild(1)"]
-        self.assertEqual(self.lines()[:len(expected)], expected)
-
-    def test_without_an_add_in_it_says_so_in_one_line(self):
-        stage.arrangement.add_in.unlink()
-        done = run(self.command)
-        self.assertEqual(done.returncode, 1)
-        self.assertEqual(len(done.stderr.splitlines()), 1, done.stderr)
-        self.assertIn("429", done.stderr)
-
-
-class PythonHost(FullExample, EndToEndTest):
-    command = (sys.executable, SOURCES / "examples/host.py")
-
-
-class CppHost(FullExample, EndToEndTest):
-    command = (BUILD / "examples/example-host",)
-
-
-class MinimalHost(Example, EndToEndTest):
-    command = (sys.executable, SOURCES / "examples/minimal_host.py")
-
-    def test_lookup_and_update(self):
-        process = self.open_example()
-        self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
-        self.press(UPDATE)
-        self.assertEqual(self.close_box("Update Failed").count("CODE NOT ALLOWED"), 3)
-        self.close_window(process)
-        told = ["PBX clock request: KEY", "PBX clock request: ACCEPTED", "OK"]
-        self.assertEqual(self.lines(), 2 * told)
-
-
-if __name__ == "__main__":
-    unittest.main()
+class Examples(EndToEndTest):
+    def test_lookup_update_the_end_of_the_window_and_no_add_in(self):
+        for command in EXAMPLES:
+            with self.case(command[-1].name):
+                process = self.start(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+                self.assert_usable()
+                self.press(UPDATE)
+                self.assertEqual(self.close_box("Update Failed").count("CODE NOT ALLOWED"), 3)
+                stage.driver.raise_window(dialog_title("Example"))
+                stage.driver.press("alt+F4")
+                printed, _ = process.communicate(timeout=LIMIT)
+                self.assertEqual(process.returncode, 0, printed)
+                # The least one prints the messages alone.
+                shown = re.findall(r'^(?:ShowMessage\(")?(PBX clock request: \w+|OK)\b', printed, re.M)
+                self.assertEqual(shown, 2 * ["PBX clock request: KEY", "PBX clock request: ACCEPTED", "OK"])
+                self.wait_until_gone()
+                stage.arrangement.add_in.unlink()
+                self.assertRegex(run(command).stderr, r"^[^\n]*(429|CreateInstance)[^\n]*\n$")

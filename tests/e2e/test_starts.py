@@ -1,112 +1,89 @@
-"""Starts: what a good one leaves behind, and what a failed one shows and tells who asked for it."""
-import sqlite3
+"""Starts: what a good one brings, and what a failed one shows and says to who asked for it."""
 import subprocess
-import unittest
 
-from end_to_end import Host, OwnHostTest, change_database, database_file
+from end_to_end import Host, OwnHostTest, changed, database_file, run
 from end_to_end import open_stage as setUpModule  # noqa: F401
-from end_to_end import run
 
 import stage
 from driver import Role
-from host import CONTRACT, result
-from stage import ADD_IN, EXCHANGE, LIMIT, NOTICE, SWITCHDESK, EndToEndTest
+from host import BUSY, result
+from stage import ADD_IN, CLOSE, EXCHANGE, LIMIT, LOOKUP, NOTICE, SWITCHDESK, UPDATE, dialog_title
 
-# What is done to an installation, and what the notice says: something that names it, and the number.
-DAMAGES = [
-    ("no common texts", lambda: database_file("Common.LNG").unlink(), r"COMMON\.LNG|Common\.LNG", 3024),
-    ("texts that are no database", lambda: spoil("Horalink.lng"), r"Horalink\.lng", 3343),
-    ("no row for the application", lambda: change_database("Horalink.lng", "DELETE FROM tProject"), "record", 3021),
-    ("no register", lambda: database_file("Register.mdb").unlink(), r"Register\.mdb", 3024),
-]
+NO_BUS = {"DBUS_SESSION_BUS_ADDRESS": "unix:path=/none"}
 
 
-def spoil(name):
-    database_file(name).write_text("This is no database. " * 200)
-
-
-class GoodStarts(EndToEndTest):
-    def test_version_is_recorded_in_the_first_row(self):
-        # An imported register has no keys that would keep a second row out.
-        change_database("Register.mdb", "CREATE TABLE Imported AS SELECT * FROM Registry", "DROP TABLE Registry",
-                        "ALTER TABLE Imported RENAME TO Registry", "INSERT INTO Registry SELECT * FROM Registry")
-        Host(self).open()
-        register = sqlite3.connect(database_file("Register.mdb"))
-        self.addCleanup(register.close)
-        rows = register.execute("SELECT Version FROM Registry WHERE AppName = 'Horalink.mra'").fetchall()
-        self.assertEqual(rows, [("13.0.1",), ("0.0.0",)])
-
-
-class FailedStarts(OwnHostTest):
-    def test_one_notice_and_the_creation_fails(self):
-        for name, damage, what, number in DAMAGES:
-            with self.case(name):
-                damage()
-                host = Host(self)
-                text = self.close_box(NOTICE)
-                self.assertRegex(text, what)
-                self.assertIn(f"[{number}]", text)
-                host.wait_for_line("# add-in raised error 429")
-                self.wait_until_gone()
-                stage.driver.find(SWITCHDESK, "The clock add-in can't be started (error 429).", Role.LABEL)
-
-    def test_second_object_fails_where_the_register_has_gone(self):
+class OnTheBus(OwnHostTest):
+    def test_a_failure_is_one_notice_and_an_error(self):
         """The end of a start that fails takes the objects with it that are there already."""
         host = Host(self).open()
         database_file("Register.mdb").unlink()
         second = Host(self, exchange="Warehouse")
-        self.close_box(NOTICE)
+        self.assertRegex(self.close_box(NOTICE), r"(?s)Register\.mdb.*\[3024\]")
         second.wait_for_line("# add-in raised error 429")
+        stage.driver.find(SWITCHDESK, "The clock add-in can't be started (error 429).", Role.LABEL)
         host.wait_for_line("# add-in has left")
         self.wait_until_gone()
 
-    def test_form_without_texts_leaves_one_notice_and_no_window(self):
-        change_database("Horalink.lng", "DROP TABLE tForms")
-        client = self.join()
-        creation = client.create()
-        self.assertIn("tForms", self.close_box(NOTICE))
-        layer = result(creation)
-        self.assertEqual(stage.driver.titles(ADD_IN), [])
-        client.send(layer, "Object", "Release")
-        self.wait_until_gone()
+    def test_a_creation_that_follows_a_release_gets_a_fresh_process(self):
+        """With a host that answers REGComData at once or late, and a creation that waits for the answer or doesn't."""
+        host = self.join()
+        layers = [result(host.create())]
+        for host.delay, waits in [(0, True)] * 30 + [(300, True)] * 30 + [(300, False)] * 10:
+            self.assertIs(host.register(layers[-1]), False)
+            released = host.send(layers[-1], "Object", "Release")
+            if waits:
+                result(released)
+            layer = result(host.create())
+            if not waits and layer[0] == BUSY:
+                layer = result(host.create())
+            layers.append(layer)
+        self.assertEqual(len({owner for owner, _ in layers}), len(layers))
+        self.wait_for(lambda: all(host.asked_by(layer) == ["GetComData", "REGComData"] for layer in layers[:-1]), "their calls")
 
-
-NO_BUS = "DBUS_SESSION_BUS_ADDRESS", "unix:path=/none"
-
-
-class WithoutSurroundings(EndToEndTest):
-    def environment(self, **changes):
-        environment = {**stage.arrangement.environment, **changes}
-        return {name: value for name, value in environment.items() if value is not None}
-
-    def test_one_line_and_a_status(self):
-        for name, value, why, arguments in (("DISPLAY", None, "no display", (EXCHANGE, "-Embedding")),
-                                            ("DISPLAY", ":4711", ":4711", (EXCHANGE, "-Embedding")),
-                                            (*NO_BUS, "server", ("-Embedding",))):
-            for argument in arguments:
-                with self.case(f"{name}={value} {argument}"):
-                    done = run([stage.arrangement.add_in, argument], environment=self.environment(**{name: value}))
-                    self.assertGreater(done.returncode, 0)
-                    self.assertRegex(done.stderr, rf"^\S*horalink: [^\n]*{why}[^\n]*\n$")
-
-    def test_a_dialog_without_a_bus_opens_and_closes(self):
-        process = self.start([stage.arrangement.add_in, EXCHANGE], environment=self.environment(**dict([NO_BUS])),
-                             stderr=subprocess.PIPE, text=True)
-        stage.driver.raise_window("PBX Clock")
-        stage.driver.press("alt+F4")
-        _, errors = process.communicate(timeout=LIMIT)
-        self.assertEqual(process.returncode, 0)
-        self.assertRegex(errors, r"^horalink: can't reach the session bus: [^\n]+\n$")
-
-    def test_creation_fails_at_once_where_the_bus_has_no_display(self):
-        address = stage.arrangement.start_bus("bus-alone", self.environment(DISPLAY=None))
-        environment = self.environment(DBUS_SESSION_BUS_ADDRESS=address)
-        created = run(["busctl", "--user", "--timeout=20", "call", stage.ADD_IN_CLASS, "/Factory", f"{CONTRACT}Factory", "CreateInstance"],
-                      environment=environment)
-        self.assertRegex(created.stderr, "exited with status 1")
+    def test_it_fails_at_once_where_the_bus_has_no_display(self):
+        environment = changed(DBUS_SESSION_BUS_ADDRESS=stage.arrangement.start_bus("bus-alone", changed(DISPLAY=None)))
         Host(self, environment=environment).wait_for_line("# add-in raised error 429")
         self.assertIn("display", (stage.arrangement.folder / "bus-alone.log").read_text())
 
 
-if __name__ == "__main__":
-    unittest.main()
+class AsAProgram(OwnHostTest):
+    """Which creates the host's exchange object by the name of its class."""
+
+    def open_alone(self, exchange=EXCHANGE, **environment):
+        self.add_in = self.start([stage.arrangement.add_in, exchange], environment=changed(**environment),
+                                 stderr=subprocess.PIPE, text=True)
+
+    def close_alone(self, title=dialog_title(), errors="^$"):
+        stage.driver.raise_window(title)
+        stage.driver.press("alt+F4")
+        self.assertRegex(self.add_in.communicate(timeout=LIMIT)[1], errors)
+        self.assertEqual(self.add_in.returncode, 0)
+
+    def test_lookup_and_update_with_a_service_of_the_bus(self):
+        self.open_alone()
+        self.assert_usable()
+        self.press(UPDATE)
+        self.assertEqual(self.close_box(stage.CLOCK_READ), "The date and time of the PBX have been updated.")
+        self.assert_usable()
+        self.close_alone()
+        self.wait_until_gone(SWITCHDESK)
+
+    def test_without_a_connection_it_can_only_be_closed(self):
+        for exchange, title, prepare in (("Attic", dialog_title("Attic"), lambda: None),
+                                         (EXCHANGE, "PBX Clock", lambda: stage.arrangement.host.unlink())):
+            with self.case(title):
+                prepare()
+                self.open_alone(exchange)
+                stage.driver.window(ADD_IN, title)
+                self.assertEqual([self.is_enabled(button) for button in (LOOKUP, UPDATE, CLOSE)], [False, False, True])
+                self.close_alone(title)
+
+    def test_without_surroundings_there_is_one_line(self):
+        for changes, argument, why in (({"DISPLAY": None}, EXCHANGE, "no display"), (NO_BUS, "-Embedding", "server"),
+                                       ({"DISPLAY": ":4711"}, "-Embedding", ":4711")):
+            with self.case(why):
+                done = run([stage.arrangement.add_in, argument], environment=changed(**changes))
+                self.assertGreater(done.returncode, 0)
+                self.assertRegex(done.stderr, rf"^\S*horalink: [^\n]*{why}[^\n]*\n$")
+        self.open_alone(**NO_BUS)
+        self.close_alone("PBX Clock", r"^horalink: can't reach the session bus: [^\n]+\n$")

@@ -27,13 +27,12 @@ class Register:
     def rows_of_others(self, file):
         return [row for row in rows_of(file) if row[0] not in (OURS, self.written)]
 
-    def version(self, name=OURS):
-        ((version,),) = rows_of(self.file, "SELECT Version FROM Registry WHERE AppName = ?", name)
+    def version(self, name=OURS, file=None):
+        ((version,),) = rows_of(file or self.file, "SELECT Version FROM Registry WHERE AppName = ?", name)
         return version
 
     def check(self, test, file=None):
         """It is whole, the rows of others are as they were, and ours is either old or new."""
         test.assertEqual(rows_of(file or self.file, "PRAGMA integrity_check"), [("ok",)])
         test.assertEqual(self.rows_of_others(file or self.file), self.others)
-        ((version,),) = rows_of(file or self.file, "SELECT Version FROM Registry WHERE AppName = ?", OURS)
-        test.assertIn(version, (OLD, NEW))
+        test.assertIn(self.version(OURS, file), (OLD, NEW))

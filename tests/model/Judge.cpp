@@ -404,6 +404,8 @@ void Judge::ReadingIsOut(std::string_view member, bool isOut) {
     Work& work = *Innermost();
     work.isOut = isOut;
     if (member != "LoginID") return;
+    Require(IsHostDead() || work.next == Next::Nothing || work.next == Next::AskExchangeToLogOut,
+            "the host does not hear of " + std::string(MemberOf(work.next)));
     // All else has been read by then. More may have been given up by the time that it is there.
     work.isRead = true;
     work.isOfGivenUp = givenUp_.contains(work.login);

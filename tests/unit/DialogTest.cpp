@@ -69,7 +69,7 @@ struct DialogTest : testing::Test, Process {
     void Open() {
         main.Main();
         Window().Load();
-        Dialog().PutPBXName(u"Main");
+        Put(Dialog().shared_from_this(), "PBXName", u"Main");
         Controls().chkTrack->SetValue(0);
         Controls().chkTrackDate->SetValue(0);
     }
@@ -243,6 +243,9 @@ TEST_F(DialogTest, FlowIsSwitchedAtTheHostAndOnlyF1AsksItForHelp) {
     Dialog().PutParent(Host());
     Call(dialog, "TurnFlow", true);
     Call(dialog, "TurnFlow", false);
+    desk.Calls();
+    Call(dialog, "BackGround", 3);
+    EXPECT_EQ(desk.Calls().at(0), "rows 8 Select * From PictureFileName Where  ID = 3");
     for (const std::int16_t key : std::vector<std::int16_t>{111, 113, 112}) Window().KeyDown(key, 0);
     EXPECT_EQ(host->Calls(), (Notes{"TurnOnFlow", "TurnOffFlow", "DisplayHelp Horalink.hlp"}));
 }
@@ -250,7 +253,7 @@ TEST_F(DialogTest, FlowIsSwitchedAtTheHostAndOnlyF1AsksItForHelp) {
 TEST_F(DialogTest, UnloadingClosesTheTextsForGoodAndTellsTheHost) {
     Open();
     Dialog().PutParent(Host());
-    Dialog().PutID(-42);
+    Put(Dialog().shared_from_this(), "ID", -42);
     desk.Calls();
     Window().Unload();
     EXPECT_EQ(desk.Calls(), Notes{"close"});
