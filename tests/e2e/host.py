@@ -215,7 +215,7 @@ class Process(Host):
         print(call, flush=True)
         if call.split()[0] == self.member:
             self.member = None
-            os.kill(os.getpid(), signal.Signals[self.wanted])
+            signal.raise_signal(signal.Signals[self.wanted])  # takes effect before this thread goes on
         super().behave(sender, call, answer)
 
 

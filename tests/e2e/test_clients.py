@@ -35,7 +35,6 @@ class Companion(EndToEndTest):
         os.kill(*pids(ADD_IN), signal.SIGKILL)
         host.wait_for_line("# add-in has left")
         stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
-        self.dialog()
         self.press(LOOKUP)
         host.wait_for_line('Login("Main Office", <object>) -> "L2"')
 
