@@ -46,7 +46,10 @@ void RoundTrip::Enter(State state) {
     state_ = state;
     const bool isWaiting = state == State::Waiting || state == State::Reading;
     if (!isWaiting) ownerWatch_ = nullptr;
-    if (!isWaiting && state != State::LoggingIn && state != State::Sending) patience_ = nullptr;
+    if (!isWaiting && state != State::LoggingIn && state != State::Sending) {
+        patience_ = nullptr;
+        asked_ = {};
+    }
     const Look& look = looks[static_cast<std::size_t>(state)];
     form_.Enabled = look.formEnabled;
     services_.screen.SetPointer(look.pointer);
@@ -147,9 +150,11 @@ bool RoundTrip::SubmitRequest(std::shared_ptr<cListRequest>& request) {
 bool RoundTrip::LogIn(const PatienceRef& patience) {
     try {
         Enter(State::LoggingIn);
+        asked_ = far_;
         const ObjectRef exchange = ExchangeObject(patience);
-        patience->Late = [this, dialog = dialog_.weak_from_this()](const Value& key) {
-            if (const auto kept = dialog.lock()) EndLateLogin(key.ToText());
+        asked_.PBXName = far_.PBXName;
+        patience->Late = [this, asked = asked_, dialog = dialog_.weak_from_this()](const Value& key) {
+            if (const auto kept = dialog.lock()) EndLateLogin(key.ToText(), asked);
         };
         LoginResult = Call(exchange, "Login", ByRef(far_.PBXName), dialog_.shared_from_this()).ToText();
         patience->Late = nullptr;
@@ -190,8 +195,9 @@ void RoundTrip::EnterWaiting() {
 void RoundTrip::Abandon() {
     Trace("the wait for the answer was given up");
     givenUp_.insert(LoginResult);
+    const FarSide asked = asked_;
     Rest();
-    PostLogOut(LoginResult);
+    PostLogOut(LoginResult, asked);
 }
 
 // A failed LogOut is ignored: it must not leave the dialog disabled. A host that was given up is not waited
@@ -199,7 +205,7 @@ void RoundTrip::Abandon() {
 void RoundTrip::CloseLogin(Text loginId, const PatienceRef& patience) {
     if (patience->IsGivenUp()) {
         givenUp_.insert(loginId);
-        return PostLogOut(loginId);
+        return PostLogOut(loginId, far_);
     }
     ErrorState error;
     ObjectRef exchange;
@@ -207,25 +213,25 @@ void RoundTrip::CloseLogin(Text loginId, const PatienceRef& patience) {
         exchange = ExchangeObject(patience);
         Call(exchange, "LogOut", ByRef(far_.PBXName), ByRef(loginId));
     });
-    if (!exchange && patience->IsGivenUp()) PostLogOut(loginId);
+    if (!exchange && patience->IsGivenUp()) PostLogOut(loginId, far_);
 }
 
 // A login that the host grants after the operator gave it up would keep the exchange busy.
-void RoundTrip::EndLateLogin(const Text& loginId) {
+void RoundTrip::EndLateLogin(const Text& loginId, const FarSide& asked) {
     if (!IsAccepted(loginId)) return;
     givenUp_.insert(loginId);
-    PostLogOut(loginId);
+    PostLogOut(loginId, asked);
 }
 
-void RoundTrip::PostLogOut(const Text& loginId) {
+void RoundTrip::PostLogOut(const Text& loginId, const FarSide& far) {
     Automation& automation = services_.automation;
-    const auto logOut = [&automation, pbx = far_.PBXName, loginId](const ObjectRef& exchange) {
+    const auto logOut = [&automation, pbx = far.PBXName, loginId](const ObjectRef& exchange) {
         automation.Post(exchange, "LogOut", InvokeKind::Method, {pbx, loginId}, nullptr);
     };
     ErrorState error;
     Skip(error, "LogOut", [&] {
-        if (data_.IsStandalone) return logOut(far_.DirectHost);
-        automation.Post(far_.HostObject, "oPBX", InvokeKind::PropertyGet, {},
+        if (data_.IsStandalone) return logOut(far.DirectHost);
+        automation.Post(far.HostObject, "oPBX", InvokeKind::PropertyGet, {},
                         [logOut](const Value& exchange) { logOut(exchange.ToObject()); });
     });
 }

@@ -51,8 +51,8 @@ class RoundTrip {
     void EnterWaiting();
     void Abandon();
     void CloseLogin(Text loginId, const PatienceRef& patience);
-    void EndLateLogin(const Text& loginId);
-    void PostLogOut(const Text& loginId);
+    void EndLateLogin(const Text& loginId, const FarSide& asked);
+    void PostLogOut(const Text& loginId, const FarSide& far);
     platform::ObjectRef ExchangeObject(const PatienceRef& patience) const;
 
     PatienceRef StartReading();
@@ -74,6 +74,7 @@ class RoundTrip {
     bool isStopped_ = false;
     std::optional<std::int16_t> PendingAction;  // the button that was pressed last and not acted on yet
     Text LoginResult, SendResult;
+    FarSide asked_;  // where the login was asked for: another host may register meanwhile
     std::shared_ptr<cListRequest> LastResponse;
     std::shared_ptr<cListRequest> unshown_;  // the last good answer, until its box opens
     PatienceRef patience_;                   // the operator's, with the request under way

@@ -117,7 +117,7 @@ bool Judge::KnowsWhatIsGivenUp() const {
 
 void Judge::OperatorGaveUp() {
     if (phase_ != Phase::Waiting || IsReadingForWait()) return;
-    GiveUp(login_);
+    GiveUp(login_, loginName_);
     Rest();
 }
 
@@ -133,23 +133,23 @@ void Judge::HostDied(const void* host) {
         work->isOfGivenUp = givenUp_.contains(work->login);
     }
     if (phase_ != Phase::Waiting || IsReadingForWait() || host != sentTo_) return;
-    GiveUp(login_);
+    GiveUp(login_, loginName_);
     Rest();
 }
 
-void Judge::GiveUp(const Text& login, bool isLate) {
+void Judge::GiveUp(const Text& login, const Text& name) {
     givenUp_.insert(login);
     lastGivenUp_ = login;
-    if (!IsHostDead()) Post(login, isLate);
+    if (!IsHostDead()) Post(login, name);
 }
 
 // --- what the add-in does -----------------------------------------------------------------------------
 
-void Judge::Called(std::string_view member, const Arguments& arguments, bool isPosted,
+void Judge::Called(const void* host, std::string_view member, const Arguments& arguments, bool isPosted,
                    const ShownClock& shown) {
     if (isPosted) {
         out_.push_back(nullptr);
-        return TakePosted(member, arguments);
+        return TakePosted(host, member, arguments);
     }
     WorkRef work = Innermost();
     if (!work || work->isOut || MemberOf(work->next) != member) {
@@ -196,6 +196,8 @@ void Judge::CheckArguments(Work& work, std::string_view member, const Arguments&
         case Next::Login:
             Require(text(0) == name_ && arguments.size() == 2 && arguments[1].IsObject(),
                     "Login's arguments");
+            loginName_ = name_;
+            askedAt_ = host_;
             break;
         case Next::ReportLogin:
         case Next::ReportFailure:
@@ -246,15 +248,15 @@ void Judge::CheckRecord(const Work& work, const ObjectRef& record) const {
             "the record's other fields");
 }
 
-void Judge::TakePosted(std::string_view member, const Arguments& arguments) {
+void Judge::TakePosted(const void* host, std::string_view member, const Arguments& arguments) {
     if (member == "oPBX") {
         Require(exchangesAsked_++ < posted_.size(), "oPBX is sent unasked");
         asksToLogOut_ = true;
         return;
     }
     const auto due = std::find_if(posted_.begin(), posted_.end(), [&](const Posted& each) {
-        return arguments.at(1).ToText() == each.login &&
-               (each.isLate || arguments.at(0).ToText() == each.name);
+        return host == each.host && arguments.at(0).ToText() == each.name &&
+               arguments.at(1).ToText() == each.login;
     });
     Require(member == "LogOut" && due != posted_.end() && exchangesAsked_ > 0,
             std::string(member) + " is sent unasked");
@@ -313,7 +315,7 @@ void Judge::RequestGoesOn(Work& work, End end, const Text& result) {
         case Next::AskExchange:
             return end == End::Answered ? void(work.next = Next::Login) : LoginFails(work, end);
         case Next::Login:
-            if (isGivenUp && IsAccepted(result)) GiveUp(result, true);
+            if (isGivenUp && IsAccepted(result)) GiveUp(result, loginName_);
             if (end != End::Answered) return LoginFails(work, end);
             loginResult_ = result;
             if (IsAccepted(result)) login_ = work.login = result;
@@ -339,7 +341,7 @@ void Judge::RequestGoesOn(Work& work, End end, const Text& result) {
             work.next = Next::AskExchangeToLogOut;
             break;
         case Next::AskExchangeToLogOut:
-            if (isGivenUp) Post(work.login);
+            if (isGivenUp) Post(work.login, name_);
             if (end != End::Answered) return over();
             work.next = Next::LogOut;
             return;
@@ -347,7 +349,7 @@ void Judge::RequestGoesOn(Work& work, End end, const Text& result) {
             return over();
     }
     if (!isGivenUp) return;
-    GiveUp(work.login);
+    GiveUp(work.login, name_);
     over();
 }
 
@@ -367,7 +369,7 @@ void Judge::AnswerGivenUp(Work& work) {
     work.next = Next::Nothing;
     work.login = work.lastLogin.value_or(loginResult_);
     work.isOfGivenUp = givenUp_.contains(work.login);
-    if (!*work.isOfGivenUp) GiveUp(work.login);
+    if (!*work.isOfGivenUp) GiveUp(work.login, name_);
 }
 
 void Judge::AnswerGoesOn(Work& work, End end) {
@@ -392,7 +394,7 @@ void Judge::AnswerGoesOn(Work& work, End end) {
             work.next = afterCode();
             return;
         case Next::AskExchangeToLogOut:
-            if (end == End::GivenUp) Post(work.login);
+            if (end == End::GivenUp) Post(work.login, name_);
             work.next = end == End::Answered ? Next::LogOut : Next::Nothing;
             return;
         default:

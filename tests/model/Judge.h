@@ -43,8 +43,8 @@ class Judge {
 
     // --- what the add-in does -------------------------------------------------------------------------
     // A call reaches a host; `isPosted` for one that nobody waits for.
-    void Called(std::string_view member, const platform::Arguments& arguments, bool isPosted,
-                const ShownClock& shown);
+    void Called(const void* host, std::string_view member, const platform::Arguments& arguments,
+                bool isPosted, const ShownClock& shown);
     // The innermost call ends: with a result, by an error, or given up by the operator, in which case the
     // result is what the host gives all the same.
     enum class End { Answered, Failed, GivenUp };
@@ -84,7 +84,6 @@ class Judge {
     struct Posted {
         const void* host;
         Text name, login;
-        bool isLate = false;  // granted after it was given up
     };
     using WorkRef = std::shared_ptr<Work>;
 
@@ -93,15 +92,15 @@ class Judge {
     WorkRef BeginRequest(const ShownClock& shown);
     void CheckArguments(Work& work, std::string_view member, const platform::Arguments& arguments);
     void CheckRecord(const Work& work, const platform::ObjectRef& record) const;
-    void TakePosted(std::string_view member, const platform::Arguments& arguments);
+    void TakePosted(const void* host, std::string_view member, const platform::Arguments& arguments);
     void TakeOther(std::string_view member, const platform::Arguments& arguments);
     void RequestGoesOn(Work& work, End end, const Text& result);
     void LoginFails(Work& work, End end);
     void AnswerGoesOn(Work& work, End end);
     void AnswerGivenUp(Work& work);
     bool IsReadingForWait() const;
-    void GiveUp(const Text& login, bool isLate = false);
-    void Post(const Text& login, bool isLate = false) { posted_.push_back({host_, name_, login, isLate}); }
+    void GiveUp(const Text& login, const Text& name);
+    void Post(const Text& login, const Text& name) { posted_.push_back({askedAt_, name, login}); }
     void Rest() { phase_ = Phase::Idle; }
 
     Phase phase_ = Phase::Idle;
@@ -109,9 +108,9 @@ class Judge {
     std::vector<WorkRef> out_;    // whose calls are out; null for others
     WorkRef lastAnswer_;
     std::vector<Press> presses_;
-    const void *host_ = nullptr, *sentTo_ = nullptr;
+    const void *host_ = nullptr, *askedAt_ = nullptr, *sentTo_ = nullptr;
     std::set<const void*> dead_;
-    Text name_, login_, loginResult_, lastGivenUp_;
+    Text name_, login_, loginName_, loginResult_, lastGivenUp_;
     std::set<Text> givenUp_;
     std::deque<Posted> posted_;  // logouts that nobody waits for, each after a posted oPBX
     std::size_t exchangesAsked_ = 0, notLoggedOut_ = 0;

@@ -38,6 +38,9 @@ TEST(ModelTest, HoldsInOrdersOfItsOwn) {
          {Hang, Login},
          {Click, 2},
          {Pass, 1}},
+        // A login that is granted after it was given up, and after others took over.
+        {{CreateOther}, {GetStuck}, {Hang, Login}, {Click, 2}, {Pass, 1}, {Register, 1}, {Wake}},
+        {{CreateOther}, {GetStuck}, {Hang, Login}, {Click, 2}, {Pass, 1}, {RegisterOther}, {Wake}},
         // A month without a day, and the date of today after it.
         {{Toggle, 1}, {TurnTo, 0}, {Toggle, 1}, {Pass, 2}},
     };

@@ -40,6 +40,7 @@ constexpr Kind kinds[] = {
     {Act::TurnFlow, "turn flow", 2, 1},
     {Act::Create, "create", 1, 3},
     {Act::CreateOther, "create for another", 1, 6},
+    {Act::RegisterOther, "register by another", 1, 0},
     {Act::Release, "release", 2, 2},
     {Act::ReleaseOther, "release of another", 1, 2},
     {Act::Die, "die", 2, 2},

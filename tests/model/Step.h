@@ -33,6 +33,7 @@ enum class Act {
     TurnFlow,       // 1 on, 0 off
     Create,         // another object for the host
     CreateOther,    // an object for a second client
+    RegisterOther,  // RegisterPBX by the second client, which has one
     Release,        // an object: 0 the oldest, 1 the newest
     ReleaseOther,   // what the second client has
     Die,            // the host's process; 1 while a second client keeps the add-in

@@ -348,6 +348,8 @@ class World {
                 return WakeHost();
             case Act::CreateOther:
                 return Create(*other_);
+            case Act::RegisterOther:
+                return Register(*other_, u"Other");
             case Act::ReleaseOther:
                 return other_->layers.empty() ? void() : Release(*other_, 0);
             case Act::Create:
@@ -509,7 +511,7 @@ class World {
         Note(note);
         Require(isPosted || &party == judge_.Host(), "a call goes to a former host");
         Require(member != "UnloadChild" || computer_.automation.served.empty(), "closed, and yet served");
-        judge_.Called(member, arguments, isPosted, Shown().AsSent());
+        judge_.Called(&party, member, arguments, isPosted, Shown().AsSent());
         Look();
     }
 
