@@ -1,5 +1,3 @@
-#include <QAbstractButton>
-#include <cstdlib>
 #include <ctime>
 
 #include "QtFixture.h"
@@ -12,16 +10,10 @@ using forms::CalendarWidget;
 using forms::MonthPage;
 using forms::PageCell;
 
-std::string DateOf(const forms::Calendar& calendar) {
-    return std::to_string(calendar.Year()) + "-" + std::to_string(calendar.Month()) + "-" +
-           std::to_string(calendar.Day());
-}
-
 class CalendarTest : public FormTest {
   protected:
     void SetUp() override {
         calendar.BeforeUpdate = [this](bool& cancel) { cancel = refuse; };
-        calendar.AfterUpdate = [this] { ++chosen; };
         Show();
         Widget().setFocus();
     }
@@ -31,28 +23,23 @@ class CalendarTest : public FormTest {
         calendar.SetMonth(static_cast<std::int16_t>(month));
         calendar.SetYear(static_cast<std::int16_t>(year));
     }
-    CalendarWidget& Widget() const { return static_cast<CalendarWidget&>(WidgetOf("Calendar")); }
-    void ClickAt(QPoint place, Qt::MouseButton pressed = Qt::LeftButton) {
-        QTest::mouseClick(Handle(), pressed, {}, Widget().mapTo(Window(), place));
+    std::string Shown() const {
+        return std::to_string(calendar.Year()) + "-" + std::to_string(calendar.Month()) + "-" +
+               std::to_string(calendar.Day());
     }
-    void ClickDay(Qt::MouseButton pressed = Qt::LeftButton) {
-        ClickAt(Widget().DayRect(20).center(), pressed);
-    }
-    QAbstractButton& Arrow(const char* name) const {
-        return *Widget().findChild<QAbstractButton*>(QLatin1String(name));
+    CalendarWidget& Widget() const { return WidgetOf<CalendarWidget>("Calendar"); }
+    QPoint PlaceIn(QPoint place) const { return Widget().mapTo(Window(), place); }
+    QPoint PlaceOfDay(int day) const { return PlaceIn(Widget().DayRect(day).center()); }
+    // A corner of a day's cell, which its number doesn't reach.
+    QImage Corner(int day) const {
+        return Widget().grab(QRect(Widget().DayRect(day).topLeft(), QSize(12, 5))).toImage();
     }
 
     bool refuse = false;
-    int chosen = 0;
 };
 
 TEST_F(CalendarTest, KeysMoveTheDayUnlessTheModelRefuses) {
-    const struct {
-        int year, month, day;
-        Qt::Key key;
-        Qt::KeyboardModifiers modifiers;
-        const char* result;
-    } cases[] = {
+    const Table<int, int, int, Qt::Key, Qt::KeyboardModifiers, const char*> cases = {
         {2003, 10, 1, Qt::Key_Left, {}, "2003-9-30"},
         {2003, 12, 31, Qt::Key_Right, {}, "2004-1-1"},
         {2004, 2, 28, Qt::Key_Right, Qt::KeypadModifier, "2004-2-29"},
@@ -60,42 +47,41 @@ TEST_F(CalendarTest, KeysMoveTheDayUnlessTheModelRefuses) {
         {2003, 2, 25, Qt::Key_Down, {}, "2003-3-4"},
         {2003, 10, 8, Qt::Key_Home, {}, "2003-10-1"},
         {2004, 2, 8, Qt::Key_End, {}, "2004-2-29"},
-        {2003, 10, 8, Qt::Key_Return, {}, "2003-10-8"},
         {2003, 1, 8, Qt::Key_PageUp, {}, "2002-12-0"},
         {2003, 12, 8, Qt::Key_PageDown, {}, "2004-1-0"},
         {2003, 10, 8, Qt::Key_PageUp, Qt::ControlModifier, "2002-10-0"},
         {2003, 10, 8, Qt::Key_PageDown, Qt::ShiftModifier, "2004-10-0"},
         {2003, 10, 0, Qt::Key_Space, {}, "2003-10-1"},
-        {2003, 10, 0, Qt::Key_Right, {}, "2003-10-2"},
         {2003, 11, 31, Qt::Key_Down, {}, "2003-11-8"},  // a day that the month lacks is none
         {9999, 12, 31, Qt::Key_Right, {}, "9999-12-31"},
-        {100, 1, 1, Qt::Key_PageUp, {}, "100-1-1"},
-    };
-    for (const auto& c : cases) {
-        Set(c.year, c.month, c.day);
-        const std::string before = DateOf(calendar);
+        {100, 1, 1, Qt::Key_PageUp, {}, "100-1-1"}};
+    for (const auto& [year, month, day, key, modifiers, result] : cases) {
+        Set(year, month, day);
+        const std::string before = Shown();
         for (const bool refuses : {true, false}) {
             refuse = refuses;
-            Key(c.key, c.modifiers);
-            EXPECT_EQ(DateOf(calendar), refuses ? before : c.result) << before << " " << c.key;
+            Key(key, modifiers);
+            EXPECT_EQ(Shown(), refuses ? before : result) << before << " " << key;
         }
     }
 }
 
-// By another button, on names of days, in an empty week, where the model refuses, and where all is off.
-TEST_F(CalendarTest, ClicksThatChooseNothing) {
-    const std::function<void()> acts[] = {
-        [this] { ClickDay(Qt::RightButton); },
-        [this] { ClickAt(QPoint(Widget().width() / 2, 40)); },
-        [this] { ClickAt(Widget().DayRect(31).center() + QPoint(0, Widget().DayRect(31).height())); },
-        [this] { refuse = true, ClickDay(); },
-        [this] { Arrow("Next month").click(); },
-        [this] { refuse = false, calendar.Enabled = false, ClickDay(); }};
-    for (std::size_t i = 0; i < std::size(acts); ++i) {
-        acts[i]();
-        EXPECT_EQ(DateOf(calendar), "2003-10-8") << i;
+TEST_F(CalendarTest, AClickChoosesADayUnlessRefused) {
+    const Table<const char*, std::function<void()>> acts = {
+        {"another button", [this] { Click(PlaceOfDay(20), Qt::RightButton); }},
+        {"names of the days", [this] { Click(PlaceIn({Widget().width() / 2, 40})); }},
+        {"empty week", [this] { Click(PlaceOfDay(31) + QPoint(0, Widget().DayRect(31).height())); }},
+        {"refused", [this] { refuse = true, Click(PlaceOfDay(20)); }},
+        {"refused arrow", [this] { Click("Next month"); }},
+        {"disabled", [this] { refuse = false, calendar.Enabled = false, Click(PlaceOfDay(20)); }}};
+    calendar.AfterUpdate = Note("chosen");
+    for (const auto& [name, act] : acts) {
+        EXPECT_EQ(After(act), "") << name;
+        EXPECT_EQ(Shown(), "2003-10-8") << name;
     }
-    EXPECT_EQ(chosen, 0);
+    calendar.Enabled = true;
+    Click(PlaceOfDay(20));
+    EXPECT_EQ(log + Shown(), "chosen 2003-10-20");
 }
 
 TEST_F(CalendarTest, SelectorsTurnByMouseAndKeyboardAndAreNoWayOutOfTheControl) {
@@ -103,93 +89,59 @@ TEST_F(CalendarTest, SelectorsTurnByMouseAndKeyboardAndAreNoWayOutOfTheControl) 
                                                          {"Previous month", "2003-11-0"},
                                                          {"Next year", "2004-12-0"},
                                                          {"Previous year", "2002-12-0"}};
-    calendar.LostFocus = [this] { log += "lost"; };
+    calendar.LostFocus = Note("lost");
     for (const auto& [name, result] : cases) {
         Set(2003, 12, 8);
-        ClickAt(Arrow(name).geometry().center());
-        EXPECT_EQ(DateOf(calendar), result) << name;
+        Click(name);
+        EXPECT_EQ(Shown(), result) << name;
     }
+    const auto& first = WidgetOf("Previous month");
+    EXPECT_EQ(first.accessibleName().toStdString(), "November 2002");
     Key(Qt::Key_Tab);
-    EXPECT_TRUE(Arrow("Previous month").hasFocus());
     Key(Qt::Key_Space);
-    EXPECT_EQ(DateOf(calendar), "2002-11-0");
+    EXPECT_EQ(Shown(), "2002-11-0");
+    EXPECT_TRUE(first.hasFocus());
     calendar.showdateselectors = 2;
-    EXPECT_FALSE(Arrow("Previous month").isVisible());
+    EXPECT_FALSE(first.isVisible());
     EXPECT_TRUE(Widget().hasFocus());
     EXPECT_EQ(log, "");
     WidgetOf("cmdButton").setFocus();
-    EXPECT_EQ(log, "lost");
+    EXPECT_EQ(log, "lost ");
 }
 
-TEST_F(CalendarTest, HeldArrowTurnsUntilABoxComesUp) {
-    int boxes = 0;
-    calendar.NewYear = [&] {
-        if (calendar.Year() != 1900) return;
-        ++boxes;
-        ShowBox(PressReturn);
-        calendar.SetYear(1901);
-    };
-    Set(1903, 5, 1);
-    const QPoint place = Widget().mapTo(Window(), Arrow("Previous year").geometry().center());
-    QTest::mousePress(Handle(), Qt::LeftButton, {}, place);
-    EXPECT_TRUE(Until([&] { return calendar.Year() == 1901 && boxes == 1; }));
-    WaitLongerThanAStep();
-    EXPECT_EQ(DateOf(calendar), "1901-5-0");
-    EXPECT_EQ(boxes, 1);
-    QTest::mouseRelease(Handle(), Qt::LeftButton, {}, place);
-}
-
-TEST_F(CalendarTest, MarkOfTodayFollowsTheDateByItself) {
+TEST_F(CalendarTest, WhatADayIsIsSeenAndTodayFollowsTheDate) {
     const auto moveTo = [](const char* zone) {
         setenv("TZ", zone, 1);
         tzset();
     };
     moveTo("West12");
     const QDate today = QDate::currentDate();
-    Set(today.year(), today.month(), 0);
-    Widget().clearFocus();
-    const auto shown = [&] { return Widget().grab(Widget().DayRect(today.day())).toImage(); };
-    const QImage plain = shown();
     calendar.ShowOption = true;
-    EXPECT_NE(shown(), plain);
+    Set(today.year(), today.month(), today.day());
+    const QImage both = Corner(today.day());
+    Widget().clearFocus();
+    calendar.SetDay(0);
+    const QImage mark = Corner(today.day());
     moveTo("East-14");  // where the date is always another one
-    EXPECT_TRUE(Until([&] { return shown() == plain; }));
+    EXPECT_TRUE(Until([&] { return Corner(today.day()) != mark; }));
+    const QImage plain = Corner(today.day());
     moveTo("West12");
-    EXPECT_TRUE(Until([&] { return shown() != plain; }));
+    EXPECT_TRUE(Until([&] { return Corner(today.day()) == mark; }));
     moveTo("UTC");
-}
-
-TEST_F(CalendarTest, TintFollowsTheMouseAndNotTheNumberOfTheDay) {
-    const auto shown = [this](QPoint place) { return Widget().grab(QRect(place, QSize(3, 3))).toImage(); };
+    Set(2003, 10, 0);
+    Widget().setFocus();
+    const QImage cursor = Corner(1);
     Set(2003, 10, 1);
-    const QPoint corner = Widget().DayRect(20).topLeft() + QPoint(3, 3);  // 17 November has the same place
-    QTest::mouseMove(Handle(), Widget().mapTo(Window(), corner));
-    const QImage tinted = shown(corner);
+    const QImage chosen = Corner(1);
+    PointAt(PlaceOfDay(20));  // 17 November has the same place
+    const QImage tint = Corner(20);
+    const QImage seen[] = {both, mark, plain, cursor, chosen, tint};
+    for (const QImage& one : seen)
+        EXPECT_EQ(std::count(std::begin(seen), std::end(seen), one), 1) << &one - seen;
     calendar.SetMonth(11);
-    EXPECT_EQ(shown(corner), tinted);
-    EXPECT_NE(shown(Widget().DayRect(20).topLeft() + QPoint(3, 3)), tinted);
-    QTest::mouseMove(Handle(), Widget().mapTo(Window(), Arrow("Next month").geometry().center()));
-    EXPECT_NE(shown(corner), tinted) << "the mouse is at an arrow now";
-}
-
-TEST_F(CalendarTest, CursorDiffersFromTheMarkOfToday) {
-    const QDate today = QDate::currentDate();
-    Set(today.year(), today.month(), 0);
-    const QRect first = Widget().DayRect(1), marked = Widget().DayRect(today.day());
-    const auto shown = [this](const QRect& day) {
-        return Widget().grab(day.adjusted(0, 0, -1, -1)).toImage();
-    };
-    calendar.ShowOption = true;
-    const QImage both = shown(first);
-    Widget().clearFocus();
-    if (today.day() == 1) {
-        EXPECT_NE(shown(first), both) << "the cursor is to be seen beside the mark";
-        return;
-    }
-    const QImage mark = shown(marked);
-    EXPECT_NE(shown(first), both);
-    const QPoint edge(mark.width() / 2, 1);
-    EXPECT_NE(both.pixelColor(edge), mark.pixelColor(edge));
+    EXPECT_TRUE(Corner(17) == tint && Corner(20) == plain) << "the tint is the mouse's, not the day's";
+    PointAt(PlaceOf("Next month"));
+    EXPECT_EQ(Corner(17), plain) << "the mouse is at an arrow now";
 }
 
 TEST(MonthPageTest, OneLongNameMakesAllNarrow) {
@@ -202,21 +154,17 @@ TEST(MonthPageTest, OneLongNameMakesAllNarrow) {
 }
 
 TEST(MonthPageTest, PlacesOfDays) {
-    const struct {
-        int year, month, day;
-        Qt::DayOfWeek first;
-        PageCell cell;
-    } cases[] = {
-        {2003, 10, 1, Qt::Monday, {0, 2}},  {2003, 10, 1, Qt::Sunday, {0, 3}},
-        {2003, 6, 1, Qt::Monday, {0, 6}},   {2003, 6, 30, Qt::Monday, {5, 0}},
-        {2003, 6, 1, Qt::Sunday, {0, 0}},   {2004, 2, 29, Qt::Saturday, {4, 1}},
-        {1901, 12, 31, Qt::Monday, {5, 1}}, {2099, 1, 31, Qt::Sunday, {4, 6}},
+    const Table<QDate, Qt::DayOfWeek, PageCell> cases = {
+        {{2003, 10, 1}, Qt::Monday, {0, 2}},  {{2003, 10, 1}, Qt::Sunday, {0, 3}},
+        {{2003, 6, 1}, Qt::Monday, {0, 6}},   {{2003, 6, 30}, Qt::Monday, {5, 0}},
+        {{2003, 6, 1}, Qt::Sunday, {0, 0}},   {{2004, 2, 29}, Qt::Saturday, {4, 1}},
+        {{1901, 12, 31}, Qt::Monday, {5, 1}}, {{2099, 1, 31}, Qt::Sunday, {4, 6}},
     };
-    for (const auto& c : cases) {
-        const MonthPage page(c.year, c.month, c.first);
-        EXPECT_EQ(page.CellOf(c.day), c.cell) << c.year << "-" << c.month << "-" << c.day;
-        EXPECT_EQ(page.WeekdayOf(c.cell.column), QDate(c.year, c.month, c.day).dayOfWeek());
-        EXPECT_EQ(page.WeekdayOf(0), c.first);
+    for (const auto& [date, first, cell] : cases) {
+        const MonthPage page(date.year(), date.month(), first);
+        EXPECT_EQ(page.CellOf(date.day()), cell) << date.toString().toStdString();
+        EXPECT_EQ(page.WeekdayOf(cell.column), date.dayOfWeek());
+        EXPECT_EQ(page.WeekdayOf(0), first);
     }
 }
 

@@ -1,6 +1,5 @@
 #include <sqlite3.h>
 
-#include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 
@@ -12,13 +11,13 @@
 namespace platform {
 namespace {
 
-// The window of a topic, where one is open.
+// The window of a topic, where one is open, and what it says.
 QWidget* TopicWindow() {
     return WindowCalled("HelpWindow");
 }
-
-std::string BodyOf(const QWidget& window) {
-    return window.accessibleDescription().toStdString();
+std::string Topic() {
+    const QWidget* window = TopicWindow();
+    return window ? (window->accessibleName() + '|' + window->accessibleDescription()).toStdString() : "";
 }
 
 class HelpTest : public FormTest {
@@ -26,20 +25,19 @@ class HelpTest : public FormTest {
     HelpTest() : file_(directory_.Path() / "Test.hlp") {
         sqlite3* handle = nullptr;
         sqlite3_open(file_.c_str(), &handle);
-        EXPECT_EQ(sqlite3_exec(handle,
-                               "create table tTopics (ID integer primary key, Title text, Body text);"
-                               "insert into tTopics values (3, 'Time <1>', '<p>The <b>hours</b></p>');",
-                               nullptr, nullptr, nullptr),
-                  SQLITE_OK);
+        sqlite3_exec(handle,
+                     "create table tTopics (ID integer primary key, Title text, Body text);"
+                     "insert into tTopics values (3, 'Time <1>', '<p>The <b>hours</b></p>');",
+                     nullptr, nullptr, nullptr);
         sqlite3_close(handle);
         surroundings.application.helpFile = PathText(file_);
         menu.Items = {&blank, &item};
         item.Caption = u"What's This &\tF1";
-        item.Click = [this] { log += "item "; };
+        item.Click = Note("item");
+        form.KeyDown = [this](auto&&...) { Note("key")(); };
         track.WhatsThisHelpID = 3;
     }
     ~HelpTest() override { surroundings.application.helpFile.clear(); }
-    void SetUp() override { Show(); }
 
     static QMenu* OpenMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
     QWidget& ShowTopic() {
@@ -55,113 +53,89 @@ class HelpTest : public FormTest {
 };
 
 TEST_F(HelpTest, MenuAndTopicGoWithTheForm) {
-    const std::function<void()> ways[] = {[this] { form.Hide(); }, [this] { form.Unload(); }};
-    for (const auto& leave : ways) {
-        form.Show();
-        form.PopupMenu(menu);
-        EXPECT_TRUE(OpenMenu());
-        leave();
-        EXPECT_FALSE(OpenMenu());
-        form.Show();
-        ShowTopic();
-        leave();
-        EXPECT_FALSE(TopicWindow());
-    }
+    const std::function<void()> opens[] = {[this] { form.PopupMenu(menu); }, [this] { ShowTopic(); }},
+                                leaves[] = {[this] { form.Hide(); }, [this] { form.Unload(); }};
+    for (const auto& open : opens)
+        for (const auto& leave : leaves) {
+            form.Show();
+            open();
+            EXPECT_TRUE(QApplication::activePopupWidget());
+            leave();
+            EXPECT_FALSE(QApplication::activePopupWidget());
+        }
 }
 
-TEST_F(HelpTest, OpenMenuHoldsUpNothingAndItsItemFollowsTheForm) {
+TEST_F(HelpTest, OpenMenuHoldsUpNothingHasTheKeysAndFollowsTheForm) {
     form.PopupMenu(menu);
     Settle();
     ASSERT_TRUE(OpenMenu());
     ASSERT_EQ(OpenMenu()->actions().size(), 1) << "no caption, no entry";
-    EXPECT_EQ(OpenMenu()->actions().first()->text().toStdString(), "What's This && F1")
-        << "as a menu draws \"&\"";
+    QAction& entry = *OpenMenu()->actions().first();
+    EXPECT_EQ(entry.text().toStdString(), "What's This && F1") << "as a menu draws \"&\"";
     form.Enabled = false;
-    OpenMenu()->actions().first()->trigger();
+    entry.trigger();
+    Key(Qt::Key_F1);
     EXPECT_EQ(log, "");
     form.Enabled = true;
-    OpenMenu()->actions().first()->trigger();
+    entry.trigger();
+    form.Enabled = false;
+    Key(Qt::Key_Escape);
+    EXPECT_FALSE(OpenMenu());
     EXPECT_EQ(log, "item ");
 }
 
-TEST_F(HelpTest, OpenMenuHasTheKeysForItself) {
-    form.KeyDown = [this](auto&&...) { log += "key "; };
-    form.PopupMenu(menu);
-    form.Enabled = false;
-    Key(Qt::Key_F1);
-    Key(Qt::Key_Escape);
-    EXPECT_FALSE(OpenMenu());
-    EXPECT_EQ(log, "");
-}
-
-TEST_F(HelpTest, TopicIsPlainTextAndGoesWithAClickAndWithEscape) {
-    EXPECT_EQ(ShowTopic().accessibleName().toStdString(), "Time <1>");
-    EXPECT_EQ(BodyOf(*TopicWindow()), "The hours");
-    QTest::keyClick(TopicWindow()->windowHandle(), Qt::Key_Escape);
-    EXPECT_FALSE(TopicWindow());
-    QTest::mouseClick(ShowTopic().windowHandle(), Qt::LeftButton, {}, QPoint(30, 30));
-    EXPECT_FALSE(TopicWindow());
-}
-
-TEST_F(HelpTest, TopicStaysOnTheScreen) {
-    const QSize screen = QGuiApplication::primaryScreen()->size();
-    for (const QPoint corner : {QPoint(-50, -50), QPoint(screen.width() - 60, screen.height() - 40)}) {
-        Window()->move(corner);
-        const QRect place = ShowTopic().frameGeometry();
-        EXPECT_TRUE(QRect(QPoint(), screen).contains(place))
-            << place.x() << " " << place.y() << " " << place.width() << " " << place.height();
-        TopicWindow()->close();
-    }
+TEST_F(HelpTest, TopicIsPlainTextOnTheScreenAndGoesWithAClickAndWithEscape) {
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    const std::function<void()> ways[] = {
+        [] { QTest::mouseClick(TopicWindow()->windowHandle(), Qt::LeftButton, {}, QPoint(30, 30)); },
+        [] { PressKey(*TopicWindow(), Qt::Key_Escape); }};
+    for (const QPoint corner : {QPoint(-50, -50), screen.bottomRight() - QPoint(60, 40)})
+        for (const auto& leave : ways) {
+            Window()->move(corner);
+            const QRect place = ShowTopic().frameGeometry();
+            EXPECT_EQ(place.intersected(screen), place);
+            EXPECT_EQ(Topic(), "Time <1>|The hours");
+            leave();
+            EXPECT_FALSE(TopicWindow());
+        }
 }
 
 TEST_F(HelpTest, WhatIsMissingIsSaid) {
-    const struct {
-        Text file;
-        std::int32_t topic;
-        const char* said;
-    } cases[] = {
+    const Table<Text, std::int32_t, const char*> cases = {
         {PathText(file_), 4, "help topic 4"},
         {u"", 3, "not found"},
-        {PathText(directory_.Path() / "missing.hlp"), 3, "missing.hlp"},
-        {PathText(directory_.Write("other.hlp", "no <database> at all, but long enough to be read as one")),
-         3, "not a database"},
-    };
+        {PathText(directory_.Path() / "<b>missing</b>.hlp"), 3, "<b>missing</b>.hlp"}};
     for (const auto& [file, topic, said] : cases) {
         surroundings.application.helpFile = file;
         track.WhatsThisHelpID = topic;
-        EXPECT_NE(BodyOf(ShowTopic()).find(said), std::string::npos) << BodyOf(*TopicWindow());
+        ShowTopic();
+        EXPECT_NE(Topic().find(said), std::string::npos) << Topic();
         TopicWindow()->close();
     }
 }
 
 TEST_F(HelpTest, HelpButtonAndF1ShowTheTopicOfABoxOverIt) {
+    const std::function<void(QWidget&)> pressF1 = [](QWidget& box) { PressKey(box, Qt::Key_F1); };
+    const std::function<void(QWidget&)> pressButton = [](QWidget& box) {
+        box.findChildren<QPushButton*>().last()->click();
+    };
+    const Table<std::int32_t, std::function<void(QWidget&)>, std::optional<Text>, const char*> cases = {
+        {buttons::helpButton, pressButton, PathText(file_), "Time <1>|The hours"},
+        {0, pressF1, PathText(file_), "Time <1>|The hours"},
+        {buttons::helpButton, pressButton, {}, ""},
+        {buttons::helpButton, pressF1, {}, ""}};
     surroundings.application.helpFile.clear();
-    const auto pressF1 = [](QWidget& box) { QTest::keyClick(box.windowHandle(), Qt::Key_F1); };
-    const auto pressButton = [](QWidget& box) { box.findChildren<QPushButton*>().last()->click(); };
-    std::function<void(QWidget&)> ask;
-    const auto act = [&](QWidget& box) {
-        ask(box);
-        EXPECT_TRUE(TopicWindow());
-        if (QWidget* topic = TopicWindow()) {
-            EXPECT_EQ(BodyOf(*topic), "The hours");
-            QTest::keyClick(topic->windowHandle(), Qt::Key_Escape);
-        }
-        EXPECT_FALSE(TopicWindow());
-        EXPECT_TRUE(box.isVisible()) << "the key was the topic's";
-        QTest::keyClick(box.windowHandle(), Qt::Key_Escape);
-    };
-    const std::pair<std::int32_t, std::function<void(QWidget&)>> ways[] = {
-        {buttons::helpButton, pressButton}, {buttons::helpButton, pressF1}, {0, pressF1}};
-    for (const auto& [helpButton, way] : ways) {
-        ask = way;
-        EXPECT_EQ(ShowBox(act, {u"Prompt", buttons::okCancel + helpButton, {}, PathText(file_), 3}), 2);
+    for (const auto& [helpButton, ask, file, topic] : cases) {
+        const auto act = [&, &ask = ask, &topic = topic](QWidget& box) {
+            ask(box);
+            EXPECT_EQ(Topic(), topic);
+            if (TopicWindow()) PressKey(*TopicWindow(), Qt::Key_Escape);
+            EXPECT_FALSE(TopicWindow());
+            EXPECT_TRUE(box.isVisible()) << "the key was the topic's";
+            PressKey(box, Qt::Key_Escape);
+        };
+        EXPECT_EQ(ShowBox(act, {u"Prompt", buttons::okCancel + helpButton, {}, file, 3}), 2);
     }
-    const auto withoutHelp = [&](QWidget& box) {
-        pressF1(box);
-        EXPECT_FALSE(TopicWindow());
-        PressReturn(box);
-    };
-    EXPECT_EQ(ShowBox(withoutHelp, {u"Prompt", buttons::helpButton, {}, {}, 0}), 1);
 }
 
 }  // namespace

@@ -3,18 +3,23 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
 #include <QTest>
-#include <QWidget>
+#include <QWheelEvent>
 #include <QWindow>
 #include <cstdlib>
 #include <functional>
 
+#include "../unit/Table.h"
 #include "platform/data/sqlite/SqliteEngine.h"
 #include "platform/desktop/qt/QtDesktop.h"
+#include "platform/desktop/qt/QtText.h"
 
 namespace platform {
+
+using namespace std::chrono_literals;
 
 // Opens the desktop ahead of all tests, and closes it while the libraries that it stands on are still there.
 struct Surroundings : ::testing::Environment {
@@ -42,36 +47,28 @@ inline QtDesktop& TheDesktop() {
     return *surroundings.desktop;
 }
 
-// Serves the loop until the condition holds, ten seconds at most. The result is the condition's.
-inline bool Until(const std::function<bool()>& condition) {
+// Serves the loop until the condition holds, or the time is over. The result is the condition's.
+inline bool Until(const std::function<bool()>& condition, Milliseconds limit = 10s) {
     EventLoop& loop = TheDesktop().Loop();
     bool over = false;
-    const HandleRef end = loop.After(Milliseconds(10000), [&] { over = true; });
-    const HandleRef step = loop.Every(Milliseconds(5), [] {});
+    const HandleRef end = loop.After(limit, [&] { over = true; });
+    const HandleRef step = loop.Every(5ms, [] {});
     while (!condition() && !over) loop.ServeOnce();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return condition();
 }
 
-inline void ServeFor(Milliseconds time) {
-    bool over = false;
-    const HandleRef end = TheDesktop().Loop().After(time, [&] { over = true; });
-    Until([&] { return over; });
-}
-
-// Serves what is due now.
-inline void Settle() {
-    ServeFor(Milliseconds(0));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+// Serves what is due now, and in the time.
+inline void Settle(Milliseconds time = 0ms) {
+    Until([] { return false; }, time);
 }
 
 // Longer than the pauses between the steps of an arrow that is held.
-inline void WaitLongerThanAStep() {
-    ServeFor(Milliseconds(600));
-}
+constexpr Milliseconds longerThanAStep = 600ms;
 
 // Runs `act` on the next box that comes up.
 inline HandleRef WhenBoxOpens(std::function<void(QWidget& box)> act) {
-    return TheDesktop().Loop().Every(Milliseconds(5), [act = std::move(act), done = false]() mutable {
+    return TheDesktop().Loop().Every(5ms, [act = std::move(act), done = false]() mutable {
         QWidget* box = QApplication::activeModalWidget();
         if (done || !box || !box->isVisible() || !box->isActiveWindow()) return;
         done = true;
@@ -86,9 +83,12 @@ inline std::int16_t ShowBox(std::function<void(QWidget& box)> act,
     return TheDesktop().Boxes().Show(box);
 }
 
-// Enter, for a box that is to be closed.
-inline void PressReturn(QWidget& box) {
-    QTest::keyClick(box.windowHandle(), Qt::Key_Return);
+// A key by way of a window.
+inline void PressKey(const QWidget& window, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(window.windowHandle(), key, modifiers);
+}
+inline void PressReturn(const QWidget& box) {
+    PressKey(box, Qt::Key_Return);
 }
 
 // A window of the program that can be seen.
@@ -98,12 +98,11 @@ inline QWidget* WindowCalled(const char* name) {
     return nullptr;
 }
 
-// A form that shows one control of each kind that takes input; it has the keyboard once it has been shown.
+// A form that shows one control of each kind that takes input, and has the keyboard.
 class FormTest : public ::testing::Test {
   protected:
     FormTest() {
-        form.Left = 1500;
-        form.Top = 1200;
+        form.Move(1500, 1200);
         form.Width = 6000;
         form.Height = 4500;
         button.Place(150, 150, 975, 375);
@@ -115,7 +114,9 @@ class FormTest : public ::testing::Test {
         minute.Locked = true;
         minute.Border = false;
         minute.Text = u"00";
+        form.Unloaded = Note("unloaded");
     }
+    void SetUp() override { Show(); }
     void TearDown() override { TakeAway(); }
 
     void Show() {
@@ -128,24 +129,48 @@ class FormTest : public ::testing::Test {
         Settle();
     }
 
+    void EnableControls(bool enabled) {
+        for (const auto& control : form.Controls()) control->Enabled = enabled;
+    }
+
+    // A handler that notes its call.
+    std::function<void()> Note(const char* what) {
+        return [this, what] { log.append(what).append(" "); };
+    }
+    // The log of a step.
+    std::string After(const std::function<void()>& step) { return log.clear(), step(), log; }
+
     // The window of the form, and the widget of a control by its object name.
     QWidget* Window() const { return WindowCalled("dlgSample"); }
     QWindow* Handle() const { return Window()->windowHandle(); }
-    QWidget& WidgetOf(const char* name) const { return *Window()->findChild<QWidget*>(QLatin1String(name)); }
-    // Input by way of the window: a click in the middle of a widget, and a key.
-    void Click(const char* name) const {
+    template <class Type = QWidget>
+    Type& WidgetOf(const char* name) const {
+        return static_cast<Type&>(*Window()->findChild<QWidget*>(QLatin1String(name)));
+    }
+    // The middle of a widget, seen from the window.
+    QPoint PlaceOf(const char* name) const {
         const QWidget& widget = WidgetOf(name);
-        QTest::mouseClick(Handle(), Qt::LeftButton, {}, widget.mapTo(Window(), widget.rect().center()));
+        return widget.mapTo(Window(), widget.rect().center());
     }
-    // What an assistive program does to a widget, past all events of the window.
-    QAccessibleInterface& SpokenOf(const char* name) const {
-        return *QAccessible::queryAccessibleInterface(&WidgetOf(name));
+    // Input by way of the window.
+    void PointAt(QPoint place) const { QTest::mouseMove(Handle(), place); }
+    void Press(QPoint place, Qt::MouseButton pressed = Qt::LeftButton) const {
+        QTest::mousePress(Handle(), pressed, {}, place);
     }
-    void Act(const char* name, const QString& action) const {
-        SpokenOf(name).actionInterface()->doAction(action);
+    void Release(QPoint place, Qt::MouseButton pressed = Qt::LeftButton) const {
+        QTest::mouseRelease(Handle(), pressed, {}, place);
     }
-    void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const {
-        QTest::keyClick(Handle(), key, modifiers);
+    void Click(QPoint place, Qt::MouseButton pressed = Qt::LeftButton) const {
+        Press(place, pressed);
+        if (Window()) Release(place, pressed);  // the press may have taken it away
+    }
+    void Click(const char* name) const { Click(PlaceOf(name)); }
+    void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const { PressKey(*Window(), key, modifiers); }
+    void Wheel(const char* name, int angle) const {
+        const QPointF place = PlaceOf(name);
+        QWheelEvent event(place, Window()->mapToGlobal(place), {}, {0, angle}, {}, {}, Qt::NoScrollPhase,
+                          false);
+        QCoreApplication::sendEvent(Handle(), &event);
     }
 
     forms::Form form{u"dlgSample", TheDesktop().Loop(), TheDesktop().Toolkit()};
