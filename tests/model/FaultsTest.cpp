@@ -129,8 +129,10 @@ Steps OrderOf(const Fault& fault, const State& state) {
 
 // In words, what the operator has seen by the end.
 std::string OutcomeOf(const Fault& fault, const State& state) {
+    const auto [trouble, all] = Play(OrderOf(fault, state));
+    EXPECT_EQ(trouble, "") << fault.name << " " << state.name << "\n" << all;
+    std::string log = all;
     // Without the lookups at the beginning and at the end.
-    std::string log = Play(OrderOf(fault, state)).log;
     log = log.substr(log.find("close the box"), log.find("a last lookup") - log.find("close the box"));
     const auto count = [&](const std::string& words) {
         int found = 0;

@@ -43,7 +43,7 @@ constexpr Kind kinds[] = {
     {Act::RegisterOther, "register by another", 1, 0},
     {Act::Release, "release", 2, 2},
     {Act::ReleaseOther, "release of another", 1, 2},
-    {Act::Die, "die", 2, 2},
+    {Act::Die, "die", 2, 3},
     {Act::GetStuck, "get stuck", 1, 2},
     {Act::Wake, "wake", 1, 3},
     {Act::Pass, "pass", int(std::size(spans)), 20},
@@ -84,6 +84,8 @@ const std::vector<Step>& AllSteps() {
         for (const Kind& kind : kinds)
             for (int n = 0; n < kind.count; ++n)
                 steps.insert(steps.end(), std::size_t(kind.weight), {kind.act, n});
+        for (const AnswerKind answer : {AnswerKind::Read, AnswerKind::Set, AnswerKind::Refused})
+            steps.insert(steps.end(), 10, {Act::CallBack, Of(answer, LoginKind::Current)});
         return steps;
     }();
     return all;
