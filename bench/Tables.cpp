@@ -9,7 +9,7 @@
 #include "language/MessageTable.h"
 #include "pictures/comPicture.h"
 #include "platform/data/sqlite/SqliteEngine.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace {
 

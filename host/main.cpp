@@ -11,10 +11,10 @@
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/automation/dbus/SessionBusNames.h"
 #include "platform/data/sqlite/SqliteEngine.h"
-#include "platform/desktop/Paths.h"
-#include "platform/desktop/ProgramFile.h"
-#include "platform/desktop/qt/QtDesktop.h"
+#include "platform/qt/QtDesktop.h"
 #include "platform/runtime/Guard.h"
+#include "platform/runtime/Paths.h"
+#include "platform/runtime/ProgramFile.h"
 
 namespace switchdesk {
 

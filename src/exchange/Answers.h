@@ -1,9 +1,9 @@
 // The judging of answers.
 #pragma once
 
+#include "common/ModuleData.h"
 #include "platform/runtime/Format.h"
 #include "request/cListRequest.h"
-#include "shell/ModuleData.h"
 
 namespace horalink {
 

@@ -6,8 +6,8 @@
 #include <set>
 
 #include "clock/Layout.h"
+#include "common/ModuleData.h"
 #include "request/cListRequest.h"
-#include "shell/ModuleData.h"
 
 namespace horalink {
 

@@ -8,8 +8,8 @@
 #include "clock/Layout.h"
 #include "clock/TimeField.h"
 #include "clock/Tracking.h"
+#include "common/ModuleData.h"
 #include "exchange/RoundTrip.h"
-#include "shell/ModuleData.h"
 
 namespace horalink {
 

@@ -2,8 +2,8 @@
 
 #include <memory>
 
+#include "common/FatalNotice.h"
 #include "language/ControlFonts.h"
-#include "language/FatalNotice.h"
 #include "language/TextTokens.h"
 
 namespace horalink {

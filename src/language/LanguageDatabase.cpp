@@ -1,6 +1,6 @@
 #include "language/LanguageDatabase.h"
 
-#include "language/FatalNotice.h"
+#include "common/FatalNotice.h"
 
 namespace horalink {
 

@@ -1,6 +1,6 @@
 #include "language/LanguageMsgBox.h"
 
-#include "language/FatalNotice.h"
+#include "common/FatalNotice.h"
 #include "language/MsgBoxButtons.h"
 #include "language/TextTokens.h"
 

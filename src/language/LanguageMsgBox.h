@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
+#include "common/ModuleData.h"
 #include "platform/runtime/Value.h"
-#include "shell/ModuleData.h"
 
 namespace horalink {
 

@@ -1,6 +1,6 @@
 #include "language/MessageTable.h"
 
-#include "language/FatalNotice.h"
+#include "common/FatalNotice.h"
 
 namespace horalink {
 
@@ -26,12 +26,6 @@ void Read(std::vector<Text>& texts, Recordset& rows) {
 }
 
 }  // namespace
-
-const Text& MessageTexts::operator[](std::size_t index) const {
-    if (index >= texts.size())
-        throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "message " + std::to_string(index));
-    return texts[index];
-}
 
 void TakeButtonTexts(const MessageTexts& messages, ButtonTexts& buttons) {
     std::size_t index = message::firstButton;

@@ -1,7 +1,7 @@
 // The add-in's entry in the family's register.
 #pragma once
 
-#include "shell/ModuleData.h"
+#include "common/ModuleData.h"
 
 namespace horalink {
 

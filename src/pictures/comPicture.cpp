@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "language/FatalNotice.h"
+#include "common/FatalNotice.h"
 
 namespace horalink {
 

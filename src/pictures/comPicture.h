@@ -1,8 +1,8 @@
 // Pictures of a form as data, and the numbered background sets that replace them.
 #pragma once
 
+#include "common/ModuleData.h"
 #include "platform/runtime/Collection.h"
-#include "shell/ModuleData.h"
 
 namespace horalink {
 

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "shell/TypeLibrary.h"
+#include "common/TypeLibrary.h"
 
 namespace horalink {
 

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "shell/ModuleData.h"
+#include "common/ModuleData.h"
 
 namespace horalink {
 

@@ -1,7 +1,7 @@
 #include "shell/cOLELayer.h"
 
+#include "common/TypeLibrary.h"
 #include "exchange/dlgAddin.h"
-#include "shell/TypeLibrary.h"
 
 namespace horalink {
 

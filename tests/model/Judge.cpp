@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "language/FatalNotice.h"
+#include "common/FatalNotice.h"
 #include "request/cListRequest.h"
 
 namespace model {

@@ -1,7 +1,7 @@
 #include <ctime>
 
 #include "QtFixture.h"
-#include "platform/forms/qt/CalendarWidget.h"
+#include "platform/qt/CalendarWidget.h"
 
 namespace platform {
 namespace {

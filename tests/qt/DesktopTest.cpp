@@ -2,8 +2,8 @@
 #include "../unit/Joined.h"
 #include "../unit/TemporaryDirectory.h"
 #include "QtFixture.h"
-#include "platform/desktop/qt/QtLocale.h"
-#include "platform/desktop/qt/QtPictureFiles.h"
+#include "platform/qt/QtLocale.h"
+#include "platform/qt/QtPictureFiles.h"
 
 namespace platform {
 namespace {

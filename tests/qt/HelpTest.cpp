@@ -6,7 +6,7 @@
 #include "../unit/TemporaryDirectory.h"
 #include "QtFixture.h"
 #include "platform/desktop/MessageBoxButtons.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace platform {
 namespace {

@@ -6,8 +6,8 @@
 #include <cmath>
 
 #include "QtFixture.h"
-#include "platform/forms/qt/Look.h"
-#include "platform/forms/qt/Twips.h"
+#include "platform/qt/Look.h"
+#include "platform/qt/Twips.h"
 
 namespace platform {
 namespace {

@@ -14,8 +14,8 @@
 
 #include "../unit/Table.h"
 #include "platform/data/sqlite/SqliteEngine.h"
-#include "platform/desktop/qt/QtDesktop.h"
-#include "platform/desktop/qt/QtText.h"
+#include "platform/qt/QtDesktop.h"
+#include "platform/qt/QtText.h"
 
 namespace platform {
 

@@ -1,4 +1,4 @@
-#include "platform/desktop/ProgramFile.h"
+#include "platform/runtime/ProgramFile.h"
 
 #include <iostream>
 

@@ -10,7 +10,7 @@
 #include "Table.h"
 #include "TemporaryDirectory.h"
 #include "platform/desktop/IniSettings.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace platform {
 namespace {

@@ -8,6 +8,7 @@
 #include "harness/SmallTexts.h"
 #include "language/LanguageDatabase.h"
 #include "language/LanguageMsgBox.h"
+#include "language/MessageTable.h"
 #include "language/MsgBoxButtons.h"
 #include "language/TextTokens.h"
 

@@ -11,7 +11,7 @@
 #include "horalink-setup/Services.h"
 #include "horalink-setup/SettingsStore.h"
 #include "horalink-setup/UserTree.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace setup {
 

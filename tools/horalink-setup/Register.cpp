@@ -1,6 +1,6 @@
 #include "horalink-setup/Register.h"
 
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace setup {
 

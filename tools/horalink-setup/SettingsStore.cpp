@@ -5,7 +5,7 @@
 
 #include "horalink-setup/Files.h"
 #include "horalink-setup/Market.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace setup {
 

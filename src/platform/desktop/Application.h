@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "platform/automation/Automation.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 #include "platform/runtime/Text.h"
 
 namespace platform {

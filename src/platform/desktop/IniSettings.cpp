@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/desktop/IniText.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace platform {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/data/sqlite/SqliteEngine.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 #include "source/Literals.h"
 #include "store/Schema.h"
 

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <utility>
 
-#include "language/FatalNotice.h"
+#include "common/FatalNotice.h"
 
 namespace lng {
 

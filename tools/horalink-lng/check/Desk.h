@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
+#include "common/ModuleData.h"
 #include "platform/headless/Headless.h"
-#include "shell/ModuleData.h"
 
 namespace lng {
 

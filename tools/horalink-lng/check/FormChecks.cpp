@@ -10,7 +10,7 @@
 #include "check/TextChecks.h"
 #include "language/FormTexts.h"
 #include "pictures/comPicture.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace lng {
 

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "platform/data/Database.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace platform {
 

@@ -1,0 +1,57 @@
+// The window of a message box and of a wait box.
+#pragma once
+
+#include <QDialog>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "platform/qt/BoxIcons.h"
+#include "platform/runtime/Text.h"
+
+class QLayout;
+
+namespace platform {
+
+struct BoxContent {
+    struct Button {
+        TextView text;
+        std::int16_t answer;
+    };
+
+    TextView title, prompt;
+    BoxSign sign = BoxSign::None;
+    std::vector<Button> buttons;
+    std::size_t defaultButton = 0;                  // counted over the buttons, then the help button
+    std::int16_t escapeAnswer = 0;                  // what Escape and closing answer; 0 where they do nothing
+    TextView helpButton;                            // empty where there is none
+    std::function<void(QWidget& beside)> showHelp;  // for F1 and the help button, which is dead without it
+    bool onTop = false;
+    bool alignRight = false;
+    bool rightToLeft = false;
+};
+
+// Stands over the program's active window without being its child: a form that goes away while a box is
+// open leaves the box to its caller. The answer is the dialog's result.
+class BoxDialog : public QDialog {
+  public:
+    explicit BoxDialog(const BoxContent& content);
+
+    // Shows the box in front of the program's windows.
+    void Present();
+
+    void reject() override;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    QLayout* MakePrompt(const BoxContent& content);
+    QLayout* MakeButtons(const BoxContent& content);
+    void PlaceOver(QWidget& window);
+
+    std::int16_t escapeAnswer_;
+    std::function<void(QWidget& beside)> showHelp_;
+};
+
+}  // namespace platform

@@ -1,0 +1,37 @@
+// A check box.
+#pragma once
+
+#include <QCheckBox>
+
+#include "platform/qt/ControlView.h"
+#include "platform/qt/FocusRing.h"
+
+namespace platform::forms {
+
+// Draws its indicator, and its caption where there is room for one. A label that shows its text instead is
+// inside the ring of the focus.
+class CheckWidget : public QCheckBox, public TypedView<CheckBox> {
+  public:
+    CheckWidget(CheckBox& control, QWidget& parent);
+    QWidget& Widget() override { return *this; }
+
+  protected:
+    void SyncOwn() override;
+    QString Caption() const override;
+    bool ShowsCaption() const override { return CaptionRect().width() > 0; }
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    bool hitButton(const QPoint& position) const override { return rect().contains(position); }
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    QRect CaptionRect() const;
+    void SyncRing();
+    void PaintIndicator(QPainter& painter, const QRect& box) const;
+
+    QString caption_;  // not the widget's own text, in which "&" would mark a letter
+    Color backColor_ = 0;
+    FocusRing* ring_ = nullptr;  // the window's, where there is a label
+};
+
+}  // namespace platform::forms

@@ -1,0 +1,60 @@
+#include "platform/qt/LabelWidget.h"
+
+#include <QPainter>
+#include <QTextLayout>
+#include <algorithm>
+
+#include "platform/qt/Look.h"
+#include "platform/qt/QtText.h"
+
+namespace platform::forms {
+
+namespace {
+
+constexpr double usualAscent = 0.905;  // of Latin fonts, in parts of their size
+
+// Chinese and Japanese letters have taller fonts, in which a line would hang lower than what stands beside
+// it.
+int ExtraAscent(const QString& text, const QFont& font) {
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    return line.isValid() ? std::max(0, qRound(line.ascent() - usualAscent * font.pixelSize())) : 0;
+}
+
+}  // namespace
+
+void LabelWidget::SyncOwn() {
+    const Label& control = Typed();
+    Shown next{Caption(),     ToQt(*control.Font), control.Border,   control.Opaque,
+               control.Align, control.BackColor,   control.ForeColor};
+    if (next == shown_) return;
+    shown_ = std::move(next);
+    update();
+}
+
+QString LabelWidget::Caption() const {
+    return platform::ToShow(Typed().Caption());
+}
+
+// What a transparent frame encloses is a shade lighter than the form around it.
+QColor LabelWidget::Fill() const {
+    if (shown_.opaque) return ToQt(shown_.backColor);
+    return shown_.border ? QColor::fromRgba(look::veil) : QColor(Qt::transparent);
+}
+
+void LabelWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    if (shown_.border)
+        DrawBox(painter, rect(), Fill(), shown_.opaque ? look::lineField : look::lineSoft);
+    else
+        painter.fillRect(rect(), Fill());
+    painter.setFont(shown_.font);
+    painter.setPen(isEnabled() ? ToQt(shown_.foreColor) : QColor(look::inkDisabled));
+    // One pixel down, the line stands level with that of a borderless text box in the same place.
+    painter.drawText(rect().adjusted(0, 1 - ExtraAscent(shown_.caption, shown_.font), 0, 0),
+                     static_cast<int>(ToQt(shown_.align)) | Qt::TextWordWrap, shown_.caption);
+}
+
+}  // namespace platform::forms

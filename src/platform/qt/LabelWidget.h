@@ -1,0 +1,34 @@
+// A label.
+#pragma once
+
+#include "platform/qt/ControlView.h"
+
+namespace platform::forms {
+
+class LabelWidget : public QWidget, public TypedView<Label> {
+  public:
+    LabelWidget(Label& control, QWidget& parent) : QWidget(&parent), TypedView(control) {}
+    QWidget& Widget() override { return *this; }
+    // True without a caption, for what encloses other controls.
+    bool IsFrame() const { return shown_.caption.isEmpty(); }
+
+  protected:
+    void SyncOwn() override;
+    QString Caption() const override;
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    struct Shown {
+        QString caption;
+        QFont font;
+        bool border = false, opaque = false;
+        Alignment align = Alignment::Left;
+        Color backColor = 0, foreColor = 0;
+        friend bool operator==(const Shown&, const Shown&) = default;
+    };
+    QColor Fill() const;
+
+    Shown shown_;
+};
+
+}  // namespace platform::forms

@@ -1,0 +1,116 @@
+#include "platform/qt/QtDesktop.h"
+
+#include <malloc.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QPixmapCache>
+#include <QStyleFactory>
+#include <cstdio>
+
+#include "platform/qt/FontStart.h"
+#include "platform/qt/Look.h"
+#include "platform/qt/QtEventLoop.h"
+#include "platform/qt/QtHelp.h"
+#include "platform/qt/QtLocale.h"
+#include "platform/qt/QtMessageBoxes.h"
+#include "platform/qt/QtPictureFiles.h"
+#include "platform/qt/QtScreen.h"
+#include "platform/qt/QtToolkit.h"
+#include "platform/qt/QtWaitBoxes.h"
+
+namespace platform {
+
+namespace {
+
+const char* programName = "";
+
+// Qt ends a process that has no display with abort(), a core dump and a page of advice. This is put in its
+// place for as long as the display is being opened.
+void TellThatDisplayFailed(QtMsgType type, const QMessageLogContext&, const QString&) {
+    if (type != QtFatalMsg) return;
+    const QByteArray display = qEnvironmentVariableIsSet("QT_QPA_PLATFORM") ? qgetenv("QT_QPA_PLATFORM")
+                               : qEnvironmentVariableIsSet("DISPLAY")       ? qgetenv("DISPLAY")
+                                                                            : qgetenv("WAYLAND_DISPLAY");
+    std::fprintf(stderr, "%s: can't open the display \"%s\"\n", programName, display.constData());
+    _exit(1);
+}
+
+void RequireDisplay() {
+    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (!qEnvironmentVariableIsEmpty(variable)) return;
+    throw RuntimeError(ErrorNumber::AutomationError,
+                       "there is no display to open the dialog on (DISPLAY and WAYLAND_DISPLAY are not set)");
+}
+
+// The threads of the toolkit, the display and the bus do little, and each would get a heap of its own.
+void ShareOneHeap() {
+    mallopt(M_ARENA_MAX, 1);
+}
+
+// The look is the program's own on every desktop, so that no theme needs to be found and loaded.
+void PrepareApplication() {
+    QApplication::setDesktopSettingsAware(false);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+}
+
+class Desktop : public QtDesktop {
+  public:
+    Desktop(char* program, const Application& application, DatabaseEngine& engine)
+        : arguments_{program, nullptr},
+          application_(argumentCount_, arguments_),
+          help_(application, engine),
+          boxes_(application, help_),
+          waits_(application),
+          toolkit_(help_, loop_.Input()),
+          pictures_(application.spellings) {
+        const QString name = QFileInfo(QString::fromLocal8Bit(program)).fileName();
+        QApplication::setApplicationName(name);
+        QApplication::setDesktopFileName(name);
+        QApplication::setPalette(forms::LightPalette());
+        QApplication::setFont(forms::DialogFont());
+        // The style keeps pictures of each box's buttons and never finds them again, up to 10 MiB of them.
+        QPixmapCache::setCacheLimit(0);
+    }
+
+    EventLoop& Loop() override { return loop_; }
+    MessageBoxes& Boxes() override { return boxes_; }
+    WaitBoxes& Waits() override { return waits_; }
+    Screen& TheScreen() override { return screen_; }
+    const LocaleTexts& Locale() const override { return locale_; }
+    forms::Toolkit& Toolkit() override { return toolkit_; }
+    const PictureFiles& Pictures() const override { return pictures_; }
+
+  private:
+    FontStart fonts_;
+    // Qt gets the program's name alone: all that stands behind it may be the name of an exchange, also
+    // where it looks like one of Qt's own options.
+    int argumentCount_ = 1;
+    char* arguments_[2];
+    QApplication application_;
+    QtEventLoop loop_;
+    QtHelp help_;
+    QtMessageBoxes boxes_;
+    QtWaitBoxes waits_;
+    QtScreen screen_;
+    QtLocale locale_;
+    forms::QtToolkit toolkit_;
+    QtPictureFiles pictures_;
+};
+
+}  // namespace
+
+std::unique_ptr<QtDesktop> OpenDesktop(int& argc, char** argv, const Application& application,
+                                       DatabaseEngine& engine) {
+    RequireDisplay();
+    programName = argc > 0 ? argv[0] : "";
+    ShareOneHeap();
+    PrepareApplication();
+    const QtMessageHandler previous = qInstallMessageHandler(TellThatDisplayFailed);
+    auto desktop = std::make_unique<Desktop>(argv[0], application, engine);
+    qInstallMessageHandler(previous);
+    return desktop;
+}
+
+}  // namespace platform

@@ -1,0 +1,106 @@
+#include "platform/qt/SpinWidget.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+#include <cstdlib>
+#include <utility>
+
+#include "platform/qt/Look.h"
+
+namespace platform::forms {
+
+// While the mouse has left the arrow that it holds, the steps pause.
+SpinWidget::SpinWidget(UpDown& control, QWidget& parent)
+    : QWidget(&parent),
+      TypedView(control),
+      repeater_([this] { return held_ != under_ || StepIfOperable(*held_); }) {
+    setFocusPolicy(Qt::TabFocus);
+    setMouseTracking(true);
+}
+
+QRect SpinWidget::RectOf(Direction direction) const {
+    const int middle = height() / 2;
+    return direction == Direction::Up ? QRect(0, 0, width(), middle)
+                                      : QRect(0, middle + 1, width(), height() - middle - 1);
+}
+
+std::optional<Direction> SpinWidget::DirectionAt(QPoint place) const {
+    for (const Direction direction : {Direction::Up, Direction::Down})
+        if (RectOf(direction).contains(place)) return direction;
+    return {};
+}
+
+void SpinWidget::PointAt(std::optional<Direction> direction) {
+    if (std::exchange(under_, direction) != direction) update();
+}
+
+void SpinWidget::LetGo() {
+    repeater_.Stop();
+    if (std::exchange(held_, std::nullopt)) update();
+}
+
+bool SpinWidget::StepIfOperable(Direction direction) {
+    if (!IsOperable()) return false;
+    const auto alive = KeepWindow();
+    Step(Typed(), direction);
+    return IsOperable();
+}
+
+bool SpinWidget::event(QEvent* event) {
+    if (EndsHolding(*event)) LetGo();
+    if (event->type() == QEvent::Leave) PointAt(std::nullopt);
+    if (event->type() == QEvent::EnabledChange) update();
+    return QWidget::event(event);
+}
+
+void SpinWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    PointAt(DirectionAt(event->position().toPoint()));
+    held_ = under_;
+    if (!held_) return;
+    update();
+    repeater_.Start();
+}
+
+void SpinWidget::mouseMoveEvent(QMouseEvent* event) {
+    PointAt(DirectionAt(event->position().toPoint()));
+}
+
+void SpinWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) LetGo();
+}
+
+void SpinWidget::keyPressEvent(QKeyEvent* event) {
+    if (const auto direction = StepOf(*event))
+        StepIfOperable(*direction);
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void SpinWidget::wheelEvent(QWheelEvent* event) {
+    const int steps = wheel_.Take(*event);
+    const auto alive = KeepWindow();
+    for (int i = 0; i < std::abs(steps); ++i) StepIfOperable(steps > 0 ? Direction::Up : Direction::Down);
+}
+
+void SpinWidget::PaintHalf(QPainter& painter, Direction direction) const {
+    const QRect half = RectOf(direction);
+    const bool pressed = held_ == direction && under_ == direction;
+    if (isEnabled() && under_ == direction && (!held_ || pressed))
+        painter.fillRect(half.adjusted(1, 1, -1, -1), QColor(pressed ? look::facePressed : look::faceHover));
+    DrawArrow(painter, half, direction == Direction::Up ? Arrow::Up : Arrow::Down,
+              isEnabled() ? look::ink : look::inkDisabled);
+}
+
+void SpinWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QColor outline = isEnabled() ? look::line : look::lineSoft;
+    DrawBox(painter, rect(), isEnabled() ? look::face : look::faceDisabled, outline);
+    painter.fillRect(QRect(1, height() / 2, width() - 2, 1), outline);
+    PaintHalf(painter, Direction::Up);
+    PaintHalf(painter, Direction::Down);
+    if (hasFocus()) DrawFocus(painter, rect());
+}
+
+}  // namespace platform::forms
