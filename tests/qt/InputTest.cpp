@@ -82,9 +82,9 @@ TEST_F(InputTest, PressAndReleaseAreRefusedAsOne) {
     EXPECT_FALSE(shown.isDown()) << "nothing stays pressed on a form that is disabled";
     form.Enabled = true;
     release();
-    EXPECT_EQ(log, "key ");
+    EXPECT_EQ(log, "");
     press(), release();
-    EXPECT_EQ(log, "key key click ");
+    EXPECT_EQ(log, "click ");
 }
 
 TEST_F(InputTest, ABoxShowsWhatTheModelSays) {
@@ -154,7 +154,7 @@ TEST_F(InputTest, EventsMayTakeTheFormAway) {
         {[&] { calendar.NewMonth = away; }, "Next month", {}},
         {[&] { minute.GotFocus = away; }, "txtMinute", {}},
         // The button has a handler too, but doesn't see the key any more.
-        {[&] { form.KeyDown = away; }, "cmdButton", Qt::Key_Return}};
+        {[&] { form.KeyDown = away; }, "cmdButton", Qt::Key_F1}};
     for (const auto& [handle, widget, key] : cases) {
         handle();
         Show();

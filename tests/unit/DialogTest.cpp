@@ -179,10 +179,10 @@ TEST_F(DialogTest, HelpIsOfferedOnTheRightControlsByTheRightButton) {
         ASSERT_EQ(bool(control->MouseUp), topic != 0) << ToUtf8(control->Name());
         if (topic == 0) continue;
         for (const auto other : {forms::MouseButton::Left, forms::MouseButton::Middle}) {
-            control->MouseUp(other, 0, 0, 0);
+            control->MouseUp(other);
             EXPECT_EQ(window.popped, nullptr) << ToUtf8(control->Name());
         }
-        control->MouseUp(forms::MouseButton::Right, 0, 0, 0);
+        control->MouseUp(forms::MouseButton::Right);
         EXPECT_EQ(std::exchange(window.popped, nullptr), Controls().mnuWhatsThis);
         Controls().itmWhatsThis->Click();
         EXPECT_EQ(window.topic, topic) << ToUtf8(control->Name());
@@ -246,7 +246,7 @@ TEST_F(DialogTest, FlowIsSwitchedAtTheHostAndOnlyF1AsksItForHelp) {
     desk.Calls();
     Call(dialog, "BackGround", 3);
     EXPECT_EQ(desk.Calls().at(0), "rows 8 Select * From PictureFileName Where  ID = 3");
-    for (const std::int16_t key : std::vector<std::int16_t>{111, 113, 112}) Window().KeyDown(key, 0);
+    for (const std::int16_t key : std::vector<std::int16_t>{111, 113, 112}) Window().KeyDown(key);
     EXPECT_EQ(host->Calls(), (Notes{"TurnOnFlow", "TurnOffFlow", "DisplayHelp Horalink.hlp"}));
 }
 
@@ -397,7 +397,7 @@ TEST_F(StandaloneTest, ConnectsByTheCommandLineAndWorksWithoutAHostObject) {
     Click(button::lookup);
     EXPECT_EQ(desk.Boxes(), Notes{"login failed|48|login title|-|0"});
     host->Calls();
-    Window().KeyDown(112, 0);
+    Window().KeyDown(112);
     Click(button::hide);
     EXPECT_FALSE(Window().IsLoaded());
     EXPECT_EQ(host->Calls(), Notes{"LogOut Main C1"}) << "the key of the connection";

@@ -39,7 +39,7 @@ class Control : public Object, public Watched {
     std::int32_t WhatsThisHelpID = 0;
 
     // Events. X and y are twips from the control's corner.
-    std::function<void(MouseButton button, std::int16_t shift, float x, float y)> MouseUp;
+    std::function<void(MouseButton button)> MouseUp;
     std::function<void()> GotFocus, LostFocus;
 
   protected:

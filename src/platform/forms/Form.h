@@ -33,6 +33,8 @@ class Toolkit {
     virtual std::unique_ptr<View> MakeView(Form& form) = 0;
 };
 
+inline constexpr std::int16_t keyF1 = 112;
+
 class Form : public Object, public Watched {
   public:
     Form(Text name, Scheduler& scheduler, Toolkit& toolkit);
@@ -68,7 +70,7 @@ class Form : public Object, public Watched {
     // Events. Load runs when the form is loaded, Unloading before it goes; True in `cancel` keeps it.
     std::function<void()> Loading;
     std::function<void(bool& cancel)> Unloading;
-    std::function<void(std::int16_t keyCode, std::int16_t shift)> KeyDown;  // before the controls see it
+    std::function<void(std::int16_t keyCode)> KeyDown;  // for F1 alone, before the controls see it
     // For the owner of the process: the form has gone.
     std::function<void()> Unloaded;
 

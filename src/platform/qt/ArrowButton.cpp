@@ -1,42 +1,42 @@
 #include "platform/qt/ArrowButton.h"
 
-#include <QMouseEvent>
+#include <QEvent>
 #include <QPainter>
+#include <QPointer>
 
 namespace platform::forms {
 
-// The base class answers the keyboard; its own repeating goes on under a box, so the mouse is answered here.
-ArrowButton::ArrowButton(Arrow arrow, const std::function<bool()>& step, QWidget& parent)
-    : QAbstractButton(&parent), arrow_(arrow), repeater_([this, step] { return !isDown() || step(); }) {
+namespace {
+
+constexpr int firstPause = 400, pause = 100;  // milliseconds
+
+bool EndsHolding(const QEvent& event) {
+    return event.type() == QEvent::Hide || event.type() == QEvent::WindowBlocked ||
+           event.type() == QEvent::WindowDeactivate;
+}
+
+}  // namespace
+
+HeldButton::HeldButton(QWidget& parent, const std::function<bool()>& step) : QAbstractButton(&parent) {
     setFocusPolicy(Qt::TabFocus);
-    setAttribute(Qt::WA_Hover);
     setMouseTracking(true);
-    connect(this, &QAbstractButton::clicked, this, [step] { step(); });
+    setAutoRepeat(true);
+    setAutoRepeatDelay(firstPause);
+    setAutoRepeatInterval(pause);
+    connect(this, &QAbstractButton::pressed, this, [this, step] {
+        const QPointer<HeldButton> alive(this);
+        if (!step() && alive) setDown(false);
+    });
 }
 
-void ArrowButton::LetGo() {
-    repeater_.Stop();
-    setDown(false);
-}
-
-bool ArrowButton::event(QEvent* event) {
-    if (EndsHolding(*event)) LetGo();
+bool HeldButton::event(QEvent* event) {
+    if (EndsHolding(*event)) setDown(false);
     return QAbstractButton::event(event);
 }
 
-void ArrowButton::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) return event->ignore();
-    setDown(true);
-    repeater_.Start();
-}
-
-void ArrowButton::mouseMoveEvent(QMouseEvent* event) {
-    if (!repeater_.IsRunning()) return event->ignore();  // for the calendar, which the mouse has left
-    setDown(rect().contains(event->position().toPoint()));
-}
-
-void ArrowButton::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) LetGo();
+ArrowButton::ArrowButton(Arrow arrow, const std::function<bool()>& step, QWidget& parent)
+    : HeldButton(parent, step), arrow_(arrow) {
+    setAttribute(Qt::WA_Hover);
 }
 
 void ArrowButton::paintEvent(QPaintEvent*) {

@@ -1,30 +1,33 @@
-// A flat button with an arrow, which steps for as long as it is held.
+// A flat button with an arrow, and what it shares with a spin control: a step at the press, and further ones
+// for as long as it is held.
 #pragma once
 
 #include <QAbstractButton>
+#include <functional>
 
 #include "platform/qt/Look.h"
-#include "platform/qt/Repeater.h"
 
 namespace platform::forms {
 
-class ArrowButton : public QAbstractButton {
+// Steps stop for good where a box or another window comes in front, and pause where the mouse leaves.
+class HeldButton : public QAbstractButton {
   public:
-    // `step` tells whether holding the button may go on.
-    ArrowButton(Arrow arrow, const std::function<bool()>& step, QWidget& parent);
+    // `step` returns whether to go on; it may take the button away.
+    HeldButton(QWidget& parent, const std::function<bool()>& step);
 
   protected:
     bool event(QEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
+};
+
+class ArrowButton : public HeldButton {
+  public:
+    ArrowButton(Arrow arrow, const std::function<bool()>& step, QWidget& parent);
+
+  protected:
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    void LetGo();
-
     Arrow arrow_;
-    Repeater repeater_;
 };
 
 }  // namespace platform::forms

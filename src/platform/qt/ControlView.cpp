@@ -6,7 +6,6 @@
 #include "platform/qt/CheckWidget.h"
 #include "platform/qt/EditWidget.h"
 #include "platform/qt/ImageWidget.h"
-#include "platform/qt/KeyCodes.h"
 #include "platform/qt/LabelWidget.h"
 #include "platform/qt/PushWidget.h"
 #include "platform/qt/QtText.h"
@@ -109,8 +108,7 @@ void ControlView::Act(std::function<void()> act) {
 void ControlView::MouseReleased(const QMouseEvent& event) {
     const std::int16_t button = ButtonOf(event.button());
     if (button == 0 || !IsOperable()) return;
-    Raise(control_->MouseUp, static_cast<MouseButton>(button), ShiftOf(event.modifiers()),
-          ToTwips(event.position().x()), ToTwips(event.position().y()));
+    Raise(control_->MouseUp, static_cast<MouseButton>(button));
 }
 
 }  // namespace platform::forms

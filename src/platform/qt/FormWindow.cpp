@@ -16,7 +16,6 @@
 #include "platform/qt/ControlView.h"
 #include "platform/qt/Drawing.h"
 #include "platform/qt/InputEvents.h"
-#include "platform/qt/KeyCodes.h"
 #include "platform/qt/Look.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/Twips.h"
@@ -252,8 +251,7 @@ void FormWindow::Deliver(QEvent& event) {
 }
 
 void FormWindow::KeyPressed(const QKeyEvent& event) {
-    if (const std::int16_t code = KeyCodeOf(event); code != 0)
-        Raise(form_->KeyDown, code, ShiftOf(event.modifiers()));
+    if (event.key() == Qt::Key_F1) Raise(form_->KeyDown, keyF1);
     if (form_ && IsMenuKey(event)) AskForMenu();
 }
 

@@ -10,14 +10,8 @@
 
 namespace platform::forms {
 
-// While the mouse has left the arrow that it holds, the steps pause.
 SpinWidget::SpinWidget(UpDown& control, QWidget& parent)
-    : QWidget(&parent),
-      TypedView(control),
-      repeater_([this] { return held_ != under_ || StepIfOperable(*held_); }) {
-    setFocusPolicy(Qt::TabFocus);
-    setMouseTracking(true);
-}
+    : HeldButton(parent, [this] { return StepIfOperable(*held_); }), TypedView(control) {}
 
 QRect SpinWidget::RectOf(Direction direction) const {
     const int middle = height() / 2;
@@ -35,11 +29,6 @@ void SpinWidget::PointAt(std::optional<Direction> direction) {
     if (std::exchange(under_, direction) != direction) update();
 }
 
-void SpinWidget::LetGo() {
-    repeater_.Stop();
-    if (std::exchange(held_, std::nullopt)) update();
-}
-
 bool SpinWidget::StepIfOperable(Direction direction) {
     if (!IsOperable()) return false;
     const auto alive = KeepWindow();
@@ -48,27 +37,23 @@ bool SpinWidget::StepIfOperable(Direction direction) {
 }
 
 bool SpinWidget::event(QEvent* event) {
-    if (EndsHolding(*event)) LetGo();
     if (event->type() == QEvent::Leave) PointAt(std::nullopt);
-    if (event->type() == QEvent::EnabledChange) update();
-    return QWidget::event(event);
+    return HeldButton::event(event);
+}
+
+bool SpinWidget::hitButton(const QPoint& place) const {
+    return held_ && held_ == DirectionAt(place);
 }
 
 void SpinWidget::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) return;
     PointAt(DirectionAt(event->position().toPoint()));
-    held_ = under_;
-    if (!held_) return;
-    update();
-    repeater_.Start();
+    if (event->button() == Qt::LeftButton) held_ = under_;
+    HeldButton::mousePressEvent(event);
 }
 
 void SpinWidget::mouseMoveEvent(QMouseEvent* event) {
     PointAt(DirectionAt(event->position().toPoint()));
-}
-
-void SpinWidget::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) LetGo();
+    HeldButton::mouseMoveEvent(event);
 }
 
 void SpinWidget::keyPressEvent(QKeyEvent* event) {
@@ -86,8 +71,8 @@ void SpinWidget::wheelEvent(QWheelEvent* event) {
 
 void SpinWidget::PaintHalf(QPainter& painter, Direction direction) const {
     const QRect half = RectOf(direction);
-    const bool pressed = held_ == direction && under_ == direction;
-    if (isEnabled() && under_ == direction && (!held_ || pressed))
+    const bool pressed = isDown() && held_ == direction;
+    if (isEnabled() && under_ == direction && (!isDown() || pressed))
         painter.fillRect(half.adjusted(1, 1, -1, -1), QColor(pressed ? look::facePressed : look::faceHover));
     DrawArrow(painter, half, direction == Direction::Up ? Arrow::Up : Arrow::Down,
               isEnabled() ? look::ink : look::inkDisabled);

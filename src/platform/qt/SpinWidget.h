@@ -3,14 +3,14 @@
 
 #include <optional>
 
+#include "platform/qt/ArrowButton.h"
 #include "platform/qt/ControlView.h"
-#include "platform/qt/Repeater.h"
 #include "platform/qt/Stepping.h"
 
 namespace platform::forms {
 
 // Takes no focus by the mouse: what it steps is the box that has it.
-class SpinWidget : public QWidget, public TypedView<UpDown> {
+class SpinWidget : public HeldButton, public TypedView<UpDown> {
   public:
     SpinWidget(UpDown& control, QWidget& parent);
     QWidget& Widget() override { return *this; }
@@ -18,9 +18,9 @@ class SpinWidget : public QWidget, public TypedView<UpDown> {
   protected:
     void SyncOwn() override {}
     bool event(QEvent* event) override;
+    bool hitButton(const QPoint& place) const override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -29,12 +29,10 @@ class SpinWidget : public QWidget, public TypedView<UpDown> {
     QRect RectOf(Direction direction) const;
     std::optional<Direction> DirectionAt(QPoint place) const;
     void PointAt(std::optional<Direction> direction);
-    void LetGo();
     bool StepIfOperable(Direction direction);
     void PaintHalf(QPainter& painter, Direction direction) const;
 
     std::optional<Direction> held_, under_;  // the arrow that the mouse holds, and the one it is over
-    Repeater repeater_;
     WheelSteps wheel_;
 };
 
