@@ -1,10 +1,8 @@
-// Named values that the host keeps for its add-ins, in one file.
+// Named values that the host keeps for its add-ins, in one file that several hosts may share.
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <optional>
-#include <utility>
 
 #include "platform/runtime/Text.h"
 
@@ -20,14 +18,7 @@ class Store {
     void Set(const platform::Text& application, const platform::Text& key, const platform::Text& value);
 
   private:
-    using Name = std::pair<platform::Text, platform::Text>;  // application and key
-    using Values = std::map<Name, platform::Text>;
-
-    void Load();
-    void Save(const Values& values) const;
-
     std::filesystem::path file_;
-    Values values_;
 };
 
 // The user's own store: switchdesk/store.ini in the user's data directory.

@@ -71,11 +71,15 @@ TEST_F(SimulatedExchangeTest, ARefusedItemLeavesTheClockAlone) {
 TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {
     const TemporaryDirectory directory;
     const auto file = directory.Path() / "new/store.ini";
-    const Text kept = u"3150,2295\n[x]=\\";
-    Store store(file), nowhere("/proc/no/store.ini");
-    store.Set(u"A", u"k=[1]", kept);
-    store.Set(u"B", u"k=[1]", u"other");
-    EXPECT_EQ(Store(file).Get(u"A", u"k=[1]"), kept);
+    const Text kept = u" 3150,2295\n[x]=\\@\u00fc%";
+    Store store(file), other(file), nowhere("/proc/no/store.ini");
+    const std::pair<Text, Text> names[] = {
+        {u"A", u"k=[1]"}, {u"a", u"K=[1]"}, {u"A/k", u""}, {u"", u"A/k"}, {u"General", u"%"}};
+    for (const auto& [application, key] : names) store.Set(application, key, application + kept + key);
+    other.Set(u"B", u"k", u"of another host");
+    for (const auto& [application, key] : names)
+        EXPECT_EQ(Store(file).Get(application, key), application + kept + key) << ToUtf8(application);
+    EXPECT_EQ(store.Get(u"B", u"k"), u"of another host");
     EXPECT_EQ(store.Get(u"A", u"MOVE"), std::nullopt);
     EXPECT_THROW(nowhere.Set(u"A", u"K", u"v"), RuntimeError);
     EXPECT_EQ(nowhere.Get(u"A", u"K"), std::nullopt);
