@@ -68,49 +68,23 @@ Text ExchangeDesk::Connect(const Text& name, const ObjectRef& client) {
     return Open(Key(u"C", lastConnection_), name, false, client);
 }
 
-bool ExchangeDesk::Forced(const ForcedReply& reply) {
-    if (reply.kind == ForcedReply::Kind::Raise)
-        throw platform::RuntimeError(reply.number, u"The host was told to fail here");
-    if (reply.kind == ForcedReply::Kind::Hang) Hang();
-    return reply.kind == ForcedReply::Kind::Text;
-}
-
-void ExchangeDesk::Hang() {
-    observation_.log.Note("hangs");
-    while (!leaving_) loop_.ServeOnce();
-    throw platform::RuntimeError(platform::ErrorNumber::ServerGone);
-}
-
 Text ExchangeDesk::Login(const Text& name, const ObjectRef& client) {
-    const ForcedReply& reply = observation_.misbehaviour.login;
-    const bool forced = Forced(reply);
-    if (forced && IsRefusal(reply.text)) return reply.text;
+    const std::optional<Text>& forced = observation_.misbehaviour.login;
+    if (forced && IsRefusal(*forced)) return *forced;
     if (!Find(name)) return Text(error);
     if (IsBusy(name)) return Text(busy);
-    const Text key = Open(forced ? reply.text : Key(u"L", lastLogin_), name, true, client);
-    if (observation_.misbehaviour.callbackDuring == "login") CallBack(client, {{}, 0, {}, key, {}});
-    return key;
+    return Open(forced ? *forced : Key(u"L", lastLogin_), name, true, client);
 }
 
 Text ExchangeDesk::Send(const ObjectRef& record) {
-    const ForcedReply& reply = observation_.misbehaviour.send;
-    const bool forced = Forced(reply);
-    if (forced && IsRefusal(reply.text)) return reply.text;
     const Request request = ReadRequest(record);
     Session* session = FindLogin(request.loginId);
     if (!session || session->exchange != request.exchange || session->answer) return Text(error);
-    const Text accepted = forced ? reply.text : Key(u"R", lastRequest_);
-    if (observation_.misbehaviour.callbackDuring == "send") {
-        Deliver(request);
-    } else if (observation_.misbehaviour.answers) {
-        // Never from in here: the client counts on SendRequest having returned before CallBack comes.
-        session->answer = loop_.After(observation_.misbehaviour.answerDelay, [this, request] {
-            observation_.misbehaviour.LeaveAt("waiting", observation_.log);
-            Deliver(request);
-            observation_.misbehaviour.LeaveAt("answered", observation_.log);
-        });
-    }
-    return accepted;
+    // Never from in here: the client counts on SendRequest having returned before CallBack comes.
+    if (observation_.misbehaviour.answers)
+        session->answer =
+            loop_.After(observation_.misbehaviour.answerDelay, [this, request] { Deliver(request); });
+    return Key(u"R", lastRequest_);
 }
 
 void ExchangeDesk::LogOut(const Text& name, const Text& key) {
@@ -123,9 +97,7 @@ void ExchangeDesk::Deliver(const Request& request) {
     SimulatedExchange* exchange = Find(request.exchange);
     if (!session || !exchange) return;
     const ObjectRef client = session->client;
-    const Answer answer{exchange->Perform(request.items), 0, request.tag, request.loginId, {}};
-    CallBack(client, answer);
-    if (observation_.misbehaviour.answersTwice) CallBack(client, answer);
+    CallBack(client, {exchange->Perform(request.items), 0, request.tag, request.loginId, {}});
 }
 
 void ExchangeDesk::CallBack(const ObjectRef& client, Answer answer) {

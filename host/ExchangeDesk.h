@@ -36,9 +36,6 @@ class ExchangeDesk {
     // Ends a login or a connection. A request of it that is under way gets no answer any more.
     void LogOut(const platform::Text& name, const platform::Text& key);
 
-    // The host is about to end: a call that never answers is given up.
-    void Leave() { leaving_ = true; }
-
   private:
     struct Session {
         platform::Text key, exchange;
@@ -54,9 +51,6 @@ class ExchangeDesk {
     platform::Text Open(platform::Text key, const platform::Text& name, bool isLogin,
                         const platform::ObjectRef& client);
     void Close(const platform::Text& key);
-    // Carries out a reply that was forced on a call: True where its text is the call's result.
-    bool Forced(const ForcedReply& reply);
-    void Hang();
     void Deliver(const Request& request);
     void CallBack(const platform::ObjectRef& client, Answer answer);
 
@@ -65,7 +59,6 @@ class ExchangeDesk {
     std::vector<Named> exchanges_;
     std::list<Session> sessions_;
     int lastLogin_ = 0, lastConnection_ = 0, lastRequest_ = 0;
-    bool leaving_ = false;
 };
 
 }  // namespace switchdesk

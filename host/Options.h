@@ -1,6 +1,7 @@
 // The command line of the host.
 #pragma once
 
+#include <QStringList>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -24,8 +25,8 @@ struct Options {
     std::string ExchangeClass() const { return "SwitchDeskProj" + market + ".cPBXOle"; }
 };
 
-// Raises error 5, telling what is wrong, for arguments that can't be understood.
-Options ParseOptions(const std::vector<std::string>& arguments);
+// `arguments` begin with the program. Raises 5, saying what is wrong, for those that can't be understood.
+Options ParseOptions(const QStringList& arguments);
 
 std::string HelpText();
 

@@ -153,7 +153,6 @@ void Host::ChooseBackground(std::int16_t set) {
 
 // The add-in stores its position here as it goes: it is served until it has left.
 void Host::Leave() {
-    desk_.Leave();
     clockTick_ = nullptr;
     addIn_->Close();
     addIn_->WhenLeft([this] { loop_.Quit(); });
@@ -162,17 +161,21 @@ void Host::Leave() {
 void Host::RunAsService() {
     automation_.WhenInUse([this](bool inUse) {
         unused_ = nullptr;
-        if (inUse) return;
-        desk_.Leave();
-        loop_.Quit();
+        if (!inUse) loop_.Quit();
     });
     unused_ = loop_.After(unusedLimit, [this] { loop_.Quit(); });
     Serve();
     loop_.Run();
 }
 
+QStringList Arguments(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) arguments.push_back(QString::fromLocal8Bit(argv[i]));
+    return arguments;
+}
+
 int Run(int argc, char** argv) {
-    const Options options = ParseOptions({argv + 1, argv + argc});
+    const Options options = ParseOptions(Arguments(argc, argv));
     if (options.help) return std::fputs(HelpText().c_str(), stdout), 0;
     const platform::Application application = Describe();
     const auto engine = platform::MakeSqliteEngine({ProgramDirectory()});

@@ -127,9 +127,9 @@ ControlView* ViewAround(QWidget* widget) {
 
 QAccessibleInterface* Make(const QString&, QObject* object) {
     if (object == qApp) return new SpokenProgram;
+    if (auto* spin = dynamic_cast<SpinWidget*>(object)) return new SpokenSpin(*spin);
     if (auto* button = qobject_cast<QAbstractButton*>(object))
         if (ControlView* view = ViewAround(button)) return new SpokenButton(*button, *view);
-    if (auto* spin = dynamic_cast<SpinWidget*>(object)) return new SpokenSpin(*spin);
     if (auto* label = dynamic_cast<LabelWidget*>(object)) return new SpokenLabel(*label);
     const QAccessible::Role role = RoleOf(*object);
     if (role == QAccessible::NoRole) return nullptr;
