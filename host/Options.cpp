@@ -21,7 +21,10 @@ const QList<QCommandLineOption>& AllOptions() {
          "NAME"},
         {"open", "Opens the clock add-in for this exchange at the start.", "NAME"},
         {"offset", "How far the exchanges' clocks are ahead of this computer's at the start.", "MINUTES"},
-        {"market", "Market code in the class name of the exchange object; 10001 without it.", "CODE"},
+        {"market",
+         "Market code in the class name of the exchange object; without it that of the directory which the "
+         "program lies in, or 10001.",
+         "CODE"},
         {"store", "Keeps the add-ins' named values there instead of the user's data directory.", "FILE"},
         {"log", "Writes every call that the host sees into a file, one line each.", "FILE"},
         {"verbose", "Writes them to the standard output too."},
@@ -86,7 +89,7 @@ Misbehaviour MisbehaviourOf(const QCommandLineParser& parser) {
 
 }  // namespace
 
-Options ParseOptions(const QStringList& arguments) {
+Options ParseOptions(const QStringList& arguments, const std::string& market) {
     QCommandLineParser parser;
     parser.addOptions(AllOptions());
     if (!parser.parse(arguments)) Refuse(parser.errorText());
@@ -96,6 +99,7 @@ Options ParseOptions(const QStringList& arguments) {
     for (const QString& name : parser.values("exchange")) options.exchanges.push_back(FromQt(name));
     if (options.exchanges.empty()) options.exchanges = {u"Main Office", u"Warehouse", u"Branch 3"};
     if (parser.isSet("open")) options.open = OneOf(options.exchanges, parser.value("open"));
+    if (!market.empty()) options.market = market;
     if (parser.isSet("market")) options.market = Market(parser.value("market"));
     if (parser.isSet("offset")) options.minutesAhead = Minutes(parser.value("offset"));
     options.store = DefaultStoreFile();

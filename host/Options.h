@@ -25,8 +25,9 @@ struct Options {
     std::string ExchangeClass() const { return "SwitchDeskProj" + market + ".cPBXOle"; }
 };
 
-// `arguments` begin with the program. Raises 5, saying what is wrong, for those that can't be understood.
-Options ParseOptions(const QStringList& arguments);
+// `arguments` begin with the program, which belongs to `market` unless that is empty. Raises 5, saying what
+// is wrong, for those that can't be understood.
+Options ParseOptions(const QStringList& arguments, const std::string& market = {});
 
 std::string HelpText();
 

@@ -11,6 +11,8 @@
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/automation/dbus/SessionBusNames.h"
 #include "platform/data/sqlite/SqliteEngine.h"
+#include "platform/desktop/IniSettings.h"
+#include "platform/desktop/Installation.h"
 #include "platform/qt/QtDesktop.h"
 #include "platform/runtime/Guard.h"
 #include "platform/runtime/Paths.h"
@@ -27,10 +29,6 @@ constexpr platform::Milliseconds unusedLimit{60000};
 constexpr platform::Milliseconds second{1000};
 // The host's own values in the store.
 const Text storeSection = u"Switchdesk", backgroundKey = u"BACKGROUND";
-
-Text ProgramDirectory() {
-    return platform::PathText(platform::ProgramFile().parent_path());
-}
 
 platform::Application Describe() {
     platform::Application application;
@@ -53,8 +51,9 @@ void AddExchanges(ExchangeDesk& desk, const Options& options, const platform::Cl
 
 class Host {
   public:
+    // `directory` is the one that the program lies in.
     Host(const Options& options, platform::QtDesktop& desktop, platform::Automation& automation,
-         platform::DatabaseEngine& engine);
+         platform::DatabaseEngine& engine, Text directory);
 
     void RunWithWindow();
     void RunAsService();
@@ -83,14 +82,14 @@ class Host {
 };
 
 Host::Host(const Options& options, platform::QtDesktop& desktop, platform::Automation& automation,
-           platform::DatabaseEngine& engine)
+           platform::DatabaseEngine& engine, Text directory)
     : options_(options),
       loop_(desktop.Loop()),
       automation_(automation),
       misbehaviour_(options.misbehaviour),
       observation_{log_, misbehaviour_},
       store_(options.store),
-      family_(engine, ProgramDirectory()),
+      family_(engine, std::move(directory)),
       desk_(loop_, observation_) {
     if (options.log) log_.AddSink(FileSink(*options.log));
     if (options.verbose) log_.AddSink(StandardOutputSink());
@@ -175,15 +174,18 @@ QStringList Arguments(int argc, char** argv) {
 }
 
 int Run(int argc, char** argv) {
-    const Options options = ParseOptions(Arguments(argc, argv));
+    const std::filesystem::path program = platform::ProgramFile();
+    const auto installation =
+        platform::FindInstallation(program, platform::IniSettings(platform::SettingsFiles()));
+    const Options options = ParseOptions(Arguments(argc, argv), platform::ToUtf8(installation.market));
     if (options.help) return std::fputs(HelpText().c_str(), stdout), 0;
     const platform::Application application = Describe();
-    const auto engine = platform::MakeSqliteEngine({ProgramDirectory()});
+    const auto engine = platform::MakeSqliteEngine(installation.layers);
     const auto desktop = platform::OpenDesktop(argc, argv, application, *engine);
     const auto automation =
         platform::ConnectToSessionBus(desktop->Loop(), desktop->Waits(), application.waits);
     if (options.trace) platform::SetForStartedPrograms("HORALINK_TRACE", "1");
-    Host host(options, *desktop, *automation, *engine);
+    Host host(options, *desktop, *automation, *engine, platform::PathText(program.parent_path()));
     options.service ? host.RunAsService() : host.RunWithWindow();
     automation->Leave();
     return 0;

@@ -4,11 +4,11 @@
 #include <string_view>
 
 #include "exchange/dlgAddin.h"
-#include "locator/comRegMarket.h"
 #include "platform/automation/NoAutomation.h"
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/data/sqlite/SqliteEngine.h"
 #include "platform/desktop/IniSettings.h"
+#include "platform/desktop/Installation.h"
 #include "platform/qt/QtDesktop.h"
 #include "platform/runtime/Paths.h"
 #include "platform/runtime/ProgramFile.h"
@@ -27,21 +27,17 @@ Text CommandLine(int argc, char** argv) {
     return FromUtf8(line);
 }
 
-Application Identity(int argc, char** argv) {
+Application Identity(int argc, char** argv, const Settings& settings) {
+    const auto program = ProgramFile();
     Application app;
     app.major = 13;
     app.minor = 0;
     app.revision = 1;
-    app.path = PathText(ProgramFile().parent_path());
+    app.path = PathText(program.parent_path());
+    app.layers = FindInstallation(program, settings).layers;
     app.command = CommandLine(argc, argv);
     app.startMode = app.command == u"-Embedding" ? startedByAutomation : std::int16_t{0};
     return app;
-}
-
-// The installation's directory, as the settings spell it, and the program's own.
-Spellings KnownSpellings(const Application& app, const Settings& settings) {
-    const Text market = horalink::GetMarketCode(app.path, u"Addins");
-    return {settings.Get(u"VELMORA32", market, u"InstallPath", u""), app.path};
 }
 
 // A stand-alone run without a bus is one whose host can't be created.
@@ -71,11 +67,10 @@ void RunDialog(horalink::AddInMain& main, EventLoop& loop) {
 }
 
 void Run(int argc, char** argv) {
-    Application app = Identity(argc, argv);
-    const IniSettings settings(SettingsFile());
-    app.spellings = KnownSpellings(app, settings);
+    const IniSettings settings(SettingsFiles());
+    Application app = Identity(argc, argv, settings);
     int qtArguments = 1;
-    const auto engine = MakeSqliteEngine(app.spellings);
+    const auto engine = MakeSqliteEngine(app.layers);
     const auto desktop = OpenDesktop(qtArguments, argv, app, *engine);
     const auto automation = Connect(*desktop, app);
     const SystemClock clock;

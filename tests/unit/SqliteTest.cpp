@@ -10,6 +10,7 @@
 #include "TemporaryDirectory.h"
 #include "platform/data/Dialect.h"
 #include "platform/data/sqlite/Failure.h"
+#include "platform/runtime/Paths.h"
 
 namespace platform {
 namespace {
@@ -89,12 +90,12 @@ TEST(DialectTest, TranslatesNamesAndStrings) {
 TEST(FailureTest, CodesBecomeTheNumbersOfTheInterface) {
     const auto all = [](const std::string& expected, auto... codes) {
         for (const int code : {codes...})
-            EXPECT_EQ(FaultOf([&] { throw SqliteFailure(code, "why", "F.mdb"); }), expected) << code;
+            EXPECT_EQ(FaultOf([&] { throw SqliteFailure(code, "why", "/a/F.mdb"); }), expected) << code;
     };
-    all("3260 F.mdb is locked by another user; try again in a moment", SQLITE_BUSY, SQLITE_LOCKED,
+    all("3260 '/a/F.mdb' is locked by another program; try again in a moment", SQLITE_BUSY, SQLITE_LOCKED,
         SQLITE_BUSY_SNAPSHOT);
     all("3343 F.mdb is not a database, or it is damaged", SQLITE_NOTADB, SQLITE_CORRUPT);
-    all("3027 F.mdb can't be changed: it is read-only", SQLITE_CANTOPEN, SQLITE_PERM, SQLITE_READONLY);
+    all("3027 '/a/F.mdb' can't be changed: it is read-only", SQLITE_CANTOPEN, SQLITE_PERM, SQLITE_READONLY);
     all("3317 The table doesn't accept the value: why", SQLITE_CONSTRAINT, SQLITE_MISMATCH);
     all("3043 F.mdb can't be read or written: why", SQLITE_FULL, SQLITE_IOERR);
 }
@@ -214,7 +215,8 @@ TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
     const auto rows = Rows(horalink, forwardOnly);
     EXPECT_EQ(Faults([&] { rows->Edit(); }, [&] { rows->SetField(u"Version", u"x"); },
                      [&] { rows->Update(); }, [&] { Open(true)->OpenRecordset(horalink, dynaset)->Edit(); }),
-              readOnly + "|" + readOnly + "|" + readOnly + "|" + readOnly + "|");
+              readOnly + "|" + readOnly + "|" + readOnly + "|3027 '" + file.native() +
+                  "' can't be changed: it is read-only|");
 }
 
 TEST_F(SqliteTest, ColumnsNamedLikeTheRowsNumberLeadToNoOtherRow) {
@@ -243,7 +245,8 @@ TEST_F(SqliteTest, LeavesTheRowAloneWhenTheTableRefusesTheValueOrTheRowIsGone) {
 
 TEST_F(SqliteTest, TellsOfLocks) {
     const auto rows = Rows();
-    const std::string locked = "3260 Test.mdb is locked by another user; try again in a moment";
+    const std::string locked =
+        "3260 '" + file.native() + "' is locked by another program; try again in a moment";
     OtherProgram other(file);
     other.Run("begin exclusive");
     EXPECT_EQ(FaultOf([&] { Open(); }), locked);

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "platform/automation/Automation.h"
-#include "platform/runtime/Paths.h"
+#include "platform/runtime/Layers.h"
 #include "platform/runtime/Text.h"
 
 namespace platform {
@@ -18,7 +18,7 @@ struct ButtonTexts {
 struct Application {
     Text title;
     Text helpFile;
-    Spellings spellings;         // of the directories that its files lie in
+    Layers layers;               // in which its files are looked for
     Text path;                   // directory of the executable, with backslashes, without one at the end
     Text command;                // the command line behind the program's name
     std::int16_t startMode = 0;  // 1 where automation started the process

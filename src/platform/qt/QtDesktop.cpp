@@ -64,7 +64,7 @@ class Desktop : public QtDesktop {
           boxes_(application, help_),
           waits_(application),
           toolkit_(help_, loop_.Input()),
-          pictures_(application.spellings) {
+          pictures_(application.layers) {
         const QString name = QFileInfo(QString::fromLocal8Bit(program)).fileName();
         QApplication::setApplicationName(name);
         QApplication::setDesktopFileName(name);

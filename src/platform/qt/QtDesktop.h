@@ -29,7 +29,7 @@ class QtDesktop {
 // Opens the display of the environment. Raises 440 with a plain description where the environment names
 // none. One that can't be reached ends the process with one line on standard error: Qt leaves no way back.
 // `application` and `engine` must outlive the result: the title is the boxes' default, and the engine reads
-// the help files. Pictures are looked for by its spellings.
+// the help files. Pictures are looked for in its layers.
 std::unique_ptr<QtDesktop> OpenDesktop(int& argc, char** argv, const Application& application,
                                        DatabaseEngine& engine);
 

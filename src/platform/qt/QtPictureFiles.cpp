@@ -3,15 +3,16 @@
 #include <iterator>
 
 #include "platform/qt/Drawing.h"
+#include "platform/runtime/Paths.h"
 
 namespace platform {
 
 Text QtPictureFiles::Dir(TextView path) const {
-    return platform::Dir(path, spellings_);
+    return platform::Dir(path, [this](TextView each) { return layers_.Find(each); });
 }
 
 forms::PictureRef QtPictureFiles::LoadPicture(TextView path) const {
-    const std::filesystem::path real = RealPath(path, spellings_);
+    const std::filesystem::path real = layers_.Find(path);
     const std::string name = "'" + real.native() + "'";
     std::ifstream file = OpenToRead(real);
     if (!file.is_open()) throw RuntimeError(ErrorNumber::FileNotFound, name);

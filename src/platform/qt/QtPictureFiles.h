@@ -2,19 +2,19 @@
 #pragma once
 
 #include "platform/desktop/PictureFiles.h"
-#include "platform/runtime/Paths.h"
+#include "platform/runtime/Layers.h"
 
 namespace platform {
 
 class QtPictureFiles : public PictureFiles {
   public:
-    // Looks for files by `spellings`.
-    explicit QtPictureFiles(Spellings spellings) : spellings_(std::move(spellings)) {}
+    // Looks for files in `layers`.
+    explicit QtPictureFiles(Layers layers) : layers_(std::move(layers)) {}
     Text Dir(TextView path) const override;
     forms::PictureRef LoadPicture(TextView path) const override;
 
   private:
-    const Spellings spellings_;
+    const Layers layers_;
 };
 
 }  // namespace platform

@@ -74,33 +74,16 @@ std::vector<fs::path> Lookalikes(const fs::path& directory, const Text& name) {
 // match that leads nowhere is given up for the next; the deepest one is kept in case none is whole.
 class Walk {
   public:
-    explicit Walk(const Route& route) : route_(route), start_(route.absolute ? "/" : ""), deepest_(start_) {}
+    Walk(const Route& route, fs::path start) : route_(route), start_(std::move(start)), deepest_(start_) {}
 
-    fs::path Find(const Spellings& spellings) {
-        const bool found = std::any_of(spellings.begin(), spellings.end(), [this](const Text& spelling) {
-            return DescendAlong(RouteOf(spelling));
-        });
-        if (!found) Descend(start_, 0);
+    fs::path Find() {
+        Descend(start_, 0);
         for (std::size_t i = depth_; i < route_.components.size(); ++i)
             deepest_ /= ToUtf8(route_.components[i]);
         return deepest_;
     }
 
   private:
-    // Takes the known components as far as the two routes agree, and looks for the rest below them.
-    bool DescendAlong(const Route& known) {
-        if (known.absolute != route_.absolute) return false;
-        const auto& wanted = route_.components;
-        fs::path here = start_;
-        std::size_t depth = 0;
-        for (const Text& component : known.components) {
-            if (depth == wanted.size() || !EqualsIgnoringCase(component, wanted[depth])) break;
-            here /= ToUtf8(component);
-            ++depth;
-        }
-        return Exists(here) && Descend(here, depth);
-    }
-
     bool Descend(const fs::path& here, std::size_t depth) {
         if (depth > depth_) {
             depth_ = depth;
@@ -139,9 +122,22 @@ class Walk {
 
 }  // namespace
 
-fs::path RealPath(TextView path, const Spellings& spellings) {
+fs::path RealPath(TextView path, const fs::path& from) {
     const Route route = RouteOf(path);
-    return Walk(route).Find(spellings);
+    return Walk(route, route.absolute ? "/" : from).Find();
+}
+
+std::optional<Text> Below(TextView path, const fs::path& directory) {
+    const Route route = RouteOf(path), above = RouteOf(FromUtf8(directory.native()));
+    const auto isSame = [](const Text& a, const Text& b) { return EqualsIgnoringCase(a, b); };
+    const auto& [isAbsolute, components] = route;
+    if (!isAbsolute || !above.absolute || components.size() <= above.components.size() ||
+        !std::equal(above.components.begin(), above.components.end(), components.begin(), isSame))
+        return std::nullopt;
+    Text rest;
+    for (std::size_t i = above.components.size(); i < components.size(); ++i)
+        rest.append(rest.empty() ? u"" : u"\\").append(components[i]);
+    return rest;
 }
 
 Text PathText(const fs::path& path) {
@@ -150,9 +146,9 @@ Text PathText(const fs::path& path) {
     return text;
 }
 
-Text Dir(TextView path, const Spellings& spellings) {
+Text Dir(TextView path, const Find& find) {
     if (path.empty() || IsSeparator(path.back())) return {};
-    const fs::path file = RealPath(path, spellings);
+    const fs::path file = find(path);
     return IsNormalFile(file) ? FromUtf8(file.filename().native()) : Text();
 }
 
