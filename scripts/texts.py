@@ -4,7 +4,7 @@ import sqlite3
 
 class Texts:
     def __init__(self, arrangement):
-        self.file = arrangement.root / "ADDINS/DATABASE/Horalink.lng"
+        self.file = arrangement.root / "ADDINS/DATABASE" / arrangement.language / "Horalink.lng"
 
     def _text(self, query, *values):
         database = sqlite3.connect(self.file)

@@ -105,8 +105,8 @@ std::string ChooseMarket(const std::string& market) {
     } catch (const platform::RuntimeError&) {
         // Without a session there is no bus that has read the old files.
     }
-    return "Hosts " + std::string(isRoot ? "of every user" : "of yours") + " get the add-in of market " +
-           market + ", " + (tree / addIn).native() + ".";
+    return (isRoot ? "From their next login on, the hosts of all users get" : "Your hosts get") +
+           std::string(" the add-in of market ") + market + ", " + (tree / addIn).native() + ".";
 }
 
 }  // namespace setup

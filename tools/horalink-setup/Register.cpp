@@ -1,6 +1,5 @@
 #include "horalink-setup/Register.h"
 
-#include <pwd.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -26,11 +25,6 @@ bool Exists(const fs::path& file) {
 bool IsMine(const fs::path& file) {
     struct stat status{};
     return stat(file.c_str(), &status) == 0 && status.st_uid == geteuid();
-}
-
-std::string UserName() {
-    const passwd* user = getpwuid(geteuid());
-    return user ? user->pw_name : std::to_string(geteuid());
 }
 
 // A process that has locked a file, or 0. "1: POSIX  ADVISORY  WRITE 4711 fd:00:1234 0 EOF"
@@ -66,14 +60,13 @@ Problem ProblemOfPermission(const fs::path& place) {
     if (access(place.c_str(), W_OK) == 0) return {};
     Problem problem{"the register can't be written, since " + place.native() + " can't be", {}, true};
     const std::string name = Quoted(place.native());
-    if (errno == EROFS) return {problem.what, "Ask for its file system to be writable.", false};
-    if (IsMine(place))
+    if (IsMine(place) && errno != EROFS)
         problem.remedy = "chmod u+w " + name;
     else if (!fs::is_directory(place) && access(place.parent_path().c_str(), W_OK) == 0)
         problem.remedy =
             MoveAway(place) + " && cp --no-preserve=mode " + Quoted(place.native() + ".old") + " " + name;
     else
-        problem.remedy = "sudo chown " + UserName() + " " + name;
+        return {problem.what, "Ask whoever looks after this computer to let you write there.", false};
     return problem;
 }
 

@@ -22,7 +22,8 @@
 namespace setup {
 
 namespace fs = std::filesystem;
-using platform::PathText, platform::RecordsetType, platform::Text, platform::TextView, platform::ToUtf8;
+using platform::EqualsIgnoringCase, platform::PathText, platform::RecordsetType, platform::Text,
+    platform::TextView, platform::ToUtf8;
 
 namespace {
 
@@ -74,7 +75,7 @@ class Look {
         problems_.push_back({what, remedy, isCommand});
     }
     void Line(const std::string& what, const std::string& value) {
-        text_ << "  " << Padded(what, 14) << value << "\n";
+        text_ << "  " << Padded(what, 19) << value << "\n";
     }
 
     // The program that the bus would start, or the installed one where that is none.
@@ -99,9 +100,10 @@ class Look {
         if (service) Line("", "by " + service->file.native());
         Line("market", ToUtf8(installation_.market));
         Line("your files", OwnTree().native());
+        languages_ =
+            platform::WantedLanguages(settings_.Get(u"VELMORA32", installation_.market, u"Language", u""));
         std::string languages;
-        for (const Text& language :
-             platform::WantedLanguages(settings_.Get(u"VELMORA32", installation_.market, u"Language", u"")))
+        for (const Text& language : languages_)
             languages += (languages.empty() ? "" : ", ") + ToUtf8(language);
         Line("languages", languages);
     }
@@ -113,9 +115,18 @@ class Look {
                Text(file);
     }
 
+    // Where the first of them lies in the folder of a language: " (de)".
+    std::string LanguageOf(const std::vector<fs::path>& files) const {
+        const std::string folder = files.empty() ? "" : files.front().parent_path().filename();
+        const auto isIt = [&](const Text& each) {
+            return EqualsIgnoringCase(each, platform::FromUtf8(folder));
+        };
+        return std::any_of(languages_.begin(), languages_.end(), isIt) ? " (" + folder + ")" : "";
+    }
+
     void ShowFile(const std::string& what, const Text& path) {
         const auto files = installation_.layers.FindAll(path);
-        Line(what, files.empty() ? "missing" : files.front().native());
+        Line(what + LanguageOf(files), files.empty() ? "missing" : files.front().native());
         for (std::size_t i = 1; i < files.size(); ++i) Line("", "  hides " + files[i].native());
     }
 
@@ -140,7 +151,7 @@ class Look {
         ShowFile(wanted.what, path);
         const fs::path file = installation_.layers.Find(path), own = installation_.layers.OwnPlace(file);
         const bool isWritten = &wanted == &registerFile;
-        Problem writing = isWritten ? ProblemOfWriting(own) : Problem();
+        Problem writing = isWritten && fs::exists(file) ? ProblemOfWriting(own) : Problem();
         if (!writing.what.empty()) problems_.push_back(writing);
         try {
             const auto database = engine_->OpenDatabase(path, wanted.readOnly);
@@ -219,6 +230,7 @@ class Look {
     const platform::IniSettings settings_{platform::SettingsFiles()};
     fs::path program_;
     platform::Installation installation_;
+    std::vector<Text> languages_;
     std::unique_ptr<platform::DatabaseEngine> engine_;
     std::ostringstream text_;
     std::vector<Problem> problems_;
