@@ -34,8 +34,6 @@ INSTEAD = [
     (r"^\./run bus ", ""),
     (r"^examples/host.py &$", "examples/host.py > host.log 2>&1 & until grep -q GetComData host.log; do :; done"),
     (r"^exit$", ":"),
-    (r"/srv/desk", "desk"),
-    (r"^(horalink-setup remove)", r"horalink-setup add && \1"),
 ]
 
 
@@ -69,7 +67,7 @@ class Manuals(OwnHostTest):
         for part in BUILD.iterdir():
             (folder / "build" / part.name).symlink_to(part)
         return folder, changed(HOME=str(folder / "home"), PATH=f"{self.top}/usr/bin:{stage.arrangement.environment['PATH']}",
-                               XDG_CONFIG_HOME=None, XDG_DATA_HOME=None, XDG_CACHE_HOME=None)
+                               XDG_DATA_DIRS=f"{self.top}/usr/local/share:{self.top}/usr/share", XDG_CONFIG_HOME=None, XDG_DATA_HOME=None, XDG_CACHE_HOME=None)
 
     def test_commands(self):
         for manual in MANUALS:

@@ -4,6 +4,7 @@
 #include "QtFixture.h"
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtPictureFiles.h"
+#include "platform/runtime/Paths.h"
 
 namespace platform {
 namespace {
@@ -81,13 +82,18 @@ TEST(PictureFilesTest, NamesWhatIsNoPictureByItsPathOnTheMachine) {
         {u"\\BACKGRND\\TEXT.SVG", 481, directory.Write("Backgrnd/Text.svg", "no picture")},
         {u"\\BACKGRND\\Half.svg", 481, directory.Write("Backgrnd/Half.svg", "<svg")},
         {u"\\BACKGRND\\None.svg", 53, directory.Path() / "Backgrnd/None.svg"}};
-    const QtPictureFiles files({PathText(directory.Path())});
+    const QtPictureFiles files(Layers({directory.Path() / "own", directory.Path()}, {}));
     for (const auto& [path, number, real] : cases) {
         const Text asked = UpperCase(PathText(directory.Path())) + Text(path);
         const RuntimeError error = Raised([&] { files.LoadPicture(asked); });
         EXPECT_EQ(error.Number(), number);
         EXPECT_TRUE(std::string(error.what()).ends_with(": '" + real.native() + "'")) << error.what();
     }
+    const std::string own = "<svg xmlns='http://www.w3.org/2000/svg' width='7' height='5'/>";
+    const Text shared = PathText(directory.Path() / "Backgrnd") + u"\\TEXT.SVG";
+    directory.Write("own/Backgrnd/text.svg", own);
+    EXPECT_EQ(files.Dir(shared), u"text.svg");
+    EXPECT_EQ(files.LoadPicture(shared)->Content(), own);
 }
 
 }  // namespace

@@ -62,7 +62,8 @@ Problem ProblemOfPermission(const fs::path& place) {
     const std::string name = Quoted(place.native());
     if (IsMine(place) && errno != EROFS)
         problem.remedy = "chmod u+w " + name;
-    else if (!fs::is_directory(place) && access(place.parent_path().c_str(), W_OK) == 0)
+    else if (!fs::is_directory(place) && !Exists(place.native() + "-journal") &&
+             access(place.parent_path().c_str(), W_OK) == 0)
         problem.remedy =
             MoveAway(place) + " && cp --no-preserve=mode " + Quoted(place.native() + ".old") + " " + name;
     else
