@@ -4,9 +4,8 @@
 
 #include "../tests/unit/Desk.h"
 #include "LanguageFiles.h"
-#include "language/ControlFonts.h"
 #include "language/FormTexts.h"
-#include "language/MessageTable.h"
+#include "language/LanguageDatabase.h"
 #include "pictures/comPicture.h"
 #include "platform/data/sqlite/SqliteEngine.h"
 #include "platform/runtime/Paths.h"

@@ -1,7 +1,6 @@
 // The date that the operator chooses.
 #pragma once
 
-#include "clock/DialogLinks.h"
 #include "clock/Layout.h"
 #include "clock/RunningClock.h"
 

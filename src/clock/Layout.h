@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <functional>
 
 #include "platform/forms/Form.h"
 
@@ -39,5 +41,18 @@ inline constexpr std::int16_t shown = 1, hidden = 2;
 
 // Lays the dialog out on an empty form.
 DialogControls LayOut(platform::forms::Form& form);
+
+struct DialogLinks {
+    // Switches the buttons as dlgAddin::EnableButtons tells.
+    std::function<void(std::int16_t which, bool enabled)> EnableButtons;
+    std::function<bool()> HasPBXName;
+    // Tells the operator of the years that can be set, and waits until that is read.
+    std::function<void()> ShowYearNotice;
+};
+
+// The pictures of the dialog's own design, as SVG. The build makes the definitions out of data/icons.
+namespace icons {
+extern const std::string_view hide, update, updateDisabled, lookup, lookupDisabled, horalink;
+}
 
 }  // namespace horalink

@@ -27,4 +27,18 @@ class RunningClock {
     const platform::Clock& clock_;
 };
 
+class Tracking {
+  public:
+    Tracking(const DialogControls& controls, RunningClock& clock, const DialogLinks& links)
+        : controls_(controls), clock_(clock), links_(links) {}
+
+    void chkTrack_Click();
+    void chkTrackDate_Click();
+
+  private:
+    const DialogControls& controls_;
+    RunningClock& clock_;
+    const DialogLinks& links_;
+};
+
 }  // namespace horalink

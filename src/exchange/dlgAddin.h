@@ -6,8 +6,8 @@
 #include "clock/ContextHelp.h"
 #include "clock/DatePicking.h"
 #include "clock/Layout.h"
+#include "clock/RunningClock.h"
 #include "clock/TimeField.h"
-#include "clock/Tracking.h"
 #include "common/ModuleData.h"
 #include "exchange/RoundTrip.h"
 

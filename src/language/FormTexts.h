@@ -7,6 +7,11 @@
 
 namespace horalink {
 
+// Writes font name and size to a control, by the rule of its type name. Raises what a property raises that
+// refuses its value, 438 where the control has none of that name.
+void SetControlFont(platform::forms::Form& form, const platform::ObjectRef& control,
+                    const platform::Value& name, const platform::Value& size);
+
 // Gives the form caption and font from its rows of tForms; without a row it keeps its own. On failure shows
 // the notice and returns false; what was written before stays.
 bool LoadFormText(platform::MessageBoxes& boxes, platform::forms::Form& form, platform::Database& database);

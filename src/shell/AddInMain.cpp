@@ -2,7 +2,6 @@
 
 #include "exchange/dlgAddin.h"
 #include "language/LanguageDatabase.h"
-#include "language/MessageTable.h"
 #include "locator/VersionRecord.h"
 #include "locator/comRegMarket.h"
 #include "locator/comRegMora32.h"

@@ -8,8 +8,6 @@
 #include "harness/SmallTexts.h"
 #include "language/LanguageDatabase.h"
 #include "language/LanguageMsgBox.h"
-#include "language/MessageTable.h"
-#include "language/MsgBoxButtons.h"
 #include "language/TextTokens.h"
 
 using namespace horalink;
