@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "Joined.h"
-#include "Table.h"
 #include "platform/headless/Headless.h"
 
 using namespace platform;

@@ -14,17 +14,16 @@ using desk::Notes, desk::Short;
 namespace {
 
 TEST(MarketCodeTest, IsReadOutOfThePath) {
-    const TextView addIns = u"C:\\VELMORA32\\12345\\ADDINS", mora = u"C:\\VELMORA32\\12345\\MORA32";
-    EXPECT_EQ(
-        Joined(GetMarketCode(addIns, u"Addins"), GetMarketCode(addIns, u"MORA32"),
-               GetMarketCode(mora, u"Mora32"), GetMarketCode(u"C:\\X\\VELMORA32X12345XADDINS", u"ADDINS"),
-               GetMarketCode(u"\\opt\\velmora32\\ab1cd\\addins", u"addins"),
-               GetMarketCode(u"C:\\reader\\5432a", u"Reader")),
-        "12345|NONE|12345|12345|AB1CD|5432A|");
-    EXPECT_EQ(Joined(GetMarketCode(u"C:\\XELMORA32\\12345\\ADDINS", u"Addins"),
-                     GetMarketCode(u"VELMORA32\\1234\\ADDINS", u"ADDINS"), GetMarketCode(u"", u"ADDINS"),
-                     GetMarketCode(u"C:\\READER\\5432", u"Reader")),
-              "NONE|NONE|NONE|NONE|");
+    const Table<TextView, TextView, Text> cases = {{u"C:\\VELMORA32\\12345\\ADDINS", u"Addins", u"12345"},
+                                                   {u"C:\\VELMORA32\\12345\\ADDINS", u"MORA32", u"NONE"},
+                                                   {u"C:\\X\\VELMORA32X12345XADDINS", u"ADDINS", u"12345"},
+                                                   {u"\\velmora32\\ab1cd\\addins", u"addins", u"AB1CD"},
+                                                   {u"C:\\reader\\5432a", u"Reader", u"5432A"},
+                                                   {u"C:\\XELMORA32\\12345\\ADDINS", u"Addins", u"NONE"},
+                                                   {u"VELMORA32\\1234\\ADDINS", u"ADDINS", u"NONE"},
+                                                   {u"C:\\READER\\5432", u"Reader", u"NONE"},
+                                                   {u"", u"ADDINS", u"NONE"}};
+    for (const auto& [path, base, code] : cases) EXPECT_EQ(GetMarketCode(path, base), code);
 }
 
 TEST(DirectoryTest, FollowsTheSettingTheKeywordAndThePath) {

@@ -4,7 +4,6 @@
 #include <ctime>
 
 #include "Joined.h"
-#include "Table.h"
 #include "platform/headless/Desktop.h"
 #include "platform/runtime/Collection.h"
 #include "platform/runtime/Object.h"
@@ -49,8 +48,8 @@ template <class... Values>
 std::string As(ValueType type, const Values&... values) {
     const auto one = [type](const Value& value) {
         Value made;
-        const auto fault = ErrorOf([&] { made = Converted(value, type); });
-        if (fault != 0) return "#" + std::to_string(fault) + " ";
+        const std::string fault = FaultOf([&] { made = Converted(value, type); });
+        if (fault != "0 ") return "#" + fault.substr(0, fault.find(' ') + 1);
         const bool isText = !made.IsObject() && !made.IsMissing();
         return std::to_string(made.Stored().index()) + ":" + (isText ? ToUtf8(made.ToText()) : "") + " ";
     };
@@ -105,7 +104,7 @@ TEST(DateTest, TextsOfEveryForm) {
           u"13:00 PM", u"13:00 AM", u"::", u"1:2:3:4", u"noon", u"11/18/2026 x", u"5", u"AM", u"1/1/20260",
           u"1/1/202:", u"1/1/202."})
         EXPECT_EQ(FaultOf([&] { DateOfText(text); }), "13 Type mismatch: " + ToUtf8(text));
-    EXPECT_EQ(ErrorOf([] { DateOfText(u""); }), 13);
+    EXPECT_EQ(FaultOf([] { DateOfText(u""); }), "13 Type mismatch");
 }
 
 TEST(DateTest, PartsSurviveOnBothSidesOfTheEpochAndNoOtherDayExists) {

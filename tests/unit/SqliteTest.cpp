@@ -6,7 +6,6 @@
 #include <algorithm>
 
 #include "Joined.h"
-#include "Table.h"
 #include "TemporaryDirectory.h"
 #include "platform/data/Dialect.h"
 #include "platform/data/sqlite/Failure.h"
