@@ -73,40 +73,37 @@ TEST(AnswerTextTest, Codes) {
               "2|2|83|83|86|89|94|");
 }
 
-// An answer by its items, "FirstData=SecondData" or "FirstData=SecondData~ExtraData", with ";" between them.
-cListRequest& Fill(cListRequest& answer, const std::string& items) {
-    std::istringstream all(items);
-    for (std::string item; std::getline(all, item, ';');) {
-        const auto value = item.find('=') + 1, extra = std::min(item.find('~'), item.size());
-        const auto piece = [&](std::size_t from, std::size_t to) {
-            return FromUtf8(item.substr(from, to - from));
-        };
-        answer.AddToList(u"02", piece(0, value - 1), piece(value, extra),
-                         extra < item.size() ? piece(extra + 1, item.size()) : Text());
+TEST(UpdateAnswerTest, AnItemIsGoodOrALine) {
+    const std::pair<const char16_t*, const char*> cases[] = {
+        {u"OK", ""},
+        {u"LNK_OK", ""},
+        {u"LNK_STN_ZOLANIP", ""},
+        {u"LNK_STN_STATION", ""},
+        {u"DIGIT ERROR", "\r\nCM = 02, FD = 1, SD = x DIGIT ERROR"},
+        {u"COMMAND=", "\r\nCM = 02, FD = 1, SD = x COMMAND="},
+        {u"SEE CM", "\r\nCM = 02, FD = 1, SD = x SEE CM"},
+        {u"NONE", "\r\nCM = 02, FD = 1, SD = x NONE"},
+        {u"LNK_TIMEOUT", "\r\nCM = 02, FD = 1, SD = x no way"},
+        {u"LNK_NO_IPPBX", "\r\nCM = 02, FD = 1, SD = x no way"},
+        {u"LNK_NONE", "\r\nCM = 02, FD = 1, SD = x no way"},
+        {u"LNK_PKG", "\r\nCM = 02, FD = 1, SD = x no way"},
+        {u"gibberish", "\r\nCM = 02, FD = 1, SD = x no way"}};
+    for (const auto& [extra, line] : cases) {
+        cListRequest answer;
+        answer.AddToList(u"02", u"1", u"x", extra);
+        EXPECT_EQ(ToUtf8(UpdateErrors(answer, [] { return Text(u"no way"); })), line);
     }
-    return answer;
 }
 
-TEST(UpdateAnswerTest, AnItemIsGoodOrALineInItsPlace) {
-    cListRequest answer;
-    Fill(answer, "1=x~OK;1=x~LNK_OK;1=x~LNK_STN_ZOLANIP;1=x~LNK_STN_STATION;5=1~OK");
-    for (const char* words : {"DIGIT ERROR", "COMMAND=", "SEE CM", "NONE"})
-        Fill(answer, "1=x~" + std::string(words));
-    for (const char* unknown : {"LNK_TIMEOUT", "LNK_NO_IPPBX", "LNK_NONE", "LNK_PKG", "gibberish"})
-        Fill(answer, "2=y~" + std::string(unknown));
-    const std::string errors = ToUtf8(UpdateErrors(answer, [] { return Text(u"no way"); }));
-    const std::string head = "\r\nCM = 02, FD = 1, SD = x ", unknown = "\r\nCM = 02, FD = 2, SD = y no way";
-    EXPECT_EQ(errors, head + "DIGIT ERROR" + head + "COMMAND=" + head + "SEE CM" + head + "NONE" + unknown +
-                          unknown + unknown + unknown + unknown);
-}
-
-// The clock of an answer in the form of a market, or the number of its failure.
+// The clock of an answer, "FirstData=SecondData;...", in the form of a market, or the number of its failure.
 std::string Clock(const std::string& items, TextView market = u"10001") {
     cListRequest answer;
+    std::istringstream all(items);
+    for (std::string first, second; std::getline(all, first, '=') && std::getline(all, second, ';');)
+        answer.AddToList(u"02", FromUtf8(first), FromUtf8(second));
     Text text;
-    const std::string fault =
-        FaultOf([&] { text = ClockText(Fill(answer, items), market, headless::Locale()); });
-    return fault == "0 " ? ToUtf8(text) : fault.substr(0, fault.find(' '));
+    const auto error = ErrorOf([&] { text = ClockText(answer, market, headless::Locale()); });
+    return error ? "error " + std::to_string(error) : ToUtf8(text);
 }
 
 TEST(LookupAnswerTest, TheMarketDecidesTheFormAndAllItemsHaveToBeThere) {
@@ -118,8 +115,8 @@ TEST(LookupAnswerTest, TheMarketDecidesTheFormAndAllItemsHaveToBeThere) {
     EXPECT_EQ(Clock("0=1999;0=2026;7=other;1=11/18"), "2026/11/18 (d4)\r\n00:00:00");
     EXPECT_EQ(Clock("0=2026;1=11/18;2=01:02 and 03"), "2026/11/18 (d4)\r\n01:02:03");
     for (const char* items : {"", "0=2026;2=13:02:03", "1=11/18", "0=2026;1=13/18",
-                              "0=2026;1=11/18;2=", "0=LNK_TIMEOUT;1=11/18", "0=2026;1=11/18;7=DATA ERROR"})
-        EXPECT_EQ(Clock(items), "13") << items;
+                              "0=2026;1=11/18;2= ", "0=LNK_TIMEOUT;1=11/18", "0=2026;1=11/18;7=DATA ERROR"})
+        EXPECT_EQ(Clock(items), "error 13") << items;
 }
 
 }  // namespace
