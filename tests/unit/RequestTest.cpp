@@ -74,25 +74,18 @@ TEST(AnswerTextTest, Codes) {
 }
 
 TEST(UpdateAnswerTest, AnItemIsGoodOrALine) {
-    const std::pair<const char16_t*, const char*> cases[] = {
-        {u"OK", ""},
-        {u"LNK_OK", ""},
-        {u"LNK_STN_ZOLANIP", ""},
-        {u"LNK_STN_STATION", ""},
-        {u"DIGIT ERROR", "\r\nCM = 02, FD = 1, SD = x DIGIT ERROR"},
-        {u"COMMAND=", "\r\nCM = 02, FD = 1, SD = x COMMAND="},
-        {u"SEE CM", "\r\nCM = 02, FD = 1, SD = x SEE CM"},
-        {u"NONE", "\r\nCM = 02, FD = 1, SD = x NONE"},
-        {u"LNK_TIMEOUT", "\r\nCM = 02, FD = 1, SD = x no way"},
-        {u"LNK_NO_IPPBX", "\r\nCM = 02, FD = 1, SD = x no way"},
-        {u"LNK_NONE", "\r\nCM = 02, FD = 1, SD = x no way"},
-        {u"LNK_PKG", "\r\nCM = 02, FD = 1, SD = x no way"},
-        {u"gibberish", "\r\nCM = 02, FD = 1, SD = x no way"}};
-    for (const auto& [extra, line] : cases) {
+    const auto errors = [](const char16_t* extra) {
         cListRequest answer;
         answer.AddToList(u"02", u"1", u"x", extra);
-        EXPECT_EQ(ToUtf8(UpdateErrors(answer, [] { return Text(u"no way"); })), line);
-    }
+        return ToUtf8(UpdateErrors(answer, [] { return Text(u"no way"); }));
+    };
+    const std::string line = "\r\nCM = 02, FD = 1, SD = x ";
+    for (const char16_t* good : {u"OK", u"LNK_OK", u"LNK_STN_ZOLANIP", u"LNK_STN_STATION"})
+        EXPECT_EQ(errors(good), "");
+    for (const char16_t* known : {u"DIGIT ERROR", u"COMMAND=", u"SEE CM", u"NONE"})
+        EXPECT_EQ(errors(known), line + ToUtf8(known));
+    for (const char16_t* other : {u"LNK_TIMEOUT", u"LNK_NO_IPPBX", u"LNK_NONE", u"LNK_PKG", u"gibberish"})
+        EXPECT_EQ(errors(other), line + "no way");
 }
 
 // The clock of an answer, "FirstData=SecondData;...", in the form of a market, or the number of its failure.
