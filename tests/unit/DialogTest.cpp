@@ -146,6 +146,19 @@ TEST_F(DialogTest, HelpIsOfferedOnTheRightControlsByTheRightButton) {
     }
 }
 
+// What decides on looks and on what a screen reader says.
+TEST_F(DialogTest, TheControlsBeginAsTheyAreLaidOut) {
+    forms::Form form(u"form", desk.timers, desk.toolkit);
+    const DialogControls controls = LayOut(form);
+    for (const auto& [box, label] :
+         {std::pair(controls.chkTrack, controls.lblTrack), {controls.chkTrackDate, controls.lblTrackDate}}) {
+        EXPECT_EQ(box->TextLabel, label);
+        EXPECT_TRUE(label->Font->Bold() && !label->Opaque && box->Value() == 1);
+    }
+    for (const auto* box : controls.txtTime)
+        EXPECT_TRUE(box->Locked() && !box->Border && box->Align == forms::Alignment::Center);
+}
+
 TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
     Open();
     const std::string middle = "3945|3817.5|", unmoved = "3150|2295|";
@@ -187,6 +200,13 @@ TEST_F(DialogTest, ItsHostHearsOfFlowAndF1AndOfTheEnd) {
     EXPECT_EQ(desk.Calls(), Notes{"close"});
     EXPECT_EQ(host->Calls(),
               (Notes{"TurnOnFlow", "TurnOffFlow", "DisplayHelp Horalink.hlp", "UnloadChild -42"}));
+}
+
+TEST_F(DialogTest, TheCountOverflowsAtSixteenBits) {
+    for (int i = 0; i < 32767; ++i) Dialog().IncrementCount();
+    EXPECT_EQ(FaultOf([&] { Dialog().IncrementCount(); }), "6 Overflow: IncrementCount");
+    for (int i = 0; i < 32767 + 32768; ++i) Dialog().DecrementCount();
+    EXPECT_EQ(FaultOf([&] { Dialog().DecrementCount(); }), "6 Overflow: DecrementCount");
 }
 
 TEST_F(DialogTest, TheTitleTakesOneMarkForEachName) {

@@ -126,6 +126,7 @@ TEST_F(SqliteTest, GivesEachKindOfValueAndNothingPastTheLastRow) {
 
 TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
     const Table<TextView, std::string> cases = {
+        {u"select * from tProject", "3078 The table 'tProject' was not found in Test.mdb"},
         {u"select Index from Kinds", "3061 The field 'Index' was not found in Test.mdb"},
         {u"SELECT * FROM Kinds UNION SELECT 1, 2 ORDER BY ID",
          "3061 The query is sorted by a field that was not found in Test.mdb"},
@@ -210,6 +211,17 @@ TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
     EXPECT_EQ(Faults([&] { rows->Edit(); }, [&] { rows->SetField(u"Version", u"x"); },
                      [&] { rows->Update(); }, [&] { Open(true)->OpenRecordset(horalink, dynaset)->Edit(); }),
               readOnly + "|" + readOnly + "|" + readOnly + "|" + readOnly + "|");
+}
+
+TEST_F(SqliteTest, ColumnsNamedLikeTheRowsNumberLeadToNoOtherRow) {
+    for (const std::string columns : {"rowid", "oid", "_rowid_", "ROWID, oid", "_rowid_, RowId"}) {
+        RunElsewhere("drop table if exists [Say \"\"\"]; create table [Say \"\"\"] (a text, " + columns +
+                     ");" + "insert into [Say \"\"\"] (a, " + columns.substr(0, columns.find(',')) +
+                     ") values ('first', 1), ('second', 1)");
+        EXPECT_EQ(Change(*Rows(u"select * from [Say \"\"\"] where a = 'first'"), u"a", u"new"), "0 ")
+            << columns;
+        EXPECT_EQ(Single(u"select group_concat(a) from [Say \"\"\"]"), "new,second") << columns;
+    }
 }
 
 TEST_F(SqliteTest, LeavesTheRowAloneWhenTheTableRefusesTheValueOrTheRowIsGone) {
