@@ -2,8 +2,8 @@
 // same fields of the same rows and put them where they go.
 #include <benchmark/benchmark.h>
 
-#include "../tests/unit/Desk.h"
 #include "LanguageFiles.h"
+#include "harness/Desk.h"
 #include "language/FormTexts.h"
 #include "language/LanguageDatabase.h"
 #include "pictures/comPicture.h"
