@@ -42,15 +42,16 @@ inline constexpr std::int16_t shown = 1, hidden = 2;
 // Lays the dialog out on an empty form.
 DialogControls LayOut(platform::forms::Form& form);
 
+// What the dialog does for its pieces.
 struct DialogLinks {
-    // Switches the buttons as dlgAddin::EnableButtons tells.
+    // See dlgAddin::EnableButtons.
     std::function<void(std::int16_t which, bool enabled)> EnableButtons;
     std::function<bool()> HasPBXName;
-    // Tells the operator of the years that can be set, and waits until that is read.
+    // Shows which years can be set, and waits until the operator closes the box.
     std::function<void()> ShowYearNotice;
 };
 
-// The pictures of the dialog's own design, as SVG. The build makes the definitions out of data/icons.
+// The dialog's own pictures, as SVG. The build generates the definitions from data/icons.
 namespace icons {
 extern const std::string_view hide, update, updateDisabled, lookup, lookupDisabled, horalink;
 }

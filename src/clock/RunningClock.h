@@ -11,8 +11,8 @@ class RunningClock {
     RunningClock(const DialogControls& controls, const platform::Clock& clock)
         : controls_(controls), clock_(clock) {}
 
-    // Brings what tracks the PC to the PC's date and time; what is there already is left alone. Raises
-    // nothing: what fails is made good at the next tick.
+    // Updates what follows the PC to its date and time, where that has changed. Raises nothing: the next tick
+    // repairs what fails.
     void UpdateDisplay();
 
     // Sets the calendar to the PC's date.
@@ -27,6 +27,7 @@ class RunningClock {
     const platform::Clock& clock_;
 };
 
+// The two check boxes: whether time and date follow the PC, or the operator sets them.
 class Tracking {
   public:
     Tracking(const DialogControls& controls, RunningClock& clock, const DialogLinks& links)

@@ -50,7 +50,7 @@ void DressControl(forms::Form& form, const Recordset& row) {
     PutText(control, "ToolTipText", row.Field(u"ToolTipText"));
 }
 
-// Applies a step to each row of a query, in the database's order.
+// Calls a function for each row of a query, in the database's order.
 template <class Step>
 bool ForEachRow(MessageBoxes& boxes, Database& database, const Text& query, Step step) {
     try {
@@ -91,7 +91,7 @@ using Charset = std::optional<std::int16_t>;
 constexpr std::int16_t cyrillic = 204, shiftJis = 128;
 
 struct Rule {
-    std::string_view types;  // each with a blank at both ends
+    std::string_view types;  // with a blank around each
     Place place;
     Charset charset;
     std::vector<std::string_view> fonts = {};

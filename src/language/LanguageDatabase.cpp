@@ -38,7 +38,7 @@ bool LoadProjectText(MessageBoxes& boxes, Application& app, TextView exeName, Da
 
 namespace {
 
-// The count row of the query carries the ID −1, so that it sorts ahead of every text.
+// The row with the count has ID −1, so that it sorts first.
 Text CountAndTexts(TextView tableName) {
     const Text name(tableName);
     return u"SELECT * FROM " + name + u" UNION SELECT -1, COUNT(*) FROM " + name + u" ORDER BY ID";

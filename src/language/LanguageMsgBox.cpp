@@ -43,8 +43,8 @@ void TakeHelpFromArguments(MessageBox& box, const BoxArguments& given) {
             given.context.IsMissing() ? 0 : given.context.ToInteger());
 }
 
-// The arguments are shared by prompt, title and help file, so the file is expanded even where the row
-// turns out to have no help reference.
+// Prompt, title and help file use up the same arguments, so the file is expanded even if the row turns out to
+// have no help reference.
 void TakeHelpFromRow(MessageBox& box, const Services& services, const Recordset& row, Text& args) {
     const Text path = services.app.path + u"\\" + row.Field(u"HelpFile").ToTextOrEmpty();
     Text file = ExpandTextTokens(services.boxes, path, args);

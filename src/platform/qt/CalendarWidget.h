@@ -16,6 +16,7 @@ struct PageCell {
     friend bool operator==(const PageCell&, const PageCell&) = default;
 };
 
+// Lays out the days of a month on a page of weeks.
 class MonthPage {
   public:
     static constexpr int columns = 7, weeks = 6;
