@@ -5,7 +5,7 @@
 
 #include <map>
 
-#include "AsAnyUser.h"
+#include "AnyUser.h"
 #include "Table.h"
 #include "TemporaryDirectory.h"
 #include "platform/desktop/IniSettings.h"
@@ -88,10 +88,11 @@ TEST_F(LayersTest, LeadsThroughDirectoriesThatMayNotBeListed) {
     const Layers layers({At("Home/Anna/own"), tree}, {u"en"});
     const std::vector<fs::path> closed = {directory.Path(), At("Home"), At("Home/Anna"), At("Home/Lib")};
     for (const auto& each : closed) fs::permissions(each, fs::perms(0311));
-    EXPECT_TRUE(AsAnyUser([&] {
-        return layers.Find(UpperCase(PathText(tree)) + u"\\ADDINS\\DATABASE\\Horalink.lng") ==
-               tree / "Addins/Database/Horalink.lng";
-    }));
+    {
+        const AnyUser user;
+        EXPECT_EQ(layers.Find(UpperCase(PathText(tree)) + u"\\ADDINS\\DATABASE\\Horalink.lng"),
+                  tree / "Addins/Database/Horalink.lng");
+    }
     for (const auto& each : closed) fs::permissions(each, fs::perms(0700));
 }
 

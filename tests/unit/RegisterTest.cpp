@@ -12,7 +12,7 @@
 
 #include <set>
 
-#include "AsAnyUser.h"
+#include "AnyUser.h"
 #include "ErrorOf.h"
 #include "TemporaryDirectory.h"
 #include "locator/VersionRecord.h"
@@ -161,8 +161,10 @@ TEST_F(SharedRegisterTest, FailuresSayWhatCannotBeWrittenAndLeaveNothing) {
     fs::remove(own.string() + "-journal");
     fs::permissions(directory.Path(), fs::perms(0711));
     fs::permissions(own.parent_path(), fs::perms(0555));
-    EXPECT_TRUE(AsAnyUser(
-        [&] { return notice() == "'" + own.string() + "' can't be written: Permission denied [3027]"; }));
+    {
+        const AnyUser user;
+        EXPECT_EQ(notice(), "'" + own.string() + "' can't be written: Permission denied [3027]");
+    }
     fs::permissions(own.parent_path(), fs::perms(0755));
     for (const std::string& foreign : {std::string("no database at all"), std::string()}) {
         directory.Write("own/MORA32/DATABASE/Register.mdb", foreign);

@@ -6,7 +6,7 @@
 #include <optional>
 #include <set>
 
-#include "language/MsgBoxButtons.h"
+#include "language/LanguageMsgBox.h"
 #include "source/Literals.h"
 
 namespace lng {

@@ -8,7 +8,6 @@
 #include "check/Lint.h"
 #include "language/LanguageDatabase.h"
 #include "language/LanguageMsgBox.h"
-#include "language/MessageTable.h"
 
 namespace lng {
 
