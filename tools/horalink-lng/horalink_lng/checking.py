@@ -33,8 +33,6 @@ RULES = [
       for field in ("DefaultName", "FileName")),
     ("Horalink.hlp", "tTopics", "Body", "the text is missing", "ifnull(Body, '') = ''"),
     ("Horalink.hlp", "tTopics", "Title", "the text is missing", "ifnull(Title, '') = '' AND ID > 0"),
-    (REGISTER_FILE, "Registry", "AppName", "another row has the same name, and only the first is kept up",
-     "AppName = 'Horalink.mra' AND rowid > (SELECT min(rowid) FROM Registry WHERE AppName = 'Horalink.mra')"),
 ]
 PICTURES = [("Horalink.lng", "tPicture"), ("Common.LNG", "PictureFileName")]
 PICTURE_STARTS = (b"\x89PNG", b"\xff\xd8\xff", b"GIF8", b"BM", b"\0\0\1\0")
@@ -45,24 +43,26 @@ class Findings:
 
     def __init__(self, translation=None):
         self.translation = translation
-        self.found = {}  # keeps the order, and each one once
+        self.found = {}  # (file, line, words), each once
 
-    def add(self, place, words):
-        self.found.setdefault(f"{place}: {words}")
+    def add(self, file, line, words):
+        self.found.setdefault((str(file), line or 0, words))
 
     def add_of_row(self, database, table, rowid, field, words):
         row = row_name(database.connection, table, rowid) if rowid is not None else ""
         context = ":".join(part for part in (table, row, field) if part)
-        place = self._place(database, table, rowid, field, context)
-        self.add(f"{place}: {context}" if context else place, words)
+        self.add(*self._place(database, table, rowid, field, context), f"{context}: {words}" if context else words)
 
     def _place(self, database, table, rowid, field, context):
         if self.translation and (line := self.translation.line(context)):
-            return f"{self.translation.file}:{line}"
+            return self.translation.file, line
         if self.translation and field in ("FontName", "FontSize") and self.translation.fonts.exists():
-            return self.translation.fonts
-        line = database.origin.line(table, rowid)
-        return f"{database.origin.file}:{line}" if line else database.origin.file
+            return self.translation.fonts, None
+        return database.origin.file, database.origin.line(table, rowid)
+
+    def lines(self):
+        return [f"{file}:{line}: {words}" if line else f"{file}: {words}"
+                for file, line, words in sorted(self.found, key=lambda finding: finding[:2])]
 
 
 class Database:
@@ -73,12 +73,16 @@ class Database:
         self.connection = sqlite3.connect(f"file:{file}?mode=ro", uri=True)
 
 
+def known_texts(files):
+    """The English texts by context, as far as the SQL gives them."""
+    return {context: text for context, (text, _) in english(files, lambda *_: None).items()}
+
+
 def made(files, translation, findings, folder):
     """The databases of files of SQL, with all that their statements and the translation make of them."""
     if translation:
-        known = {context: text for context, (text, _) in english(files).items()}
-        for line, context, words in translation.faults(known):
-            findings.add(f"{translation.file}:{line}: {context}", words)
+        for line, words in translation.faults(known_texts(files)):
+            findings.add(translation.file, line, words)
     databases = []
     for file in files:
         connection = sqlite3.connect(folder / file.stem, isolation_level=None)
@@ -114,14 +118,14 @@ class guarded:
     """What ends the reading of a damaged database is a finding."""
 
     def __init__(self, database, findings):
-        self.place, self.findings = database.file, findings
+        self.file, self.findings = database.file, findings
 
     def __enter__(self):
         return self
 
     def __exit__(self, _, error, trace):
         if isinstance(error, sqlite3.Error):
-            self.findings.add(self.place, f"it can't be read to its end: {error}")
+            self.findings.add(self.file, None, f"it can't be read to its end: {error}")
             return True
         return False
 
@@ -135,20 +139,29 @@ def has_all_fields(database, findings, schemas):
                    for field in set(fields(connection, table)) - set(fields(database.connection, table))]
         for table, field in sorted(missing):
             if fields(database.connection, table):
-                findings.add(f"{database.file}: {table}", f"the field {field} is missing")
+                findings.add(database.file, None, f"{table}: the field {field} is missing")
             else:
-                findings.add(database.file, f"the table {table} is missing")
+                findings.add(database.file, None, f"the table {table} is missing")
     return missing == []
 
 
 def check_rules(database, findings):
+    for table, about in TABLES.items():
+        if fields(database.connection, table):
+            same = " AND ".join(f'first."{field}" = {table}."{field}" COLLATE NOCASE' for field in about.key)
+            report(database, findings, table, "", "another row has the same key and hides this one",
+                   f"EXISTS (SELECT 1 FROM {table} first WHERE {same} AND first.rowid < {table}.rowid)")
     for file, table, field, words, condition in RULES:
         if file == database.name:
-            for (rowid,) in database.connection.execute(f"SELECT rowid FROM {table} WHERE {condition}").fetchall():
-                findings.add_of_row(database, table, rowid, field, words)
+            report(database, findings, table, field, words, condition)
     if database.name == REGISTER_FILE and not database.connection.execute(
             "SELECT 1 FROM Registry WHERE AppName = 'Horalink.mra'").fetchone():
         findings.add_of_row(database, "Registry", None, "", "the row Horalink.mra is missing")
+
+
+def report(database, findings, table, field, words, condition):
+    for (rowid,) in database.connection.execute(f"SELECT rowid FROM {table} WHERE {condition}").fetchall():
+        findings.add_of_row(database, table, rowid, field, words)
 
 
 def check_pictures(database, findings, folder):
@@ -186,4 +199,4 @@ def check(sources, translation, schemas, checker, backgrounds):
         databases = made(files, translation, findings, Path(scratch))
         databases += [given(file) for file in sources if file not in files]
         judge(databases, findings, schemas, checker, backgrounds)
-    return list(findings.found)
+    return findings.lines()

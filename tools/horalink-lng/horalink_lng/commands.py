@@ -51,8 +51,7 @@ def run(options, version, data, checker):
     found = checking.check(files, translation, data, checker, options.backgrounds)
     print("\n".join(found) or "No fault was found.")
     if translation:
-        known = {context: text for context, (text, _) in making.english(files).items()}
-        print(f"{translation.file}: {translation.summary(known)}", file=sys.stderr)
+        print(f"{translation.file}: {translation.summary(checking.known_texts(files))}", file=sys.stderr)
     return 1 if found else 0
 
 

@@ -35,12 +35,12 @@ def build(files, translation, folder):
             os.replace(Path(scratch) / file.stem, folder / file.stem)
 
 
-def english(files):
-    """The English texts, as (context, text, notes)."""
+def english(files, report=stop):
+    """The English texts with their notes, by context."""
     found = {}
     for file in files:
         connection = sqlite3.connect(":memory:")
-        origin = fill(connection, file)
+        origin = fill(connection, file, None, report)
         for context, table, rowid, _, text in texts(connection):
             if context in found:
                 raise Fault(f"{file}:{origin.line(table, rowid)}: another text has the context {context}")

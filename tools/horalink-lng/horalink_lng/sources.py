@@ -56,18 +56,18 @@ class Origin:
         return [each.note for each in (self.tables.get(table), self.rows.get((table, rowid))) if each and each.note]
 
 
-def stop(place, message):
-    raise Fault(f"{place}: {message}")
+def stop(file, line, words):
+    raise Fault(f"{file}:{line}: {words}")
 
 
 def run(file, connection, report=stop):
-    """Runs a file of SQL. `report` gets the place and the words of each statement that fails; those after it run."""
+    """Runs a file of SQL. `report` gets file, line and words for each statement that fails; those after it run."""
     origin = Origin(file)
     for statement in statements(file):
         try:
             connection.execute(statement.text)
         except sqlite3.Error as error:
-            report(f"{file}:{statement.line}", f"the statement fails: {error}")
+            report(file, statement.line, f"the statement fails: {error}")
         for table in TABLES:
             if not fields(connection, table):
                 continue

@@ -33,7 +33,7 @@ def row_name(connection, table, rowid):
     """The row by its key: 2, dlgAddin, dlgAddin.cmdButton.0. The index -1 of a control without one is left out."""
     key = ", ".join(f'"{field}"' for field in TABLES[table].key)
     values = connection.execute(f"SELECT {key} FROM {table} WHERE rowid = ?", [rowid]).fetchone()
-    return ".".join(str(value) for value in values if value != -1)
+    return ".".join(str(value) for field, value in zip(TABLES[table].key, values) if (field, value) != ("Index", -1))
 
 
 def texts(connection):

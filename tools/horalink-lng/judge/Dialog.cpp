@@ -45,13 +45,14 @@ void ForEachRow(const Judged& addIn, Model& model, const std::string& table, Rou
 }
 
 // The text that the design gives to a property, where an operator reads it.
-bool ShowsDesignText(const std::shared_ptr<forms::Control>& control, const char* property, std::string& text) {
+bool ShowsDesignText(const std::shared_ptr<forms::Control>& control, const char* property,
+                     std::string& text) {
     ErrorState noSuchProperty;
     text.clear();
     if (control->Visible)
-        Skip(noSuchProperty, "a text of a control",
-             [&] { text = ToUtf8(Get(control, property).ToText()); });
-    return std::any_of(text.begin(), text.end(), [](unsigned char c) { return std::isalpha(c) || c >= 0x80; });
+        Skip(noSuchProperty, "a text of a control", [&] { text = ToUtf8(Get(control, property).ToText()); });
+    return std::any_of(text.begin(), text.end(),
+                       [](unsigned char c) { return std::isalpha(c) || c >= 0x80; });
 }
 
 using ControlKey = std::tuple<Text, Text>;  // name and index
@@ -71,9 +72,8 @@ void JudgeDesignTexts(const Judged& addIn, forms::Form& window, const std::map<C
             const bool given = row != rows.end() && row->second.fields.at(property) != u"-1";
             std::string text;
             if (given || !ShowsDesignText(control, property, text)) continue;
-            const std::string words = "the control " + ToUtf8(control->Name()) + " has no " + property +
-                                      " and shows \"" + text + "\" of its design";
-            Report({addIn.name, controlTable}, words);
+            Report({addIn.name, controlTable}, "the control " + ToUtf8(control->Name()) + " has no " +
+                                                   property + " and shows \"" + text + "\" of its design");
         }
 }
 
@@ -96,8 +96,7 @@ void JudgeWidth(const Judged& addIn, const forms::Label& label, const Row& row) 
 void JudgeControls(const Judged& addIn, Model& model) {
     std::map<ControlKey, Row> rows;
     for (const Row& row : addIn.Rows(controlTable, {"ObjectName", "Index", "Caption", "ToolTipText"})) {
-        if (!rows.emplace(KeyOf(row), row).second)
-            addIn.Report(controlTable, row, "", {"another row is for the same control"});
+        rows.emplace(KeyOf(row), row);
         for (const char* field : {"Caption", "ToolTipText"})
             addIn.Report(controlTable, row, field, PlainTextFaults(row.fields.at(field)));
     }

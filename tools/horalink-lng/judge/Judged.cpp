@@ -1,6 +1,7 @@
 #include "Judged.h"
 
 #include <algorithm>
+#include <iostream>
 
 #include "common/FatalNotice.h"
 
@@ -8,11 +9,20 @@ namespace lng {
 
 using namespace platform;
 
+void Report(const Place& place, const std::string& message) {
+    std::string words = message;
+    std::replace_if(words.begin(), words.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    std::cout << place.database << '\t' << place.table << '\t'
+              << (place.row ? std::to_string(*place.row) : "") << '\t' << place.field << '\t' << words
+              << '\n';
+}
+
 std::vector<Row> Judged::Rows(const std::string& table, const std::vector<std::string>& fields) const {
     std::string query = "select rowid as RowNumber";
     for (const std::string& field : fields) query += ", " + field;
     std::vector<Row> rows;
-    const auto found = database->OpenRecordset(FromUtf8(query + " from " + table), RecordsetType::ForwardOnly);
+    const auto found =
+        database->OpenRecordset(FromUtf8(query + " from " + table), RecordsetType::ForwardOnly);
     for (; !found->EndOfFile(); found->MoveNext()) {
         Row row{found->Field(u"RowNumber").ToLong(), {}};
         for (const std::string& field : fields)
@@ -39,8 +49,8 @@ std::unique_ptr<Recordset> OneRow::OpenRecordset(TextView query, RecordsetType t
 }
 
 Desk::Desk(DatabaseEngine& engine)
-    : services{headless.app,    headless.clock,      headless.locale, headless.settings,
-               engine,          headless.automation, headless.timers, headless.boxes,
+    : services{headless.app,    headless.clock,      headless.locale,   headless.settings,
+               engine,          headless.automation, headless.timers,   headless.boxes,
                headless.screen, headless.toolkit,    headless.pictures, [] {}} {
     headless.app.path = u"ADDINS";
     headless.pictures.hasAll = true;
@@ -48,7 +58,8 @@ Desk::Desk(DatabaseEngine& engine)
 
 std::optional<std::string> Desk::Notice() {
     for (const MessageBox& box : headless.boxes.Take())
-        if (box.title && *box.title == horalink::noticeTitle) return "the add-in fails: " + ToUtf8(box.prompt);
+        if (box.title && *box.title == horalink::noticeTitle)
+            return "the add-in fails: " + ToUtf8(box.prompt);
     return std::nullopt;
 }
 

@@ -3,12 +3,22 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 
-#include "Report.h"
 #include "common/ModuleData.h"
 #include "platform/headless/Headless.h"
 
 namespace lng {
+
+// Where something is. Without a row it concerns the table, without a field the row.
+struct Place {
+    std::string database, table;
+    std::optional<std::int32_t> row = {};  // SQLite's number of it
+    std::string field = {};
+};
+
+// A finding, as a line on the standard output for the tool that started this program.
+void Report(const Place& place, const std::string& message);
 
 // A row with the fields that were asked for; Null is the empty text.
 struct Row {

@@ -18,7 +18,7 @@ using namespace platform;
 
 constexpr const char *projectTable = "tProject", *messageTable = "tMessages", *boxTable = "tMsgBox",
                      *topicTable = "tTopics";
-constexpr TextView mark = u"\uE000";  // what the box is given for its %ST
+constexpr TextView mark = u"\uE000";  // what a box is given; without a "%", it serves each %ST
 
 int Marks(const Text& text) {
     return static_cast<int>(std::count(text.begin(), text.end(), mark.front()));
@@ -35,10 +35,11 @@ struct BoxNumbers {
 
 void JudgeArguments(const Judged& judged, const Row& row, std::int16_t number, const MessageBox& box) {
     const int wanted = BoxNumbers::TakesText(number) ? 1 : 0, found = Marks(box.prompt);
-    if (!TokenFaults(row.fields.at("Prompt")).empty()) return;  // what is wrong there has been said
-    if (found < wanted)
+    const bool isWellFormed =
+        TokenFaults(row.fields.at("Prompt")).empty();  // what is wrong else has been said
+    if (found < wanted && isWellFormed)
         judged.Report(boxTable, row, "Prompt", {"%ST is missing, so what the program puts in is not shown"});
-    if (found > wanted)
+    if (found > wanted && isWellFormed)
         judged.Report(boxTable, row, "Prompt",
                       {wanted ? "%ST is here more than once, and there is one text for it"
                               : "there is no text for %ST in this box"});
@@ -61,7 +62,7 @@ void ShowBox(const Judged& judged, Shelf& shelf, std::int16_t mode, const Row& r
     Desk desk(shelf);
     horalink::ModuleData data;
     data.AddInLanguageDb = data.CommonLanguageDb = judged.database;
-    horalink::ShowLanguageMsgBox(desk.services, data, mode, number, {Text(mark) + u"%"});
+    horalink::ShowLanguageMsgBox(desk.services, data, mode, number, {Text(mark)});
     const std::vector<MessageBox> boxes = desk.headless.boxes.shown;
     if (const auto notice = desk.Notice()) {
         judged.Report(boxTable, row, "", {*notice});
@@ -121,8 +122,6 @@ void JudgeBoxes(const Judged& judged, Shelf& shelf, std::int16_t mode) {
         judged.Report(boxTable, row, "Buttons", ButtonFaults(row.fields.at("Buttons")));
         const auto number = BoxNumber(row);
         if (!number) continue;
-        if (std::find(seen.begin(), seen.end(), *number) != seen.end())
-            judged.Report(boxTable, row, "MsgNo", {"another row has the same number and hides this one"});
         seen.push_back(*number);
         ShowBox(judged, shelf, mode, row, *number);
     }

@@ -1,4 +1,5 @@
-// judge-texts HORALINK.LNG COMMON.LNG HORALINK.HLP: what the add-in makes of its databases. A name can be empty.
+// judge-texts HORALINK.LNG COMMON.LNG HORALINK.HLP: what the add-in makes of its databases. A name can be
+// empty.
 #include <QGuiApplication>
 #include <iostream>
 
