@@ -53,8 +53,10 @@ def template(files, version):
     polib = library()
     po = polib.POFile()
     po.header = "The texts of Horalink.\nThis file has the licence of Horalink."
-    po.metadata = {"Project-Id-Version": f"Horalink {version}", "Language": "", "MIME-Version": "1.0",
-                   "Content-Type": "text/plain; charset=UTF-8", "Content-Transfer-Encoding": "8bit"}
+    po.metadata = {"Project-Id-Version": f"Horalink {version}", "PO-Revision-Date": "YEAR-MO-DA HO:MI+ZONE",
+                   "Last-Translator": "FULL NAME <EMAIL@ADDRESS>", "Language-Team": "LANGUAGE <LL@li.org>",
+                   "Language": "", "MIME-Version": "1.0", "Content-Type": "text/plain; charset=UTF-8",
+                   "Content-Transfer-Encoding": "8bit"}
     for context, (text, notes) in english(files).items():
         po.append(polib.POEntry(msgctxt=context, msgid=text, comment="\n".join(notes)))
     return str(po)
