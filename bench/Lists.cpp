@@ -2,8 +2,8 @@
 // answer; beside them plain vectors of the same strings.
 #include <benchmark/benchmark.h>
 
-#include "../tests/unit/Desk.h"
 #include "exchange/dlgAddin.h"
+#include "harness/Desk.h"
 
 namespace {
 

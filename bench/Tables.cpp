@@ -2,11 +2,10 @@
 // same fields of the same rows and put them where they go.
 #include <benchmark/benchmark.h>
 
-#include "../tests/unit/Desk.h"
 #include "LanguageFiles.h"
-#include "language/ControlFonts.h"
+#include "harness/Desk.h"
 #include "language/FormTexts.h"
-#include "language/MessageTable.h"
+#include "language/LanguageDatabase.h"
 #include "pictures/comPicture.h"
 #include "platform/data/sqlite/SqliteEngine.h"
 #include "platform/runtime/Paths.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/CallLog.h"
-#include "host/HostView.h"
+#include "host/HostObject.h"
 #include "platform/automation/Automation.h"
 #include "platform/runtime/EventLoop.h"
 

@@ -4,9 +4,17 @@
 #include <cstdint>
 #include <vector>
 
-#include "host/Item.h"
+#include "platform/runtime/Text.h"
 
 namespace switchdesk {
+
+struct Item {
+    platform::Text command;
+    platform::Text first;   // number of the data item
+    platform::Text second;  // the value: to be written, or read
+    platform::Text extra;   // the exchange's answer text
+    friend bool operator==(const Item&, const Item&) = default;
+};
 
 struct Answer {
     std::vector<Item> items;

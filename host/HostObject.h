@@ -1,13 +1,27 @@
 // The host object: what an add-in shows its answers to and keeps its values at.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <vector>
 
-#include "host/HostView.h"
+#include "host/Answer.h"
 #include "host/ObservedObject.h"
 #include "host/Store.h"
 
 namespace switchdesk {
+
+class HostView {
+  public:
+    virtual ~HostView() = default;
+    virtual void ShowMessage(const platform::Text& message) = 0;
+    virtual void ShowResults(const platform::Text& caption, const std::vector<Item>& items) = 0;
+    virtual void ShowCode(const platform::Text& code) = 0;
+    virtual void ShowHelp(const platform::Text& file) = 0;
+    virtual void ShowFlow(bool on) = 0;
+    // The state of the add-in in plain words; whether one is open, and for which exchange.
+    virtual void ShowState(const platform::Text& state, bool open, const platform::Text& exchange) = 0;
+};
 
 // Members: oPBX, ShowMessage, ShowResults, ShowCode, DisplayHelp, UnloadChild, TurnOnFlow, TurnOffFlow,
 // REGComData, GetComData.

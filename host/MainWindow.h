@@ -6,7 +6,7 @@
 
 #include "host/ExchangeDesk.h"
 #include "host/Family.h"
-#include "host/HostView.h"
+#include "host/HostObject.h"
 
 class QActionGroup;
 class QLabel;

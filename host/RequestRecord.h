@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "host/Item.h"
+#include "host/Answer.h"
 #include "platform/runtime/Object.h"
 
 namespace switchdesk {

@@ -37,13 +37,14 @@ configure_tree() {
     { cat "$folder/configure.log" >&2; exit 1; }
 }
 
-# The fuzzers, in build/fuzz.
-build_fuzzers() {
+# Targets under the address and undefined-behaviour sanitizers, ready for fuzzing, in build/sanitized.
+build_sanitized() {
   install_packages "${build_packages[@]}" "${fuzz_packages[@]}"
   mkdir -p "$top/build"
   (
     flock 9  # hunts may be started side by side
-    configure_tree "$top/build/fuzz" -DCMAKE_CXX_COMPILER=clang++ -DHORALINK_FUZZ=ON -DHORALINK_SANITIZE=ON
-    cmake --build "$top/build/fuzz" --target fuzzers
-  ) 9>"$top/build/fuzz.lock"
+    configure_tree "$top/build/sanitized" -DCMAKE_CXX_COMPILER=clang++ -DHORALINK_SANITIZE=ON \
+      -DHORALINK_WARNINGS_AS_ERRORS=ON -DCMAKE_BUILD_TYPE=Debug
+    cmake --build "$top/build/sanitized" --target "$@"
+  ) 9>"$top/build/sanitized.lock"
 }

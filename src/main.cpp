@@ -1,4 +1,4 @@
-// The only place that knows both sides: it gives the add-in its platform and starts it.
+// Starts the add-in on its platform; the only file that knows both.
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -44,7 +44,7 @@ Spellings KnownSpellings(const Application& app, const Settings& settings) {
     return {settings.Get(u"VELMORA32", market, u"InstallPath", u""), app.path};
 }
 
-// A stand-alone run without a bus is one whose host can't be created.
+// Without a bus, a stand-alone run can't create its host.
 std::unique_ptr<Automation> Connect(QtDesktop& desktop, const Application& app) {
     try {
         return ConnectToSessionBus(desktop.Loop(), desktop.Waits(), app.waits);
@@ -63,7 +63,7 @@ void Serve(horalink::AddInMain& main, Automation& automation, EventLoop& loop) {
     loop.Run();
 }
 
-// Runs until the dialog has gone; without one there is nothing to wait for.
+// Runs until the dialog closes, if there is one.
 void RunDialog(horalink::AddInMain& main, EventLoop& loop) {
     forms::Form& window = main.Dialog().Window();
     window.Unloaded = [&] { loop.Quit(); };
@@ -79,8 +79,7 @@ void Run(int argc, char** argv) {
     const auto desktop = OpenDesktop(qtArguments, argv, app, *engine);
     const auto automation = Connect(*desktop, app);
     const SystemClock clock;
-    // A server that ends before it has begun to serve must not look like one that ended well: who started
-    // it would go on waiting.
+    // A server that ends before it serves must report a failure, or whoever started it would go on waiting.
     int status = EXIT_FAILURE;
     const horalink::Services services{
         app,

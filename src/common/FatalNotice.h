@@ -1,4 +1,4 @@
-// The fixed notice of a failure that no language database can word.
+// The notice of a failure, in fixed words: it must work without a language database.
 #pragma once
 
 #include "platform/desktop/Desktop.h"
@@ -11,7 +11,7 @@ inline constexpr platform::TextView noticeTitle = u"System Fatal Notice";
 // "description [number]".
 void ShowShortNotice(platform::MessageBoxes& boxes, const platform::RuntimeError& error);
 
-// "Error No: [number]", and the description in a second line.
+// "Error No: [number]", then the description on a second line.
 void ShowLongNotice(platform::MessageBoxes& boxes, const platform::RuntimeError& error);
 
 }  // namespace horalink

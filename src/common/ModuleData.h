@@ -1,4 +1,4 @@
-// What all parts of the add-in share: the services it stands on, and the data written during start-up.
+// What all parts of the add-in share: the platform's services, and the data set during start-up.
 #pragma once
 
 #include <functional>
@@ -15,7 +15,7 @@
 
 namespace horalink {
 
-// The platform's services, handed in once by whoever starts the add-in.
+// The platform's services.
 struct Services {
     platform::Application& app;
     const platform::Clock& clock;
@@ -28,24 +28,24 @@ struct Services {
     platform::Screen& screen;
     platform::forms::Toolkit& toolkit;
     const platform::PictureFiles& files;
-    // Ends the process at once; nothing behind the call runs.
+    // Ends the process at once; never returns.
     std::function<void()> End;
 };
 
-// Short texts that the dialog joins with values, by their rank from 0. Reading one that isn't there raises 9.
+// Short texts that the dialog combines with values, by rank from 0. Raises 9 for an unknown rank.
 class MessageTexts {
   public:
     const platform::Text& operator[](std::size_t index) const;
     std::vector<platform::Text> texts;
 };
 
-// Places of the texts that the add-in reads.
+// Ranks of the texts that the add-in uses.
 namespace message {
 inline constexpr std::size_t loginFailed = 0, loginFailedTitle = 1, accessFailure = 2, progress = 3,
                              caption = 4, answerError = 6, firstButton = 7, lastButton = 16;
 }
 
-// Written by Main, read by everybody, alive as long as the process.
+// Set by Main, and valid as long as the process runs.
 struct ModuleData {
     bool IsStandalone = false;
     platform::Text MarketCode;

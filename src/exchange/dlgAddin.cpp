@@ -116,7 +116,7 @@ void dlgAddin::WireTimeAndDate() {
     controls_.chkTrackDate->Click = [this] { tracking_.chkTrackDate_Click(); };
 }
 
-// The frame of the buttons, the buttons, the calendar and the bare surface have no menu.
+// The buttons with their frame, the calendar and the background have no menu.
 void dlgAddin::WireHelp() {
     const auto offer = [this](forms::Control* control) {
         control->MouseUp = [this, control](forms::MouseButton button) {

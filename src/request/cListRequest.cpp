@@ -47,7 +47,7 @@ void AddToListLate(cListRequest& record, Arguments& arguments) {
                      TextOrNothing(arguments[3]), TextOrNothing(arguments[4]));
 }
 
-// The order of the slots is part of the interface, also where a write form stands ahead of its read form.
+// The order of the slots is part of the interface, even where a write form comes before its read form.
 std::vector<Member> Slots() {
     using Record = cListRequest;
     const platform::Parameter cmd{"CMD", ValueType::String}, fd{"FD", ValueType::String, true},

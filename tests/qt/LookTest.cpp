@@ -7,7 +7,6 @@
 
 #include "QtFixture.h"
 #include "platform/qt/Look.h"
-#include "platform/qt/Twips.h"
 
 namespace platform {
 namespace {

@@ -39,7 +39,8 @@ REFUSALS = [
     ("mdb-schema", "true", "Registry: its fields can't be read"),
     ("mdb-tables", "yes", "it is damaged or encrypted: mdb-tables ended with status"),
 ]
-NOT_ACCESS = [("Register.mdb", b"text", "Register.mdb: this is no Access file"), ("other.mdb", JET, "other.mdb: we have no"),
+NOT_ACCESS = [("Register.mdb", b"text", "Register.mdb: this is no Access file"),
+              ("other.mdb", JET, "other.mdb: we have no database of this name"),
               ("Register.mdb", b"\0\1\0\0Standard ACE DB\0 <encryption xmlns=", "Register.mdb: it is encrypted"),
               ("Register.mdb", None, "Register.mdb: there is no such file")]
 

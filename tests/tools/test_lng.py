@@ -81,7 +81,7 @@ nl.sql: tForms:dlgAddin:FontName: a window has to have one; "-1" has no meaning 
 nl.sql:1: the statement fails: no such table: tForm
 """.strip().splitlines()
 # Statements on databases without rules, and what is found then.
-MISSING, HIDES = "Horalink.lng: the table {} is missing", "another row has the same key and hides this one"
+HIDES = "another row has the same key and hides this one"
 DATABASES = [
     ("Horalink.lng", "DROP TABLE tForms", "the table tForms is missing"),
     ("Common.LNG", "DROP TABLE tMsgBox", "the table tMsgBox is missing"),
@@ -95,7 +95,7 @@ DATABASES = [
     ("Horalink.lng", "INSERT INTO tMessages VALUES (4, 'A')", f"tMessages:4: {HIDES}"),
     ("Horalink.lng", "UPDATE tMessages SET ID = -1 WHERE ID = 16",
      "tMessages:-1:ID: it has to be a whole number, 0 or greater"),
-    ("Horalink.lng", "INSERT INTO tMsgBox SELECT 32768, Prompt, Buttons, Title, NULL, NULL FROM tMsgBox WHERE MsgNo = 1",
+    ("Horalink.lng", "INSERT INTO tMsgBox SELECT 32768, Prompt, Buttons, Title, '', '-1' FROM tMsgBox WHERE MsgNo = 1",
      "tMsgBox:32768:MsgNo: it has to be a whole number of 16 bits"),
     ("Horalink.lng", "UPDATE tMsgBox SET HelpFile = 'horalink.HLP', Context = 77 WHERE MsgNo = 1",
      "tMsgBox:1:Context: the help file has no topic of this number"),
@@ -117,14 +117,16 @@ DATABASES = [
     ("Horalink.lng", "INSERT INTO tControls SELECT FormName, 'UPDTIME', \"Index\", Caption, FontName, FontSize, "
      "ToolTipText FROM tControls WHERE ObjectName = 'updTime'", f"tControls:dlgAddin.UPDTIME: {HIDES}"),
     ("Horalink.lng", "DELETE FROM tPicture", "tPicture: there is no row, so the background sets show nothing"),
-    ("Horalink.lng", "UPDATE tMsgBox SET Prompt = x'00ff' WHERE MsgNo = 1", "it can't be read to its end: Type mismatch"),
+    ("Horalink.lng", "UPDATE tMsgBox SET Prompt = x'00ff' WHERE MsgNo = 1",
+     "it can't be read to its end: Type mismatch"),
     ("Common.LNG", "INSERT INTO tMsgBox VALUES (9, 'A %CR', '', '%ST', NULL, '-1')",
      'tMsgBox:9:Prompt: "A %CR" is shown as it is'),
     ("Common.LNG", "UPDATE PictureFileName SET ID = 32768 WHERE ID = 1",
      "PictureFileName:32768.plain.svg:ID: it has to be a whole number of 16 bits"),
     ("Common.LNG", "UPDATE PictureFileName SET FileName = '' WHERE ID = 1",
      "PictureFileName:1.plain.svg:FileName: the name of the picture is missing"),
-    ("Horalink.hlp", "DELETE FROM tTopics WHERE ID = 1", "tTopics: the row 1 is missing; the opening of the help refers"),
+    ("Horalink.hlp", "DELETE FROM tTopics WHERE ID = 1",
+     "tTopics: the row 1 is missing; the opening of the help refers to it"),
     ("Horalink.hlp", "UPDATE tTopics SET Body = '' WHERE ID = 0", "tTopics:0:Body: the text is missing"),
     ("Register.mdb", "INSERT INTO Registry SELECT * FROM Registry", f"Registry:Horalink.mra: {HIDES}"),
     ("Register.mdb", "DELETE FROM Registry", "Registry: the row Horalink.mra is missing"),
@@ -246,7 +248,8 @@ class Lng(unittest.TestCase):
                     file.write_bytes(content)
         files[1].write_bytes(whole[files[1]][:4096] + bytes(range(256)) * 48)
         self.assertIn("Common.LNG: it can't be read to its end", self.run_tool("check", files[1])[1][0])
-        for name, words in (("other.db", "this is not the name of a database"), ("x/Common.LNG", "there is no such file")):
+        for name, words in (("other.db", "this is not the name of a database"),
+                            ("x/Common.LNG", "there is no such file")):
             self.assertIn(words, self.run_tool("check", self.top / name)[2][0])
 
     def test_ships_languages_that_are_whole(self):

@@ -102,16 +102,15 @@ struct NoView : HostView {
 std::map<std::string, std::string> MembersOf(const Object& object) {
     std::map<std::string, std::string> members;
     for (const Member& member : object.Class().members) {
-        const bool isRead = member.kind == InvokeKind::PropertyGet,
-                   isCall = member.kind == InvokeKind::Method;
-        std::string line = isCall ? "call(" : isRead ? "read(" : "write(";
+        std::string line, type(SignatureOf(member.result));
         for (const Parameter& parameter : member.parameters)
-            line += std::string(line.back() == '(' ? "" : ", ") + std::string(parameter.name) + ": " +
+            line += std::string(line.empty() ? "" : ", ") + std::string(parameter.name) + ": " +
                     std::string(SignatureOf(parameter.type));
-        line += ")";
-        if (member.result != ValueType::None) line += ": " + std::string(SignatureOf(member.result));
+        const char* const kind = member.kind == InvokeKind::Method        ? "call("
+                                 : member.kind == InvokeKind::PropertyGet ? "read("
+                                                                          : "write(";
         std::string& all = members[std::string(member.name)];
-        all += (all.empty() ? "" : "; ") + line;
+        all += (all.empty() ? "" : "; ") + (kind + line) + ")" + (type.empty() ? "" : ": " + type);
     }
     return members;
 }

@@ -8,7 +8,6 @@
 #include "platform/qt/CalendarWidget.h"
 #include "platform/qt/FormWindow.h"
 #include "platform/qt/HelpWindow.h"
-#include "platform/qt/ImageWidget.h"
 #include "platform/qt/LabelWidget.h"
 #include "platform/qt/SpinWidget.h"
 

@@ -2,16 +2,21 @@
 #pragma once
 
 #include <QDialog>
+#include <QPixmap>
 #include <cstdint>
 #include <functional>
 #include <vector>
 
-#include "platform/qt/BoxIcons.h"
 #include "platform/runtime/Text.h"
 
 class QLayout;
 
 namespace platform {
+
+enum class BoxSign { None, Critical, Question, Exclamation, Information };
+
+// A sign in a square of `side` logical pixels, sharp on a screen of that ratio; null for no sign.
+QPixmap SignPixmap(BoxSign sign, int side, qreal devicePixelRatio);
 
 struct BoxContent {
     struct Button {

@@ -2,14 +2,41 @@
 #pragma once
 
 #include <QDate>
+#include <QFontMetrics>
 #include <QLocale>
 #include <optional>
 
 #include "platform/qt/CalendarSelectors.h"
 #include "platform/qt/ControlView.h"
-#include "platform/qt/MonthPage.h"
 
 namespace platform::forms {
+
+struct PageCell {
+    int week = 0, column = 0;
+    friend bool operator==(const PageCell&, const PageCell&) = default;
+};
+
+// Lays out the days of a month on a page of weeks.
+class MonthPage {
+  public:
+    static constexpr int columns = 7, weeks = 6;
+
+    MonthPage(int year, int month, Qt::DayOfWeek firstDayOfWeek);
+
+    int Days() const { return first_.daysInMonth(); }
+    PageCell CellOf(int day) const;
+    // The day of the week of a column, 1 for Monday up to 7.
+    int WeekdayOf(int column) const;
+
+  private:
+    int ColumnOfFirst() const;
+
+    QDate first_;
+    Qt::DayOfWeek firstDayOfWeek_;
+};
+
+// How long the names of days may be, all alike: one that is too long for its column makes all of them narrow.
+QLocale::FormatType WeekdayFormat(const QLocale& locale, const QFontMetrics& metrics, int columnWidth);
 
 // Days are chosen with the mouse, the arrow keys, Home and End; Page Up and Page Down turn the months, with
 // Ctrl or Shift the years. Where no day is chosen, the keys start from the first, which Enter and Space

@@ -2,11 +2,31 @@
 #pragma once
 
 #include <QCheckBox>
+#include <QFocusFrame>
+#include <QPainter>
 
 #include "platform/qt/ControlView.h"
-#include "platform/qt/FocusRing.h"
+#include "platform/qt/Look.h"
 
 namespace platform::forms {
+
+// A focus frame is nothing to the mouse and to assistive programs.
+class FocusRing : public QFocusFrame {
+  public:
+    using QFocusFrame::QFocusFrame;
+
+    void Surround(const QRect& inside) {
+        constexpr int gap = 3;
+        setGeometry(inside.adjusted(-gap, -gap, gap, gap));
+        raise();
+    }
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        DrawFocus(painter, rect());
+    }
+};
 
 // Draws its indicator, and its caption where there is room for one. A label that shows its text instead is
 // inside the ring of the focus.

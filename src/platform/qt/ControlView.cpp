@@ -5,12 +5,11 @@
 #include "platform/qt/CalendarWidget.h"
 #include "platform/qt/CheckWidget.h"
 #include "platform/qt/EditWidget.h"
-#include "platform/qt/ImageWidget.h"
 #include "platform/qt/LabelWidget.h"
+#include "platform/qt/Look.h"
 #include "platform/qt/PushWidget.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/SpinWidget.h"
-#include "platform/qt/Twips.h"
 
 namespace platform::forms {
 

@@ -4,7 +4,7 @@
 #include <QLineEdit>
 
 #include "platform/qt/ControlView.h"
-#include "platform/qt/Stepping.h"
+#include "platform/qt/SpinWidget.h"
 
 namespace platform::forms {
 

@@ -7,7 +7,9 @@
 #include <memory>
 #include <optional>
 
+#include "platform/forms/Form.h"
 #include "platform/forms/FormInput.h"
+#include "platform/forms/InputGate.h"
 #include "platform/qt/QtHelp.h"
 
 class QKeyEvent;
@@ -67,6 +69,16 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
     bool menuIsKeyed_ = false;   // a key asks for a menu just now
     PictureRef icon_;
     Text caption_;
+};
+
+class QtToolkit : public Toolkit {
+  public:
+    QtToolkit(const QtHelp& help, InputGate& gate);
+    std::unique_ptr<View> MakeView(Form& form) override;
+
+  private:
+    const QtHelp& help_;
+    InputGate& gate_;
 };
 
 }  // namespace platform::forms

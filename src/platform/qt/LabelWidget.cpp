@@ -57,4 +57,19 @@ void LabelWidget::paintEvent(QPaintEvent*) {
                      static_cast<int>(ToQt(shown_.align)) | Qt::TextWordWrap, shown_.caption);
 }
 
+void ImageWidget::SyncOwn() {
+    const Image& control = Typed();
+    if (picture_ == control.Picture() && stretch_ == control.Stretch()) return;
+    picture_ = control.Picture;
+    stretch_ = control.Stretch;
+    drawing_.Take(picture_);
+    update();
+}
+
+void ImageWidget::paintEvent(QPaintEvent*) {
+    const QSize shown = stretch_ ? size() : drawing_.NaturalSize();
+    if (drawing_.IsEmpty() || shown.isEmpty()) return;
+    QPainter(this).drawPixmap(QPoint(), drawing_.At(shown, devicePixelRatio()));
+}
+
 }  // namespace platform::forms

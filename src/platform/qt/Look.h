@@ -4,7 +4,9 @@
 #include <QColor>
 #include <QFont>
 #include <QPalette>
+#include <QRect>
 #include <QRectF>
+#include <cmath>
 
 #include "platform/forms/Controls.h"
 
@@ -46,5 +48,21 @@ enum class Arrow { Up, Down, Left, Right };
 
 // A small triangle in the middle of `rect`.
 void DrawArrow(QPainter& painter, const QRect& rect, Arrow arrow, const QColor& color);
+
+inline constexpr float twipsPerPixel = 15.0F;
+
+inline int ToPixels(float twips) {
+    return static_cast<int>(std::lround(twips / twipsPerPixel));
+}
+
+inline float ToTwips(double pixels) {
+    return static_cast<float>(pixels * static_cast<double>(twipsPerPixel));
+}
+
+// The model's places are seen from the corner of the primary screen, which on a desktop of several may lie
+// anywhere.
+inline QPoint ToDesktop(float left, float top, const QRect& primaryScreen) {
+    return primaryScreen.topLeft() + QPoint(ToPixels(left), ToPixels(top));
+}
 
 }  // namespace platform::forms

@@ -1,15 +1,16 @@
 #include "platform/qt/QtDesktop.h"
 
+#include <fontconfig/fontconfig.h>
 #include <malloc.h>
 #include <unistd.h>
-
 #include <QApplication>
 #include <QFileInfo>
 #include <QPixmapCache>
 #include <QStyleFactory>
 #include <cstdio>
+#include <thread>
 
-#include "platform/qt/FontStart.h"
+#include "platform/qt/FormWindow.h"
 #include "platform/qt/Look.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtHelp.h"
@@ -17,8 +18,6 @@
 #include "platform/qt/QtMessageBoxes.h"
 #include "platform/qt/QtPictureFiles.h"
 #include "platform/qt/QtScreen.h"
-#include "platform/qt/QtToolkit.h"
-#include "platform/qt/QtWaitBoxes.h"
 
 namespace platform {
 
@@ -28,7 +27,7 @@ const char* programName = "";
 
 // Qt ends a process that has no display with abort(), a core dump and a page of advice. This is put in its
 // place for as long as the display is being opened.
-void TellThatDisplayFailed(QtMsgType type, const QMessageLogContext&, const QString&) {
+void ReportDisplayFailure(QtMsgType type, const QMessageLogContext&, const QString&) {
     if (type != QtFatalMsg) return;
     const QByteArray display = qEnvironmentVariableIsSet("QT_QPA_PLATFORM") ? qgetenv("QT_QPA_PLATFORM")
                                : qEnvironmentVariableIsSet("DISPLAY")       ? qgetenv("DISPLAY")
@@ -83,9 +82,11 @@ class Desktop : public QtDesktop {
     const PictureFiles& Pictures() const override { return pictures_; }
 
   private:
-    FontStart fonts_;
-    // Qt gets the program's name alone: all that stands behind it may be the name of an exchange, also
-    // where it looks like one of Qt's own options.
+    // The first text waits until the machine's fonts are known, which takes as long as the toolkit's own
+    // start.
+    std::jthread fonts_{[] { FcInit(); }};
+    // Qt gets the program's name alone: the rest may be the name of an exchange that looks like one of Qt's
+    // options.
     int argumentCount_ = 1;
     char* arguments_[2];
     QApplication application_;
@@ -107,7 +108,7 @@ std::unique_ptr<QtDesktop> OpenDesktop(int& argc, char** argv, const Application
     programName = argc > 0 ? argv[0] : "";
     ShareOneHeap();
     PrepareApplication();
-    const QtMessageHandler previous = qInstallMessageHandler(TellThatDisplayFailed);
+    const QtMessageHandler previous = qInstallMessageHandler(ReportDisplayFailure);
     auto desktop = std::make_unique<Desktop>(argv[0], application, engine);
     qInstallMessageHandler(previous);
     return desktop;

@@ -1,6 +1,7 @@
 // Message boxes.
 #pragma once
 
+#include "platform/automation/Automation.h"
 #include "platform/desktop/Application.h"
 #include "platform/desktop/Desktop.h"
 #include "platform/qt/QtHelp.h"
@@ -21,6 +22,16 @@ class QtMessageBoxes : public MessageBoxes {
   private:
     const Application& application_;
     const QtHelp& help_;
+};
+
+// The first button keeps waiting; the second one, Escape and closing give up.
+class QtWaitBoxes : public WaitBoxes {
+  public:
+    explicit QtWaitBoxes(const Application& application) : application_(application) {}
+    std::unique_ptr<WaitBox> Open(TextView title, TextView text, std::function<void(bool)> answered) override;
+
+  private:
+    const Application& application_;
 };
 
 }  // namespace platform

@@ -4,7 +4,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 
-#include "platform/qt/Twips.h"
+#include "platform/qt/Look.h"
 
 namespace platform {
 

@@ -1,5 +1,6 @@
 #include "platform/qt/SpinWidget.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -7,6 +8,7 @@
 #include <utility>
 
 #include "platform/qt/Look.h"
+#include "platform/runtime/Guard.h"
 
 namespace platform::forms {
 
@@ -86,6 +88,24 @@ void SpinWidget::paintEvent(QPaintEvent*) {
     PaintHalf(painter, Direction::Up);
     PaintHalf(painter, Direction::Down);
     if (hasFocus()) DrawFocus(painter, rect());
+}
+
+void Step(UpDown& spin, Direction direction) {
+    Guard([&] { direction == Direction::Up ? spin.StepUp() : spin.StepDown(); });
+}
+
+std::optional<Direction> StepOf(const QKeyEvent& event) {
+    if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) return {};
+    if (event.key() == Qt::Key_Up) return Direction::Up;
+    if (event.key() == Qt::Key_Down) return Direction::Down;
+    return {};
+}
+
+int WheelSteps::Take(const QWheelEvent& event) {
+    turned_ += event.angleDelta().y();
+    const int steps = turned_ / QWheelEvent::DefaultDeltasPerStep;
+    turned_ -= steps * QWheelEvent::DefaultDeltasPerStep;
+    return steps;
 }
 
 }  // namespace platform::forms

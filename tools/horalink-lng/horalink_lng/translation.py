@@ -49,8 +49,8 @@ class Translation:
 
     def _format_faults(self):
         try:
-            ended = subprocess.run(["msgfmt", "--check", "--output-file=/dev/null", self.file], env={**os.environ, "LC_ALL": "C"},
-                                   capture_output=True, text=True, check=False)
+            ended = subprocess.run(["msgfmt", "--check", "--output-file=/dev/null", self.file], check=False,
+                                   env={**os.environ, "LC_ALL": "C"}, capture_output=True, text=True)
         except FileNotFoundError as error:
             raise Fault("the package gettext is missing") from error
         if ended.returncode:

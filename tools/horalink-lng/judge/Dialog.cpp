@@ -12,7 +12,6 @@
 #include "pictures/comPicture.h"
 #include "platform/qt/Look.h"
 #include "platform/qt/QtText.h"
-#include "platform/qt/Twips.h"
 
 namespace lng {
 

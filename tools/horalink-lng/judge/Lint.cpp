@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "language/MsgBoxButtons.h"
+#include "language/LanguageMsgBox.h"
 #include "language/TextTokens.h"
 #include "platform/headless/Desktop.h"
 

@@ -6,7 +6,6 @@
 #include "Lint.h"
 #include "language/LanguageDatabase.h"
 #include "language/LanguageMsgBox.h"
-#include "language/MessageTable.h"
 #include "language/TextTokens.h"
 #include "platform/desktop/HelpFile.h"
 
