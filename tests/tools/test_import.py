@@ -37,7 +37,7 @@ REFUSALS = [
     ("mdb-export", "echo 'INSERT INTO Registry VALUES (1);'", "its rows can't be copied"),
     ("mdb-export", "printf '.shell touch %s/escaped\\n' \"$TOP\"", "its rows can't be copied"),
     ("mdb-schema", "true", "Registry: its fields can't be read"),
-    ("mdb-tables", "yes", "it is damaged or encrypted: mdb-tables ended with status"),
+    ("mdb-tables", "yes", "it is damaged or encrypted: mdb-tables ended with status 153"),
 ]
 NOT_ACCESS = [("Register.mdb", b"text", "Register.mdb: this is no Access file"),
               ("other.mdb", JET, "other.mdb: we have no database of this name"),

@@ -85,7 +85,7 @@ HIDES = "another row has the same key and hides this one"
 DATABASES = [
     ("Horalink.lng", "DROP TABLE tForms", "the table tForms is missing"),
     ("Common.LNG", "DROP TABLE tMsgBox", "the table tMsgBox is missing"),
-    ("Horalink.hlp", "ALTER TABLE tTopics DROP COLUMN Body", "tTopics: the field Body is missing"),
+    ("horalink.HLP", "ALTER TABLE tTopics DROP COLUMN Body", "tTopics: the field Body is missing"),
     ("Horalink.lng", "ALTER TABLE tMessages ADD COLUMN Note", "tMessages: the add-in fails: Error No: [3307]"),
     ("Horalink.lng", "DELETE FROM tProject", "tProject: the add-in fails: There is no current record [3021]"),
     ("Horalink.lng", "UPDATE tProject SET OleServerBusyMsgText = NULL",
@@ -116,6 +116,10 @@ DATABASES = [
      "tControls:dlgAddin.lblTrack:Caption: this text is shown as it is: %CR has no meaning here"),
     ("Horalink.lng", "INSERT INTO tControls SELECT FormName, 'UPDTIME', \"Index\", Caption, FontName, FontSize, "
      "ToolTipText FROM tControls WHERE ObjectName = 'updTime'", f"tControls:dlgAddin.UPDTIME: {HIDES}"),
+    ("Horalink.lng", "UPDATE tControls SET Caption = '-1' WHERE ObjectName = 'lblTrack'",
+     'tControls: the control lblTrack has no Caption and shows "Track PC Time" of its design'),
+    ("Horalink.lng", "UPDATE tMsgBox SET Buttons = 'vbMsgBoxHelpButton+vbMsgBoxHelpButton' WHERE MsgNo = 1",
+     "tMsgBox:1:Buttons: names that exclude each other add up to something else"),
     ("Horalink.lng", "DELETE FROM tPicture", "tPicture: there is no row, so the background sets show nothing"),
     ("Horalink.lng", "UPDATE tMsgBox SET Prompt = x'00ff' WHERE MsgNo = 1",
      "it can't be read to its end: Type mismatch"),
@@ -125,9 +129,9 @@ DATABASES = [
      "PictureFileName:32768.plain.svg:ID: it has to be a whole number of 16 bits"),
     ("Common.LNG", "UPDATE PictureFileName SET FileName = '' WHERE ID = 1",
      "PictureFileName:1.plain.svg:FileName: the name of the picture is missing"),
-    ("Horalink.hlp", "DELETE FROM tTopics WHERE ID = 1",
+    ("horalink.HLP", "DELETE FROM tTopics WHERE ID = 1",
      "tTopics: the row 1 is missing; the opening of the help refers to it"),
-    ("Horalink.hlp", "UPDATE tTopics SET Body = '' WHERE ID = 0", "tTopics:0:Body: the text is missing"),
+    ("horalink.HLP", "UPDATE tTopics SET Body = '' WHERE ID = 0", "tTopics:0:Body: the text is missing"),
     ("Register.mdb", "INSERT INTO Registry SELECT * FROM Registry", f"Registry:Horalink.mra: {HIDES}"),
     ("Register.mdb", "DELETE FROM Registry", "Registry: the row Horalink.mra is missing"),
 ]
@@ -186,7 +190,8 @@ class Lng(unittest.TestCase):
         by_context["tMessages:6:Caption"].msgstr_plural = {0: "Een", 1: "Twee"}
         translation.append(polib.POEntry(msgctxt="tMessages:99:Caption", msgid="A", msgstr="B"))
         translation.append(polib.POEntry(msgctxt="tMessages:1:Caption", msgid="Login Failed", msgstr="Nee"))
-        translation.append(polib.POEntry(msgctxt="tMessages:5:Caption", msgid="A", msgstr="B", obsolete=True))
+        translation.append(polib.POEntry(msgctxt="tMessages:5:Caption", msgid="The PBX clock is ready.",
+                                          msgstr="B", obsolete=True))
         translation.save()
         self.assertEqual(self.run_tool("build", self.po, "--output", self.top / "a/nl"), (0, [], []))
         shown = [self.cell(self.top / "a/nl/Horalink.lng", f"SELECT Caption FROM tMessages WHERE ID = {number}")
@@ -228,8 +233,9 @@ class Lng(unittest.TestCase):
 
     def test_judges_databases(self):
         self.run_tool("build", "--output", self.top)
+        (self.top / "Horalink.hlp").rename(self.top / "horalink.HLP")
         self.run_tool("build", self.data / "Register.mdb.sql", "--output", self.top)
-        files = [self.top / name for name in ("Horalink.lng", "Common.LNG", "Horalink.hlp", "Register.mdb")]
+        files = [self.top / name for name in ("Horalink.lng", "Common.LNG", "horalink.HLP", "Register.mdb")]
         for file in files:
             with contextlib.closing(sqlite3.connect(file)) as database:
                 for (table,) in database.execute("SELECT name FROM sqlite_master WHERE type = 'table'").fetchall():

@@ -17,15 +17,14 @@ class Statement:
 
 
 def statements(file):
-    text, note, line, note_grows = "", [], 0, False
+    text, note, line = "", [], 0
     for number, content in enumerate(read(file).splitlines(keepends=True), 1):
         if not text and not content.strip():
-            note, note_grows = [], False
+            note = []
         elif not text and content.startswith("--"):
-            note = (note if note_grows else []) + [content[2:].strip()]
-            note_grows = True
+            note.append(content[2:].strip())
         else:
-            line, note_grows = line if text else number, False
+            line = line if text else number
             text += content
             if sqlite3.complete_statement(text):
                 yield Statement(text, line, " ".join(note))

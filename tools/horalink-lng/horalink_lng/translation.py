@@ -37,8 +37,7 @@ class Translation:
     def text(self, context, english):
         """The translation; nothing where there is none, or one that is fuzzy or of another English text."""
         entry = self.by_context.get(context)
-        usable = entry and entry.msgid == english and not entry.fuzzy and not entry.msgid_plural
-        return entry.msgstr if usable else ""
+        return entry.msgstr if entry and entry.msgid == english and not entry.fuzzy else ""
 
     def faults(self, english):
         """What gettext says of the file, and entries without use, as (line, words); `english` is texts by context."""
