@@ -1,4 +1,5 @@
 """Judges databases: here what their rows must hold, and by `judge-texts` how the add-in itself takes them."""
+import contextlib
 import sqlite3
 import subprocess
 import tempfile
@@ -70,7 +71,7 @@ class Database:
         self.name = name
         self.file = file
         self.origin = origin
-        self.connection = sqlite3.connect(f"file:{file}?mode=ro", uri=True)
+        self.connection = sqlite3.connect(f"{file.resolve().as_uri()}?mode=ro", uri=True)
 
 
 def known_texts(files):
@@ -106,7 +107,7 @@ def judge(databases, findings, schemas, checker, backgrounds):
     """Adds what is wrong with the databases. `schemas` is the folder of the files of SQL."""
     whole = [database for database in databases if has_all_fields(database, findings, schemas)]
     for database in whole:
-        with guarded(database, findings):
+        with reading(database, findings):
             check_rules(database, findings)
             if backgrounds:
                 check_pictures(database, findings, backgrounds)
@@ -114,34 +115,27 @@ def judge(databases, findings, schemas, checker, backgrounds):
         ask_add_in(by_name, findings, checker)
 
 
-class guarded:
+@contextlib.contextmanager
+def reading(database, findings):
     """What ends the reading of a damaged database is a finding."""
-
-    def __init__(self, database, findings):
-        self.file, self.findings = database.file, findings
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, _, error, trace):
-        if isinstance(error, sqlite3.Error):
-            self.findings.add(self.file, None, f"it can't be read to its end: {error}")
-            return True
-        return False
+    try:
+        yield
+    except sqlite3.Error as error:
+        findings.add(database.origin.file, None, f"it can't be read to its end: {error}")
 
 
 def has_all_fields(database, findings, schemas):
     connection = sqlite3.connect(":memory:")
     fill(connection, schemas / f"{database.name}.sql", None, lambda *_: None)
     missing = None
-    with guarded(database, findings):
+    with reading(database, findings):
         missing = [(table, field) for table in TABLES
                    for field in set(fields(connection, table)) - set(fields(database.connection, table))]
         for table, field in sorted(missing):
             if fields(database.connection, table):
-                findings.add(database.file, None, f"{table}: the field {field} is missing")
+                findings.add(database.origin.file, None, f"{table}: the field {field} is missing")
             else:
-                findings.add(database.file, None, f"the table {table} is missing")
+                findings.add(database.origin.file, None, f"the table {table} is missing")
     return missing == []
 
 
