@@ -60,47 +60,6 @@ fs::path FolderOf(const fs::path& file) {
     return file.has_parent_path() ? file.parent_path() : fs::path(".");
 }
 
-// Folders that were made on the way, until they are kept.
-class NewFolders {
-  public:
-    ~NewFolders() {
-        std::error_code error;
-        for (; !made_.empty(); made_.pop_back()) fs::remove(made_.back(), error);
-    }
-
-    void Make(const fs::path& folder) {
-        fs::path way;
-        for (const fs::path& part : folder) {
-            way /= part;
-            std::error_code error;
-            if (fs::create_directory(way, error)) made_.push_back(way);
-            if (error && !fs::is_directory(way))
-                throw Fault(folder.string() + ": the folder can't be made: " + error.message());
-        }
-    }
-    void Keep() { made_.clear(); }
-
-  private:
-    std::vector<fs::path> made_;
-};
-
-// Files take their places one by one. Where one can't, those that did are taken away again, unless they
-// replaced others, which no one could bring back.
-void CommitAll(std::vector<NewFile>& files, bool replace) {
-    std::vector<fs::path> placed;
-    try {
-        for (NewFile& file : files) {
-            file.Commit();
-            placed.push_back(file.Target());
-        }
-    } catch (const Fault&) {
-        std::error_code error;
-        if (!replace)
-            for (const fs::path& file : placed) fs::remove(file, error);
-        throw;
-    }
-}
-
 }  // namespace
 
 NewFile::NewFile(fs::path target, bool replace) : target_(std::move(target)), replace_(replace) {
@@ -114,9 +73,6 @@ NewFile::NewFile(fs::path target, bool replace) : target_(std::move(target)), re
     close(descriptor);
     path_ = name;
 }
-
-NewFile::NewFile(NewFile&& other) noexcept
-    : target_(std::move(other.target_)), path_(std::exchange(other.path_, {})), replace_(other.replace_) {}
 
 NewFile::~NewFile() {
     if (!path_.empty()) unlink(path_.c_str());
@@ -141,19 +97,6 @@ void NewFile::Commit() {
     }
     path_.clear();
     Synchronize(FolderOf(target_), O_RDONLY | O_DIRECTORY);
-}
-
-void MakeFiles(const std::vector<fs::path>& targets, bool replace,
-               const std::function<void(std::size_t, const fs::path&)>& fill) {
-    NewFolders folders;
-    std::vector<NewFile> files;
-    for (std::size_t i = 0; i < targets.size(); ++i) {
-        folders.Make(FolderOf(targets[i]));
-        files.emplace_back(targets[i], replace);
-        fill(i, files.back().Path());
-    }
-    CommitAll(files, replace);
-    folders.Keep();
 }
 
 }  // namespace tools
