@@ -23,9 +23,9 @@ OTHERS = [
     (r"tests/\w+/run|bench/run|scripts/make-pictures.sh", "takes minutes"),
     (r"packaging/|sudo ", "packaging/try-packages.sh does it on a bare system"),
     (r"\./run( --language \S+)? bus (examples/|build/examples/|switchdesk --(verbose|open))", "test_clients does it"),
-    (r"horalink-lng import|horalink-lng check new|cp --remove", "wants an older installation; lng.ImportTest does it"),
+    (r"/usr/share/horalink/import|horalink-lng check new|install -Dt", "wants an older installation; lng.import does it"),
 ]
-AS_IS = (r"horalink-(lng|setup) |cp data/|PATH=|cmake -S examples|busctl |examples/host.py &|xdotool search|exit$|"
+AS_IS = (r"horalink-(lng|setup) |msginit |PATH=|cmake -S examples|busctl |examples/host.py &|xdotool search|exit$|"
          r"\./run bus (bash$|switchdesk --help)")
 FOLDERS = "docs|scripts|examples|tests|data|src|tools|bench|packaging"
 # What a shell that nobody types into does in place of what stands there.
