@@ -64,6 +64,7 @@ TEST_F(LayersTest, TheUsersOwnFilesComeFirstAndTheLanguageAheadOfTheCommon) {
         {{u"de"}, u"Texts\\Own", "own/Texts/Own all/Texts/de/Own all/Texts/Own "},
         {{u"de", u"en"}, u"Texts\\Both", "all/Texts/de/Both "},
         {{}, u"..\\OUTSIDE\\T", "outside/T "},
+        {{u"de"}, u"", "all "},  // a tree itself is no file in it
         {{u"de"}, u"TEXTS", "own/Texts all/Texts "}};
     for (const auto& [languages, path, files] : cases) {
         std::vector<fs::path> found;

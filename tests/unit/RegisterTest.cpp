@@ -146,6 +146,21 @@ TEST_F(SharedRegisterTest, AnotherWhoWasFasterIsNotReplaced) {
     EXPECT_EQ(State(own), "13.0.1 199 ok");
 }
 
+TEST_F(SharedRegisterTest, IsNotCopiedWhileAnotherWritesIt) {
+    const auto rows = Engine()
+                          ->OpenDatabase(UpperCase(PathText(all)))
+                          ->OpenRecordset(u"select * from Registry", RecordsetType::Dynaset);
+    sqlite3* other = nullptr;
+    sqlite3_open(all.c_str(), &other);
+    sqlite3_exec(other, "begin exclusive", nullptr, nullptr, nullptr);
+    EXPECT_EQ(FaultOf([&] { rows->Edit(); }),
+              "3260 '" + all.string() + "' is locked by another program; try again in a moment");
+    EXPECT_FALSE(fs::exists(own));
+    sqlite3_close(other);
+    rows->Edit(), rows->SetField(u"Version", u"1"), rows->Update();
+    EXPECT_EQ(State(own), "1 200 ok");
+}
+
 TEST_F(SharedRegisterTest, FailuresSayWhatCannotBeWrittenAndLeaveNothing) {
     const auto notice = [&] {
         EXPECT_FALSE(Update());

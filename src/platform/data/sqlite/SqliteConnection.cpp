@@ -95,9 +95,9 @@ void SqliteConnection::PrepareToWrite() {
 void SqliteConnection::CopyToOwnPlace() const {
     RequireNoRemains(ownPlace_);
     // A transaction that reads keeps others from writing meanwhile.
+    const ScopeExit end([this] { sqlite3_exec(handle_, "COMMIT", nullptr, nullptr, nullptr); });
     const int code = sqlite3_exec(Handle(), "BEGIN; SELECT 1 FROM sqlite_master", nullptr, nullptr, nullptr);
     if (code != SQLITE_OK) Fail(code);
-    const ScopeExit end([this] { sqlite3_exec(handle_, "COMMIT", nullptr, nullptr, nullptr); });
     try {
         CopyWhole(file_, ownPlace_);
     } catch (const std::system_error& error) {
