@@ -99,14 +99,15 @@ TEST_F(LayersTest, LeadsThroughDirectoriesThatMayNotBeListed) {
 
 TEST(WantedLanguagesTest, AreThoseOfTheSettingOrOfTheEnvironment) {
     const Table<TextView, Environment, const char*> cases = {
-        {u"", {}, "C en "},
+        {u"", {}, "en "},
         {u"", {{"LANG", "de_AT.UTF-8@euro"}}, "de_AT de en "},
         {u"", {{"LANG", "fr"}, {"LC_MESSAGES", "ja"}}, "ja en "},
         {u"", {{"LANG", "fr"}, {"LC_MESSAGES", "ja"}, {"LC_ALL", "ru"}}, "ru en "},
         {u"", {{"LANG", "fr"}, {"LC_ALL", ""}}, "fr en "},
         {u"", {{"LANG", "fr"}, {"LANGUAGE", "pt_BR:de:en:fr"}}, "pt_BR pt de en fr "},
-        {u"", {{"LANG", "C"}, {"LANGUAGE", "de"}}, "C en "},  // as gettext has it
-        {u"", {{"LC_ALL", "POSIX"}, {"LANGUAGE", "de"}}, "POSIX en "},
+        {u"", {{"LANG", "C"}, {"LANGUAGE", "de"}}, "en "},  // as gettext has it
+        {u"", {{"LC_ALL", "POSIX"}, {"LANGUAGE", "de"}}, "en "},
+        {u"", {{"LC_ALL", "C.UTF-8"}}, "en "},
         {u"zh_CN", {{"LANG", "de"}, {"LANGUAGE", "de"}}, "zh_CN zh en "},
         {u"../..:/x:.", {{"LANG", "de"}}, "en "}};  // no names of folders
     for (const auto& [setting, environment, languages] : cases) {

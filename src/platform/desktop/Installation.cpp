@@ -31,7 +31,8 @@ std::string LanguageList() {
 
 void Add(std::vector<Text>& languages, const Text& language) {
     // It becomes the name of a folder.
-    const bool isName = !language.empty() && language.find_first_of(u"/\\") == language.npos;
+    const bool isName = !language.empty() && language != u"C" && language != u"POSIX" &&
+                        language.find_first_of(u"/\\") == language.npos;
     const bool isNew = std::find(languages.begin(), languages.end(), language) == languages.end();
     if (isName && isNew) languages.push_back(language);
 }
