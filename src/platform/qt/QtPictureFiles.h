@@ -8,7 +8,7 @@ namespace platform {
 
 class QtPictureFiles : public PictureFiles {
   public:
-    // Looks for files by `spellings`.
+    // Finds files with the help of `spellings`.
     explicit QtPictureFiles(Spellings spellings) : spellings_(std::move(spellings)) {}
     Text Dir(TextView path) const override;
     forms::PictureRef LoadPicture(TextView path) const override;
