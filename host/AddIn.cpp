@@ -8,7 +8,7 @@ using platform::ToUtf8;
 namespace {
 
 constexpr platform::TextView className = u"Horalink10013.cOLELayer";
-// An add-in that serves others too doesn't end when we let go of it.
+// How long to wait for the add-in's end. With other clients, it doesn't end after our release.
 constexpr platform::Milliseconds longestFarewell{3000};
 
 Text ErrorText(const platform::RuntimeError& error) {
@@ -78,7 +78,7 @@ void AddIn::Close() {
 
 void AddIn::ChildUnloaded(std::int16_t id) {
     if (id != childId_) return;
-    // Not from inside the add-in's own call.
+    // Not inside the add-in's call.
     release_ = loop_.After(platform::Milliseconds(0), [this] { Close(); });
 }
 
@@ -87,7 +87,7 @@ void AddIn::OwnerGone() {
     log_.Note("add-in has left");
     if (layer_) {
         layer_ = nullptr;
-        view_.ShowState(u"The clock add-in has ended by itself.", false, {});
+        view_.ShowState(u"The clock add-in has ended unexpectedly.", false, {});
     }
     if (left_) left_();
 }

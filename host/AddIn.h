@@ -1,4 +1,4 @@
-// The clock add-in as the host drives it: one instance, opened for one exchange at a time.
+// The host's clock add-in: one instance, open for one exchange at a time.
 #pragma once
 
 #include "host/CallLog.h"
@@ -13,17 +13,16 @@ class AddIn {
     // All must outlive the object.
     AddIn(platform::Automation& automation, platform::EventLoop& loop, HostView& view, CallLog& log);
 
-    // Creates the add-in where there is none, and shows it for an exchange. What goes wrong is told to
-    // the view.
+    // Creates the add-in if necessary, and shows it for an exchange. Reports errors to the view.
     void Open(const platform::Text& exchange, const platform::ObjectRef& host);
-    // Puts a background set on the add-in: on the one that is open, and on each that is opened.
+    // Sets the background of the open add-in and of all that are opened later.
     void SetBackground(std::int16_t set);
-    // Lets go of the add-in. It stores its position and ends by itself afterwards.
+    // Releases the add-in, which then stores its position and ends.
     void Close();
-    // The add-in told that its dialog has gone.
+    // The add-in reports that its dialog has closed.
     void ChildUnloaded(std::int16_t id);
 
-    // Calls once no process of an add-in that was open is there any more, or waiting for it has no sense.
+    // Calls once the add-in's process, if any, has ended, or after a few seconds.
     void WhenLeft(std::function<void()> left);
 
   private:

@@ -1,4 +1,4 @@
-// What an exchange gives back on a request.
+// An exchange's answer to a request.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@ struct Item {
 struct Answer {
     std::vector<Item> items;
     std::int32_t errCode = 0;
-    platform::Text tag, loginId;  // both as the request had them
+    platform::Text tag, loginId;  // both copied from the request
     platform::Text message;
 };
 

@@ -50,10 +50,10 @@ bool ExchangeDesk::IsBusy(const Text& name) const {
 
 Text ExchangeDesk::Open(Text key, const Text& name, bool isLogin, const ObjectRef& client) {
     Session& session = sessions_.emplace_back(Session{key, name, isLogin, client, nullptr, nullptr});
-    // A client that dies can't log out: its login must not block the exchange for ever.
+    // The login of a client that dies must not block the exchange for ever.
     if (client)
         session.clientWatch = client->WhenOwnerGone([this, key] {
-            observation_.log.Note("client of " + platform::ToUtf8(key) + " has gone");
+            observation_.log.Note("client of " + platform::ToUtf8(key) + " has left");
             Close(key);
         });
     return key;
@@ -80,7 +80,7 @@ Text ExchangeDesk::Send(const ObjectRef& record) {
     const Request request = ReadRequest(record);
     Session* session = FindLogin(request.loginId);
     if (!session || session->exchange != request.exchange || session->answer) return Text(error);
-    // Never from in here: the client counts on SendRequest having returned before CallBack comes.
+    // Never at once: clients rely on SendRequest returning before CallBack arrives.
     if (observation_.misbehaviour.answers)
         session->answer =
             loop_.After(observation_.misbehaviour.answerDelay, [this, request] { Deliver(request); });
@@ -109,7 +109,7 @@ void ExchangeDesk::CallBack(const ObjectRef& client, Answer answer) {
         observation_.log.Note(response ? "CallBack returned, response kept" : "CallBack returned");
     } catch (const platform::RuntimeError& failure) {
         observation_.log.Note("CallBack raised error " + std::to_string(failure.Number()));
-        // Nobody will log out for an answer that can't be told.
+        // A client that didn't get the answer won't log out.
         Close(answer.loginId);
     }
 }

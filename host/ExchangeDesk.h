@@ -1,4 +1,4 @@
-// The exchanges, who is logged in at them, and the way of one request.
+// The exchanges, their logins and the requests to them.
 #pragma once
 
 #include <list>
@@ -26,14 +26,14 @@ class ExchangeDesk {
     };
     const std::vector<Named>& Exchanges() const { return exchanges_; }
 
-    // The key of a connection, or an empty text for an exchange that isn't there.
+    // The key of a new connection, or an empty text for an unknown exchange.
     platform::Text Connect(const platform::Text& name, const platform::ObjectRef& client);
-    // The key of a login; "BUSY" while another one is open at the exchange, "ERROR" for no such exchange.
+    // The key of a new login; "BUSY" if the exchange has one already, "ERROR" for an unknown exchange.
     platform::Text Login(const platform::Text& name, const platform::ObjectRef& client);
-    // Takes a request, whose answer goes to CallBack of the login's client later. "ERROR" for a request
-    // without a login of its own.
+    // Takes a request, and delivers the answer later to CallBack of the login's client. "ERROR" unless its
+    // login is for that exchange and has had no request yet.
     platform::Text Send(const platform::ObjectRef& record);
-    // Ends a login or a connection. A request of it that is under way gets no answer any more.
+    // Ends a login or connection. Its request, if any, gets no answer.
     void LogOut(const platform::Text& name, const platform::Text& key);
 
   private:

@@ -1,4 +1,4 @@
-// The exchange object: what clients log in at.
+// The exchange object, where clients log in.
 #pragma once
 
 #include "host/ExchangeDesk.h"
@@ -6,7 +6,7 @@
 
 namespace switchdesk {
 
-// Members: ConnectToPbx, Login, SendRequest, LogOut. All objects of this class stand before the same desk.
+// Members: ConnectToPbx, Login, SendRequest, LogOut. All objects of this class share one desk.
 class ExchangeObject : public ObservedObject {
   public:
     ExchangeObject(const Observation& observation, ExchangeDesk& desk)

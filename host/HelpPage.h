@@ -1,4 +1,4 @@
-// The window in which the host shows the help that an add-in asks for.
+// The window that shows help for an add-in.
 #pragma once
 
 #include <QWidget>
@@ -10,13 +10,13 @@ class QTextBrowser;
 
 namespace switchdesk {
 
-// Stays beside the other windows until it is closed, by its frame or with Escape.
+// Stays open until the operator closes it, by its frame or with Escape.
 class HelpPage : public QWidget {
   public:
-    // `host` is the window that it goes with.
+    // Closes with the window `host`.
     explicit HelpPage(QWidget& host);
 
-    // Puts a topic on the page and brings it to the front.
+    // Shows a topic, and brings the page to the front.
     void Show(const platform::HelpTopic& topic);
 
   protected:

@@ -1,4 +1,4 @@
-// The host object: what an add-in shows its answers to and keeps its values at.
+// The host object: shows an add-in's answers and stores its values.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@ class HostView {
     virtual void ShowCode(const platform::Text& code) = 0;
     virtual void ShowHelp(const platform::Text& file) = 0;
     virtual void ShowFlow(bool on) = 0;
-    // The state of the add-in in plain words; whether one is open, and for which exchange.
+    // The add-in's state in words, whether it is open, and for which exchange.
     virtual void ShowState(const platform::Text& state, bool open, const platform::Text& exchange) = 0;
 };
 

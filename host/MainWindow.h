@@ -1,4 +1,4 @@
-// The host's window: the exchanges on the left, what the add-in brings on the right.
+// The host's window: exchanges on the left, messages and results on the right.
 #pragma once
 
 #include <QMainWindow>
@@ -30,10 +30,10 @@ class MainWindow : public QMainWindow, public HostView {
     // `desk` and `family` must outlive the window.
     MainWindow(const ExchangeDesk& desk, const Family& family, Actions actions);
 
-    // Fills the menu of backgrounds, with a mark at the one that is in use.
+    // Fills the menu of backgrounds, and marks the chosen one.
     void OfferBackgrounds(std::int16_t chosen);
 
-    // Brings the clock times of the exchanges up to date.
+    // Updates the clocks of the exchanges.
     void ShowClocks();
 
     void ShowMessage(const platform::Text& message) override;

@@ -1,5 +1,4 @@
-// The ways in which the host can be told not to keep the contract, for those who try what an add-in makes of
-// it.
+// Ways in which the host breaks the contract on request, to try how an add-in copes.
 #pragma once
 
 #include <chrono>
@@ -14,7 +13,7 @@
 namespace switchdesk {
 
 struct Misbehaviour {
-    std::optional<platform::Text> login;  // what Login gives
+    std::optional<platform::Text> login;  // what Login returns
     bool answers = true;
     std::chrono::milliseconds answerDelay{100};
 
@@ -27,11 +26,11 @@ struct Misbehaviour {
     std::set<std::size_t> droppedItems;
 
     std::set<std::string> lacking;  // names of members in lower case
-    std::optional<int> logins;      // how many are still to go wrong; all of them without a value
+    std::optional<int> logins;      // how many are still to go wrong; all if unset
 
-    // Notes a call of a member. The first login after those that are to go wrong mends everything.
+    // Counts logins. The first one after those that are to go wrong ends all misbehaviour.
     void BeginCall(std::string_view member);
-    // Makes of a good answer what was asked for.
+    // Makes a good answer bad, as requested.
     void Spoil(Answer& answer) const;
 };
 

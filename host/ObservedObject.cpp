@@ -8,7 +8,7 @@ using platform::Value;
 
 namespace {
 
-// A call as the log shows it. An argument that the call changed is shown as it came and as it went.
+// A call as the log shows it. A changed argument is shown with both values.
 std::string CallText(std::string_view member, bool plainRead, const Arguments& before,
                      const Arguments& after) {
     std::string text(member);

@@ -17,33 +17,30 @@ namespace {
 
 const QList<QCommandLineOption>& AllOptions() {
     static const QList<QCommandLineOption> all{
-        {"exchange", "An exchange; repeat it for more. Without it: Main Office, Warehouse, Branch 3.",
-         "NAME"},
-        {"open", "Opens the clock add-in for this exchange at the start.", "NAME"},
-        {"offset", "How far the exchanges' clocks are ahead of this computer's at the start.", "MINUTES"},
+        {"exchange", "An exchange; repeat for more. Default: Main Office, Warehouse, Branch 3.", "NAME"},
+        {"open", "Opens the clock add-in for this exchange.", "NAME"},
+        {"offset", "Starts the exchanges' clocks this far ahead of the computer's.", "MINUTES"},
         {"market",
-         "Market code in the class name of the exchange object; without it that of the directory which the "
-         "program lies in, or 10001.",
+         "Market code in the class name of the exchange object. Default: that of the program's directory, or "
+         "10001.",
          "CODE"},
-        {"store", "Keeps the add-ins' named values there instead of the user's data directory.", "FILE"},
-        {"log", "Writes every call that the host sees into a file, one line each.", "FILE"},
-        {"verbose", "Writes them to the standard output too."},
+        {"store", "Stores the add-ins' values in this file instead of the user's data directory.", "FILE"},
+        {"log", "Writes every call that the host receives to this file, one line each.", "FILE"},
+        {"verbose", "Writes them to standard output too."},
         {"trace",
-         "Makes the add-in report ignored failures on its standard error, which goes to the log of the bus "
-         "that starts it."},
-        {"service", "Serves the exchange object without a window, and ends when nobody holds one."},
-        {"help", "This text."},
-        {"login", "To try what the add-in makes of it: what Login gives, such as BUSY, ERROR, or a key.",
-         "TEXT"},
-        {"answer", "Answers never, or late:MS, after so many milliseconds instead of 100.", "WHEN"},
+         "Makes the add-in report ignored failures on standard error, i.e. to the log of the bus that starts "
+         "it."},
+        {"service", "Serves the exchange object without a window. Ends when its last client releases it."},
+        {"help", "Shows this text."},
+        {"login", "To test the add-in: Login returns this, e.g. BUSY, ERROR or a key.", "TEXT"},
+        {"answer", "Answers \"never\", or \"late:MS\": after MS milliseconds instead of 100.", "WHEN"},
         {"item",
-         "Puts a text into an item of every answer, counted from 0; FIELD is CMD, FirstData, SecondData or "
+         "Replaces a text in item I of every answer, from 0; FIELD is CMD, FirstData, SecondData or "
          "ExtraData.",
          "I:FIELD=TEXT"},
-        {"drop-item", "Leaves this item out of every answer.", "I"},
-        {"lack", "Acts as if there were no such member of the host, the exchange object or an answer.",
-         "MEMBER"},
-        {"logins", "Does all this for the first N logins only.", "N"},
+        {"drop-item", "Omits this item from every answer.", "I"},
+        {"lack", "Acts as if the host, the exchange object and answers had no such member.", "MEMBER"},
+        {"logins", "Misbehaves for the first N logins only.", "N"},
     };
     return all;
 }
@@ -56,20 +53,20 @@ const QList<QCommandLineOption>& AllOptions() {
 double Minutes(const QString& text) {
     bool isNumber = false;
     const double minutes = text.toDouble(&isNumber);
-    if (!isNumber || !std::isfinite(minutes)) Refuse(QStringLiteral("--offset wants minutes, not ") + text);
+    if (!isNumber || !std::isfinite(minutes)) Refuse(QStringLiteral("--offset needs minutes, not ") + text);
     return minutes;
 }
 
 std::string Market(const QString& text) {
     static const QRegularExpression code(QStringLiteral("\\A[A-Za-z0-9_]+\\z"));
     if (!code.match(text).hasMatch())
-        Refuse(QStringLiteral("--market wants a market code, not \"%1\"").arg(text));
+        Refuse(QStringLiteral("--market needs a market code, not \"%1\"").arg(text));
     return text.toStdString();
 }
 
 platform::Text OneOf(const std::vector<platform::Text>& exchanges, const QString& name) {
     if (std::find(exchanges.begin(), exchanges.end(), FromQt(name)) == exchanges.end())
-        Refuse(QStringLiteral("there is no exchange \"%1\"").arg(name));
+        Refuse(QStringLiteral("unknown exchange \"%1\"").arg(name));
     return FromQt(name);
 }
 
@@ -94,7 +91,7 @@ Options ParseOptions(const QStringList& arguments, const std::string& market) {
     parser.addOptions(AllOptions());
     if (!parser.parse(arguments)) Refuse(parser.errorText());
     if (!parser.positionalArguments().isEmpty())
-        Refuse(QStringLiteral("\"%1\" is no option").arg(parser.positionalArguments().first()));
+        Refuse(QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
     Options options;
     for (const QString& name : parser.values("exchange")) options.exchanges.push_back(FromQt(name));
     if (options.exchanges.empty()) options.exchanges = {u"Main Office", u"Warehouse", u"Branch 3"};
@@ -115,10 +112,9 @@ Options ParseOptions(const QStringList& arguments, const std::string& market) {
 
 std::string HelpText() {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        "A small host of telephone exchanges, with simulated exchanges of its own.");
+    parser.setApplicationDescription("A small host for telephone exchanges, with simulated exchanges.");
     parser.addOptions(AllOptions());
-    // There is no application yet that would give the name.
+    // Qt takes the name from the application, which doesn't exist yet.
     return parser.helpText().replace("<executable_name>", "switchdesk").toStdString();
 }
 

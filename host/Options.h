@@ -13,9 +13,9 @@ namespace switchdesk {
 
 struct Options {
     std::vector<platform::Text> exchanges;
-    std::optional<platform::Text> open;  // the exchange to open the add-in for at the start
+    std::optional<platform::Text> open;  // exchange for which to open the add-in at once
     std::string market = "10001";
-    std::optional<double> minutesAhead;  // of each exchange; without it, of their own
+    std::optional<double> minutesAhead;  // of every exchange; if unset, each differs
     std::filesystem::path store;
     std::optional<std::filesystem::path> log;
     bool verbose = false, trace = false, service = false, help = false;
@@ -25,8 +25,8 @@ struct Options {
     std::string ExchangeClass() const { return "SwitchDeskProj" + market + ".cPBXOle"; }
 };
 
-// `arguments` begin with the program, which belongs to `market` unless that is empty. Raises 5, saying what
-// is wrong, for those that can't be understood.
+// `arguments` start with the program, which belongs to `market` unless that is empty. Raises 5 with the
+// reason if they are wrong.
 Options ParseOptions(const QStringList& arguments, const std::string& market = {});
 
 std::string HelpText();

@@ -7,7 +7,7 @@
 namespace switchdesk {
 
 // Members: Count, CMD(i), FirstData(i), SecondData(i), ExtraData(i), ErrCode, Tag, LoginID, and Message,
-// which can be written too. An index outside the items reads as an empty text.
+// which is also writable. An index outside the items reads as an empty text.
 class ResponseObject : public ObservedObject {
   public:
     ResponseObject(const Observation& observation, Answer answer)

@@ -18,7 +18,7 @@ constexpr TextView accepted = u"OK", dataError = u"DATA ERROR";
 constexpr int firstYear = 1901, lastYear = 2099;
 constexpr double minutesOfADay = 24 * 60;
 
-// The number that `count` digits from `start` on give, in a text of nothing but digits.
+// The number in `count` digits from `start`; the text has only digits.
 int Number(TextView digits, std::size_t start, std::size_t count) {
     int number = 0;
     for (const char16_t digit : digits.substr(start, count)) number = number * 10 + (digit - u'0');
@@ -44,7 +44,7 @@ Text ReadValue(TextView item, platform::Date now) {
     return TwoDigits(parts.hour) + u":" + TwoDigits(parts.minute) + u":" + TwoDigits(parts.second);
 }
 
-// What the written values ask for. The day of the week is only tested, once the date is known.
+// The requested change. The weekday is only checked against the date.
 struct Change {
     DateParts parts;
     std::optional<int> weekday;  // 0 for Sunday
@@ -79,14 +79,14 @@ bool TakeValue(const Item& item, Change& change) {
     return TakeTime(item.second, change);
 }
 
-// The answer text for an item that the exchange doesn't have, or an empty text.
+// The answer text for an unknown item, or an empty text.
 TextView Unknown(const Item& item) {
     if (item.command != clockCommand) return u"CODE NOT USED";
     if (item.first != yearItem && item.first != dayItem && item.first != timeItem) return u"DATA NOT FOUND";
     return {};
 }
 
-// A read that fails has the answer text in the place of its value.
+// A failed read has the answer text as its value.
 void Read(Item& item, platform::Date now) {
     const TextView unknown = Unknown(item);
     item.second = unknown.empty() ? ReadValue(item.first, now) : Text(unknown);

@@ -1,4 +1,4 @@
-// An exchange that there is no wire to: a clock that can be read and set by command "02".
+// A simulated exchange: a clock that command "02" reads and sets.
 #pragma once
 
 #include <vector>
@@ -10,14 +10,14 @@ namespace switchdesk {
 
 class SimulatedExchange {
   public:
-    // `pcClock` drives the exchange's clock, which is ahead of it by `minutesAhead` at the start; it must
-    // outlive the exchange.
+    // `pcClock` drives the exchange's clock, which starts `minutesAhead` minutes ahead. It must outlive
+    // the exchange.
     SimulatedExchange(const platform::Clock& pcClock, double minutesAhead);
 
     platform::Date Now() const;
 
-    // Performs the items of a request and gives the items of the answer, in the same order. An item with
-    // an empty value reads, any other writes. The clock is set only if no item was refused.
+    // Performs the items of a request, and returns those of the answer in the same order. An item with an
+    // empty value reads, any other writes. Sets the clock only if no item is refused.
     std::vector<Item> Perform(const std::vector<Item>& request);
 
   private:

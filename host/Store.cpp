@@ -13,7 +13,7 @@ using platform::Text;
 
 namespace {
 
-// Opened anew for each value, so that what another host wrote meanwhile is seen and kept.
+// Opened for each access, so that values written by another host are seen and kept.
 QSettings Open(const std::filesystem::path& file) {
     return {QString::fromStdString(file.string()), QSettings::IniFormat};
 }
@@ -23,7 +23,7 @@ void RequireSuccess(const QSettings& settings, const char16_t* what) {
         throw platform::RuntimeError(75, what + platform::FromQt(settings.fileName()));
 }
 
-// Either part may hold what divides them.
+// Encodes both parts, either of which may contain the separator.
 QString NameOf(const Text& application, const Text& key) {
     const auto part = [](const Text& text) {
         return text.empty() ? QStringLiteral("%")

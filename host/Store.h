@@ -1,4 +1,4 @@
-// Named values that the host keeps for its add-ins, in one file that several hosts may share.
+// Stores values for add-ins, in a file that several hosts may share.
 #pragma once
 
 #include <filesystem>
@@ -10,11 +10,11 @@ namespace switchdesk {
 
 class Store {
   public:
-    // A file that isn't there has no values. Raises 75 for one that can't be read.
+    // A missing file has no values. Raises 75 if the file can't be read.
     explicit Store(std::filesystem::path file);
 
     std::optional<platform::Text> Get(const platform::Text& application, const platform::Text& key) const;
-    // Writes the file before it returns. Raises 75 where that fails; the file then stays as it was.
+    // Writes the file before it returns. Raises 75 if that fails, and leaves the file as it was.
     void Set(const platform::Text& application, const platform::Text& key, const platform::Text& value);
 
   private:

@@ -1,4 +1,4 @@
-// The process: puts the pieces together, with a window or as a service of the bus.
+// The process: assembles the parts, with a window or as a service of the bus.
 #include <cstdio>
 #include <iterator>
 #include <memory>
@@ -24,7 +24,7 @@ namespace {
 
 using platform::Text;
 
-// A service that nobody creates an object in ends after this time.
+// How long a service waits for its first object before it ends.
 constexpr platform::Milliseconds unusedLimit{60000};
 constexpr platform::Milliseconds second{1000};
 // The host's own values in the store.
@@ -34,12 +34,12 @@ platform::Application Describe() {
     platform::Application application;
     application.title = u"Switchdesk";
     application.waits.busyTitle = application.waits.pendingTitle = u"Switchdesk";
-    application.waits.busyText = u"The clock add-in is busy. Go on trying?";
-    application.waits.pendingText = u"The clock add-in hasn't answered yet. Go on waiting?";
+    application.waits.busyText = u"The clock add-in is busy. Keep waiting?";
+    application.waits.pendingText = u"The clock add-in hasn't answered yet. Keep waiting?";
     return application;
 }
 
-// Exchanges whose clocks differ, as they do.
+// Gives the exchanges different clocks, as real ones have.
 void AddExchanges(ExchangeDesk& desk, const Options& options, const platform::Clock& clock) {
     static constexpr double habits[] = {7, -11, 3};
     std::size_t next = 0;
@@ -103,7 +103,7 @@ void Host::Serve() {
     });
 }
 
-// Where another host has the class already, this one does without: only stand-alone runs need it.
+// If another host has the class already, goes on without it: only stand-alone runs need it.
 void Host::ServeBesideWindow() {
     try {
         Serve();
@@ -135,7 +135,7 @@ void Host::RunWithWindow() {
     loop_.Run();
 }
 
-// Anything that is no number counts as the set of the default pictures.
+// The default set if the stored value isn't a number.
 std::int16_t Host::ChosenBackground() const {
     platform::ErrorState noNumber;
     std::int16_t set = 0;
@@ -150,7 +150,7 @@ void Host::ChooseBackground(std::int16_t set) {
     store_.Set(storeSection, backgroundKey, platform::DecimalText(set));
 }
 
-// The add-in stores its position here as it goes: it is served until it has left.
+// Serves the add-in until it has left, because it stores its position at the end.
 void Host::Leave() {
     clockTick_ = nullptr;
     addIn_->Close();

@@ -1,4 +1,4 @@
-// The application object: what the process knows of itself.
+// The application object.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace platform {
 
-// The words on the buttons of boxes; English until those of the user's language are known.
+// The words on the buttons of boxes, English until the user's language is loaded.
 struct ButtonTexts {
     Text ok = u"OK", cancel = u"Cancel", abort = u"Abort", retry = u"Retry", ignore = u"Ignore", yes = u"Yes",
          no = u"No", help = u"Help", keepWaiting = u"Keep waiting", giveUp = u"Give up";
@@ -18,10 +18,10 @@ struct ButtonTexts {
 struct Application {
     Text title;
     Text helpFile;
-    Layers layers;               // in which its files are looked for
-    Text path;                   // directory of the executable, with backslashes, without one at the end
-    Text command;                // the command line behind the program's name
-    std::int16_t startMode = 0;  // 1 where automation started the process
+    Layers layers;               // where its files are found
+    Text path;                   // directory of the executable, with backslashes, but no trailing one
+    Text command;                // the command line after the program's name
+    std::int16_t startMode = 0;  // 1 if automation started the process
     std::int16_t major = 0, minor = 0, revision = 0;
     WaitSettings waits;
     ButtonTexts buttons;

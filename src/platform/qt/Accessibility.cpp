@@ -15,7 +15,7 @@ namespace platform::forms {
 
 namespace {
 
-// Qt leaves windows that pop up out of its list of windows, which is where assistive programs look for them.
+// Adds pop-ups to the list of windows that assistive programs read; Qt leaves them out.
 class SpokenProgram : public QAccessibleApplication {
   public:
     int childCount() const override {
@@ -41,7 +41,7 @@ class SpokenProgram : public QAccessibleApplication {
     }
 };
 
-// A button, a box or an arrow. Qt's own would be pressed past all judgement, and only after a moment.
+// A button, check box or arrow. Qt's own would bypass the input gate, and act only after a moment.
 class SpokenButton : public QAccessibleWidget {
   public:
     SpokenButton(QAbstractButton& button, ControlView& view)
@@ -71,7 +71,7 @@ class SpokenButton : public QAccessibleWidget {
     ControlView& view_;
 };
 
-// What a spin control steps has its own text; assistive programs read here how far it can go.
+// The value of a spin control, with its range.
 class SpokenSpin : public QAccessibleWidget, public QAccessibleValueInterface {
   public:
     explicit SpokenSpin(SpinWidget& spin) : QAccessibleWidget(&spin, QAccessible::SpinBox), spin_(spin) {}
@@ -84,7 +84,7 @@ class SpokenSpin : public QAccessibleWidget, public QAccessibleValueInterface {
     QVariant minimumValue() const override { return Of(&UpDown::Min); }
     QVariant maximumValue() const override { return Of(&UpDown::Max); }
     QVariant minimumStepSize() const override { return 1; }
-    // A value is set by steps alone, which say what is stepped.
+    // Ignored: only a step also raises the click that the program acts on.
     void setCurrentValue(const QVariant&) override {}
 
   private:
@@ -95,7 +95,8 @@ class SpokenSpin : public QAccessibleWidget, public QAccessibleValueInterface {
     SpinWidget& spin_;
 };
 
-// A label that encloses other controls says nothing itself. It is asked for before it has its caption.
+// A label without a caption is a frame around other controls. Decided late: Qt creates this object before the
+// label has its caption.
 class SpokenLabel : public QAccessibleWidget {
   public:
     explicit SpokenLabel(LabelWidget& label) : QAccessibleWidget(&label), label_(label) {}
@@ -108,17 +109,17 @@ class SpokenLabel : public QAccessibleWidget {
     const LabelWidget& label_;
 };
 
-// The role of a widget that has none by its Qt type.
+// The role of a widget, if its Qt type has none.
 QAccessible::Role RoleOf(const QObject& object) {
     if (dynamic_cast<const FormWindow*>(&object)) return QAccessible::Dialog;
     if (dynamic_cast<const HelpWindow*>(&object)) return QAccessible::Dialog;
     if (dynamic_cast<const ImageWidget*>(&object)) return QAccessible::Graphic;
-    // The days are no widgets of their own: the name of the calendar tells the chosen one.
+    // Days aren't widgets: the calendar's name says which one is chosen.
     if (dynamic_cast<const CalendarWidget*>(&object)) return QAccessible::Grouping;
     return QAccessible::NoRole;
 }
 
-// The control that a widget is or is a part of; none for the widgets of boxes.
+// The control that a widget shows or belongs to; null for widgets of boxes.
 ControlView* ViewAround(QWidget* widget) {
     while (widget && !dynamic_cast<ControlView*>(widget)) widget = widget->parentWidget();
     return dynamic_cast<ControlView*>(widget);
@@ -135,7 +136,7 @@ QAccessibleInterface* Make(const QString&, QObject* object) {
     return new QAccessibleWidget(static_cast<QWidget*>(object), role);
 }
 
-void SayThatItHasTheKeyboard(QWidget& widget) {
+void AnnounceFocus(QWidget& widget) {
     QAccessibleEvent event(&widget, QAccessible::Focus);
     QAccessible::updateAccessibility(&event);
 }
@@ -147,10 +148,10 @@ void InstallAccessibility() {
 }
 
 void SayThatItPopsUp(QWidget& window) {
-    SayThatItHasTheKeyboard(window);
+    AnnounceFocus(window);
     QObject::connect(&window, &QObject::destroyed, qApp, [] {
-        if (QApplication::activePopupWidget()) return;  // what a menu led to
-        if (QWidget* focused = QApplication::focusWidget()) SayThatItHasTheKeyboard(*focused);
+        if (QApplication::activePopupWidget()) return;  // opened by an item of the menu
+        if (QWidget* focused = QApplication::focusWidget()) AnnounceFocus(*focused);
     });
 }
 

@@ -1,16 +1,15 @@
-// What assistive programs are told of the widgets.
+// How assistive programs see the widgets.
 #pragma once
 
 class QWidget;
 
 namespace platform::forms {
 
-// From now on the widgets of forms have the roles of what they show, a spin control its value, and what pops
-// up is found. What Qt's own widgets tell of themselves stays as it is.
+// From now on assistive programs see the role of each widget of a form, the value of spin controls, and
+// pop-ups. Qt's own widgets stay as they are.
 void InstallAccessibility();
 
-// Says that a window that has popped up is where the keys go now, which Qt doesn't count as the focus; and
-// when it goes, who has them again.
+// Announces a pop-up as the focus, which Qt doesn't, and the focused widget when the pop-up closes.
 void SayThatItPopsUp(QWidget& window);
 
 }  // namespace platform::forms

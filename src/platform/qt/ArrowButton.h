@@ -1,5 +1,5 @@
-// A flat button with an arrow, and what it shares with a spin control: a step at the press, and further ones
-// for as long as it is held.
+// A flat button with an arrow, and its base, shared with the spin control: a button that steps when pressed,
+// and again and again while held.
 #pragma once
 
 #include <QAbstractButton>
@@ -9,10 +9,10 @@
 
 namespace platform::forms {
 
-// Steps stop for good where a box or another window comes in front, and pause where the mouse leaves.
+// Steps end when a box or another window comes in front, and pause while the mouse is outside.
 class HeldButton : public QAbstractButton {
   public:
-    // `step` returns whether to go on; it may take the button away.
+    // `step` returns whether to go on. It may destroy the button.
     HeldButton(QWidget& parent, const std::function<bool()>& step);
 
   protected:

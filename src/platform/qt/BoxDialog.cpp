@@ -23,7 +23,7 @@ namespace {
 constexpr int spacing = 16, smallestButton = 88, signSize = 32;
 
 QPushButton* MakeButton(TextView text) {
-    // As it is written: no letter becomes an access key.
+    // Shown as written: "&" marks no access key.
     auto* button = new QPushButton(ToShow(text).replace(u'&', QStringLiteral("&&")));
     button->setMinimumWidth(std::max(smallestButton, button->sizeHint().width() + spacing));
     return button;
@@ -34,8 +34,8 @@ QString WithLineFeeds(TextView prompt) {
     return text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
 }
 
-// The window that a box belongs to: the box or form the operator is at, else any form that shows.
-QWidget* WindowBehind() {
+// The window that a box belongs to: the active box or form, otherwise any visible window.
+QWidget* WindowBelow() {
     if (QWidget* modal = QApplication::activeModalWidget()) return modal;
     if (QWidget* active = QApplication::activeWindow()) return active;
     for (QWidget* window : QApplication::topLevelWidgets())
@@ -61,7 +61,7 @@ QLabel* MakeText(const BoxContent& content) {
     return text;
 }
 
-// A text that is too high for the screen, or has a word too wide for the box, scrolls.
+// Makes a text scroll if it is too high for the screen or has a word too wide for the box.
 QWidget* FitToScreen(QLabel& text) {
     const int highest = RoomOnScreen().height() * 2 / 3;
     const QSize wanted = text.sizeHint().expandedTo(text.minimumSize());
@@ -133,14 +133,14 @@ QLayout* BoxDialog::MakeButtons(const BoxContent& content) {
 }
 
 void BoxDialog::Present() {
-    if (QWidget* window = WindowBehind()) PlaceOver(*window);
+    if (QWidget* window = WindowBelow()) PlaceOver(*window);
     show();
     raise();
     activateWindow();
 }
 
 void BoxDialog::PlaceOver(QWidget& window) {
-    winId();  // makes the native window, which the transient parent belongs to
+    winId();  // creates the native window, which the next line needs
     windowHandle()->setTransientParent(window.windowHandle());
     setWindowIcon(window.windowIcon());
     adjustSize();

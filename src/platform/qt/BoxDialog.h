@@ -28,16 +28,16 @@ struct BoxContent {
     BoxSign sign = BoxSign::None;
     std::vector<Button> buttons;
     std::size_t defaultButton = 0;                  // counted over the buttons, then the help button
-    std::int16_t escapeAnswer = 0;                  // what Escape and closing answer; 0 where they do nothing
-    TextView helpButton;                            // empty where there is none
-    std::function<void(QWidget& beside)> showHelp;  // for F1 and the help button, which is dead without it
+    std::int16_t escapeAnswer = 0;                  // of Escape and closing; 0 to ignore both
+    TextView helpButton;                            // empty for none
+    std::function<void(QWidget& beside)> showHelp;  // for F1 and the help button; disabled if null
     bool onTop = false;
     bool alignRight = false;
     bool rightToLeft = false;
 };
 
-// Stands over the program's active window without being its child: a form that goes away while a box is
-// open leaves the box to its caller. The answer is the dialog's result.
+// Stays above the program's active window without being its child: the box outlives a form that closes. The
+// answer is the dialog's result.
 class BoxDialog : public QDialog {
   public:
     explicit BoxDialog(const BoxContent& content);

@@ -11,16 +11,16 @@ namespace platform::forms {
 
 class ArrowButton;
 
-// Each of the two has its text between the arrows back and forth.
+// Each of the two has an arrow back, its text and an arrow forth.
 class CalendarSelectors {
   public:
-    // `turn` goes by a number of months, and tells whether holding the arrow may go on.
+    // `turn` turns by a number of months, and returns whether a held arrow may go on.
     CalendarSelectors(QWidget& calendar, const std::function<bool(int months)>& turn);
 
-    // Shows or takes away the arrows. Where one of them has the keyboard, the calendar takes it over.
+    // Shows or hides the arrows. If one of them has the focus, the calendar takes it over.
     void Show(bool shown);
     void Place(const QRect& title, bool yearFirst);
-    // Screen readers call each arrow what it leads to: `nameOf` names the month that is so many away.
+    // Names each arrow, for screen readers, after the month it leads to: `nameOf` gets the distance.
     void Name(const std::function<QString(int months)>& nameOf);
     // The room between the arrows.
     const QRect& MonthText() const { return monthText_; }

@@ -17,7 +17,7 @@ constexpr int margin = 6, titleHeight = 30, monthsAYear = 12;
 constexpr std::int16_t selectorsShown = 1, yearAheadOfMonth = 2;
 constexpr std::int32_t cellsOfGrid = 2;
 
-// What a key chooses, seen from a day of the month on the page.
+// The date that a key chooses, starting from `from`.
 std::optional<QDate> DateOfKey(int key, const QDate& from) {
     switch (key) {
         case Qt::Key_Left:
@@ -41,13 +41,13 @@ std::optional<QDate> DateOfKey(int key, const QDate& from) {
     }
 }
 
-// The months that a key turns by, 0 for none.
+// How many months a key turns by.
 int MonthsOfKey(const QKeyEvent& event) {
     const int months = event.modifiers() & (Qt::ControlModifier | Qt::ShiftModifier) ? monthsAYear : 1;
     return event.key() == Qt::Key_PageUp ? -months : event.key() == Qt::Key_PageDown ? months : 0;
 }
 
-// Names of months in some languages are longer than the room that a large title font leaves.
+// Shrinks a text that is too wide: some languages have long month names.
 void DrawFitting(QPainter& painter, const QRect& room, const QString& text) {
     QFont font = painter.font();
     const int wanted = QFontMetrics(font).horizontalAdvance(text);
@@ -58,7 +58,7 @@ void DrawFitting(QPainter& painter, const QRect& room, const QString& text) {
     painter.drawText(room, Qt::AlignCenter, text);
 }
 
-// The keyboard's place while no day is chosen: dashed, which tells it from the mark of today.
+// The keyboard's day while none is chosen; dashed, unlike the mark of today.
 void DrawCursor(QPainter& painter, const QRect& cell) {
     painter.save();
     painter.setPen(QPen(QColor(look::ink), 1, Qt::DashLine));
@@ -117,8 +117,8 @@ QString CalendarWidget::SpokenName() const {
     return date.isValid() ? locale_.toString(date, QLocale::LongFormat) : TitleOf(Month(0));
 }
 
-// The mark of today moves at midnight, at a change of the clock, and after a sleep of the computer. Looked
-// after whenever the program is awake anyway, it needs no wake-ups of its own.
+// Moves the mark of today after midnight, a change of the clock or a sleep of the computer. Called whenever
+// the program has been awake anyway, so that no timer needs to wake it.
 void CalendarWidget::FollowToday() {
     if (Model() && Today() != shown_.today) Sync();
 }
@@ -172,7 +172,7 @@ void CalendarWidget::PointAt(std::optional<QPoint> place) {
             if (changed != 0) update(DayRect(changed));
 }
 
-// The model has the last word: it refuses while the date isn't the operator's to choose.
+// The model refuses while the operator may not choose the date.
 void CalendarWidget::Choose(const QDate& date) {
     if (!IsOperable()) return;
     const auto alive = KeepWindow();
@@ -211,7 +211,7 @@ void CalendarWidget::mouseMoveEvent(QMouseEvent* event) {
     PointAt(event->position().toPoint());
 }
 
-// The first of a month, so many months from the shown one.
+// The first of the month that is `fromShown` months after the shown one.
 QDate CalendarWidget::Month(int fromShown) const {
     return QDate(Typed().Year(), Typed().Month(), 1).addMonths(fromShown);
 }
@@ -222,12 +222,12 @@ QString CalendarWidget::NameOf(const QDate& month) const {
     return name;
 }
 
-// Chinese and Japanese have the year ahead of the month in every market.
+// Chinese and Japanese put the year first in every market.
 bool CalendarWidget::IsYearAhead() const {
     return Typed().MarketStyle == yearAheadOfMonth || SaysYear();
 }
 
-// They also say behind the number that it is a year.
+// They also add a word for "year" to the number.
 bool CalendarWidget::SaysYear() const {
     return locale_.language() == QLocale::Chinese || locale_.language() == QLocale::Japanese;
 }
@@ -251,7 +251,7 @@ QRect CalendarWidget::GridRect() const {
     return rect().adjusted(margin, titleHeight, -margin, -margin);
 }
 
-// Cells share out the width and height without gaps, whatever the size.
+// Cells fill the grid without gaps, whatever its size.
 QRect CalendarWidget::CellRect(int row, int column) const {
     const QRect grid = GridRect();
     const auto corner = [&](int r, int c) {
@@ -285,8 +285,7 @@ void CalendarWidget::PaintWeekdays(QPainter& painter) const {
                          locale_.standaloneDayName(page.WeekdayOf(column), format));
 }
 
-// Where cells are drawn, each has a thin line at its left and upper side; without, one line stands below
-// the names of the days.
+// Draws thin lines around the cells, or only one below the weekday names.
 void CalendarWidget::PaintGrid(QPainter& painter) const {
     const QRect grid = GridRect();
     const int top = CellRect(weekdayRow + 1, 0).top();

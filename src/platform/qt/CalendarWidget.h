@@ -25,7 +25,7 @@ class MonthPage {
 
     int Days() const { return first_.daysInMonth(); }
     PageCell CellOf(int day) const;
-    // The day of the week of a column, 1 for Monday up to 7.
+    // The weekday of a column, from 1 for Monday to 7.
     int WeekdayOf(int column) const;
 
   private:
@@ -35,18 +35,17 @@ class MonthPage {
     Qt::DayOfWeek firstDayOfWeek_;
 };
 
-// How long the names of days may be, all alike: one that is too long for its column makes all of them narrow.
+// The format of the weekday names: narrow for all if one short name doesn't fit its column.
 QLocale::FormatType WeekdayFormat(const QLocale& locale, const QFontMetrics& metrics, int columnWidth);
 
-// Days are chosen with the mouse, the arrow keys, Home and End; Page Up and Page Down turn the months, with
-// Ctrl or Shift the years. Where no day is chosen, the keys start from the first, which Enter and Space
-// choose.
+// The mouse, the arrow keys, Home and End choose days; Page Up and Page Down turn the months, with Ctrl or
+// Shift the years. If no day is chosen, the keys start from the first, which Enter and Space choose.
 class CalendarWidget : public QWidget, public TypedView<Calendar> {
   public:
     CalendarWidget(Calendar& control, QWidget& parent);
     QWidget& Widget() override { return *this; }
 
-    // The rectangle of a day of the shown month.
+    // The place of a day of the shown month.
     QRect DayRect(int day) const;
 
   protected:
@@ -62,7 +61,7 @@ class CalendarWidget : public QWidget, public TypedView<Calendar> {
   private:
     struct Shown {
         int day = 0, month = 1, year = 100;
-        int today = 0;  // 0 where another month is shown, or the mark isn't wanted
+        int today = 0;  // 0 if another month is shown, or no mark is wanted
         bool yearFirst = false, grid = false, selectors = false;
         QFont dayFont, gridFont, titleFont;
         friend bool operator==(const Shown&, const Shown&) = default;

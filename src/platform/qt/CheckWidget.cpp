@@ -71,8 +71,8 @@ void CheckWidget::SyncRing() {
     if (label) ring_->Surround(geometry() | RectOf(*label));
 }
 
-// The back colour is the frame of the indicator: filled around it, a box that is hardly larger than its
-// indicator would show two stray strips of it.
+// The back colour shows only as the indicator's frame: a box is hardly larger than its indicator, and filling
+// the rest would leave two stray strips.
 void CheckWidget::PaintIndicator(QPainter& painter, const QRect& box) const {
     const QColor frame = ToQt(backColor_).darker(115);
     const QColor fill = !isEnabled() ? look::faceDisabled : isDown() ? look::facePressed : look::paper;

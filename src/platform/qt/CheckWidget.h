@@ -10,7 +10,7 @@
 
 namespace platform::forms {
 
-// A focus frame is nothing to the mouse and to assistive programs.
+// A focus frame, because the mouse and assistive programs ignore those.
 class FocusRing : public QFocusFrame {
   public:
     using QFocusFrame::QFocusFrame;
@@ -28,8 +28,8 @@ class FocusRing : public QFocusFrame {
     }
 };
 
-// Draws its indicator, and its caption where there is room for one. A label that shows its text instead is
-// inside the ring of the focus.
+// Draws its indicator, and its caption if there is room. The focus ring encloses a label that shows the text
+// instead.
 class CheckWidget : public QCheckBox, public TypedView<CheckBox> {
   public:
     CheckWidget(CheckBox& control, QWidget& parent);
@@ -49,9 +49,9 @@ class CheckWidget : public QCheckBox, public TypedView<CheckBox> {
     void SyncRing();
     void PaintIndicator(QPainter& painter, const QRect& box) const;
 
-    QString caption_;  // not the widget's own text, in which "&" would mark a letter
+    QString caption_;  // not the widget's text, where "&" would mark a letter
     Color backColor_ = 0;
-    FocusRing* ring_ = nullptr;  // the window's, where there is a label
+    FocusRing* ring_ = nullptr;  // the window's; only if there is a label
 };
 
 }  // namespace platform::forms

@@ -38,7 +38,7 @@ bool IsBlank(const QString& text) {
     return text.trimmed().isEmpty();
 }
 
-// Qt would take what looks like markup for it.
+// Qt would treat a text that looks like markup as such.
 QString AsPlainTip(const QString& text) {
     if (!Qt::mightBeRichText(text)) return text;
     return QStringLiteral("<div style=\"white-space:pre\">%1</div>").arg(text.toHtmlEscaped());
@@ -80,7 +80,7 @@ void ControlView::SyncCommon() {
     SyncTexts();
 }
 
-// What can be read on the screen is what a screen reader says; of what can't, it says the tool tip.
+// A screen reader says the visible caption, or else the tool tip.
 void ControlView::SyncTexts() {
     QWidget& widget = Widget();
     const QString caption = Caption(), tip = platform::ToShow(control_->ToolTipText());

@@ -1,4 +1,4 @@
-// What the widgets of all control types have in common.
+// The base of the widgets of all control types.
 #pragma once
 
 #include <QWidget>
@@ -13,7 +13,7 @@ class QMouseEvent;
 
 namespace platform::forms {
 
-// Raises an event of the model. The event is copied first: it may take away the form, and itself with it.
+// Raises an event of the model. Copies it first: it may destroy the form, and itself with it.
 template <class... Parameters, class... Given>
 void Raise(const std::function<void(Parameters...)>& event, Given&&... given) {
     if (!event) return;
@@ -21,35 +21,34 @@ void Raise(const std::function<void(Parameters...)>& event, Given&&... given) {
     Guard([&] { running(std::forward<Given>(given)...); });
 }
 
-// A widget that shows a control. After Detach the control is gone, while the widget may still be in the
-// middle of an event.
+// A widget that shows a control. After Detach it has no control, but may still be in the middle of an event.
 class ControlView {
   public:
     explicit ControlView(Control& control) : control_(&control) {}
     virtual ~ControlView() = default;
 
-    // Brings the widget to what the model says. What is equal already is left alone and not painted again.
+    // Updates the widget from the model, and repaints only what has changed.
     void Sync();
     void Detach() { control_ = nullptr; }
     void ShareLife(std::weak_ptr<void> window) { window_ = std::move(window); }
     Control* Model() const { return control_; }
     virtual QWidget& Widget() = 0;
 
-    // False where the operator's input has to be refused.
+    // False if the operator's input must be refused.
     bool IsOperable() const { return control_ && control_->Enabled && control_->Owner().TakesInput(); }
     void MouseReleased(const QMouseEvent& event);
     void TakeInputBy(FormInput& input) { input_ = &input; }
-    // Carries out what comes past the window's events, as what an assistive program does, once it is
-    // accepted.
+    // Carries out an action that isn't an event of the window, e.g. of an assistive program, once the form's
+    // input rules accept it.
     void Act(std::function<void()> act);
 
   protected:
-    // The window, for as long as the result is kept; for events that come from a widget itself.
+    // Keeps the window alive during an event that the widget itself raises.
     std::shared_ptr<void> KeepWindow() const { return window_.lock(); }
     virtual void SyncOwn() = 0;
     virtual QString Caption() const { return {}; }
     virtual bool ShowsCaption() const { return true; }
-    // What a screen reader says where neither a caption nor a tool tip is to be seen.
+    // What a screen reader says if neither caption nor tool tip is visible.
     virtual QString SpokenName() const;
 
   private:
@@ -57,7 +56,7 @@ class ControlView {
     void SyncTexts();
 
     Control* control_;
-    FormInput* input_ = nullptr;  // as long as there is a control
+    FormInput* input_ = nullptr;  // valid while there is a control
     std::weak_ptr<void> window_;
 };
 
@@ -73,10 +72,10 @@ class TypedView : public ControlView {
 // The place of a control on its form, in pixels.
 QRect RectOf(const Control& control);
 
-// Controls without a window of their own lie below all others, whatever the order in which they were added.
+// False for labels and images, which lie below all other controls, whenever they were added.
 bool HasWindow(const Control& control);
 
-// The widget of a control, or nothing for what has none (timers, menus).
+// The widget of a control; null for timers and menus.
 ControlView* MakeControlView(Control& control, QWidget& parent);
 
 }  // namespace platform::forms

@@ -6,7 +6,7 @@ namespace platform::forms {
 
 namespace {
 
-// By the content, since a picture has no file name any more.
+// Judged by content: a picture doesn't keep its file name.
 bool IsSvg(const QByteArray& content) {
     constexpr qsizetype searched = 1024;
     return content.left(searched).contains("<svg");

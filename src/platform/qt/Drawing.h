@@ -10,15 +10,15 @@
 
 namespace platform::forms {
 
-// Keeps the pixels of the last size that was asked for. A picture that can't be decoded draws nothing.
+// Caches the pixels of the last size. A picture that can't be decoded is empty.
 class Drawing {
   public:
-    // Decodes where `picture` is another one than before; nothing gives an empty drawing.
+    // Decodes a new picture; null empties the drawing.
     void Take(const PictureRef& picture);
     bool IsEmpty() const { return !svg_ && image_.isNull(); }
     // Logical pixels.
     QSize NaturalSize() const;
-    // The picture over the whole of `size`, in logical pixels, sharp on a screen of that ratio.
+    // The picture stretched to `size`, in logical pixels, sharp on a screen of that ratio.
     const QPixmap& At(QSize size, qreal devicePixelRatio);
 
   private:

@@ -14,7 +14,7 @@ namespace platform::forms {
 
 namespace {
 
-// What QLineEdit keeps free at the left and right of its text, whatever its margins.
+// The space that QLineEdit adds to its margins at the left and right.
 constexpr int ownMargin = 2;
 
 }  // namespace
@@ -22,7 +22,7 @@ constexpr int ownMargin = 2;
 EditWidget::EditWidget(TextBox& control, QWidget& parent) : QLineEdit(&parent), TypedView(control) {
     setFrame(false);
     setContextMenuPolicy(Qt::NoContextMenu);
-    // The ground is painted here, below the text.
+    // This class paints the background.
     setAutoFillBackground(false);
     QPalette colors = palette();
     colors.setColor(QPalette::Base, Qt::transparent);
@@ -57,7 +57,7 @@ void EditWidget::SyncSelection() {
         setCursorPosition(start);
 }
 
-// Tells the model of a text or selection that isn't its own. The model has the last word.
+// Passes the operator's text or selection to the model, then shows what the model accepted.
 void EditWidget::FollowOperator() {
     if (syncing_ || !Model()) return;
     if (const Text changed = FromQt(text()); changed == Typed().Text()) {
@@ -79,7 +79,7 @@ void EditWidget::FollowText(const Text& changed) {
         Sync();
 }
 
-// The model's own calls come back here as changes while it does so, and mustn't undo what is on the screen.
+// Each call below changes the model, which must not sync the half-set selection back to the screen.
 void EditWidget::FollowSelection() {
     const QScopedValueRollback guard(syncing_, true);
     TextBox& control = Typed();
@@ -87,14 +87,14 @@ void EditWidget::FollowSelection() {
     control.SetSelLength(static_cast<std::int32_t>(selectionLength()));
 }
 
-// Coming by the Tab key would select all of the text: for the program, which answers GotFocus, to decide.
+// Hides the reason, since the Tab key would select the whole text: the handler of GotFocus decides on that.
 void EditWidget::focusInEvent(QFocusEvent* event) {
     focusedByPress_ = event->reason() == Qt::MouseFocusReason;
     QFocusEvent plain(event->type(), Qt::OtherFocusReason);
     QLineEdit::focusInEvent(&plain);
 }
 
-// The press that brings the focus leaves the selection alone: whoever answers GotFocus may have made one.
+// A press that gives the focus leaves the selection alone: the handler of GotFocus may have set it.
 void EditWidget::mousePressEvent(QMouseEvent* event) {
     if (!LeavesSelection()) QLineEdit::mousePressEvent(event);
 }
@@ -135,7 +135,7 @@ void EditWidget::StepIfOperable(Direction direction) {
     Step(*Typed().Spin, direction);
 }
 
-// A box without a border is too small for a ring; without a selection nothing else would tell of the focus.
+// A box without a border is too small for a ring, so its background shows the focus unless a selection does.
 void EditWidget::PaintBackground() {
     QPainter painter(this);
     if (Typed().Border)

@@ -8,10 +8,10 @@
 
 namespace platform::forms {
 
-// Its text fills the box from edge to edge: boxes of forms are no higher than their letters.
+// Its text fills the box from edge to edge, since boxes of forms are no higher than their letters.
 //
-// A box with a spin control is one section of a field. The operator picks it as a whole; what is selected in
-// it is the program's matter, and neither mouse nor keys put a cursor inside.
+// A box with a spin control is one section of a field. The operator picks it as a whole, and only the program
+// sets its selection: neither mouse nor keys move the cursor.
 class EditWidget : public QLineEdit, public TypedView<TextBox> {
   public:
     EditWidget(TextBox& control, QWidget& parent);

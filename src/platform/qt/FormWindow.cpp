@@ -32,7 +32,7 @@ bool IsMenuKey(const QKeyEvent& event) {
     return event.key() == Qt::Key_F10 && event.modifiers() == Qt::ShiftModifier;
 }
 
-// In an item Qt takes one "&" for a mark of the next letter, and what is behind a tab for a key.
+// In the text of an item, Qt takes "&" as the mark of an access key, and text after a tab as a shortcut.
 QString AsItem(QString caption) {
     return caption.replace(u'&', QStringLiteral("&&")).replace(u'\t', u' ');
 }
@@ -100,7 +100,7 @@ void FormWindow::ShareLife() {
 void FormWindow::Sync() {
     if (caption_ != form_->Caption()) {
         caption_ = form_->Caption;
-        // Qt takes "[*]" out of a title, unless it is written twice.
+        // Qt removes "[*]" from a title, unless it is doubled.
         setWindowTitle(platform::ToShow(caption_).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
     }
     if (icon_ != form_->Icon()) {
@@ -114,10 +114,10 @@ void FormWindow::Sync() {
     }
     if (std::exchange(takesInput_, form_->Enabled()) && !takesInput_) LetGo();
     SyncPlace();
-    SyncVisible();  // last: the focus that it moves may take the form away
+    SyncVisible();  // last: it moves the focus, whose events may destroy the form
 }
 
-// Nothing stays pressed on a form that refuses input: a release would finish what was begun.
+// A form that refuses input must not keep a button pressed: a later release would click it.
 void FormWindow::LetGo() {
     QEvent blocked(QEvent::WindowBlocked);
     for (QWidget* widget : findChildren<QWidget*>()) {
@@ -126,9 +126,9 @@ void FormWindow::LetGo() {
     }
 }
 
-// The place is that of the client area: a window that has never been shown knows nothing of its frame, and
-// one that was placed by its frame would come back beside where it was left. It is asked for even where the
-// window is there by chance before it is shown: without that the window manager would choose another.
+// Places the client area: before a window is first shown, the size of its frame is unknown, so placing the
+// frame would reopen the window beside its old place. Sets the first place even if the window is there by
+// chance, or the window manager would choose another.
 void FormWindow::SyncPlace() {
     setFixedSize(ToPixels(form_->Width), ToPixels(form_->Height));
     const QPoint wanted = ToDesktop(form_->Left, form_->Top, PrimaryScreen());
@@ -152,7 +152,7 @@ void FormWindow::TakeFocus() {
     activateWindow();
 }
 
-// Not QMenu::exec, which would wait here: the host's calls and the clock go on under an open menu.
+// Not QMenu::exec, which would wait here: the host's calls and the clock must go on while the menu is open.
 void FormWindow::PopUp(const Menu& menu) {
     ClosePopUps();
     auto* shown = new QMenu(this);
@@ -190,8 +190,7 @@ void FormWindow::Detach() {
     hide();
 }
 
-// An event of the model may take the form away. The rest of the input that raised it has no one to go to
-// then.
+// An event of the model may close the form; the rest of the input that raised it is then dropped.
 bool FormWindow::eventFilter(QObject* watched, QEvent* event) {
     if (!form_) return false;
     const auto alive = weak_from_this().lock();
@@ -212,11 +211,11 @@ bool FormWindow::IsCovered() const {
 
 bool FormWindow::Withholds(QEvent& event) {
     if (&event == delivering_ || VerdictOn(event) == Verdict::Accepted) return false;
-    event.ignore();  // Qt makes no clicks of a touch that counts as accepted
+    event.ignore();  // an accepted touch would never become a click
     return true;
 }
 
-// The keys of what has popped up pass by way of this window, and are none of its own.
+// Keys for a pop-up also pass through this window, and aren't its input.
 Verdict FormWindow::VerdictOn(const QEvent& event) {
     const InputKind kind = KindOf(event);
     if (kind == InputKind::None || QApplication::activePopupWidget()) return Verdict::Accepted;
@@ -241,8 +240,9 @@ const Control* FormWindow::TargetOf(const QEvent& press) const {
     return view ? view->Model() : nullptr;
 }
 
-// Leaving events that wait in Qt's queue (QEventLoop::ExcludeUserInputEvents) would not do: a loop that waits
-// for more events returns at once, again and again, while excluded ones are queued.
+// Delivers an event that waited at the gate. It can't wait in Qt's queue
+// (QEventLoop::ExcludeUserInputEvents): while excluded events are queued, a loop that waits for more returns
+// at once, again and again.
 void FormWindow::Deliver(QEvent& event) {
     const auto alive = weak_from_this().lock();
     const QScopedValueRollback<const QEvent*> mark(delivering_, &event);
@@ -254,7 +254,7 @@ void FormWindow::KeyPressed(const QKeyEvent& event) {
     if (form_ && IsMenuKey(event)) AskForMenu();
 }
 
-// The keys that desktops have for it stand for a right click on the control with the focus.
+// The desktop's menu keys act as a right click on the control with the focus.
 void FormWindow::AskForMenu() {
     ControlView* view = ViewOf(focused_);
     if (!view) return;
@@ -264,8 +264,8 @@ void FormWindow::AskForMenu() {
                          Qt::RightButton, Qt::NoButton, Qt::NoModifier});
 }
 
-// A window or box that comes in front takes the focus from Qt's view, but not from the form's: its control
-// has it still when the operator comes back, and hears nothing of the interruption.
+// When another window or box comes in front, Qt's focus changes but the form's doesn't: its control keeps the
+// focus until the operator returns, and gets no events.
 void FormWindow::FocusMoved(QWidget* now) {
     if (!form_ || (now && now->window() != this) || (!now && !isActiveWindow())) return;
     QWidget* next = ControlWidgetOf(now);
@@ -280,11 +280,11 @@ void FormWindow::FocusMoved(QWidget* now) {
 
 void FormWindow::closeEvent(QCloseEvent* event) {
     const auto alive = weak_from_this().lock();
-    event->ignore();  // the form decides, and takes the window away itself
+    event->ignore();  // the form decides, and closes the window itself
     if (input_) input_->Close();
 }
 
-// Counts a place that differs from the model's by a whole pixel only, as the model may hold parts of one.
+// Compares whole pixels, since the model's place may include parts of one.
 void FormWindow::moveEvent(QMoveEvent*) {
     if (!form_ || !isVisible()) return;
     const QPoint moved = geometry().topLeft();
@@ -309,8 +309,8 @@ class QtView : public View {
     void ShowWhatsThis(Control& control) override { window_->ShowTopic(control); }
 
   private:
-    // An event that takes the view away keeps the window until it is over, also where it waits in a loop of
-    // its own meanwhile; and Qt, which delivers the event, until its own loop has the word again.
+    // Events share the window, so one that destroys the view keeps it until the event ends, even across a
+    // nested loop. deleteLater keeps it until control is back in Qt's loop, since Qt is delivering the event.
     std::shared_ptr<FormWindow> window_;
 };
 

@@ -18,22 +18,21 @@ namespace platform::forms {
 
 class ControlView;
 
-// A dialog of fixed size. Input is judged at the window, before any widget sees it, so that the controls of a
-// form that refuses it keep their look and the focus its place. What waits is made anew when its turn comes.
+// A dialog of fixed size. It judges input before any widget sees it, so that refused input changes neither
+// the look of a control nor the focus. Events that had to wait are recreated for delivery.
 class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindow> {
   public:
     FormWindow(Form& form, const QtHelp& help, InputGate& gate);
-    // Lets the widgets keep the window for the length of an event. For after the construction.
+    // Lets the widgets keep the window alive during an event. Call it after construction.
     void ShareLife();
 
     void Sync();
     void SyncControl(Control& control);
     void TakeFocus();
-    // Offers the items of a menu beside the pointer, or beside the control whose keys asked for it, and
-    // returns at once.
+    // Opens a menu beside the pointer, or below the focused control if a key asked for it. Returns at once.
     void PopUp(const Menu& menu);
     void ShowTopic(const Control& control);
-    // The form is gone: hides, and reaches for it no more.
+    // Hides the window, and forgets the form, which has been unloaded.
     void Detach();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -63,10 +62,10 @@ class FormWindow : public QWidget, public std::enable_shared_from_this<FormWindo
     std::unique_ptr<FormInput> input_;
     const QEvent* delivering_ = nullptr;
     bool takesInput_ = true;
-    std::optional<QPoint> place_;  // on the desktop, as asked for last or moved to by the operator
+    std::optional<QPoint> place_;  // on the desktop, as last set or moved by the operator
     std::map<const Control*, ControlView*> views_;
-    QPointer<QWidget> focused_;  // the control that the model knows as the one with the focus
-    bool menuIsKeyed_ = false;   // a key asks for a menu just now
+    QPointer<QWidget> focused_;  // the control that has the focus for the model
+    bool menuIsKeyed_ = false;   // a menu key is being handled
     PictureRef icon_;
     Text caption_;
 };

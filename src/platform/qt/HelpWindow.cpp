@@ -27,7 +27,7 @@ void AddText(QVBoxLayout& layout, const QString& text, Qt::TextFormat format, bo
     QFont font = label->font();
     font.setBold(bold);
     label->setFont(font);
-    // Known before the window is shown, the height tells where the window has room.
+    // The place of the window depends on its height, which must be known before it is shown.
     label->setFixedHeight(label->heightForWidth(textWidth));
     layout.addWidget(label);
 }

@@ -1,4 +1,4 @@
-// The small window that a help topic is shown in.
+// The small window that shows a help topic.
 #pragma once
 
 #include <QWidget>
@@ -7,12 +7,12 @@
 
 namespace platform {
 
-// Goes with a click anywhere, with Escape, when another program comes in front, and with its parent.
+// Closes with a click anywhere, with Escape, when another program becomes active, and with its parent.
 class HelpWindow : public QWidget {
   public:
     HelpWindow(const HelpTopic& topic, QWidget& parent);
 
-    // Shows the window below the parent, or above it where the screen ends there.
+    // Shows the window below its parent, or above if there is no room.
     void Present();
 
   protected:

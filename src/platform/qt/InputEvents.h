@@ -1,4 +1,4 @@
-// The events of a window that are the operator's input.
+// Tells input events of a window from others, and copies them.
 #pragma once
 
 #include <QEvent>
@@ -13,7 +13,7 @@ enum class InputKind {
     Repeat,
     Release,
     Wheel,
-    Fleeting,  // can't wait: a move of the mouse, and what Qt makes clicks of itself
+    Fleeting,  // can't wait: mouse moves, and events that Qt turns into clicks
 };
 
 InputKind KindOf(const QEvent& event);
@@ -21,8 +21,8 @@ InputKind KindOf(const QEvent& event);
 // The button or key of a press or release.
 int StrokeOf(const QEvent& event);
 
-// Makes the event anew for when it is delivered. A copy would not do for the mouse: copies share their point
-// with the device, which moves it along with all that comes after.
+// Returns a function that recreates the event for delivery. A copied mouse event shares its position with the
+// device, and later moves would change it.
 std::function<std::unique_ptr<QEvent>()> MakerOf(const QEvent& event);
 
 }  // namespace platform::forms

@@ -13,8 +13,8 @@ namespace {
 
 constexpr double usualAscent = 0.905;  // of Latin fonts, in parts of their size
 
-// Chinese and Japanese letters have taller fonts, in which a line would hang lower than what stands beside
-// it.
+// Fonts with Chinese and Japanese letters are taller: without a correction a line would be lower than its
+// neighbours.
 int ExtraAscent(const QString& text, const QFont& font) {
     QTextLayout layout(text, font);
     layout.beginLayout();
@@ -38,7 +38,7 @@ QString LabelWidget::Caption() const {
     return platform::ToShow(Typed().Caption());
 }
 
-// What a transparent frame encloses is a shade lighter than the form around it.
+// The inside of a transparent frame is a shade lighter than the form.
 QColor LabelWidget::Fill() const {
     if (shown_.opaque) return ToQt(shown_.backColor);
     return shown_.border ? QColor::fromRgba(look::veil) : QColor(Qt::transparent);
@@ -52,7 +52,7 @@ void LabelWidget::paintEvent(QPaintEvent*) {
         painter.fillRect(rect(), Fill());
     painter.setFont(shown_.font);
     painter.setPen(isEnabled() ? ToQt(shown_.foreColor) : QColor(look::inkDisabled));
-    // One pixel down, the line stands level with that of a borderless text box in the same place.
+    // One pixel down, the line is level with a borderless text box in the same place.
     painter.drawText(rect().adjusted(0, 1 - ExtraAscent(shown_.caption, shown_.font), 0, 0),
                      static_cast<int>(ToQt(shown_.align)) | Qt::TextWordWrap, shown_.caption);
 }

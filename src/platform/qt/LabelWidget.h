@@ -10,7 +10,7 @@ class LabelWidget : public QWidget, public TypedView<Label> {
   public:
     LabelWidget(Label& control, QWidget& parent) : QWidget(&parent), TypedView(control) {}
     QWidget& Widget() override { return *this; }
-    // True without a caption, for what encloses other controls.
+    // True without a caption: it encloses other controls.
     bool IsFrame() const { return shown_.caption.isEmpty(); }
 
   protected:

@@ -14,7 +14,7 @@ constexpr int dialogFontPixels = 13;
 
 QStringList WithFallback(const QString& family) {
     QStringList families{QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans")};
-    // The default font of forms exists on no Debian; asking the font system for it could bring up anything.
+    // Debian lacks the default font of forms, and the font system might replace it by any other.
     if (family.compare(QStringLiteral("MS Sans Serif"), Qt::CaseInsensitive) != 0) families.prepend(family);
     return families;
 }
@@ -71,7 +71,7 @@ void DrawBox(QPainter& painter, const QRect& rect, const QColor& fill, const QCo
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(outline, 1));
     painter.setBrush(fill);
-    // Half a pixel in, the line covers whole pixels.
+    // Half a pixel inwards, so that the line covers whole pixels.
     painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
     painter.restore();
 }

@@ -30,7 +30,7 @@ QPalette LightPalette();
 // The font of boxes.
 QFont DialogFont();
 
-// A font of the model, with its points at 96 to the inch. Names that the system lacks have a fallback.
+// A font of the model, at 96 pixels per inch. Missing fonts have a fallback.
 QFont ToQt(const Font& font);
 
 QColor ToQt(Color color);
@@ -41,7 +41,7 @@ Qt::Alignment ToQt(Alignment alignment);
 void DrawBox(QPainter& painter, const QRect& rect, const QColor& fill, const QColor& outline,
              double radius = look::radius);
 
-// The ring around a control that has the keyboard.
+// The ring around the control with the focus.
 void DrawFocus(QPainter& painter, const QRect& rect, double radius = look::radius);
 
 enum class Arrow { Up, Down, Left, Right };
@@ -59,8 +59,8 @@ inline float ToTwips(double pixels) {
     return static_cast<float>(pixels * static_cast<double>(twipsPerPixel));
 }
 
-// The model's places are seen from the corner of the primary screen, which on a desktop of several may lie
-// anywhere.
+// The model's places count from the corner of the primary screen, which may lie anywhere on a desktop of
+// several screens.
 inline QPoint ToDesktop(float left, float top, const QRect& primaryScreen) {
     return primaryScreen.topLeft() + QPoint(ToPixels(left), ToPixels(top));
 }

@@ -8,7 +8,7 @@
 
 namespace platform::forms {
 
-// Shows its picture, or its caption where it has none.
+// Shows its picture, or its caption if it has none.
 class PushWidget : public QPushButton, public TypedView<CommandButton> {
   public:
     PushWidget(CommandButton& control, QWidget& parent);
@@ -25,7 +25,7 @@ class PushWidget : public QPushButton, public TypedView<CommandButton> {
     void PaintFace(QPainter& painter);
 
     Drawing picture_, disabledPicture_;
-    QString caption_;  // not the widget's own text, in which "&" would mark a letter
+    QString caption_;  // not the widget's text, where "&" would mark a letter
     PictureRef shown_, shownDisabled_;
 };
 

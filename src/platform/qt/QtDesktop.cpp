@@ -25,8 +25,8 @@ namespace {
 
 const char* programName = "";
 
-// Qt ends a process that has no display with abort(), a core dump and a page of advice. This is put in its
-// place for as long as the display is being opened.
+// Installed while the display is opened, and ends the process in one line: without a display, Qt would end it
+// with abort(), a core dump and a page of advice.
 void ReportDisplayFailure(QtMsgType type, const QMessageLogContext&, const QString&) {
     if (type != QtFatalMsg) return;
     const QByteArray display = qEnvironmentVariableIsSet("QT_QPA_PLATFORM") ? qgetenv("QT_QPA_PLATFORM")
@@ -43,12 +43,12 @@ void RequireDisplay() {
                        "there is no display to open the dialog on (DISPLAY and WAYLAND_DISPLAY are not set)");
 }
 
-// The threads of the toolkit, the display and the bus do little, and each would get a heap of its own.
+// Saves memory: the threads of toolkit, display and bus do little, but each would get its own heap.
 void ShareOneHeap() {
     mallopt(M_ARENA_MAX, 1);
 }
 
-// The look is the program's own on every desktop, so that no theme needs to be found and loaded.
+// The program looks the same on every desktop, so that no theme needs to be found and loaded.
 void PrepareApplication() {
     QApplication::setDesktopSettingsAware(false);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
@@ -69,7 +69,7 @@ class Desktop : public QtDesktop {
         QApplication::setDesktopFileName(name);
         QApplication::setPalette(forms::LightPalette());
         QApplication::setFont(forms::DialogFont());
-        // The style keeps pictures of each box's buttons and never finds them again, up to 10 MiB of them.
+        // The style would cache up to 10 MiB of pictures of the boxes' buttons, and never use them again.
         QPixmapCache::setCacheLimit(0);
     }
 
@@ -82,11 +82,9 @@ class Desktop : public QtDesktop {
     const PictureFiles& Pictures() const override { return pictures_; }
 
   private:
-    // The first text waits until the machine's fonts are known, which takes as long as the toolkit's own
-    // start.
+    // Finds the machine's fonts while the toolkit starts. It takes as long, and the first text needs them.
     std::jthread fonts_{[] { FcInit(); }};
-    // Qt gets the program's name alone: the rest may be the name of an exchange that looks like one of Qt's
-    // options.
+    // Qt gets only the program's name: the name of an exchange might look like one of Qt's options.
     int argumentCount_ = 1;
     char* arguments_[2];
     QApplication application_;

@@ -1,4 +1,4 @@
-// The desktop over Qt: one object that opens the display and gives out all that needs it.
+// The desktop over Qt: one object that opens the display, and owns all that needs it.
 #pragma once
 
 #include <memory>
@@ -26,10 +26,9 @@ class QtDesktop {
     virtual const PictureFiles& Pictures() const = 0;
 };
 
-// Opens the display of the environment. Raises 440 with a plain description where the environment names
-// none. One that can't be reached ends the process with one line on standard error: Qt leaves no way back.
-// `application` and `engine` must outlive the result: the title is the boxes' default, and the engine reads
-// the help files. Pictures are looked for in its layers.
+// Opens the display that the environment names. Raises 440 if it names none; ends the process with one line
+// on standard error if the display can't be reached, since Qt can't recover from that. `application` (title,
+// words, layers) and `engine` (help files) must outlive the result.
 std::unique_ptr<QtDesktop> OpenDesktop(int& argc, char** argv, const Application& application,
                                        DatabaseEngine& engine);
 

@@ -12,8 +12,7 @@ namespace platform {
 
 namespace {
 
-// Stops a timer or watch. The object itself goes in a later turn, since the handle may be dropped by the
-// very call that the object is making.
+// Stops a timer or watch. Deletes it later, since its own call may drop the handle.
 template <class Source>
 class SourceHandle : public Handle {
   public:
@@ -82,13 +81,13 @@ void QtEventLoop::Run() {
             QEventLoop().exec();
         --running_;
     }
-    // A nested run leaves the request standing for the runs around it.
+    // Only the outermost run clears the request, so that all runs end.
     if (running_ == 0) quit_ = false;
 }
 
 void QtEventLoop::Quit() {
     quit_ = true;
-    // Before the first run Qt would remember the exit by refusing to open boxes.
+    // Before the first run, exit would make Qt refuse to open boxes.
     if (running_ > 0) QCoreApplication::exit();
 }
 

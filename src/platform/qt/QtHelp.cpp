@@ -7,7 +7,7 @@ namespace platform {
 
 namespace {
 
-// What a help file says instead of a topic that it doesn't have.
+// The topic shown instead of a missing one.
 constexpr std::int32_t noTopic = 0;
 
 HelpTopic TopicOrReason(DatabaseEngine& engine, TextView file, std::int32_t id) {

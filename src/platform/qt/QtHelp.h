@@ -13,8 +13,8 @@ class QtHelp {
     QtHelp(const Application& application, DatabaseEngine& engine)
         : application_(application), engine_(engine) {}
 
-    // Shows a topic of the application's help file, or of another one, beside a widget. In place of a topic
-    // that there isn't stands topic 0, in place of a file that can't be read the reason.
+    // Shows a topic of the application's help file, or of another one, beside a widget. Shows topic 0 instead
+    // of a missing one, or the reason why the file can't be read.
     void Show(QWidget& beside, std::int32_t topic) const { Show(beside, topic, application_.helpFile); }
     void Show(QWidget& beside, std::int32_t topic, TextView file) const;
 

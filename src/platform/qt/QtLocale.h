@@ -7,7 +7,7 @@
 
 namespace platform {
 
-// A time pattern of Qt without its time zone ("t") and what surrounded it alone.
+// A Qt time pattern without its time zone ("t") and the brackets around it.
 QString WithoutTimeZone(const QString& pattern);
 
 class QtLocale : public LocaleTexts {

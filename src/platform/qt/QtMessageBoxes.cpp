@@ -31,7 +31,7 @@ const std::vector<ButtonSet>& ButtonSets() {
     return sets;
 }
 
-// The parts that a buttons value is the sum of.
+// The parts of a buttons value.
 constexpr std::int32_t setPart = 0xF, signPart = 0xF0, defaultPart = 0xF00;
 
 const ButtonSet& SetOf(std::int32_t buttons) {
@@ -99,7 +99,7 @@ class QtWaitBox : public WaitBox {
   public:
     QtWaitBox(const BoxContent& content, std::function<void(bool)> answered)
         : dialog_(new BoxDialog(content)) {
-        // The call is copied out of the connection, which goes when the box is dropped inside the call.
+        // Copied out of the connection, which is destroyed if the call drops the box.
         QObject::connect(dialog_, &QDialog::finished, dialog_, [call = std::move(answered)](int answer) {
             const auto running = call;
             Guard([&] { running(answer == giveUp); });

@@ -8,15 +8,15 @@
 
 namespace platform {
 
-// Escape and closing a box answer Cancel where there is such a button, OK where it is the only one, and
-// nothing elsewhere. The help button, and F1 where the box has a help reference, leave it open. Prompts are
-// plain text. Each of CR, LF and CR LF breaks a line.
+// Escape and closing answer Cancel if there is such a button, OK if it is the only one; other boxes ignore
+// both. The help button, and F1 in a box with a help reference, leave it open. Prompts are plain text, in
+// which CR, LF and CR LF each break the line.
 class QtMessageBoxes : public MessageBoxes {
   public:
     QtMessageBoxes(const Application& application, const QtHelp& help)
         : application_(application), help_(help) {}
-    // Raises 5 for a set of buttons that there isn't. Where the loop quits under an open box, the answer is
-    // the one that does least.
+    // Raises 5 for an unknown set of buttons. If the loop quits while a box is open, returns the least
+    // harmful answer.
     std::int16_t Show(const MessageBox& box) override;
 
   private:

@@ -8,7 +8,7 @@ namespace platform {
 
 class QtPictureFiles : public PictureFiles {
   public:
-    // Looks for files in `layers`.
+    // Finds files in `layers`.
     explicit QtPictureFiles(Layers layers) : layers_(std::move(layers)) {}
     Text Dir(TextView path) const override;
     forms::PictureRef LoadPicture(TextView path) const override;

@@ -20,7 +20,7 @@ QSize ScreenSize() {
 void QtScreen::SetPointer(MousePointer pointer) {
     if (pointer == pointer_) return;
     pointer_ = pointer;
-    // Qt keeps a stack of cursors; with one entry at most it is a switch.
+    // Qt keeps a stack of cursors; here it never holds more than one.
     if (pointer == MousePointer::Hourglass)
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     else

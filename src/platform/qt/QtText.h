@@ -11,8 +11,8 @@ inline QString ToQt(TextView text) {
     return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-// A text for the screen: cut, with an ellipsis, where nobody reads on. A title of megabytes ends the process
-// by an error of the display, and a prompt of megabytes takes seconds to lay out.
+// A text for the screen, cut with an ellipsis beyond what anybody would read. A title of megabytes would end
+// the process by a display error, and a prompt of megabytes would take seconds to lay out.
 inline QString ToShow(TextView text) {
     constexpr std::size_t longest = 4000;
     if (text.size() <= longest) return ToQt(text);

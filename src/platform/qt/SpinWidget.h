@@ -14,23 +14,23 @@ namespace platform::forms {
 
 enum class Direction { Up, Down };
 
-// Makes one of the operator's steps. Errors of the handlers end here.
+// Makes a step of the operator. Traps errors of the handlers.
 void Step(UpDown& spin, Direction direction);
 
-// The step that a key means, if any: Up and Down without modifiers.
+// The step of a key, if it is Up or Down without modifiers.
 std::optional<Direction> StepOf(const QKeyEvent& event);
 
-// Adds up the turns of a wheel, whose small ones make a step together.
+// Adds up small turns of a wheel to whole steps.
 class WheelSteps {
   public:
-    // The whole steps that are complete now; below 0 downwards.
+    // The steps now complete; negative for down.
     int Take(const QWheelEvent& event);
 
   private:
     int turned_ = 0;
 };
 
-// Takes no focus by the mouse: what it steps is the box that has it.
+// A click doesn't take the focus from the box that is stepped.
 class SpinWidget : public HeldButton, public TypedView<UpDown> {
   public:
     SpinWidget(UpDown& control, QWidget& parent);
@@ -53,7 +53,7 @@ class SpinWidget : public HeldButton, public TypedView<UpDown> {
     bool StepIfOperable(Direction direction);
     void PaintHalf(QPainter& painter, Direction direction) const;
 
-    std::optional<Direction> held_, under_;  // the arrow that the mouse holds, and the one it is over
+    std::optional<Direction> held_, under_;  // the arrow that is held, and the one under the mouse
     WheelSteps wheel_;
 };
 
