@@ -10,8 +10,7 @@
 namespace bench {
 
 inline constexpr const char *addInClass = "Horalink10013.cOLELayer", *exchangeName = "Main Office",
-                            *objectInterface = "org.velmora.Automation1.Object",
-                            *factoryInterface = "org.velmora.Automation1.Factory";
+                            *objectInterface = "org.velmora.Automation1.Object";
 
 using Bus = std::unique_ptr<sd_bus, decltype(&sd_bus_flush_close_unref)>;
 using Message = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
@@ -51,7 +50,8 @@ Message Ask(sd_bus* bus, const Reference& to, const char* interface, const char*
 
 // An object of a class; the caller owns the reference.
 inline Reference Create(sd_bus* bus, const char* className) {
-    return ReadReference(Ask(bus, {className, "/Factory"}, factoryInterface, "CreateInstance").get());
+    const Reference factory{className, "/Factory"};
+    return ReadReference(Ask(bus, factory, "org.velmora.Automation1.Factory", "CreateInstance").get());
 }
 
 enum Kind { Method = 1, Read = 2, Write = 4 };
@@ -64,13 +64,20 @@ Message Invoke(sd_bus* bus, const Reference& to, const char* member, Kind kind, 
                arguments...);
 }
 
-// Shows or hides the dialog without waiting for it: the caller must watch the window from the start.
-inline void SetVisible(sd_bus* bus, const Reference& addIn, bool visible) {
+// Shows the dialog without waiting for it: the caller must watch the window from the start.
+inline void Show(sd_bus* bus, const Reference& addIn) {
     Check(sd_bus_call_method_async(bus, nullptr, addIn.owner.c_str(), addIn.path.c_str(), objectInterface,
-                                   "Invoke", nullptr, nullptr, "sqav", "Visible", Write, 1, "b",
-                                   static_cast<int>(visible)),
+                                   "Invoke", nullptr, nullptr, "sqav", "Visible", Write, 1, "b", 1),
           "Visible");
     Check(sd_bus_flush(bus), "Visible");
+}
+
+// Creates the add-in and shows its dialog, without a host object.
+inline Reference Open(sd_bus* bus) {
+    const Reference addIn = Create(bus, addInClass);
+    Invoke(bus, addIn, "RegisterPBX", Method, "av", 3, "s", exchangeName, "(so)", "", "/", "n", 1);
+    Show(bus, addIn);
+    return addIn;
 }
 
 inline pid_t ProcessOf(sd_bus* bus, const Reference& object) {
@@ -81,10 +88,6 @@ inline pid_t ProcessOf(sd_bus* bus, const Reference& object) {
     sd_bus_creds_get_pid(credentials, &process);
     sd_bus_creds_unref(credentials);
     return process;
-}
-
-inline void Ping(sd_bus* bus, const Reference& to) {
-    Ask(bus, to, "org.freedesktop.DBus.Peer", "Ping");
 }
 
 }  // namespace bench

@@ -1,132 +1,113 @@
 // Measures from a click on the dialog to the resulting message box, with a host that answers at once. The
 // floor is the same calls made alone, and a click to a box in a program without calls.
 //
-//   click-to-box TIMES BARE-DIALOG
+//   click-to-box RUNS TEXT-DIALOG
 //
-// Prints a line for each click, in milliseconds and without timer steps: click to painted box, thereof first
-// call to end of last call, the calls alone, the other program's click to box.
-#include <atomic>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <exception>
-#include <thread>
+// Prints for each click, in milliseconds and without timer steps: click to painted box; calls alone, and the
+// other program's click to box; first call to end of last call; the calls alone.
+#include <future>
 
-#include "Dialog.h"
+#include "Display.h"
 #include "Host.h"
+#include "Measure.h"
 #include "Program.h"
 
 namespace {
 
 using bench::Check;
+using bench::Display;
 using bench::Host;
-using Clock = bench::Display::Clock;
+using Clock = Display::Clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr Milliseconds timerStep{100};
+constexpr std::int16_t buttonX = 47, buttonY = 269;  // in both dialogs
 
-// Repeats the calls that the host received, over its own connection, one after the other.
-class Replay {
-  public:
-    explicit Replay(const Host& host) : bus_(bench::OpenBus()) {
-        const char* name = nullptr;
-        Check(sd_bus_get_unique_name(host.Connection(), &name), "no name on the bus");
-        for (const bench::Message& call : host.Calls()) calls_.push_back(Copy(call.get(), name));
-    }
-    void Run() {
-        for (const bench::Message& call : calls_) {
-            sd_bus_message* answer = nullptr;
-            Check(sd_bus_call(bus_.get(), call.get(), UINT64_MAX, nullptr, &answer), "a call failed");
-            sd_bus_message_unref(answer);
-        }
-    }
-
-  private:
-    bench::Message Copy(sd_bus_message* call, const char* destination) const {
-        sd_bus_message* copy = nullptr;
-        Check(sd_bus_message_new_method_call(bus_.get(), &copy, destination, sd_bus_message_get_path(call),
-                                             bench::objectInterface, "Invoke"),
-              "no call");
-        Check(sd_bus_message_rewind(call, 1), "no call");
-        Check(sd_bus_message_copy(copy, call, 1), "no call");
-        return bench::Message(copy, sd_bus_message_unref);
-    }
-
-    bench::Bus bus_;
-    std::vector<bench::Message> calls_;
-};
-
-// The incoming calls, from a thread that does nothing else, while the host answers as before.
-Milliseconds IncomingAlone(Host& host) {
-    Replay replay(host);
-    std::atomic<bool> isDone = false;
-    std::exception_ptr failure;
-    host.SetIdle(true);
-    Milliseconds time{};
-    std::thread caller([&] {
-        try {
-            const auto start = Clock::now();
-            replay.Run();
-            time = Clock::now() - start;
-        } catch (...) {
-            failure = std::current_exception();
-        }
-        isDone = true;
-    });
-    while (!isDone)
-        if (!host.Serve()) sd_bus_wait(host.Connection(), 1000);
-    caller.join();
-    host.SetIdle(false);
-    if (failure) std::rethrow_exception(failure);
-    return time;
+// Serves the host until a condition of the display holds.
+void Await(Host& host, Display& display, const std::function<bool()>& condition) {
+    const auto look = [&] {
+        display.Look();
+        return condition();
+    };
+    host.ServeUntil(look, display.Descriptor());
 }
 
-// As many calls as the host makes: it reads two fields of the record, and calls back.
-Milliseconds OutgoingAlone(Host& host) {
+xcb_window_t NextWindow(Host& host, Display& display) {
+    std::optional<xcb_window_t> next;
+    Await(host, display, [&] { return (next = display.TakePainted()).has_value(); });
+    return *next;
+}
+
+// Repeats the calls that the host received, over a connection of its own, one after the other.
+Milliseconds Repeat(const std::vector<bench::Message>& calls, const char* host) {
+    const bench::Bus bus = bench::OpenBus();
+    std::vector<bench::Message> copies;
+    for (const bench::Message& call : calls) {
+        sd_bus_message* copy = nullptr;
+        Check(sd_bus_message_new_method_call(bus.get(), &copy, host, sd_bus_message_get_path(call.get()),
+                                             bench::objectInterface, "Invoke"),
+              "no call");
+        copies.emplace_back(copy, sd_bus_message_unref);
+        Check(sd_bus_message_rewind(call.get(), 1), "no call");
+        Check(sd_bus_message_copy(copy, call.get(), 1), "no call");
+    }
     const auto start = Clock::now();
-    for (int i = 0; i < 3; ++i) Invoke(host.Connection(), host.AddIn(), "Visible", bench::Read, "av", 0);
+    for (const bench::Message& call : copies) {
+        sd_bus_message* answer = nullptr;
+        Check(sd_bus_call(bus.get(), call.get(), UINT64_MAX, nullptr, &answer), "a call failed");
+        sd_bus_message_unref(answer);
+    }
     return Clock::now() - start;
 }
 
-Milliseconds BareWay(bench::Dialog& dialog, const bench::Program& bare, xcb_window_t window) {
-    const auto click = dialog.ClickOn(window, bench::lookupButton);
-    const xcb_window_t box = dialog.NextWindow();
-    const Milliseconds way = dialog.Screen().PaintedAt(box) - click - timerStep;
-    bare.Send('x');
-    dialog.WaitUntilClosed(box);
-    return way;
+// The incoming calls, from a thread that does nothing else, while the host answers as before; and one call as
+// the host makes when it calls back.
+Milliseconds CallsAlone(Host& host) {
+    const char* name = nullptr;
+    Check(sd_bus_get_unique_name(host.Connection(), &name), "no name on the bus");
+    host.SetIdle(true);
+    auto incoming = std::async(std::launch::async, Repeat, std::cref(host.Calls()), name);
+    host.ServeUntil([&] { return incoming.wait_for(Milliseconds(0)) == std::future_status::ready; });
+    host.SetIdle(false);
+    const auto start = Clock::now();
+    Invoke(host.Connection(), host.AddIn(), "Visible", bench::Read, "av", 0);
+    return incoming.get() + (Clock::now() - start);
 }
 
-void Measure(Host& host, bench::Dialog& dialog, Milliseconds bareWay) {
+Milliseconds FloorsWay(Host& host, Display& display, xcb_window_t window) {
+    const auto click = display.Click(window, buttonX, buttonY);
+    const xcb_window_t box = NextWindow(host, display);
+    Await(host, display, [&] { return !display.IsShown(box); });
+    return display.PaintedAt(box) - click - timerStep;
+}
+
+void MeasureLookup(Host& host, Display& display, xcb_window_t dialog, Milliseconds floorsWay) {
     host.ForgetCalls();
-    const auto click = dialog.Click(bench::lookupButton);
+    const auto click = display.Click(dialog, buttonX, buttonY);
     host.ServeUntil([&] { return !host.Calls().empty(); });
     const auto called = Clock::now();
     host.ServeUntil([&] { return host.OwesAnswer(); });
     host.AnswerRequest();
-    const auto answered = Clock::now();
-    const xcb_window_t box = dialog.NextWindow();
-    const auto painted = dialog.Screen().PaintedAt(box);
-    dialog.CloseBox(box);
-    const Milliseconds way = painted - click - 2 * timerStep, exchange = answered - called;
-    const Milliseconds calls = IncomingAlone(host) + OutgoingAlone(host);
-    std::printf("%.3f %.3f %.3f %.3f\n", way.count(), exchange.count(), calls.count(), bareWay.count());
+    const Milliseconds exchange = Clock::now() - called;
+    const xcb_window_t box = NextWindow(host, display);
+    const Milliseconds way = display.PaintedAt(box) - click - 2 * timerStep;
+    display.PressEnter();
+    Await(host, display, [&] { return !display.IsShown(box); });
+    const Milliseconds calls = CallsAlone(host);
+    bench::PrintRun<4>({way.count(), (calls + floorsWay).count(), exchange.count(), calls.count()});
+}
+
+void MeasureLookups(int runs, char** textDialog) {
+    Display display;
+    Host host;
+    const xcb_window_t dialog = NextWindow(host, display);
+    const bench::Program floor(textDialog);
+    const xcb_window_t floorsDialog = NextWindow(host, display);
+    for (; runs > 0; --runs) MeasureLookup(host, display, dialog, FloorsWay(host, display, floorsDialog));
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    try {
-        if (argc != 3) throw std::runtime_error("usage: click-to-box TIMES BARE-DIALOG");
-        Host host(Host::Manner::Takes);
-        bench::Dialog dialog(host);
-        const bench::Program bare(argv + 2);
-        const xcb_window_t window = dialog.NextWindow();
-        for (int left = std::atoi(argv[1]); left > 0; --left)
-            Measure(host, dialog, BareWay(dialog, bare, window));
-        return EXIT_SUCCESS;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "click-to-box: %s\n", error.what());
-        return EXIT_FAILURE;
-    }
+int main(int, char** arguments) {
+    return bench::Measure([&] { MeasureLookups(std::atoi(arguments[1]), arguments + 2); });
 }

@@ -1,11 +1,9 @@
 #include "Display.h"
 
 #include <poll.h>
-#include <xcb/damage.h>
 #include <xcb/xtest.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -22,10 +20,7 @@ constexpr int smallestWidth = 100;
 constexpr std::uint8_t leftButton = 1, enterKey = 36;
 
 template <class Type>
-using Owned = std::unique_ptr<Type, decltype(&std::free)>;
-
-template <class Type>
-Owned<Type> Own(Type* reply) {
+std::unique_ptr<Type, decltype(&std::free)> Own(Type* reply) {
     return {reply, std::free};
 }
 
@@ -33,35 +28,12 @@ Owned<Type> Own(Type* reply) {
 
 Display::Display() : connection_(xcb_connect(nullptr, nullptr)) {
     if (xcb_connection_has_error(connection_)) throw std::runtime_error("can't open the display");
-    const xcb_setup_t* setup = xcb_get_setup(connection_);
-    root_ = xcb_setup_roots_iterator(setup).data->root;
-    clientMask_ = ~setup->resource_id_mask;
-    FindManager();
+    root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
     const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &mask);
     damageEvent_ = xcb_get_extension_data(connection_, &xcb_damage_id)->first_event;
     Own(xcb_damage_query_version_reply(connection_, xcb_damage_query_version(connection_, 1, 1), nullptr));
     xcb_flush(connection_);
-}
-
-Display::~Display() {
-    xcb_disconnect(connection_);
-}
-
-// Finds the window manager, whose frames also appear and get painted, but don't count.
-void Display::FindManager() {
-    constexpr char name[] = "_NET_SUPPORTING_WM_CHECK";
-    const auto atom = Own(
-        xcb_intern_atom_reply(connection_, xcb_intern_atom(connection_, 0, sizeof name - 1, name), nullptr));
-    const auto property = Own(xcb_get_property_reply(
-        connection_, xcb_get_property(connection_, 0, root_, atom->atom, XCB_ATOM_WINDOW, 0, 1), nullptr));
-    if (xcb_get_property_value_length(property.get()) != sizeof manager_) return;
-    std::memcpy(&manager_, xcb_get_property_value(property.get()), sizeof manager_);
-    manager_ &= clientMask_;
-}
-
-int Display::Descriptor() const {
-    return xcb_get_file_descriptor(connection_);
 }
 
 void Display::Look() {
@@ -75,8 +47,7 @@ std::optional<xcb_window_t> Display::TakePainted() {
 }
 
 xcb_window_t Display::WaitForPaint() {
-    const auto end = Clock::now() + limit;
-    while (Clock::now() < end) {
+    for (const auto end = Clock::now() + limit; Clock::now() < end;) {
         Look();
         if (const auto window = TakePainted()) return *window;
         pollfd display{Descriptor(), POLLIN, 0};
@@ -85,38 +56,11 @@ xcb_window_t Display::WaitForPaint() {
     throw std::runtime_error("no window has been painted");
 }
 
-Display::Clock::time_point Display::PaintedAt(xcb_window_t window) const {
-    return windows_.at(window).paintedAt.value();
-}
-
-bool Display::IsShown(xcb_window_t window) const {
-    const auto seen = windows_.find(window);
-    return seen != windows_.end() && seen->second.isShown;
-}
-
-long Display::Paints(xcb_window_t window) const {
-    return windows_.at(window).paints;
-}
-
-// Watches a window from its creation, to miss no paint. Ignores menus and tips, as the manager does.
-void Display::Watch(const xcb_create_notify_event_t& created) {
-    const xcb_window_t window = created.window;
-    const bool isManagers = manager_ != 0 && (window & clientMask_) == manager_;
-    if (isManagers || created.override_redirect != 0) return;
-    // The manager moves the window into a frame, and the root gets no more of its events.
-    const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
-    xcb_damage_create(connection_, xcb_generate_id(connection_), window,
-                      XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
-    const auto state = Own(xcb_get_window_attributes_reply(
-        connection_, xcb_get_window_attributes(connection_, window), nullptr));
-    windows_[window].isShown = state && state->map_state == XCB_MAP_STATE_VIEWABLE;
-}
-
 void Display::Handle(const xcb_generic_event_t& event) {
     const int type = event.response_type & 0x7f;
-    if (type == XCB_CREATE_NOTIFY)
-        Watch(reinterpret_cast<const xcb_create_notify_event_t&>(event));
+    if (const auto& created = reinterpret_cast<const xcb_create_notify_event_t&>(event);
+        type == XCB_CREATE_NOTIFY && created.override_redirect == 0)  // no menu or tip
+        Watch(created.window);
     else if (type == XCB_MAP_NOTIFY)
         SetShown(reinterpret_cast<const xcb_map_notify_event_t&>(event).window, true);
     else if (type == XCB_UNMAP_NOTIFY)
@@ -124,7 +68,16 @@ void Display::Handle(const xcb_generic_event_t& event) {
     else if (type == XCB_DESTROY_NOTIFY)
         windows_.erase(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
     else if (type == damageEvent_ + XCB_DAMAGE_NOTIFY)
-        CountPaint(reinterpret_cast<const xcb_damage_notify_event_t&>(event));
+        NotePaint(reinterpret_cast<const xcb_damage_notify_event_t&>(event));
+}
+
+// From its creation, to miss no paint.
+void Display::Watch(xcb_window_t window) {
+    xcb_damage_create(connection_, xcb_generate_id(connection_), window,
+                      XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
+    const auto state = Own(xcb_get_window_attributes_reply(
+        connection_, xcb_get_window_attributes(connection_, window), nullptr));
+    windows_[window].isShown = state && state->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 void Display::SetShown(xcb_window_t window, bool shown) {
@@ -132,29 +85,22 @@ void Display::SetShown(xcb_window_t window, bool shown) {
 }
 
 // Before a window is shown, only the display paints it.
-void Display::CountPaint(const xcb_damage_notify_event_t& damage) {
+void Display::NotePaint(const xcb_damage_notify_event_t& damage) {
     const auto found = windows_.find(damage.drawable);
-    if (found == windows_.end() || !found->second.isShown) return;
-    Window& window = found->second;
-    ++window.paints;
-    if (!window.paintedAt && damage.geometry.width >= smallestWidth) window.paintedAt = Clock::now();
+    if (found == windows_.end() || !found->second.isShown || damage.geometry.width < smallestWidth) return;
+    if (!found->second.paintedAt) found->second.paintedAt = Clock::now();
 }
 
-void Display::Send(std::uint8_t type, std::uint8_t detail) {
-    xcb_test_fake_input(connection_, type, detail, XCB_CURRENT_TIME, root_, 0, 0, 0);
+void Display::Send(std::uint8_t type, std::uint8_t detail, std::int16_t x, std::int16_t y) {
+    xcb_test_fake_input(connection_, type, detail, XCB_CURRENT_TIME, root_, x, y, 0);
     xcb_flush(connection_);
 }
 
-void Display::Point(xcb_window_t window, std::int16_t x, std::int16_t y) {
+Display::Clock::time_point Display::Click(xcb_window_t window, std::int16_t x, std::int16_t y) {
     const auto place = Own(xcb_translate_coordinates_reply(
         connection_, xcb_translate_coordinates(connection_, window, root_, x, y), nullptr));
     if (!place) throw std::runtime_error("the window has closed");
-    xcb_test_fake_input(connection_, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root_, place->dst_x,
-                        place->dst_y, 0);
-    xcb_flush(connection_);
-}
-
-Display::Clock::time_point Display::Click() {
+    Send(XCB_MOTION_NOTIFY, 0, place->dst_x, place->dst_y);
     Send(XCB_BUTTON_PRESS, leftButton);
     const auto now = Clock::now();
     Send(XCB_BUTTON_RELEASE, leftButton);

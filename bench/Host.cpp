@@ -3,6 +3,7 @@
 #include <poll.h>
 
 #include <chrono>
+#include <map>
 
 namespace bench {
 
@@ -14,101 +15,67 @@ constexpr int turn = 100;  // milliseconds
 
 constexpr const char *hostPath = "/Host", *exchangePath = "/Exchange", *responsePath = "/Response";
 constexpr std::int16_t items = 3;
-constexpr const char* values[items] = {"2026", "11/18 WED", "13:02:03"};
+constexpr const char *values[items] = {"2026", "11/18 WED", "13:02:03"}, *numbers[items] = {"0", "1", "2"};
+
+// What members result in, where it is a text and the same at each call; otherwise nothing.
+const std::map<std::string_view, const char*> texts{
+    {"Login", "KEY"}, {"LoginID", "KEY"},  {"SendRequest", "ACCEPTED"}, {"Tag", "LOOKUP_CLOCK"},
+    {"CMD", "02"},    {"ExtraData", "OK"}, {"Message", "OK"},
+};
 
 void RewindToArguments(sd_bus_message* call) {
     Check(sd_bus_message_rewind(call, 1), "no arguments");
     Check(sd_bus_message_skip(call, "sq"), "no arguments");
 }
 
-// The index of an item of the answer.
-std::size_t IndexOf(sd_bus_message* call) {
+// What a list of the answer has at the index that the call names.
+const char* At(const char* const (&list)[items], sd_bus_message* call) {
     std::int16_t index = 0;
     RewindToArguments(call);
     Check(sd_bus_message_read(call, "av", 1, "n", &index), "no index");
     if (index < 0 || index >= items) throw std::runtime_error("no such item");
-    return static_cast<std::size_t>(index);
+    return list[index];
 }
 
 }  // namespace
 
-Host::Host(Manner manner) : bus_(OpenBus()), manner_(manner) {
+Host::Host() : addIn_(Create(bus_.get(), addInClass)) {
     const char* name = nullptr;
     Check(sd_bus_get_unique_name(bus_.get(), &name), "no name on the bus");
     name_ = name;
     Check(sd_bus_add_filter(bus_.get(), nullptr, OnMessage, this), "no filter");
-}
-
-void Host::Open() {
-    addIn_ = Create(bus_.get(), addInClass);
-    RegisterExchange();
-}
-
-void Host::RegisterExchange() {
-    sd_bus_message* call = nullptr;
-    Check(sd_bus_message_new_method_call(bus_.get(), &call, addIn_.owner.c_str(), addIn_.path.c_str(),
-                                         objectInterface, "Invoke"),
-          "RegisterPBX");
-    const Message owned(call, sd_bus_message_unref);
-    Check(sd_bus_message_append(call, "sqav", "RegisterPBX", Method, 3, "s", exchangeName, "(so)",
-                                name_.c_str(), hostPath, "n", 1),
-          "RegisterPBX");
-    AnswerTo(owned);
-}
-
-void Host::SetVisible(bool visible) {
-    bench::SetVisible(bus_.get(), addIn_, visible);
-}
-
-bool Host::Serve() {
-    return Check(sd_bus_process(bus_.get(), nullptr), "the bus has closed") > 0;
+    Ask(addIn_, "RegisterPBX", "av", 3, "s", exchangeName, "(so)", name, hostPath, "n", 1);
+    Show(bus_.get(), addIn_);
 }
 
 void Host::ServeUntil(const std::function<bool()>& condition, int other) {
     const auto end = Clock::now() + limit;
     while (!condition()) {
         if (Clock::now() > end) throw std::runtime_error("the add-in did not respond as expected");
-        if (Serve()) continue;
+        if (Check(sd_bus_process(bus_.get(), nullptr), "the bus has closed") > 0) continue;
         pollfd descriptors[] = {{sd_bus_get_fd(bus_.get()), POLLIN, 0}, {other, POLLIN, 0}};
         poll(descriptors, 2, turn);
     }
 }
 
-Message Host::AnswerTo(const Message& call) {
-    sd_bus_message* answer = nullptr;
-    const auto keep = [](sd_bus_message* message, void* place, sd_bus_error*) {
-        *static_cast<sd_bus_message**>(place) = sd_bus_message_ref(message);
-        return 1;
+// Calls a method of the add-in, which may call back meanwhile.
+template <typename... Arguments>
+void Host::Ask(const Reference& to, const char* member, const char* types, Arguments... arguments) {
+    int result = 0;
+    const auto note = [](sd_bus_message* answer, void* place, sd_bus_error*) {
+        return *static_cast<int*>(place) = sd_bus_message_is_method_error(answer, nullptr) > 0 ? -1 : 1;
     };
-    Check(sd_bus_call_async(bus_.get(), nullptr, call.get(), keep, &answer, UINT64_MAX), "a call failed");
-    ServeUntil([&] { return answer != nullptr; });
-    Message result(answer, sd_bus_message_unref);
-    if (sd_bus_message_is_method_error(answer, nullptr) > 0)
-        throw std::runtime_error(sd_bus_message_get_error(answer)->message);
-    return result;
-}
-
-std::string Host::ReadRecord(const char* member) {
-    const Message answer = Invoke(bus_.get(), *record_, member, Read, "av", 0);
-    const char* text = nullptr;
-    Check(sd_bus_message_read(answer.get(), "v", "s", &text), member);
-    return text;
+    Check(sd_bus_call_method_async(bus_.get(), nullptr, to.owner.c_str(), to.path.c_str(), objectInterface,
+                                   "Invoke", note, &result, (std::string("sq") + types).c_str(), member,
+                                   static_cast<int>(Method), arguments...),
+          member);
+    ServeUntil([&] { return result != 0; });
+    Check(result, member);
 }
 
 void Host::AnswerRequest() {
-    tag_ = ReadRecord("Tag");
-    loginId_ = ReadRecord("LoginID");
-    sd_bus_message* call = nullptr;
-    Check(sd_bus_message_new_method_call(bus_.get(), &call, dialog_.owner.c_str(), dialog_.path.c_str(),
-                                         objectInterface, "Invoke"),
-          "CallBack");
-    const Message owned(call, sd_bus_message_unref);
-    Check(sd_bus_message_append(call, "sqav", "CallBack", Method, 1, "(so)", name_.c_str(), responsePath),
-          "CallBack");
-    AnswerTo(owned);
-    Notify(dialog_, "Release");
-    Notify(*record_, "Release");
-    record_.reset();
+    hasRequest_ = false;
+    Ask(dialog_, "CallBack", "av", 1, "(so)", name_.c_str(), responsePath);
 }
 
 int Host::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) noexcept {
@@ -126,11 +93,7 @@ int Host::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) noexcept
 void Host::Answer(sd_bus_message* call) {
     const char* member = nullptr;
     Check(sd_bus_message_read(call, "sq", &member, nullptr), "no member");
-    if (!isIdle_) {
-        lastMember_ = member;
-        calls_.emplace_back(sd_bus_message_ref(call), sd_bus_message_unref);
-        Keep(call, member);
-    }
+    if (!isIdle_) Note(call, member);
     sd_bus_message* made = nullptr;
     Check(sd_bus_message_new_method_return(call, &made), "no answer");
     const Message answer(made, sd_bus_message_unref);
@@ -141,6 +104,7 @@ void Host::Answer(sd_bus_message* call) {
 }
 
 void Host::AppendResult(sd_bus_message* answer, sd_bus_message* call, std::string_view member) const {
+    const auto text = texts.find(member);
     int result = 0;
     if (member == "oPBX")
         result = sd_bus_message_append(answer, "v", "(so)", name_.c_str(), exchangePath);
@@ -148,43 +112,27 @@ void Host::AppendResult(sd_bus_message* answer, sd_bus_message* call, std::strin
         result = sd_bus_message_append(answer, "v", "n", items);
     else if (member == "ErrCode")
         result = sd_bus_message_append(answer, "v", "i", 0);
+    else if (member == "FirstData" || member == "SecondData")
+        result = sd_bus_message_append(answer, "v", "s", At(member == "FirstData" ? numbers : values, call));
     else
-        result = sd_bus_message_append(answer, "v", "s", TextResult(call, member).c_str());
+        result = sd_bus_message_append(answer, "v", "s", text == texts.end() ? "" : text->second);
     Check(result, "no result");
 }
 
-// Empty for members without a result.
-std::string Host::TextResult(sd_bus_message* call, std::string_view member) const {
-    if (member == "Login") return "KEY";
-    if (member == "SendRequest") return manner_ == Manner::Refuses ? "BUSY" : "ACCEPTED";
-    if (member == "Tag") return tag_;
-    if (member == "LoginID") return loginId_;
-    if (member == "CMD") return "02";
-    if (member == "FirstData") return std::to_string(IndexOf(call));
-    if (member == "SecondData") return values[IndexOf(call)];
-    if (member == "ExtraData" || member == "Message") return "OK";
-    return "";
-}
-
-// Retains the object that is needed after the call.
-void Host::Keep(sd_bus_message* call, std::string_view member) {
-    if (member != "Login" && member != "SendRequest") return;
+// The dialog comes with a login, and lives as long as the add-in.
+void Host::Note(sd_bus_message* call, std::string_view member) {
+    lastMember_ = member;
+    calls_.emplace_back(sd_bus_message_ref(call), sd_bus_message_unref);
+    hasRequest_ = hasRequest_ || member == "SendRequest";
+    if (member != "Login") return;
     RewindToArguments(call);
     Check(sd_bus_message_enter_container(call, 'a', "v"), "no arguments");
-    if (member == "Login") Check(sd_bus_message_skip(call, "v"), "no exchange");
+    Check(sd_bus_message_skip(call, "v"), "no exchange");
     Check(sd_bus_message_enter_container(call, 'v', "(so)"), "no object");
-    const Reference object = ReadReference(call);
-    if (member == "Login")
-        dialog_ = object;
-    else
-        record_ = object;
-    Notify(object, "Retain");
-}
-
-void Host::Notify(const Reference& to, const char* method) {
-    Check(sd_bus_call_method_async(bus_.get(), nullptr, to.owner.c_str(), to.path.c_str(), objectInterface,
-                                   method, nullptr, nullptr, ""),
-          method);
+    dialog_ = ReadReference(call);
+    Check(sd_bus_call_method_async(bus_.get(), nullptr, dialog_.owner.c_str(), dialog_.path.c_str(),
+                                   objectInterface, "Retain", nullptr, nullptr, ""),
+          "Retain");
 }
 
 }  // namespace bench

@@ -1,76 +1,55 @@
-// How often the add-in wakes up and paints while the operator does nothing.
+// How often a program wakes up while it shows the time and the operator does nothing.
 //
-//   idle TIMES BARE-DIALOG
+//   idle RUNS TEXT-DIALOG
 //
-// Watches each of four states for TIMES spans, and prints a line for each span: the state, then wake-ups and
-// paints per second. "following": the dialog shows the PC's time. "hidden": the same, but hidden. "still":
-// the dialog shows a fixed time. "bare": another program shows the PC's time, and does nothing else.
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
+// Prints for each span of two seconds the wake-ups per second of the add-in and of the other dialog.
 #include <filesystem>
 #include <fstream>
+#include <string>
+#include <thread>
 
-#include "Dialog.h"
-#include "Host.h"
+#include "Bus.h"
+#include "Display.h"
+#include "Measure.h"
 #include "Program.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto span = 2s, rest = 1s;
+constexpr auto span = 2s, settling = 1s;
 
 // How often its threads went to sleep voluntarily, which is how often they woke up.
-long WakeUps(pid_t process) {
-    constexpr std::string_view field = "voluntary_ctxt_switches:";
-    long total = 0;
+double WakeUps(pid_t process) {
+    double total = 0, threads = 0;
     for (const auto& thread :
          std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
         std::ifstream status(thread.path() / "status");
-        for (std::string line; std::getline(status, line);)
-            if (line.starts_with(field)) total += std::stol(line.substr(field.size()));
+        for (std::string word; status >> word;)
+            if (word == "voluntary_ctxt_switches:") status >> threads, total += threads;
     }
     return total;
 }
 
-void Watch(const char* state, int spans, pid_t process, bench::Dialog& dialog, xcb_window_t window) {
-    dialog.Rest(rest);  // until the change of state has settled
-    for (int i = 0; i < spans; ++i) {
-        const long wakeUps = WakeUps(process), paints = dialog.Screen().Paints(window);
-        dialog.Rest(span);
+void MeasureWakeUps(int runs, char** textDialog) {
+    bench::Display display;
+    const bench::Bus bus = bench::OpenBus();
+    const pid_t addIn = bench::ProcessOf(bus.get(), bench::Open(bus.get()));
+    display.WaitForPaint();
+    const bench::Program floor(textDialog);
+    display.WaitForPaint();
+    std::this_thread::sleep_for(settling);
+    for (; runs > 0; --runs) {
+        const double before = WakeUps(addIn), floorBefore = WakeUps(floor.Id());
+        std::this_thread::sleep_for(span);
         const double seconds = std::chrono::duration<double>(span).count();
-        std::printf("%s %.2f %.2f\n", state, static_cast<double>(WakeUps(process) - wakeUps) / seconds,
-                    static_cast<double>(dialog.Screen().Paints(window) - paints) / seconds);
+        bench::PrintRun<2>(
+            {(WakeUps(addIn) - before) / seconds, (WakeUps(floor.Id()) - floorBefore) / seconds});
     }
-}
-
-void WatchAll(int spans, char* const* bareCommand) {
-    bench::Host host(bench::Host::Manner::Refuses);
-    bench::Dialog dialog(host);
-    const auto watch = [&, process = bench::ProcessOf(host.Connection(), host.AddIn())](const char* state) {
-        Watch(state, spans, process, dialog, dialog.Window());
-    };
-    watch("following");
-    dialog.SetVisible(false);
-    watch("hidden");
-    dialog.SetVisible(true);
-    dialog.Click(bench::trackTimeBox);
-    watch("still");
-    const bench::Program bare(bareCommand);
-    const xcb_window_t window = dialog.NextWindow();
-    Watch("bare", spans, bare.Id(), dialog, window);
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    try {
-        if (argc != 3) throw std::runtime_error("usage: idle TIMES BARE-DIALOG");
-        WatchAll(std::atoi(argv[1]), argv + 2);
-        return EXIT_SUCCESS;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "idle: %s\n", error.what());
-        return EXIT_FAILURE;
-    }
+int main(int, char** arguments) {
+    return bench::Measure([&] { MeasureWakeUps(std::atoi(arguments[1]), arguments + 2); });
 }

@@ -1,80 +1,119 @@
-"""The second half of ./bench/run, after the build: measures, prints a table, writes JSON and a plot."""
+"""The second half of ./bench/run, after the build: measures each row beside its floor and prints the table."""
 import argparse
-import json
+import shutil
+import statistics
+import subprocess
 import sys
-from dataclasses import asdict
 from datetime import date
 from pathlib import Path
 
 SOURCES = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(SOURCES / "scripts"))
 import manual  # noqa: E402
-import routines  # noqa: E402
-from arrangement import Arrangement  # noqa: E402
-from figure import growth_table, table  # noqa: E402
+from arrangement import CLASS_NAMES, Arrangement, wait_for  # noqa: E402
 from interruption import run  # noqa: E402
 from machine import machine  # noqa: E402
-from plot import plot  # noqa: E402
-from programs import Bench  # noqa: E402
 
-# The figures of each measurement.
-GROUPS = {
-    Bench.starts: ("start", "start-created", "memory-private", "memory-shared", "memory", "memory-text"),
-    Bench.calls: ("call", "call-typed", "call-1000"),
-    Bench.records: ("record-reads",),
-    Bench.lookups: ("exchange", "click-to-box"),
-    routines.tables: ("messages", "messages-growth", "controls", "controls-growth", "pictures", "pictures-growth"),
-    routines.lists: ("list-fill", "list-fill-growth", "list-copy", "list-copy-plain", "list-copy-growth"),
-    routines.answers: ("lookup-answer",),
-    Bench.idle: ("idle-following", "idle-still", "idle-hidden", "paints-following", "paints-still", "paints-hidden"),
-}
-NAMES = [name for members in GROUPS.values() for name in members]
-REPORT, PICTURE = SOURCES / "docs/measurements.md", SOURCES / "docs/pictures/figures.svg"
+ADD_IN_CLASS, EXCHANGE_CLASS = CLASS_NAMES
+PEERS = ("lxqt-admin-time", "mate-time-admin")  # programs that set a clock, measured where they are installed
 
 
-def arguments():
-    parser = argparse.ArgumentParser(prog="bench/run", usage="%(prog)s [NAME...] [--runs N] [--record]")
-    parser.add_argument("build", type=Path)
-    parser.add_argument("names", nargs="*", metavar="NAME")
-    parser.add_argument("--runs", type=int, default=15)
-    parser.add_argument("--record", action="store_true")
-    options = parser.parse_intermixed_args()
-    if unknown := set(options.names) - set(NAMES):
-        parser.error(f"unknown figure {', '.join(sorted(unknown))}; known are {', '.join(NAMES)}")
-    if options.runs < 2:
-        parser.error("quartiles need at least two runs")
-    if options.record and options.names:
-        parser.error("--record needs all figures, from one run")
-    return options
+class Bench:
+    def __init__(self, build, arrangement, runs):
+        self.folder, self.arrangement, self.runs = build / "bench", arrangement, runs
+        self.text_dialog = self.folder / "text-dialog"
+
+    def output(self, *command):
+        done = subprocess.run([str(part) for part in command], env=self.arrangement.environment, text=True,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, check=True, timeout=900)
+        return done.stdout
+
+    def columns(self, program, *arguments):
+        """The numbers that a measuring program prints, a line for each run."""
+        lines = self.output(self.folder / program, *arguments).splitlines()
+        wait_for(lambda: ADD_IN_CLASS not in self.names(), 20, "the add-in to end")
+        return list(zip(*([float(word) for word in line.split()] for line in lines)))
+
+    def names(self):
+        return self.output("busctl", "--user", "--no-legend", "list", "--acquired")
+
+    def starts(self):
+        """Starts in turn, so that other load on the machine affects all of them.
+
+        A host serves the exchange object beforehand: stand-alone runs create one, and its start isn't the add-in's.
+        """
+        host = self.arrangement.start([self.arrangement.host])
+        wait_for(lambda: EXCHANGE_CLASS in self.names(), 20, "the exchange object's class")
+        commands = {"text": [self.text_dialog], "alone": [self.arrangement.add_in, "Main Office"],
+                    "created": ["--create"], **{peer: [peer] for peer in PEERS if shutil.which(peer)}}
+        # The first round fills the disk cache.
+        rounds = [{name: self.columns("first-paint", *command) for name, command in commands.items()}
+                  for _ in range(self.runs + 1)][1:]
+        self.arrangement.end(host)
+        time, resident, shares = ({name: [each[name][column][0] for each in rounds] for name in commands}
+                                  for column in range(3))
+        yield "start", "start to first paint, stand-alone", "ms", time["alone"], time["text"], 1.5
+        yield "start-created", "creation by a host to first paint", "ms", time["created"], time["text"], 1.5
+        yield "memory", "resident memory", "KiB", resident["created"], resident["text"], 1.2
+        yield "memory-proportional", "proportional memory", "KiB", shares["created"], shares["text"], 1.5
+        for peer in list(commands)[3:]:
+            yield f"start-{peer}", f"start, against {peer}", "ms", time["alone"], time[peer], 1
+            yield f"memory-{peer}", f"resident memory, against {peer}", "KiB", resident["alone"], resident[peer], 1
+
+    def calls(self):
+        late, typed, ping = self.columns("calls", self.runs)
+        yield "call", "late-bound call, against Ping", "µs", late, ping, 1.1
+        yield "call-typed", "typed call, against Ping", "µs", typed, ping, 1.1
+
+    def lookups(self):
+        # Without the first box, which loads what the others share.
+        way, floor, exchange, calls = (column[1:] for column in
+                                       self.columns("click-to-box", self.runs + 1, self.text_dialog))
+        yield "click-to-box", "click to painted box, less timer steps", "ms", way, floor, 1.15
+        yield "exchange", "a lookup's calls, against them alone", "ms", exchange, calls, 1.15
+
+    def routines(self):
+        messages, sqlite, copy, reads = self.columns("routines", self.runs)
+        yield "messages", "32,767 messages read, against SQLite's calls", "µs", messages, sqlite, 1.2
+        yield "list-copy", "answer copied, against its late-bound reads", "µs", copy, reads, 1.6
+
+    def idle(self):
+        yield "idle", "wake-ups, following the time", "/s", *self.columns("idle", self.runs, self.text_dialog), 1.2
 
 
-def measure(bench, wanted):
-    for group, members in GROUPS.items():
-        if not set(members).isdisjoint(wanted):
-            for figure in group(bench):
-                if figure.name in wanted:
-                    print(f"{figure.name}: {figure.ratio:.2f}", file=sys.stderr, flush=True)
-                    yield figure
+def number(value):
+    return f"{value:,.0f}" if value >= 1000 else f"{value:.4g}"
+
+
+def row(name, what, unit, measured, floors, limit):
+    """The ratio is the median of the runs' ratios: what slows a run down slows both. Returns whether it holds."""
+    low, ratio, high = statistics.quantiles([a / b for a, b in zip(measured, floors)], n=4)
+    holds = ratio <= limit
+    return (f"| {name} | {what} | {number(statistics.median(measured))} {unit} | "
+            f"{number(statistics.median(floors))} {unit} | {ratio:.2f}{'' if holds else ' (!)'} | "
+            f"{low:.2f}–{high:.2f} | {limit} |"), holds
 
 
 def main():
-    options = arguments()
+    groups = {each.__name__: each for each in (Bench.starts, Bench.calls, Bench.lookups, Bench.routines, Bench.idle)}
+    parser = argparse.ArgumentParser(prog="bench/run")
+    parser.add_argument("build", type=Path)
+    parser.add_argument("names", nargs="*", choices=[*groups, []], metavar="NAME")
+    parser.add_argument("--runs", type=int, default=15)
+    parser.add_argument("--record", action="store_true")
+    options = parser.parse_intermixed_args()
     build = options.build.resolve()
-    folder = build / "bench"
-    with Arrangement(build, folder / "arrangement", own_display=True, readable=False).lay_out() as arrangement:
-        figures = list(measure(Bench(build, arrangement, options.runs), options.names or NAMES))
-    today = str(date.today())
-    content = "\n\n".join(filter(None, [f"{today}, {machine()}, {options.runs} runs.", table(figures),
-                                        growth_table(figures)]))
+    with Arrangement(build, build / "bench/arrangement", own_display=True, readable=False,
+                     managed=False).lay_out() as arrangement:
+        bench = Bench(build, arrangement, options.runs)
+        rows = [row(*each) for name in options.names or groups for each in groups[name](bench)]
+    content = "\n".join([f"{date.today()}, {machine()}, {options.runs} runs.\n",
+                         "| Name | What | Measured | Floor | Ratio | Quartiles | At most |",
+                         "|---|---|---:|---:|---:|---:|---:|", *(line for line, _ in rows)])
     print(content)
-    result = {"date": today, "machine": machine(), "runs": options.runs, "figures": [asdict(each) for each in figures]}
-    (folder / "figures.json").write_text(json.dumps(result, indent=2, ensure_ascii=False) + "\n", encoding="utf-8")
-    picture = plot(figures)
-    (folder / "figures.svg").write_text(picture, encoding="utf-8")
     if options.record:
-        manual.write(REPORT, "./bench/run --record", content)
-        PICTURE.write_text(picture, encoding="utf-8")
-    return 0 if all(figure.holds for figure in figures) else 1
+        manual.write(SOURCES / "docs/measurements.md", "./bench/run --record", content)
+    return 0 if all(holds for _, holds in rows) else 1
 
 
 if __name__ == "__main__":

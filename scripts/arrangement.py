@@ -59,10 +59,11 @@ def wait_for(condition, seconds, what):
 class Arrangement:
     """Lays everything out in `folder`; enter it to start the bus and, where there is none, a display.
 
-    Readable programs offer their widgets to assistive programs, by which they are read and clicked from outside.
+    Readable programs offer their widgets to assistive programs, by which they are read and clicked from outside. On a
+    managed display of its own runs a window manager.
     """
 
-    def __init__(self, build, folder, own_display=False, readable=True, language="en"):
+    def __init__(self, build, folder, own_display=False, readable=True, language="en", managed=True):
         self.build = Path(build).resolve()
         self.folder = Path(folder).resolve()
         self.root = self.folder / "VELMORA32" / MARKET
@@ -71,6 +72,7 @@ class Arrangement:
         self.processes = []
         self.environment = dict(os.environ)
         self.language = language
+        self.managed = managed and shutil.which("openbox")
         if readable:
             self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
             # What the toolkit says of a widget that went while an assistive program looked at it is not ours.
@@ -189,7 +191,7 @@ class Arrangement:
         if not number:
             raise RuntimeError("Xvfb did not start")
         self.environment["DISPLAY"] = f":{number}"
-        if shutil.which("openbox"):
+        if self.managed:
             self._start_window_manager()
 
     def _start_window_manager(self):

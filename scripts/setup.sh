@@ -8,7 +8,7 @@ run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-at
 check_packages=(clang-format-19)
 long_packages=(valgrind)
 fuzz_packages=(clang libclang-rt-dev)
-bench_packages=(libbenchmark-dev libxcb1-dev libxcb-damage0-dev libxcb-xtest0-dev)
+bench_packages=(libxcb1-dev libxcb-damage0-dev libxcb-xtest0-dev)
 
 # Installs those of the named packages that are missing.
 install_packages() {

@@ -1,27 +1,25 @@
-// The floor for the running add-in: a dialog that shows the time, opens a box after a click, and closes it
-// when standard input has a character.
-#include <unistd.h>
-
+// The floor: a dialog that shows the time and has a button, which opens a box for a moment.
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
 #include <QPushButton>
-#include <QSocketNotifier>
 #include <QTime>
 #include <QTimer>
 #include <QVBoxLayout>
-#include <memory>
 
 namespace {
 
-std::unique_ptr<QDialog> OpenBox(QWidget& parent) {
-    auto box = std::make_unique<QDialog>(&parent);
-    auto* layout = new QVBoxLayout(box.get());
+constexpr int step = 100, boxTime = 300;  // milliseconds
+
+void OpenBox(QWidget& parent) {
+    auto* box = new QDialog(&parent);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    auto* layout = new QVBoxLayout(box);
     layout->addWidget(new QLabel("2026/11/18 (Wed)\n13:02:03"));
     layout->addWidget(new QPushButton("OK"));
     box->setModal(true);
     box->show();
-    return box;
+    QTimer::singleShot(boxTime, box, &QDialog::close);
 }
 
 }  // namespace
@@ -39,18 +37,10 @@ int main(int argc, char** argv) {
     timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer, &QTimer::timeout, show);
     timer.start(1000);
-    std::unique_ptr<QDialog> box;
-    QPushButton button(&dialog);
+    QPushButton button("OK", &dialog);
     button.setGeometry(15, 257, 65, 25);
-    QObject::connect(&button, &QPushButton::clicked, [&] {
-        QTimer::singleShot(100, Qt::PreciseTimer, &dialog, [&] { box = OpenBox(dialog); });
-    });
-    QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
-    QObject::connect(&input, &QSocketNotifier::activated, [&] {
-        char character = 0;
-        if (read(STDIN_FILENO, &character, 1) != 1) return QApplication::quit();
-        box.reset();
-    });
+    QObject::connect(&button, &QPushButton::clicked,
+                     [&] { QTimer::singleShot(step, Qt::PreciseTimer, &dialog, [&] { OpenBox(dialog); }); });
     dialog.show();
     return application.exec();
 }
