@@ -1,12 +1,10 @@
 // Measures from a click on the dialog to the resulting message box, with a host that answers at once. The
-// floor is the same calls made alone, and a click to a box in a program without calls.
+// floor is as many Pings, and a click to a box in a program without calls.
 //
 //   click-to-box RUNS TEXT-DIALOG
 //
-// Prints for each click, in milliseconds and without timer steps: click to painted box; calls alone, and the
-// other program's click to box; first call to end of last call; the calls alone.
-#include <future>
-
+// Prints for each click, in milliseconds and without timer steps: click to painted box; as many Pings, and
+// the other program's click to box; first call to end of last call; as many Pings.
 #include "Display.h"
 #include "Host.h"
 #include "Measure.h"
@@ -14,7 +12,6 @@
 
 namespace {
 
-using bench::Check;
 using bench::Display;
 using bench::Host;
 using Clock = Display::Clock;
@@ -38,40 +35,12 @@ xcb_window_t NextWindow(Host& host, Display& display) {
     return *next;
 }
 
-// Repeats the calls that the host received, over a connection of its own, one after the other.
-Milliseconds Repeat(const std::vector<bench::Message>& calls, const char* host) {
-    const bench::Bus bus = bench::OpenBus();
-    std::vector<bench::Message> copies;
-    for (const bench::Message& call : calls) {
-        sd_bus_message* copy = nullptr;
-        Check(sd_bus_message_new_method_call(bus.get(), &copy, host, sd_bus_message_get_path(call.get()),
-                                             bench::objectInterface, "Invoke"),
-              "no call");
-        copies.emplace_back(copy, sd_bus_message_unref);
-        Check(sd_bus_message_rewind(call.get(), 1), "no call");
-        Check(sd_bus_message_copy(copy, call.get(), 1), "no call");
-    }
+// As many Pings as the lookup made calls, one after the other.
+Milliseconds Pings(Host& host) {
     const auto start = Clock::now();
-    for (const bench::Message& call : copies) {
-        sd_bus_message* answer = nullptr;
-        Check(sd_bus_call(bus.get(), call.get(), UINT64_MAX, nullptr, &answer), "a call failed");
-        sd_bus_message_unref(answer);
-    }
+    for (int left = host.Calls(); left > 0; --left)
+        Ask(host.Connection(), host.AddIn(), "org.freedesktop.DBus.Peer", "Ping");
     return Clock::now() - start;
-}
-
-// The incoming calls, from a thread that does nothing else, while the host answers as before; and one call as
-// the host makes when it calls back.
-Milliseconds CallsAlone(Host& host) {
-    const char* name = nullptr;
-    Check(sd_bus_get_unique_name(host.Connection(), &name), "no name on the bus");
-    host.SetIdle(true);
-    auto incoming = std::async(std::launch::async, Repeat, std::cref(host.Calls()), name);
-    host.ServeUntil([&] { return incoming.wait_for(Milliseconds(0)) == std::future_status::ready; });
-    host.SetIdle(false);
-    const auto start = Clock::now();
-    Invoke(host.Connection(), host.AddIn(), "Visible", bench::Read, "av", 0);
-    return incoming.get() + (Clock::now() - start);
 }
 
 Milliseconds FloorsWay(Host& host, Display& display, xcb_window_t window) {
@@ -84,7 +53,7 @@ Milliseconds FloorsWay(Host& host, Display& display, xcb_window_t window) {
 void MeasureLookup(Host& host, Display& display, xcb_window_t dialog, Milliseconds floorsWay) {
     host.ForgetCalls();
     const auto click = display.Click(dialog, buttonX, buttonY);
-    host.ServeUntil([&] { return !host.Calls().empty(); });
+    host.ServeUntil([&] { return host.Calls() > 0; });
     const auto called = Clock::now();
     host.ServeUntil([&] { return host.OwesAnswer(); });
     host.AnswerRequest();
@@ -93,8 +62,8 @@ void MeasureLookup(Host& host, Display& display, xcb_window_t dialog, Millisecon
     const Milliseconds way = display.PaintedAt(box) - click - 2 * timerStep;
     display.PressEnter();
     Await(host, display, [&] { return !display.IsShown(box); });
-    const Milliseconds calls = CallsAlone(host);
-    bench::PrintRun<4>({way.count(), (calls + floorsWay).count(), exchange.count(), calls.count()});
+    const Milliseconds pings = Pings(host);
+    bench::PrintRun<4>({way.count(), (pings + floorsWay).count(), exchange.count(), pings.count()});
 }
 
 void MeasureLookups(int runs, char** textDialog) {

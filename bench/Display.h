@@ -27,7 +27,7 @@ class Display {
     void Look();
     // Waits for the first paint of a window not yet returned. Raises std::runtime_error after 20 seconds.
     xcb_window_t WaitForPaint();
-    // The same without waiting, for paints that Look has seen.
+    // The same without waiting.
     std::optional<xcb_window_t> TakePainted();
     Clock::time_point PaintedAt(xcb_window_t window) const { return *windows_.at(window).paintedAt; }
     bool IsShown(xcb_window_t window) const {

@@ -75,6 +75,7 @@ void Host::Ask(const Reference& to, const char* member, const char* types, Argum
 
 void Host::AnswerRequest() {
     hasRequest_ = false;
+    ++calls_;
     Ask(dialog_, "CallBack", "av", 1, "(so)", name_.c_str(), responsePath);
 }
 
@@ -93,7 +94,7 @@ int Host::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) noexcept
 void Host::Answer(sd_bus_message* call) {
     const char* member = nullptr;
     Check(sd_bus_message_read(call, "sq", &member, nullptr), "no member");
-    if (!isIdle_) Note(call, member);
+    Note(call, member);
     sd_bus_message* made = nullptr;
     Check(sd_bus_message_new_method_return(call, &made), "no answer");
     const Message answer(made, sd_bus_message_unref);
@@ -122,7 +123,7 @@ void Host::AppendResult(sd_bus_message* answer, sd_bus_message* call, std::strin
 // The dialog comes with a login, and lives as long as the add-in.
 void Host::Note(sd_bus_message* call, std::string_view member) {
     lastMember_ = member;
-    calls_.emplace_back(sd_bus_message_ref(call), sd_bus_message_unref);
+    ++calls_;
     hasRequest_ = hasRequest_ || member == "SendRequest";
     if (member != "Login") return;
     RewindToArguments(call);

@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <string_view>
-#include <vector>
 
 #include "Bus.h"
 
@@ -26,12 +25,9 @@ class Host {
     // Answers the request, and returns once the add-in has taken the answer.
     void AnswerRequest();
 
-    // The incoming calls of members, in order, since the last `ForgetCalls`.
-    const std::vector<Message>& Calls() const { return calls_; }
-    void ForgetCalls() { calls_.clear(); }
-
-    // An idle host answers calls as ever, but doesn't act on them.
-    void SetIdle(bool idle) { isIdle_ = idle; }
+    // The calls of members in both directions since the last `ForgetCalls`.
+    int Calls() const { return calls_; }
+    void ForgetCalls() { calls_ = 0; }
 
   private:
     static int OnMessage(sd_bus_message* message, void* self, sd_bus_error*) noexcept;
@@ -44,8 +40,8 @@ class Host {
     Bus bus_ = OpenBus();
     std::string name_, lastMember_;
     Reference addIn_, dialog_;
-    std::vector<Message> calls_;
-    bool hasRequest_ = false, isIdle_ = false;
+    int calls_ = 0;
+    bool hasRequest_ = false;
 };
 
 }  // namespace bench

@@ -6,8 +6,6 @@
 // calls; an answer copied, and its fields read by name alone.
 #include <sqlite3.h>
 
-#include <memory>
-
 #include "../tests/unit/TemporaryDirectory.h"
 #include "Measure.h"
 #include "exchange/dlgAddin.h"
@@ -28,32 +26,30 @@ void Require(bool succeeded) {
 class MessageTable {
   public:
     MessageTable() {
-        sqlite3* made = nullptr;
-        Require(sqlite3_open(file_.c_str(), &made) == SQLITE_OK);
-        handle_.reset(made);
+        Require(sqlite3_open(file_.c_str(), &handle_) == SQLITE_OK);
         Require(
-            sqlite3_exec(made,
+            sqlite3_exec(handle_,
                          "CREATE TABLE tMessages (ID INTEGER PRIMARY KEY, Caption TEXT);"
                          "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 32766) "
                          "INSERT INTO tMessages SELECT i, 'The exchange did not take entry ' || i FROM n",
                          nullptr, nullptr, nullptr) == SQLITE_OK);
     }
+    ~MessageTable() { sqlite3_close(handle_); }
     void ReadAsAddIn() {
         horalink::MessageTexts messages;
         Require(horalink::LoadMessageTable(computer_.boxes, messages, u"tMessages", *database_));
     }
     void ReadBySqlite() {
         sqlite3_stmt* query = nullptr;
-        sqlite3_prepare_v2(handle_.get(),
+        sqlite3_prepare_v2(handle_,
                            "SELECT * FROM tMessages UNION SELECT -1, COUNT(*) FROM tMessages ORDER BY ID", -1,
                            &query, nullptr);
         sqlite3_step(query);
         std::vector<Text> texts(static_cast<std::size_t>(sqlite3_column_int(query, 1)));
         for (Text& text : texts) {
             sqlite3_step(query);
-            const void* read = sqlite3_column_text16(query, 1);
-            text.assign(static_cast<const char16_t*>(read),
-                        static_cast<std::size_t>(sqlite3_column_bytes16(query, 1)) / sizeof(char16_t));
+            const auto* read = static_cast<const char16_t*>(sqlite3_column_text16(query, 1));
+            text.assign(read, static_cast<std::size_t>(sqlite3_column_bytes16(query, 1)) / sizeof(char16_t));
         }
         sqlite3_finalize(query);
         Require(texts.size() == static_cast<std::size_t>(rows));
@@ -62,7 +58,7 @@ class MessageTable {
   private:
     TemporaryDirectory directory_;
     std::filesystem::path file_ = directory_.Path() / "texts";
-    std::unique_ptr<sqlite3, decltype(&sqlite3_close)> handle_{nullptr, sqlite3_close};
+    sqlite3* handle_ = nullptr;
     desk::Desk computer_;
     DatabaseRef database_ = OpenSqliteDatabase(file_, true);
 };

@@ -1,9 +1,11 @@
 """The second half of ./bench/run, after the build: measures each row beside its floor and prints the table."""
 import argparse
+import re
 import shutil
 import statistics
 import subprocess
 import sys
+import time
 from datetime import date
 from pathlib import Path
 
@@ -15,6 +17,7 @@ from interruption import run  # noqa: E402
 from machine import machine  # noqa: E402
 
 ADD_IN_CLASS, EXCHANGE_CLASS = CLASS_NAMES
+SPAN = 2  # seconds of idleness
 PEERS = ("lxqt-admin-time", "mate-time-admin")  # programs that set a clock, measured where they are installed
 
 
@@ -24,9 +27,8 @@ class Bench:
         self.text_dialog = self.folder / "text-dialog"
 
     def output(self, *command):
-        done = subprocess.run([str(part) for part in command], env=self.arrangement.environment, text=True,
-                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, check=True, timeout=900)
-        return done.stdout
+        return subprocess.run([str(part) for part in command], env=self.arrangement.environment, text=True,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, check=True, timeout=900).stdout
 
     def columns(self, program, *arguments):
         """The numbers that a measuring program prints, a line for each run."""
@@ -45,40 +47,54 @@ class Bench:
         host = self.arrangement.start([self.arrangement.host])
         wait_for(lambda: EXCHANGE_CLASS in self.names(), 20, "the exchange object's class")
         commands = {"text": [self.text_dialog], "alone": [self.arrangement.add_in, "Main Office"],
-                    "created": ["--create"], **{peer: [peer] for peer in PEERS if shutil.which(peer)}}
+                    "created": [], **{peer: [peer] for peer in PEERS if shutil.which(peer)}}
         # The first round fills the disk cache.
         rounds = [{name: self.columns("first-paint", *command) for name, command in commands.items()}
                   for _ in range(self.runs + 1)][1:]
         self.arrangement.end(host)
-        time, resident, shares = ({name: [each[name][column][0] for each in rounds] for name in commands}
+        times, resident, shares = ({name: [each[name][column][0] for each in rounds] for name in commands}
                                   for column in range(3))
-        yield "start", "start to first paint, stand-alone", "ms", time["alone"], time["text"], 1.5
-        yield "start-created", "creation by a host to first paint", "ms", time["created"], time["text"], 1.5
+        yield "start", "start to first paint, stand-alone", "ms", times["alone"], times["text"], 1.5
+        yield "start-created", "creation by a host to first paint", "ms", times["created"], times["text"], 1.5
         yield "memory", "resident memory", "KiB", resident["created"], resident["text"], 1.2
-        yield "memory-proportional", "proportional memory", "KiB", shares["created"], shares["text"], 1.5
+        yield "memory-proportional", "proportional memory", "KiB", shares["created"], shares["text"], 1.3
         for peer in list(commands)[3:]:
-            yield f"start-{peer}", f"start, against {peer}", "ms", time["alone"], time[peer], 1
+            yield f"start-{peer}", f"start, against {peer}", "ms", times["alone"], times[peer], 1
             yield f"memory-{peer}", f"resident memory, against {peer}", "KiB", resident["alone"], resident[peer], 1
 
     def calls(self):
         late, typed, ping = self.columns("calls", self.runs)
-        yield "call", "late-bound call, against Ping", "µs", late, ping, 1.1
-        yield "call-typed", "typed call, against Ping", "µs", typed, ping, 1.1
+        yield "call", "late-bound call, against Ping", "µs", late, ping, 1.2
+        yield "call-typed", "typed call, against Ping", "µs", typed, ping, 1.2
 
     def lookups(self):
         # Without the first box, which loads what the others share.
-        way, floor, exchange, calls = (column[1:] for column in
+        way, floor, exchange, pings = (column[1:] for column in
                                        self.columns("click-to-box", self.runs + 1, self.text_dialog))
-        yield "click-to-box", "click to painted box, less timer steps", "ms", way, floor, 1.15
-        yield "exchange", "a lookup's calls, against them alone", "ms", exchange, calls, 1.15
+        yield "click-to-box", "click to painted box, less timer steps", "ms", way, floor, 1.5
+        yield "exchange", "a lookup's calls, against Pings", "ms", exchange, pings, 1.8
 
     def routines(self):
         messages, sqlite, copy, reads = self.columns("routines", self.runs)
-        yield "messages", "32,767 messages read, against SQLite's calls", "µs", messages, sqlite, 1.2
-        yield "list-copy", "answer copied, against its late-bound reads", "µs", copy, reads, 1.6
+        yield "messages", "32,767 messages read, against SQLite's calls", "µs", messages, sqlite, 1.5
+        yield "list-copy", "answer copied, against its late-bound reads", "µs", copy, reads, 2
 
     def idle(self):
-        yield "idle", "wake-ups, following the time", "/s", *self.columns("idle", self.runs, self.text_dialog), 1.2
+        programs = [self.arrangement.start(command).pid for command in
+                    ([self.arrangement.add_in, "Main Office"], [self.text_dialog])]
+        time.sleep(3)  # until the start is over
+        wakes = []
+        for _ in range(self.runs):
+            before = [wake_ups(program) for program in programs]
+            time.sleep(SPAN)
+            wakes.append([(wake_ups(each) - then) / SPAN for each, then in zip(programs, before)])
+        yield "idle", "wake-ups, following the time", "/s", *zip(*wakes), 1.2
+
+
+def wake_ups(process):
+    """How often its threads went to sleep voluntarily, which is how often they woke up."""
+    return sum(int(re.search(r"^voluntary_ctxt_switches:\s*(\d+)", each.read_text(), re.M)[1])
+               for each in Path(f"/proc/{process}/task").glob("*/status"))
 
 
 def number(value):
@@ -86,7 +102,7 @@ def number(value):
 
 
 def row(name, what, unit, measured, floors, limit):
-    """The ratio is the median of the runs' ratios: what slows a run down slows both. Returns whether it holds."""
+    """A line of the table, and whether the limit holds."""
     low, ratio, high = statistics.quantiles([a / b for a, b in zip(measured, floors)], n=4)
     holds = ratio <= limit
     return (f"| {name} | {what} | {number(statistics.median(measured))} {unit} | "
@@ -97,15 +113,14 @@ def row(name, what, unit, measured, floors, limit):
 def main():
     groups = {each.__name__: each for each in (Bench.starts, Bench.calls, Bench.lookups, Bench.routines, Bench.idle)}
     parser = argparse.ArgumentParser(prog="bench/run")
-    parser.add_argument("build", type=Path)
+    parser.add_argument("build", type=lambda path: Path(path).resolve())
     parser.add_argument("names", nargs="*", choices=[*groups, []], metavar="NAME")
     parser.add_argument("--runs", type=int, default=15)
     parser.add_argument("--record", action="store_true")
     options = parser.parse_intermixed_args()
-    build = options.build.resolve()
-    with Arrangement(build, build / "bench/arrangement", own_display=True, readable=False,
+    with Arrangement(options.build, options.build / "bench/arrangement", own_display=True, readable=False,
                      managed=False).lay_out() as arrangement:
-        bench = Bench(build, arrangement, options.runs)
+        bench = Bench(options.build, arrangement, options.runs)
         rows = [row(*each) for name in options.names or groups for each in groups[name](bench)]
     content = "\n".join([f"{date.today()}, {machine()}, {options.runs} runs.\n",
                          "| Name | What | Measured | Floor | Ratio | Quartiles | At most |",
