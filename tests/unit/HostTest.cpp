@@ -33,8 +33,12 @@ struct SimulatedExchangeTest : testing::Test {
     // The items of an answer, "SecondData=ExtraData;".
     std::string Perform(const std::vector<Item>& items) {
         std::string answers;
-        for (const Item& item : exchange.Perform(items))
-            answers += ToUtf8(item.second + u"=" + item.extra) + ";";
+        const HandleRef work =
+            exchange.Perform(items, {{}, [&](const Exchange::Outcome& outcome) {
+                                         for (const Item& item : outcome.items)
+                                             answers += ToUtf8(item.second + u"=" + item.extra) + ";";
+                                     }});
+        timers.Pass(0);
         return answers;
     }
     std::string Perform(const Text& year, const Text& day, const Text& time) {
@@ -42,7 +46,7 @@ struct SimulatedExchangeTest : testing::Test {
     }
     headless::Timers<Scheduler> timers;
     headless::Clock pc{timers};
-    SimulatedExchange exchange{pc, 7};
+    SimulatedExchange exchange{timers, pc, 7};
     const std::string before = "2026=OK;11/18 WED=OK;13:09:03=OK;";
 };
 
