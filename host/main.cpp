@@ -9,6 +9,7 @@
 #include "host/MainWindow.h"
 #include "host/Options.h"
 #include "host/SimulatedExchange.h"
+#include "host/TimedateExchange.h"
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/automation/dbus/SessionBusNames.h"
 #include "platform/data/sqlite/SqliteEngine.h"
@@ -40,15 +41,17 @@ platform::Application Describe() {
     return application;
 }
 
-// Gives the exchanges different clocks, as real ones have.
+// Gives the simulated exchanges different clocks, as real ones have.
 void AddExchanges(ExchangeDesk& desk, const Options& options, platform::EventLoop& loop,
                   const platform::Clock& clock) {
     static constexpr double habits[] = {7, -11, 3};
     std::size_t next = 0;
-    for (const Text& name : options.exchanges) {
-        const double minutesAhead = habits[next++ % std::size(habits)];
-        desk.Add(name, std::make_unique<SimulatedExchange>(loop, clock,
-                                                           options.minutesAhead.value_or(minutesAhead)));
+    for (const ExchangeEntry& entry : options.exchanges) {
+        const double minutesAhead = options.minutesAhead.value_or(habits[next++ % std::size(habits)]);
+        if (entry.isSimulated)
+            desk.Add(entry.name, std::make_unique<SimulatedExchange>(loop, clock, minutesAhead));
+        else
+            desk.Add(entry.name, std::make_unique<TimedateExchange>(loop, entry.address, entry.maySet));
     }
 }
 
