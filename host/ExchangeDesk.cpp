@@ -26,14 +26,14 @@ Text Key(const char16_t* prefix, int& last) {
 ExchangeDesk::ExchangeDesk(platform::EventLoop& loop, const Observation& observation)
     : loop_(loop), observation_(observation) {}
 
-void ExchangeDesk::Add(Text name, SimulatedExchange exchange) {
-    exchanges_.push_back({std::move(name), std::move(exchange)});
+void ExchangeDesk::Add(Text name, std::unique_ptr<Exchange> exchange) {
+    exchanges_.push_back({std::move(name), std::move(exchange), {}});
 }
 
-SimulatedExchange* ExchangeDesk::Find(const Text& name) {
+ExchangeDesk::Named* ExchangeDesk::Find(const Text& name) {
     const auto found = std::find_if(exchanges_.begin(), exchanges_.end(),
                                     [&](const Named& entry) { return entry.name == name; });
-    return found == exchanges_.end() ? nullptr : &found->exchange;
+    return found == exchanges_.end() ? nullptr : &*found;
 }
 
 ExchangeDesk::Session* ExchangeDesk::FindLogin(const Text& key) {
@@ -83,7 +83,7 @@ Text ExchangeDesk::Send(const ObjectRef& record) {
     // Never at once: clients rely on SendRequest returning before CallBack arrives.
     if (observation_.misbehaviour.answers)
         session->answer =
-            loop_.After(observation_.misbehaviour.answerDelay, [this, request] { Deliver(request); });
+            loop_.After(observation_.misbehaviour.answerDelay, [this, request] { Perform(request); });
     return Key(u"R", lastRequest_);
 }
 
@@ -92,12 +92,23 @@ void ExchangeDesk::LogOut(const Text& name, const Text& key) {
         [&](const Session& session) { return session.key == key && session.exchange == name; });
 }
 
-void ExchangeDesk::Deliver(const Request& request) {
+void ExchangeDesk::Perform(const Request& request) {
+    Session* session = FindLogin(request.loginId);
+    Named* named = Find(request.exchange);
+    if (!session || !named) return;
+    session->answer = named->exchange->Perform(
+        request.items,
+        {[this, name = named->name](const Text& step) { report_(name, step); },
+         [this, request](Exchange::Outcome outcome) { Deliver(request, std::move(outcome)); }});
+}
+
+void ExchangeDesk::Deliver(const Request& request, Exchange::Outcome outcome) {
+    if (outcome.clock) Find(request.exchange)->clock = outcome.clock;
     const Session* session = FindLogin(request.loginId);
-    SimulatedExchange* exchange = Find(request.exchange);
-    if (!session || !exchange) return;
+    if (!session) return report_(request.exchange, outcome.message);
+    if (!outcome.message.empty()) outcome.message = request.exchange + u": " + outcome.message;
     const ObjectRef client = session->client;
-    CallBack(client, {exchange->Perform(request.items), 0, request.tag, request.loginId, {}});
+    CallBack(client, {std::move(outcome.items), 0, request.tag, request.loginId, std::move(outcome.message)});
 }
 
 void ExchangeDesk::CallBack(const ObjectRef& client, Answer answer) {

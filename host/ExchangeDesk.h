@@ -5,10 +5,9 @@
 #include <memory>
 #include <vector>
 
+#include "host/Exchange.h"
 #include "host/ObservedObject.h"
 #include "host/RequestRecord.h"
-#include "host/SimulatedExchange.h"
-#include "platform/runtime/EventLoop.h"
 
 namespace switchdesk {
 
@@ -18,11 +17,15 @@ class ExchangeDesk {
     ExchangeDesk(platform::EventLoop& loop, const Observation& observation);
 
     // Names are compared exactly.
-    void Add(platform::Text name, SimulatedExchange exchange);
+    void Add(platform::Text name, std::unique_ptr<Exchange> exchange);
+    // Where the steps of requests go, and the outcomes of those that were given up.
+    using Report = std::function<void(const platform::Text& exchange, const platform::Text& text)>;
+    void ReportTo(Report report) { report_ = std::move(report); }
 
     struct Named {
         platform::Text name;
-        SimulatedExchange exchange;
+        std::unique_ptr<Exchange> exchange;
+        std::optional<Exchange::Reading> clock;  // when it was last read or set
     };
     const std::vector<Named>& Exchanges() const { return exchanges_; }
 
@@ -45,17 +48,19 @@ class ExchangeDesk {
         platform::HandleRef answer;  // the request under way
     };
 
-    SimulatedExchange* Find(const platform::Text& name);
+    Named* Find(const platform::Text& name);
     Session* FindLogin(const platform::Text& key);
     bool IsBusy(const platform::Text& name) const;
     platform::Text Open(platform::Text key, const platform::Text& name, bool isLogin,
                         const platform::ObjectRef& client);
     void Close(const platform::Text& key);
-    void Deliver(const Request& request);
+    void Perform(const Request& request);
+    void Deliver(const Request& request, Exchange::Outcome outcome);
     void CallBack(const platform::ObjectRef& client, Answer answer);
 
     platform::EventLoop& loop_;
     Observation observation_;
+    Report report_ = [](const platform::Text&, const platform::Text&) {};
     std::vector<Named> exchanges_;
     std::list<Session> sessions_;
     int lastLogin_ = 0, lastConnection_ = 0, lastRequest_ = 0;

@@ -14,7 +14,7 @@
 
 #include "host/HelpPage.h"
 #include "host/WindowParts.h"
-#include "platform/runtime/Format.h"
+#include "platform/runtime/Date.h"
 #include "platform/runtime/Guard.h"
 
 namespace switchdesk {
@@ -26,8 +26,10 @@ namespace {
 constexpr int nameColumn = 0, clockColumn = 1;
 constexpr int initialWidth = 860, initialHeight = 560, exchangePaneWidth = 290;
 
-QString ClockText(platform::Date now) {
-    const platform::DateParts parts = platform::PartsOf(now);
+// Where the clock should be by now.
+QString ClockText(std::chrono::microseconds ahead) {
+    const double days = std::chrono::duration<double, std::ratio<86400>>(ahead).count();
+    const platform::DateParts parts = platform::PartsOf({platform::SystemClock().Now().days + days});
     return QString::asprintf("%04d-%02d-%02d  %02d:%02d:%02d", parts.year, parts.month, parts.day, parts.hour,
                              parts.minute, parts.second);
 }
@@ -139,7 +141,8 @@ void MainWindow::FillExchanges() {
 void MainWindow::ShowClocks() {
     int row = 0;
     for (const ExchangeDesk::Named& entry : desk_.Exchanges())
-        exchanges_->item(row++, clockColumn)->setText(ClockText(entry.exchange.Now()));
+        exchanges_->item(row++, clockColumn)
+            ->setText(entry.clock ? ClockText(entry.clock->ahead) : QString());
 }
 
 void MainWindow::OpenSelected() {

@@ -17,7 +17,12 @@ namespace {
 
 const QList<QCommandLineOption>& AllOptions() {
     static const QList<QCommandLineOption> all{
-        {"exchange", "An exchange; repeat for more. Default: Main Office, Warehouse, Branch 3.", "NAME"},
+        {"exchange",
+         "An exchange; repeat for more. NAME is simulated. NAME=local is this PC, NAME=ssh:user@host another "
+         "Linux machine; their clocks may only be read unless \",set\" follows. Default: the lines of "
+         "switchdesk/exchanges.ini in the user's configuration directory, or Main Office, Warehouse, Branch "
+         "3.",
+         "NAME[=PLACE]"},
         {"open", "Opens the clock add-in for this exchange.", "NAME"},
         {"offset", "Starts the exchanges' clocks this far ahead of the computer's.", "MINUTES"},
         {"market",
@@ -64,8 +69,9 @@ std::string Market(const QString& text) {
     return text.toStdString();
 }
 
-platform::Text OneOf(const std::vector<platform::Text>& exchanges, const QString& name) {
-    if (std::find(exchanges.begin(), exchanges.end(), FromQt(name)) == exchanges.end())
+platform::Text OneOf(const std::vector<ExchangeEntry>& exchanges, const QString& name) {
+    if (std::none_of(exchanges.begin(), exchanges.end(),
+                     [&](const ExchangeEntry& entry) { return entry.name == FromQt(name); }))
         Refuse(QStringLiteral("unknown exchange \"%1\"").arg(name));
     return FromQt(name);
 }
@@ -93,8 +99,9 @@ Options ParseOptions(const QStringList& arguments, const std::string& market) {
     if (!parser.positionalArguments().isEmpty())
         Refuse(QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
     Options options;
-    for (const QString& name : parser.values("exchange")) options.exchanges.push_back(FromQt(name));
-    if (options.exchanges.empty()) options.exchanges = {u"Main Office", u"Warehouse", u"Branch 3"};
+    for (const QString& line : parser.values("exchange")) options.exchanges.push_back(ParseExchange(line));
+    if (options.exchanges.empty()) options.exchanges = ReadExchanges(ExchangesFile());
+    if (options.exchanges.empty()) options.exchanges = {{u"Main Office"}, {u"Warehouse"}, {u"Branch 3"}};
     if (parser.isSet("open")) options.open = OneOf(options.exchanges, parser.value("open"));
     if (!market.empty()) options.market = market;
     if (parser.isSet("market")) options.market = Market(parser.value("market"));

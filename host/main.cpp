@@ -8,6 +8,8 @@
 #include "host/HostObject.h"
 #include "host/MainWindow.h"
 #include "host/Options.h"
+#include "host/SimulatedExchange.h"
+#include "host/TimedateExchange.h"
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/automation/dbus/SessionBusNames.h"
 #include "platform/data/sqlite/SqliteEngine.h"
@@ -39,13 +41,17 @@ platform::Application Describe() {
     return application;
 }
 
-// Gives the exchanges different clocks, as real ones have.
-void AddExchanges(ExchangeDesk& desk, const Options& options, const platform::Clock& clock) {
+// Gives the simulated exchanges different clocks, as real ones have.
+void AddExchanges(ExchangeDesk& desk, const Options& options, platform::EventLoop& loop,
+                  const platform::Clock& clock) {
     static constexpr double habits[] = {7, -11, 3};
     std::size_t next = 0;
-    for (const Text& name : options.exchanges) {
-        const double minutesAhead = habits[next++ % std::size(habits)];
-        desk.Add(name, SimulatedExchange(clock, options.minutesAhead.value_or(minutesAhead)));
+    for (const ExchangeEntry& entry : options.exchanges) {
+        const double minutesAhead = options.minutesAhead.value_or(habits[next++ % std::size(habits)]);
+        if (entry.isSimulated)
+            desk.Add(entry.name, std::make_unique<SimulatedExchange>(loop, clock, minutesAhead));
+        else
+            desk.Add(entry.name, std::make_unique<TimedateExchange>(loop, entry.address, entry.maySet));
     }
 }
 
@@ -93,7 +99,7 @@ Host::Host(const Options& options, platform::QtDesktop& desktop, platform::Autom
       desk_(loop_, observation_) {
     if (options.log) log_.AddSink(FileSink(*options.log));
     if (options.verbose) log_.AddSink(StandardOutputSink());
-    AddExchanges(desk_, options, clock_);
+    AddExchanges(desk_, options, loop_, clock_);
 }
 
 void Host::Serve() {
@@ -127,6 +133,7 @@ void Host::RunWithWindow() {
     const auto exchange = std::make_shared<ExchangeObject>(observation_, desk_);
     hostObject_ =
         std::make_shared<HostObject>(observation_, HostObject::Parts{*window_, store_, exchange, unloaded});
+    desk_.ReportTo([this](const Text& name, const Text& text) { window_->ShowMessage(name + u": " + text); });
     window_->show();
     ServeBesideWindow();
     clockTick_ = loop_.Every(second, [this] { window_->ShowClocks(); });
