@@ -1,6 +1,8 @@
 // The host's clock add-in: one instance, open for one exchange at a time.
 #pragma once
 
+#include <QCoreApplication>
+
 #include "host/CallLog.h"
 #include "host/HostObject.h"
 #include "platform/automation/Automation.h"
@@ -9,11 +11,14 @@
 namespace switchdesk {
 
 class AddIn {
+    Q_DECLARE_TR_FUNCTIONS(AddIn)
+
   public:
     // All must outlive the object.
     AddIn(platform::Automation& automation, platform::EventLoop& loop, HostView& view, CallLog& log);
 
-    // Creates the add-in if necessary, and shows it for an exchange. Reports errors to the view.
+    // Creates the add-in if necessary, and shows it for an exchange. Reports errors to the view. Does nothing
+    // while it is being opened already.
     void Open(const platform::Text& exchange, const platform::ObjectRef& host);
     // Sets the background of the open add-in and of all that are opened later.
     void SetBackground(std::int16_t set);
@@ -27,6 +32,7 @@ class AddIn {
 
   private:
     void Show(const platform::Text& exchange, const platform::ObjectRef& host);
+    void ShowClosed(const QString& words);
     void DressAddIn(const platform::ObjectRef& layer);
     void OwnerGone();
 
@@ -36,7 +42,7 @@ class AddIn {
     CallLog& log_;
     platform::ObjectRef layer_;
     std::shared_ptr<void> watch_;  // from the creation to the end of the add-in's process
-    platform::Text exchange_;
+    bool isOpening_ = false;
     std::int16_t childId_ = 0, background_ = 0;
     std::function<void()> left_;
     platform::HandleRef release_, limit_;
