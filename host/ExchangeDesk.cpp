@@ -1,8 +1,10 @@
 #include "host/ExchangeDesk.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/ResponseObject.h"
+#include "platform/runtime/ScopeExit.h"
 
 namespace switchdesk {
 
@@ -46,6 +48,12 @@ ExchangeDesk::Session* ExchangeDesk::FindLogin(const Text& key) {
 bool ExchangeDesk::IsBusy(const Text& name) const {
     return std::any_of(sessions_.begin(), sessions_.end(),
                        [&](const Session& session) { return session.isLogin && session.exchange == name; });
+}
+
+const Text* ExchangeDesk::BusyBesides(const Text& name) const {
+    for (const Session& session : sessions_)
+        if (session.isLogin && session.exchange != name) return &session.exchange;
+    return nullptr;
 }
 
 Text ExchangeDesk::Open(Text key, const Text& name, bool isLogin, const ObjectRef& client) {
@@ -112,10 +120,13 @@ void ExchangeDesk::Deliver(const Request& request, Exchange::Outcome outcome) {
     const Session* session = FindLogin(request.loginId);
     if (!session) return watcher_.report(request.exchange, outcome.message);
     const ObjectRef client = session->client;
-    CallBack(client, {std::move(outcome.items), 0, request.tag, request.loginId, std::move(outcome.message)});
+    CallBack(request.exchange, client,
+             {std::move(outcome.items), 0, request.tag, request.loginId, std::move(outcome.message)});
 }
 
-void ExchangeDesk::CallBack(const ObjectRef& client, Answer answer) {
+void ExchangeDesk::CallBack(const Text& exchange, const ObjectRef& client, Answer answer) {
+    const platform::ScopeExit restore(
+        [this, outer = std::exchange(answering_, exchange)] { answering_ = outer; });
     observation_.misbehaviour.Spoil(answer);
     ObjectRef response = std::make_shared<ResponseObject>(observation_, answer);
     observation_.log.Note("CallBack");

@@ -44,8 +44,10 @@ class ExchangeDesk {
     // Ends a login or connection. Its request, if any, gets no answer. The key is enough: an add-in that has
     // meanwhile registered another exchange passes that one's name.
     void LogOut(const platform::Text& key);
-    // Whether somebody is logged in at an exchange.
-    bool IsBusy(const platform::Text& name) const;
+    // An exchange other than this one at which somebody is logged in, or null.
+    const platform::Text* BusyBesides(const platform::Text& name) const;
+    // The exchange whose answer a client is receiving, or an empty text.
+    const platform::Text& Answering() const { return answering_; }
 
   private:
     struct Session {
@@ -58,18 +60,20 @@ class ExchangeDesk {
 
     Named* Find(const platform::Text& name);
     Session* FindLogin(const platform::Text& key);
+    bool IsBusy(const platform::Text& name) const;
     platform::Text Open(platform::Text key, const platform::Text& name, bool isLogin,
                         const platform::ObjectRef& client);
     void Close(const platform::Text& key);
     void Perform(const Request& request);
     void Deliver(const Request& request, Exchange::Outcome outcome);
-    void CallBack(const platform::ObjectRef& client, Answer answer);
+    void CallBack(const platform::Text& exchange, const platform::ObjectRef& client, Answer answer);
 
     platform::EventLoop& loop_;
     Observation observation_;
     Watcher watcher_{[](const platform::Text&, const platform::Text&) {}, [] {}};
     std::vector<Named> exchanges_;
     std::list<Session> sessions_;
+    platform::Text answering_;
     int lastLogin_ = 0, lastConnection_ = 0, lastRequest_ = 0;
 };
 

@@ -176,20 +176,21 @@ void MainWindow::OpenSelected() {
     const int row = exchanges_->currentRow();
     if (row < 0 || !open_->isEnabled()) return;
     const Text exchange = desk_.Exchanges()[static_cast<std::size_t>(row)].name;
-    if (!openFor_.empty() && exchange != openFor_ && desk_.IsBusy(openFor_))
-        AskThenOpen(exchange);
+    const Text* awaited = openFor_.empty() || exchange == openFor_ ? nullptr : desk_.BusyBesides(exchange);
+    if (awaited)
+        AskThenOpen(exchange, *awaited);
     else
         platform::Guard([&] { actions_.open(exchange); });
 }
 
 // The add-in shows the answer to a request under the name that it has by then.
-void MainWindow::AskThenOpen(const Text& exchange) {
+void MainWindow::AskThenOpen(const Text& exchange, const Text& awaited) {
     const QString name = platform::ToQt(exchange);
     auto* box =
         new QMessageBox(QMessageBox::Question, windowTitle(),
                         tr("%1 hasn't answered yet. If you open %2 now, the answer of %1 will appear in the "
                            "window of %2.")
-                            .arg(platform::ToQt(openFor_), name),
+                            .arg(platform::ToQt(awaited), name),
                         QMessageBox::NoButton, this);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setTextFormat(Qt::PlainText);
@@ -205,8 +206,12 @@ void MainWindow::Select(const Text& exchange) {
     if (!shown.isEmpty()) exchanges_->setCurrentItem(shown.front());
 }
 
+const Text& MainWindow::Concerned() const {
+    return desk_.Answering().empty() ? openFor_ : desk_.Answering();
+}
+
 void MainWindow::ShowMessage(const Text& message) {
-    ShowMessageOf(openFor_, message);
+    ShowMessageOf(Concerned(), message);
 }
 
 void MainWindow::ShowMessageOf(const Text& exchange, const Text& message) {
@@ -215,7 +220,8 @@ void MainWindow::ShowMessageOf(const Text& exchange, const Text& message) {
 }
 
 void MainWindow::ShowResults(const Text& caption, const std::vector<Item>& items) {
-    caption_->setText(platform::ToQt(caption));
+    // The add-in's caption has the name of the exchange that it is open for.
+    caption_->setText(platform::ToQt(Concerned() == openFor_ ? caption : Concerned()));
     results_->setRowCount(static_cast<int>(items.size()));
     int row = 0;
     for (const Item& item : items) {

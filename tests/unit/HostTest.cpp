@@ -238,9 +238,10 @@ TEST(ExchangeDeskTest, AKeyAloneEndsALogin) {
     desk.Add(u"A", nullptr);
     const Text key = desk.Login(u"A", nullptr);
     EXPECT_EQ(desk.Login(u"A", nullptr), u"BUSY");
-    EXPECT_TRUE(desk.IsBusy(u"A"));
+    EXPECT_EQ(desk.BusyBesides(u"A"), nullptr);
+    EXPECT_EQ(*desk.BusyBesides(u"B"), u"A");
     Call(std::make_shared<ExchangeObject>(Observation{log, misbehaviour}, desk), "LogOut", u"B", key);
-    EXPECT_FALSE(desk.IsBusy(u"A"));
+    EXPECT_EQ(desk.BusyBesides(u"B"), nullptr);
     EXPECT_EQ(desk.Login(u"B", nullptr), u"ERROR");
 }
 
