@@ -9,7 +9,9 @@ import os
 import shlex
 import signal
 import socket
+import subprocess
 import sys
+import threading
 import time
 from pathlib import Path
 
@@ -23,7 +25,8 @@ from arrangement import wait_for
 TIMEDATE, UNITS, PROPERTIES = "org.freedesktop.timedate1", "org.freedesktop.systemd1", "org.freedesktop.DBus.Properties"
 TIMEDATE_PATH, UNIT_PATH = "/org/freedesktop/timedate1", "/org/freedesktop/systemd1/unit/far_2dntp_2eservice"
 DAEMON = dbus.BUS_DAEMON_NAME, dbus.BUS_DAEMON_PATH, dbus.BUS_DAEMON_IFACE
-FAULTS = "absent", "refusing", "ntp", "bridgeless", "stop-before", "stop-after"
+FAULTS = "absent", "refusing", "ntp", "bridgeless", "slow", "stop-before", "stop-after"
+WAY = 0.5  # seconds that a slow connection takes in each direction
 WITHOUT_CLOCK = "/usr/bin/setpriv --bounding-set -sys_time --inh-caps -sys_time "
 FILES = {
     "service": """cd {folder} || exit 1
@@ -37,6 +40,7 @@ LD_PRELOAD={clock} exec /usr/lib/systemd/systemd-timedated
 """,
     "bridge": """[ "$SSH_ORIGINAL_COMMAND" = systemd-stdio-bridge ] && [ ! -e {folder}/bridgeless ] || exit 127
 echo $PPID $$ >>{folder}/connections
+[ ! -e {folder}/slow ] || PYTHONPATH={modules} exec {python} {here} slow {address}
 exec systemd-stdio-bridge --bus-path={address}
 """,
     "sshd_config": """ListenAddress 127.0.0.1:{port}
@@ -93,7 +97,7 @@ class FarSide:
         for name, text in FILES.items():
             (self.folder / name).write_text(text.format(
                 folder=self.folder, port=port, address=shlex.quote(self.address), user=getpass.getuser(), clock=clock,
-                python=sys.executable, here=__file__, timedate=TIMEDATE))
+                python=sys.executable, here=__file__, timedate=TIMEDATE, modules=os.environ["PYTHONPATH"]))
         (self.folder / "bin/ssh").chmod(0o700)
         self.environment = {**arrangement.environment, "DBUS_SYSTEM_BUS_ADDRESS": self.address,
                             "PATH": f"{self.folder}/bin:{arrangement.environment['PATH']}"}
@@ -175,9 +179,27 @@ class Running(dbus.service.Object):
         return {"LoadState": "loaded", "ActiveState": "active", "UnitFileState": "enabled"}
 
 
-if __name__ == "__main__":
+def carry(source, sink):
+    while data := os.read(source, 65536):
+        time.sleep(WAY)
+        os.write(sink, data)
+
+
+def bridge_slowly(address):
+    command = ["systemd-stdio-bridge", f"--bus-path={address}"]
+    with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE) as bridge:
+        threading.Thread(target=carry, args=(bridge.stdout.fileno(), 1), daemon=True).start()
+        carry(0, bridge.stdin.fileno())
+
+
+def serve(name):
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
     bus = dbus.bus.BusConnection(os.environ["DBUS_STARTER_ADDRESS"])
-    served = Refusing(bus, TIMEDATE_PATH) if sys.argv[1] == TIMEDATE else Running(bus, UNIT_PATH)
-    bus.request_name(sys.argv[1])
+    served = Refusing(bus, TIMEDATE_PATH) if name == TIMEDATE else Running(bus, UNIT_PATH)
+    bus.request_name(name)
     GLib.MainLoop().run()
+    return served
+
+
+if __name__ == "__main__":
+    bridge_slowly(sys.argv[2]) if sys.argv[1] == "slow" else serve(sys.argv[1])
