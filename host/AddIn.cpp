@@ -43,14 +43,15 @@ void AddIn::Show(const Text& exchange, const platform::ObjectRef& host) {
         layer_ = automation_.CreateObject(className);
         watch_ = layer_->WhenOwnerGone([this] { OwnerGone(); });
     }
-    const platform::ObjectRef layer = layer_;
+    patience_ = automation_.NewPatience();
+    const platform::ObjectRef held = layer_, layer = Within();
     ++childId_;
     const bool failed = platform::Call(layer, "RegisterPBX", exchange, host, childId_).ToBoolean();
     log_.Note("RegisterPBX(" + LogText(exchange) + ") returned " + LogText(failed));
     DressAddIn(layer);
     platform::Put(layer, "Visible", true);
     log_.Note("Visible is written");
-    if (layer != layer_) return;
+    if (held != layer_) return;
     const QString words = failed
                               ? tr("The clock add-in is open, but its dialog could not be set up completely.")
                               : tr("The clock add-in is open for %1.").arg(platform::ToQt(exchange));
@@ -63,10 +64,9 @@ void AddIn::ShowClosed(const QString& words) {
 
 void AddIn::SetBackground(std::int16_t set) {
     background_ = set;
-    const platform::ObjectRef layer = layer_;
-    if (!layer) return;
+    if (!layer_) return;
     try {
-        DressAddIn(layer);
+        DressAddIn(Within());
     } catch (const platform::RuntimeError& error) {
         view_.ShowMessage(FromQt(tr("The background can't be changed:")) + u" " + error.Description());
     }
@@ -102,6 +102,7 @@ void AddIn::OwnerGone() {
 
 void AddIn::WhenLeft(std::function<void()> left) {
     left_ = std::move(left);
+    if (patience_) patience_->GiveUp();
     const platform::Milliseconds limit = watch_ ? longestFarewell : platform::Milliseconds(0);
     limit_ = loop_.After(limit, [this] { left_(); });
 }

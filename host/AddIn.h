@@ -5,7 +5,7 @@
 
 #include "host/CallLog.h"
 #include "host/HostObject.h"
-#include "platform/automation/Automation.h"
+#include "platform/automation/Patience.h"
 #include "platform/runtime/EventLoop.h"
 
 namespace switchdesk {
@@ -27,13 +27,15 @@ class AddIn {
     // The add-in reports that its dialog has closed.
     void ChildUnloaded(std::int16_t id);
 
-    // Calls once the add-in's process, if any, has ended, or after a few seconds.
+    // Gives up calls under way. Calls `left` once the add-in's process, if any, has ended, or after a few
+    // seconds.
     void WhenLeft(std::function<void()> left);
 
   private:
     void Show(const platform::Text& exchange, const platform::ObjectRef& host);
     void ShowClosed(const QString& words);
     void DressAddIn(const platform::ObjectRef& layer);
+    platform::ObjectRef Within() const { return automation_.Within(layer_, patience_); }
     void OwnerGone();
 
     platform::Automation& automation_;
@@ -41,7 +43,8 @@ class AddIn {
     HostView& view_;
     CallLog& log_;
     platform::ObjectRef layer_;
-    std::shared_ptr<void> watch_;  // from the creation to the end of the add-in's process
+    std::shared_ptr<platform::Patience> patience_;  // with the calls since the last opening
+    std::shared_ptr<void> watch_;                   // from the creation to the end of the add-in's process
     bool isOpening_ = false;
     std::int16_t childId_ = 0, background_ = 0;
     std::function<void()> left_;

@@ -140,7 +140,7 @@ Options ParseOptions(const QStringList& arguments, const std::string& market) {
 
 std::string HelpText() {
     QCommandLineParser parser;
-    parser.setApplicationDescription("A small host for telephone exchanges, with simulated exchanges.");
+    parser.setApplicationDescription("A small host for telephone exchanges, simulated and real.");
     parser.addOptions(AllOptions());
     // Qt takes the name from the application, which doesn't exist yet.
     return parser.helpText().replace("<executable_name>", "switchdesk").toStdString();

@@ -98,8 +98,8 @@ void TimedateExchange::GoOn() {
 void TimedateExchange::Begin() {
     if (Writes(works_.front()->request) && !maySet_)
         return Refuse(u"CODE NOT ALLOWED",
-                      tr("Its clock may only be read. To set it, add \",set\" to its line in the "
-                         "file of exchanges, or to --exchange."));
+                      tr("Its clock may only be read. To set it, add \",set\" to its line in "
+                         "exchanges.ini, or to --exchange."));
     Limit(requestLimit);
     Report(link_.IsOpen() ? tr("reading the clock") : tr("connecting"));
     ReadZone([this](const QByteArray& zone) {

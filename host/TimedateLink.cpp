@@ -3,7 +3,7 @@
 #include <poll.h>
 
 #include <algorithm>
-#include <array>
+#include <initializer_list>
 #include <string_view>
 #include <utility>
 
@@ -23,40 +23,30 @@ constexpr char service[] = "org.freedesktop.timedate1", path[] = "/org/freedeskt
 constexpr TextView notAllowed = u"CODE NOT ALLOWED", dataError = u"DATA ERROR", error = u"ERROR",
                    systemError = u"LNK_SYSERROR", linkLost = u"LNK_CMD RERR";
 constexpr std::uint64_t noLimit = UINT64_MAX;  // who calls has one
+constexpr int stepsPerRound = 64;              // then timers and painting have their turn
 
-template <std::size_t count>
-bool IsOneOf(std::string_view name, const std::array<std::string_view, count>& names) {
+bool IsOneOf(std::string_view name, std::initializer_list<std::string_view> names) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 Failure FailureOf(const sd_bus_error& answer) {
-    const std::string_view name = answer.name;
-    constexpr std::array<std::string_view, 3> refused{
-        "org.freedesktop.DBus.Error.AccessDenied",
-        "org.freedesktop.DBus.Error.InteractiveAuthorizationRequired",
-        "org.freedesktop.PolicyKit1.Error.NotAuthorized"};
-    constexpr std::array<std::string_view, 3> unanswered{"org.freedesktop.DBus.Error.NoReply",
-                                                         "org.freedesktop.DBus.Error.Timeout",
-                                                         "org.freedesktop.DBus.Error.Disconnected"};
-    constexpr std::array<std::string_view, 5> absent{
-        "org.freedesktop.DBus.Error.ServiceUnknown", "org.freedesktop.DBus.Error.NameHasNoOwner",
-        "org.freedesktop.DBus.Error.UnknownObject", "org.freedesktop.DBus.Error.UnknownInterface",
-        "org.freedesktop.DBus.Error.UnknownMethod"};
-    if (IsOneOf(name, refused))
+    const std::string_view name = answer.name, last = name.substr(name.rfind('.') + 1);
+    if (IsOneOf(last, {"AccessDenied", "InteractiveAuthorizationRequired", "NotAuthorized"}))
         return {notAllowed,
                 FromQt(TimedateLink::tr("Its rules (polkit) don't let this user set the clock. Its "
                                         "administrator can allow it."))};
-    if (name == "org.freedesktop.timedate1.AutomaticTimeSyncEnabled")
+    if (last == "AutomaticTimeSyncEnabled")
         return {notAllowed,
                 FromQt(TimedateLink::tr("It keeps its clock by NTP; switch that off there, or leave its "
                                         "clock alone."))};
-    if (IsOneOf(name, unanswered))
+    if (IsOneOf(last, {"NoReply", "Timeout", "Disconnected"}))
         return {linkLost, FromQt(TimedateLink::tr("Its clock service ended without an answer.")), true};
-    if (IsOneOf(name, absent) || name.starts_with("org.freedesktop.DBus.Error.Spawn."))
+    if (name.find(".Spawn.") != name.npos ||
+        IsOneOf(last,
+                {"ServiceUnknown", "NameHasNoOwner", "UnknownObject", "UnknownInterface", "UnknownMethod"}))
         return {systemError, FromQt(TimedateLink::tr("It has no clock service (systemd-timedated)."))};
     const QString text = QString::fromUtf8(answer.message).simplified();
-    const bool badValue = name == "org.freedesktop.DBus.Error.InvalidArgs";
-    return {badValue ? dataError : error,
+    return {last == "InvalidArgs" ? dataError : error,
             FromQt(TimedateLink::tr("Its clock service refused: %1").arg(text))};
 }
 
@@ -146,22 +136,24 @@ int TimedateLink::OnAnswer(sd_bus_message* answer, void* self, sd_bus_error*) no
 }
 
 void TimedateLink::Serve() {
-    while (bus_) {
-        const int result = sd_bus_process(bus_.get(), nullptr);
+    int result = 1;
+    for (int steps = 0; result > 0 && steps < stepsPerRound; ++steps) {
+        result = sd_bus_process(bus_.get(), nullptr);
         if (result < 0 || sd_bus_is_open(bus_.get()) <= 0) return EndOfBus();
-        if (answer_) Act(std::exchange(answer_, nullptr));
-        if (result == 0) break;
+        if (answer_) return Act(std::exchange(answer_, nullptr));
     }
-    if (!bus_) return;
+    if (result > 0) soon_ = loop_.After(Milliseconds(0), [this] { Serve(); });
     if (!(sd_bus_get_events(bus_.get()) & POLLOUT))
         writable_.reset();
     else if (!writable_)
         writable_ = loop_.WhenWritable(sd_bus_get_fd(bus_.get()), [this] { Serve(); });
 }
 
+// There may be more to serve, also if the answer leads to no other call.
 void TimedateLink::Act(const MessageRef& answer) {
     answered_ = true;
     slot_.reset();
+    soon_ = loop_.After(Milliseconds(0), [this] { Serve(); });
     const Then then = std::exchange(then_, nullptr);
     const sd_bus_error* refusal = sd_bus_message_get_error(answer.get());
     refusal ? failed_(FailureOf(*refusal)) : then(answer.get());
@@ -169,6 +161,7 @@ void TimedateLink::Act(const MessageRef& answer) {
 
 // With a tunnel, ssh says why, when it ends.
 void TimedateLink::EndOfBus() {
+    soon_.reset();
     readable_.reset();
     writable_.reset();
     slot_.reset();

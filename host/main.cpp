@@ -38,10 +38,8 @@ constexpr TextView family = u"VELMORA32";
 
 // Loads the host's texts in the first of the languages that it has. The source is in English.
 void LoadTexts(QTranslator& texts, const std::vector<Text>& languages) {
-    for (const Text& language : languages) {
-        if (language == u"en") return;
-        if (texts.load(QStringLiteral(":/texts/") + platform::ToQt(language))) break;
-    }
+    for (const Text& language : languages)
+        if (language == u"en" || texts.load(QStringLiteral(":/texts/") + platform::ToQt(language))) break;
     QCoreApplication::installTranslator(&texts);
 }
 

@@ -104,7 +104,8 @@ TEST(ZoneTimeTest, KnowsWhatClocksSkipAndWhatTheyShowTwice) {
                           {"Asia/Tokyo", {2026, 3, 8, 9, 0, 0}, {0}}};
     for (const Case& each : cases) {
         const QTimeZone zone(each.zone);
-        const auto midnight = QDateTime({each.shown.year, each.shown.month, each.shown.day}, {}, Qt::UTC);
+        const auto midnight =
+            QDateTime({each.shown.year, each.shown.month, each.shown.day}, {}, QTimeZone::utc());
         std::vector<std::int64_t> hours;
         for (const std::int64_t time : TimesShowing(each.shown, zone)) {
             hours.push_back((time - midnight.toSecsSinceEpoch()) / 3600);
