@@ -56,12 +56,21 @@ fs::path Nearest(fs::path place) {
     return place;
 }
 
+// A link on the way to a file that leads nowhere.
+fs::path DeadLink(fs::path place) {
+    std::error_code error;
+    for (; place.has_relative_path(); place = place.parent_path())
+        if (fs::is_symlink(place, error) && fs::status(place, error).type() == fs::file_type::not_found)
+            return place;
+    return {};
+}
+
 Problem ProblemOfPermission(const fs::path& place) {
-    if (access(place.c_str(), W_OK) == 0) return {};
+    if (access(place.c_str(), fs::is_directory(place) ? W_OK | X_OK : R_OK | W_OK) == 0) return {};
     Problem problem{"the register can't be written, since " + place.native() + " can't be", {}, true};
     const std::string name = Quoted(place.native());
     if (IsMine(place) && errno != EROFS)
-        problem.remedy = "chmod u+w " + name;
+        problem.remedy = "chmod u+rwX " + name;
     else if (!fs::is_directory(place) && !Exists(place.native() + "-journal") &&
              access(place.parent_path().c_str(), W_OK) == 0)
         problem.remedy =
@@ -84,6 +93,9 @@ std::string MoveAway(const fs::path& file) {
 }
 
 Problem ProblemOfWriting(const fs::path& ownPlace) {
+    if (const fs::path link = DeadLink(ownPlace); !link.empty())
+        return {"the register can't be written, since the link " + link.native() + " leads nowhere",
+                "rm " + Quoted(link.native()), true};
     if (!Exists(ownPlace))
         for (const char* companion : {"-journal", "-wal"})
             if (const std::string remains = ownPlace.native() + companion; Exists(remains))
