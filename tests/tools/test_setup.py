@@ -34,6 +34,7 @@ FAULTS = [
     ("chmod 0 $(dirname $R)", r"register can't be written, since \S+DATABASE can't be$", r"chmod u\+rwX "),
     ("rm $R && ln -s /none $R", r"register can't be written, since the link \S+Register.mdb leads nowhere$", "rm "),
     ("rm -r .local/share/VELMORA32 && ln -s /none .local/share/VELMORA32", r"the link \S+/VELMORA32 leads nowhere$", "rm "),
+    ("rm -r .local/share/VELMORA32 && echo x >.local/share/VELMORA32", r"since \S+/VELMORA32 is no folder$", MOVED),
     ("exec 3< <(exec python3 -c \"$LOCK\" $R 2>/dev/null); read -u3", r"locked by python3, process \d+$", "kill "),
     ("echo garbage >$R", r"register: .* not a database.*\(/\S+/Register.mdb\)$", MOVED),
     (": >$R", r"register: The file '\S+' is empty$", MOVED),

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <system_error>
@@ -65,6 +66,14 @@ fs::path DeadLink(fs::path place) {
     return {};
 }
 
+// For a register, and for what undoes a change of it.
+bool IsFull(const fs::path& place) {
+    constexpr std::uintmax_t needed = 1 << 15;
+    std::error_code error;
+    const fs::space_info space = fs::space(place, error);
+    return !error && space.capacity > 0 && space.available < needed;
+}
+
 Problem ProblemOfPermission(const fs::path& place) {
     if (access(place.c_str(), fs::is_directory(place) ? W_OK | X_OK : R_OK | W_OK) == 0) return {};
     Problem problem{"the register can't be written, since " + place.native() + " can't be", {}, true};
@@ -104,9 +113,15 @@ Problem ProblemOfWriting(const fs::path& ownPlace) {
         return {"the register is locked by " + NameOf(process) + ", process " + std::to_string(process),
                 "kill " + std::to_string(process), true};
     const fs::path place = Nearest(ownPlace);
+    if (place != ownPlace && !fs::is_directory(place))
+        return {"the register can't be written, since " + place.native() + " is no folder", MoveAway(place),
+                true};
     Problem problem = ProblemOfPermission(place);
     // Changes go through a second file beside it.
     if (problem.what.empty() && place == ownPlace) problem = ProblemOfPermission(place.parent_path());
+    if (problem.what.empty() && IsFull(place))
+        return {"the register can't be written, since there is no room in " + ownPlace.parent_path().native(),
+                "Delete on that disk what nobody needs.", false};
     return problem;
 }
 
