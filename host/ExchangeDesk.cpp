@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/ResponseObject.h"
+#include "platform/qt/QtText.h"
 #include "platform/runtime/ScopeExit.h"
 
 namespace switchdesk {
@@ -79,9 +80,17 @@ Text ExchangeDesk::Connect(const Text& name, const ObjectRef& client) {
 Text ExchangeDesk::Login(const Text& name, const ObjectRef& client) {
     const std::optional<Text>& forced = observation_.misbehaviour.login;
     if (forced && IsRefusal(*forced)) return *forced;
-    if (!Find(name)) return Text(error);
-    if (IsBusy(name)) return Text(busy);
+    Named* named = Find(name);
+    if (!named) return Text(error);
+    if (IsBusy(name)) return RefuseAsBusy(*named);
     return Open(forced ? *forced : Key(u"L", lastLogin_), name, true, client);
+}
+
+Text ExchangeDesk::RefuseAsBusy(Named& exchange) {
+    exchange.problem = platform::FromQt(tr("busy with another request"));
+    watcher_.changed();
+    watcher_.report(exchange.name, exchange.problem);
+    return Text(busy);
 }
 
 Text ExchangeDesk::Send(const ObjectRef& record) {

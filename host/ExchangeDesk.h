@@ -1,6 +1,7 @@
 // The exchanges, their logins and the requests to them.
 #pragma once
 
+#include <QCoreApplication>
 #include <list>
 #include <memory>
 #include <vector>
@@ -12,6 +13,8 @@
 namespace switchdesk {
 
 class ExchangeDesk {
+    Q_DECLARE_TR_FUNCTIONS(ExchangeDesk)
+
   public:
     // `loop` and what `observation` refers to must outlive the desk.
     ExchangeDesk(platform::EventLoop& loop, const Observation& observation);
@@ -19,7 +22,7 @@ class ExchangeDesk {
     // Names are compared exactly.
     void Add(platform::Text name, std::unique_ptr<Exchange> exchange);
     struct Watcher {
-        // The steps of requests, and the outcomes of those that were given up.
+        // The steps of requests, refusals of others, and the outcomes of those that were given up.
         std::function<void(const platform::Text& exchange, const platform::Text& text)> report;
         std::function<void()> changed;  // the state of an exchange
     };
@@ -63,6 +66,7 @@ class ExchangeDesk {
     bool IsBusy(const platform::Text& name) const;
     platform::Text Open(platform::Text key, const platform::Text& name, bool isLogin,
                         const platform::ObjectRef& client);
+    platform::Text RefuseAsBusy(Named& exchange);
     void Close(const platform::Text& key);
     void Perform(const Request& request);
     void Deliver(const Request& request, Exchange::Outcome outcome);
