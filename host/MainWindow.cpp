@@ -14,6 +14,7 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTableWidget>
+#include <algorithm>
 
 #include "host/Difference.h"
 #include "host/HelpPage.h"
@@ -30,14 +31,13 @@ namespace {
 enum ExchangeColumn { nameColumn, clockColumn, timeColumn, problemColumn };
 constexpr int commandColumn = 0, answerColumn = 3;
 // With its frame, it has to fit a screen of 1080 lines at twice the size.
-constexpr int initialWidth = 940, initialHeight = 480;
+constexpr int initialWidth = 940, initialHeight = 480, exchangePaneWidth = 500, widestNames = 150;
 constexpr QColor failureColor(0xb0, 0x1c, 0x1c);
 constexpr const char16_t* good = u"OK";
 
-QString TimeText(std::chrono::system_clock::time_point time) {
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(time.time_since_epoch());
-    const QDateTime moment = QDateTime::fromSecsSinceEpoch(seconds.count());
-    return QLocale().toString(moment.time(), QLocale::ShortFormat);
+QDateTime MomentOf(std::chrono::system_clock::time_point time) {
+    return QDateTime::fromSecsSinceEpoch(
+        std::chrono::floor<std::chrono::seconds>(time.time_since_epoch()).count());
 }
 
 // With the whole text at hand where the cell is too small for it.
@@ -63,6 +63,7 @@ MainWindow::MainWindow(const ExchangeDesk& desk, const Family& family, Actions a
     panes->setHandleWidth(18);
     panes->addWidget(MakeExchangePane());
     panes->addWidget(MakeAnswerPane());
+    panes->setSizes({exchangePaneWidth, initialWidth - exchangePaneWidth});
     panes->setContentsMargins(18, 14, 18, 10);
     setCentralWidget(panes);
     backgrounds_ = menuBar()->addMenu(tr("&View"))->addMenu(tr("&Background of the add-in"));
@@ -84,8 +85,7 @@ QWidget* MainWindow::MakeExchangePane() {
     exchanges_ =
         MakeTable("exchanges", tr("Exchanges"), {tr("Name"), tr("Clock"), tr("Read at"), tr("Last problem")});
     exchanges_->setSelectionMode(QAbstractItemView::SingleSelection);
-    exchanges_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    exchanges_->horizontalHeader()->setStretchLastSection(true);
+    exchanges_->horizontalHeader()->setSectionResizeMode(nameColumn, QHeaderView::Interactive);
     open_ = MakeButton("openAddIn", tr("&Open clock add-in"));
     open_->setDefault(true);
     close_ = MakeButton("closeAddIn", tr("&Close add-in"));
@@ -113,7 +113,6 @@ QWidget* MainWindow::MakeAnswerPane() {
     messages_->setMaximumBlockCount(1000);
     results_ = MakeTable("results", tr("Results"), {tr("Command"), tr("Item"), tr("Value"), tr("Answer")});
     results_->setSelectionMode(QAbstractItemView::NoSelection);
-    results_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     caption_ = MakeNote("caption", tr("Caption of the results"));
     code_ = MakeNote("code", tr("Code of the last answer"));
     rows->addWidget(MakeHeading(tr("Messages")));
@@ -149,6 +148,10 @@ void MainWindow::FillExchanges() {
     for (int row = 0; row < exchanges_->rowCount(); ++row) AddRow(*exchanges_, row);
     exchanges_->selectRow(0);
     ShowExchanges();
+    // With room for a name in bold.
+    exchanges_->resizeColumnToContents(nameColumn);
+    exchanges_->setColumnWidth(nameColumn,
+                               std::min(exchanges_->columnWidth(nameColumn) * 9 / 8, widestNames));
 }
 
 void MainWindow::ShowExchanges() {
@@ -162,7 +165,11 @@ void MainWindow::ShowExchange(int row, const ExchangeDesk::Named& exchange) {
     const QString name = platform::ToQt(exchange.name);
     SetCell(*exchanges_, row, nameColumn, name);
     SetCell(*exchanges_, row, clockColumn, exchange.clock ? DifferenceText(*exchange.clock) : QString());
-    SetCell(*exchanges_, row, timeColumn, exchange.clock ? TimeText(exchange.readAt) : QString());
+    if (exchange.clock) {
+        const QDateTime readAt = MomentOf(exchange.readAt);
+        SetCell(*exchanges_, row, timeColumn, QLocale().toString(readAt.time(), QLocale::ShortFormat));
+        exchanges_->item(row, timeColumn)->setToolTip(QLocale().toString(readAt, QLocale::LongFormat));
+    }
     SetCell(*exchanges_, row, problemColumn, platform::ToQt(exchange.problem));
     exchanges_->item(row, problemColumn)->setForeground(failureColor);
     QTableWidgetItem& cell = *exchanges_->item(row, nameColumn);
