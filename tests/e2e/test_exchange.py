@@ -8,7 +8,7 @@ from zoneinfo import ZoneInfo
 
 import end_to_end
 import stage
-from driver import LIMIT, Role
+from driver import Role
 from end_to_end import BUILD, Host, run
 from far_side import FarSide
 from stage import ADD_IN, CLOCK_READ, LOOKUP, SWITCHDESK, UPDATE
@@ -170,12 +170,27 @@ class Exchanges(stage.EndToEndTest):
         self.wait_until_enabled()
         self.assert_shown()
 
-    def test_the_host_says_what_became_of_a_write_whose_add_in_ends(self):
-        self.open("ssh:far,set", "stop-before")
+    def test_a_read_whose_add_in_ends_is_forgotten_and_a_write_is_reported(self):
+        self.open("ssh:far,set", "slow")
+        self.assert_shown()
+        self.press(LOOKUP)
+        self.wait_for_message("far: reading the clock")
+        self.kill_add_in("L2")
+        stage.driver.raise_window("Switchdesk")
+        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
+        stage.driver.raise_window(stage.dialog_title("far"))
+        self.assert_shown()
+        (far.folder / "stop-before").touch()
         self.press(UPDATE)
         far.wait_until_service_stands_still()
-        os.kill(stage.pids(ADD_IN)[0], signal.SIGKILL)
-        self.host.wait_for_line("# client of L1 has left")
+        self.kill_add_in("L4")
         os.kill(far.service(), signal.SIGCONT)
+        self.wait_for_message("far: clock set")
+
+    def wait_for_message(self, text):
         messages = stage.driver.find(SWITCHDESK, "Messages", Role.TEXT)
-        self.wait_for(lambda: "far: clock set" in stage.driver.value(messages), "the host's message", LIMIT)
+        self.wait_for(lambda: text in stage.driver.value(messages), text)
+
+    def kill_add_in(self, key):
+        os.kill(stage.pids(ADD_IN)[0], signal.SIGKILL)
+        self.host.wait_for_line(f"# client of {key} has left")
