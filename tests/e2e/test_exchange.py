@@ -171,11 +171,13 @@ class Exchanges(stage.EndToEndTest):
         self.assert_shown()
 
     def test_a_read_whose_add_in_ends_is_forgotten_and_a_write_is_reported(self):
-        self.open("ssh:far,set", "slow")
+        self.open("ssh:far,set")
         self.assert_shown()
+        far.signal_connections(signal.SIGSTOP)
         self.press(LOOKUP)
         self.wait_for_message("far: reading the clock")
         self.kill_add_in("L2")
+        far.signal_connections(signal.SIGCONT)
         stage.driver.raise_window("Switchdesk")
         stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
         stage.driver.raise_window(stage.dialog_title("far"))
