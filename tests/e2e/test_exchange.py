@@ -49,13 +49,13 @@ FAILURES = {
     "kept by NTP": ("ssh:far,set", "ntp", None, NOT_ALLOWED, "It keeps its clock by NTP", False),
     "only to be read": ("local", "", None, NOT_ALLOWED, "Its clock may only be read", False),
     "lost before it was set": ("ssh:far,set", "stop-before", lose_before, NO_ANSWER,
-                               "The connection was lost. The clock was not set.", False),
+                               "The connection was lost. Its clock was not set.", False),
     "lost after it was set": ("ssh:far,set", "stop-after", lose_after, UPDATED,
-                              "The connection was lost. The clock has been set.", True),
+                              "The connection was lost. Its clock shows the new time.", True),
     "clock service killed": ("local,set", "stop-before", lambda: far.kill_service(), NO_ANSWER,
-                             "Its clock service ended without an answer. The clock was not set.", False),
+                             "Its clock service ended without an answer. Its clock was not set.", False),
     "answer after the limit": ("ssh:far,set", "stop-before", lambda: None, NO_ANSWER,
-                               "It didn't answer in time. Whether the clock was set isn't known: read it.", False),
+                               "It didn't answer in time. Whether its clock was set isn't known: read it.", False),
 }
 
 
