@@ -27,7 +27,7 @@ ExchangeDesk::ExchangeDesk(platform::EventLoop& loop, const Observation& observa
     : loop_(loop), observation_(observation) {}
 
 void ExchangeDesk::Add(Text name, std::unique_ptr<Exchange> exchange) {
-    exchanges_.push_back({std::move(name), std::move(exchange), {}});
+    exchanges_.push_back({std::move(name), std::move(exchange)});
 }
 
 ExchangeDesk::Named* ExchangeDesk::Find(const Text& name) {
@@ -87,9 +87,8 @@ Text ExchangeDesk::Send(const ObjectRef& record) {
     return Key(u"R", lastRequest_);
 }
 
-void ExchangeDesk::LogOut(const Text& name, const Text& key) {
-    sessions_.remove_if(
-        [&](const Session& session) { return session.key == key && session.exchange == name; });
+void ExchangeDesk::LogOut(const Text& key) {
+    Close(key);
 }
 
 void ExchangeDesk::Perform(const Request& request) {
@@ -98,15 +97,20 @@ void ExchangeDesk::Perform(const Request& request) {
     if (!session || !named) return;
     session->answer = named->exchange->Perform(
         request.items,
-        {[this, name = named->name](const Text& step) { report_(name, step); },
+        {[this, name = named->name](const Text& step) { watcher_.report(name, step); },
          [this, request](Exchange::Outcome outcome) { Deliver(request, std::move(outcome)); }});
 }
 
 void ExchangeDesk::Deliver(const Request& request, Exchange::Outcome outcome) {
-    if (outcome.clock) Find(request.exchange)->clock = outcome.clock;
+    Named& named = *Find(request.exchange);
+    if (outcome.clock) {
+        named.clock = outcome.clock;
+        named.readAt = std::chrono::system_clock::now();
+    }
+    named.problem = outcome.failed ? outcome.message : Text();
+    watcher_.changed();
     const Session* session = FindLogin(request.loginId);
-    if (!session) return report_(request.exchange, outcome.message);
-    if (!outcome.message.empty()) outcome.message = request.exchange + u": " + outcome.message;
+    if (!session) return watcher_.report(request.exchange, outcome.message);
     const ObjectRef client = session->client;
     CallBack(client, {std::move(outcome.items), 0, request.tag, request.loginId, std::move(outcome.message)});
 }

@@ -18,14 +18,19 @@ class ExchangeDesk {
 
     // Names are compared exactly.
     void Add(platform::Text name, std::unique_ptr<Exchange> exchange);
-    // Where the steps of requests go, and the outcomes of those that were given up.
-    using Report = std::function<void(const platform::Text& exchange, const platform::Text& text)>;
-    void ReportTo(Report report) { report_ = std::move(report); }
+    struct Watcher {
+        // The steps of requests, and the outcomes of those that were given up.
+        std::function<void(const platform::Text& exchange, const platform::Text& text)> report;
+        std::function<void()> changed;  // the state of an exchange
+    };
+    void ReportTo(Watcher watcher) { watcher_ = std::move(watcher); }
 
     struct Named {
         platform::Text name;
         std::unique_ptr<Exchange> exchange;
-        std::optional<Exchange::Reading> clock;  // when it was last read or set
+        std::optional<Exchange::Reading> clock{};        // when it was last read or set
+        std::chrono::system_clock::time_point readAt{};  // then, by this PC's clock
+        platform::Text problem{};                        // why the last request failed, if it did
     };
     const std::vector<Named>& Exchanges() const { return exchanges_; }
 
@@ -36,8 +41,11 @@ class ExchangeDesk {
     // Takes a request, and delivers the answer later to CallBack of the login's client. "ERROR" unless its
     // login is for that exchange and has had no request yet.
     platform::Text Send(const platform::ObjectRef& record);
-    // Ends a login or connection. Its request, if any, gets no answer.
-    void LogOut(const platform::Text& name, const platform::Text& key);
+    // Ends a login or connection. Its request, if any, gets no answer. The key is enough: an add-in that has
+    // meanwhile registered another exchange passes that one's name.
+    void LogOut(const platform::Text& key);
+    // Whether somebody is logged in at an exchange.
+    bool IsBusy(const platform::Text& name) const;
 
   private:
     struct Session {
@@ -50,7 +58,6 @@ class ExchangeDesk {
 
     Named* Find(const platform::Text& name);
     Session* FindLogin(const platform::Text& key);
-    bool IsBusy(const platform::Text& name) const;
     platform::Text Open(platform::Text key, const platform::Text& name, bool isLogin,
                         const platform::ObjectRef& client);
     void Close(const platform::Text& key);
@@ -60,7 +67,7 @@ class ExchangeDesk {
 
     platform::EventLoop& loop_;
     Observation observation_;
-    Report report_ = [](const platform::Text&, const platform::Text&) {};
+    Watcher watcher_{[](const platform::Text&, const platform::Text&) {}, [] {}};
     std::vector<Named> exchanges_;
     std::list<Session> sessions_;
     int lastLogin_ = 0, lastConnection_ = 0, lastRequest_ = 0;

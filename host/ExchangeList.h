@@ -12,7 +12,7 @@ namespace switchdesk {
 struct ExchangeEntry {
     platform::Text name{};
     bool isSimulated = true;
-    QString address{};      // [user@]host of a real exchange, or empty for this PC
+    QString address{};    // [user@]host of a real exchange, or empty for this PC
     bool maySet = false;  // of a real one
 };
 

@@ -4,7 +4,11 @@
 #include <QRegularExpression>
 #include <algorithm>
 #include <cmath>
+#include <set>
 
+#include "host/ExchangeObject.h"
+#include "host/HostObject.h"
+#include "host/ResponseObject.h"
 #include "host/Store.h"
 #include "platform/qt/QtText.h"
 #include "platform/runtime/RuntimeError.h"
@@ -76,6 +80,23 @@ platform::Text OneOf(const std::vector<ExchangeEntry>& exchanges, const QString&
     return FromQt(name);
 }
 
+void RequireDifferentNames(const std::vector<ExchangeEntry>& exchanges) {
+    std::set<platform::Text> names;
+    for (const ExchangeEntry& exchange : exchanges)
+        if (!names.insert(exchange.name).second)
+            Refuse(QStringLiteral("two exchanges are called \"%1\"").arg(platform::ToQt(exchange.name)));
+}
+
+// In lower case.
+std::string KnownMember(const QString& name) {
+    const std::string lower = LowerCase(name.toStdString());
+    for (const auto* described :
+         {&HostObject::Description(), &ExchangeObject::Description(), &ResponseObject::Description()})
+        for (const platform::Member& member : described->members)
+            if (LowerCase(member.name) == lower) return lower;
+    Refuse(QStringLiteral("--lack: no object has a member \"%1\"").arg(name));
+}
+
 Misbehaviour MisbehaviourOf(const QCommandLineParser& parser) {
     Misbehaviour misbehaviour;
     if (parser.isSet("login")) misbehaviour.login = FromQt(parser.value("login"));
@@ -84,8 +105,7 @@ Misbehaviour MisbehaviourOf(const QCommandLineParser& parser) {
         misbehaviour.overrides.push_back(ParseOverride(item.toStdString()));
     for (const QString& item : parser.values("drop-item"))
         misbehaviour.droppedItems.insert(static_cast<std::size_t>(ParseCount(item.toStdString())));
-    for (const QString& member : parser.values("lack"))
-        misbehaviour.lacking.insert(LowerCase(member.toStdString()));
+    for (const QString& member : parser.values("lack")) misbehaviour.lacking.insert(KnownMember(member));
     if (parser.isSet("logins")) misbehaviour.logins = ParseCount(parser.value("logins").toStdString());
     return misbehaviour;
 }
@@ -102,6 +122,7 @@ Options ParseOptions(const QStringList& arguments, const std::string& market) {
     for (const QString& line : parser.values("exchange")) options.exchanges.push_back(ParseExchange(line));
     if (options.exchanges.empty()) options.exchanges = ReadExchanges(ExchangesFile());
     if (options.exchanges.empty()) options.exchanges = {{u"Main Office"}, {u"Warehouse"}, {u"Branch 3"}};
+    RequireDifferentNames(options.exchanges);
     if (parser.isSet("open")) options.open = OneOf(options.exchanges, parser.value("open"));
     if (!market.empty()) options.market = market;
     if (parser.isSet("market")) options.market = Market(parser.value("market"));

@@ -1,6 +1,7 @@
 #include "host/SimulatedExchange.h"
 
 #include "host/ClockItems.h"
+#include "platform/qt/QtText.h"
 
 namespace switchdesk {
 
@@ -25,9 +26,10 @@ Exchange::Outcome SimulatedExchange::PerformNow(std::vector<Item> request) {
     AnsweredItems answer = AnswerItems(std::move(request), {pc.days + daysAhead_});
     if (answer.change) daysAhead_ = platform::MakeDate(*answer.change).days - pc.days;
     const auto ahead = std::chrono::duration<double, std::ratio<86400>>(daysAhead_);
-    return {std::move(answer.items),
-            {},
-            !answer.good,
+    const QString message = !answer.good    ? tr("The request isn't valid.")
+                            : answer.change ? tr("clock set")
+                                            : tr("clock read");
+    return {std::move(answer.items), platform::FromQt(message), !answer.good,
             Reading{std::chrono::round<std::chrono::seconds>(ahead), {}}};
 }
 

@@ -1,12 +1,16 @@
 // A simulated exchange.
 #pragma once
 
+#include <QCoreApplication>
+
 #include "host/Exchange.h"
 #include "platform/runtime/Date.h"
 
 namespace switchdesk {
 
 class SimulatedExchange : public Exchange {
+    Q_DECLARE_TR_FUNCTIONS(SimulatedExchange)
+
   public:
     // `pcClock` drives the exchange's clock, which starts `minutesAhead` minutes ahead. Both references must
     // outlive the exchange.

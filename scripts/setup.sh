@@ -1,7 +1,7 @@
 # What the commands at the root share: missing Debian packages, configuring, building. Sourced by them.
 
 build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev libfontconfig-dev libsystemd-dev libsqlite3-dev
-                libgtest-dev librapidcheck-dev python3-polib)
+                libgtest-dev librapidcheck-dev python3-polib qt6-l10n-tools)
 run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-atspi-2.0 python3 python3-dbus
               python3-gi fonts-liberation fonts-noto-cjk gettext sqlite3 tzdata)
 # The far side of a real exchange, for the tests: sshd, and Debian's clock service.

@@ -8,6 +8,7 @@
 
 #include "ErrorOf.h"
 #include "TemporaryDirectory.h"
+#include "host/Difference.h"
 #include "host/ExchangeObject.h"
 #include "host/HostObject.h"
 #include "host/Options.h"
@@ -46,9 +47,11 @@ TEST(OptionsTest, RefusesWhatCannotBe) {
                               "--item=x:CMD=y",
                               "--item=1=CMD:x",
                               "--drop-item=-1",
+                              "--lack=nomember",
                               "--logins=x",
                               "--other=x"})
         EXPECT_EQ(ErrorOf([&] { ParseOptions({"switchdesk", wrong}); }), 5) << wrong;
+    EXPECT_EQ(ErrorOf([&] { ParseOptions({"switchdesk", "--exchange=A", "--exchange=A=local"}); }), 5);
 }
 
 TEST(OptionsTest, TakesAnAddressThatIsOneWordForSshAndNoOption) {
@@ -150,6 +153,23 @@ TEST_F(SimulatedExchangeTest, ARefusedItemLeavesTheClockAlone) {
     EXPECT_EQ(Perform(u"", u"", u""), before);
 }
 
+TEST(DifferenceTest, IsRightWithinHalfTheRoundTrip) {
+    using std::chrono::microseconds;
+    const auto text = [](double seconds, double within = 0) {
+        const auto exact = [](double s) { return microseconds(static_cast<std::int64_t>(s * 1e6)); };
+        return DifferenceText({exact(seconds), exact(within)}).toStdString();
+    };
+    EXPECT_EQ(text(0), "right");
+    EXPECT_EQ(text(-0.049), "right");
+    EXPECT_EQ(text(0.3, 0.31), "right");
+    EXPECT_EQ(text(-0.31, 0.3), "0.3 s slow");
+    EXPECT_EQ(text(3), "3.0 s fast");
+    EXPECT_EQ(text(119), "119 s fast");
+    EXPECT_EQ(text(-420), "7 min slow");
+    EXPECT_EQ(text(-3 * 3600), "3 h slow");
+    EXPECT_EQ(text(400 * 86400.), "400 days fast");
+}
+
 TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {
     const TemporaryDirectory directory;
     const auto file = directory.Path() / "new/store.ini";
@@ -181,8 +201,7 @@ struct NoView : HostView {
     void ShowResults(const Text&, const std::vector<Item>&) override {}
     void ShowCode(const Text&) override {}
     void ShowHelp(const Text&) override {}
-    void ShowFlow(bool) override {}
-    void ShowState(const Text&, bool, const Text&) override {}
+    void ShowState(const Text&, AddInState, const Text&) override {}
 };
 
 // The members of an object as the introspection files write them.
@@ -210,6 +229,20 @@ std::map<std::string, std::string> MembersInFile(const std::string& name) {
     for (auto i = std::sregex_iterator(xml.begin(), xml.end(), annotation); i != std::sregex_iterator(); ++i)
         members[(*i)[1]] = std::regex_replace((*i)[2].str(), byReference, "");
     return members;
+}
+
+TEST(ExchangeDeskTest, AKeyAloneEndsALogin) {
+    CallLog log;
+    Misbehaviour misbehaviour;
+    NoLoop loop;
+    ExchangeDesk desk(loop, {log, misbehaviour});
+    desk.Add(u"A", nullptr);
+    const Text key = desk.Login(u"A", nullptr);
+    EXPECT_EQ(desk.Login(u"A", nullptr), u"BUSY");
+    EXPECT_TRUE(desk.IsBusy(u"A"));
+    Call(std::make_shared<ExchangeObject>(Observation{log, misbehaviour}, desk), "LogOut", u"B", key);
+    EXPECT_FALSE(desk.IsBusy(u"A"));
+    EXPECT_EQ(desk.Login(u"B", nullptr), u"ERROR");
 }
 
 TEST(IntrospectionFilesTest, NameWhatThisHostServes) {

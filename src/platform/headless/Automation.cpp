@@ -25,8 +25,8 @@ class FarObject : public Object {
         static const ClassDescription description{"FarObject", {}};
         return description;
     }
-    std::shared_ptr<void> WhenOwnerGone(std::function<void()> gone) override {
-        auto watch = std::make_shared<std::function<void()>>(std::move(gone));
+    std::shared_ptr<void> WhenOwnerGone(std::function<void()> left) override {
+        auto watch = std::make_shared<std::function<void()>>(std::move(left));
         peer_->watches_.push_back(watch);
         return watch;
     }

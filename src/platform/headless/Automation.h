@@ -1,4 +1,4 @@
-// A bus without other processes: objects of this one stand in for them, and act when called.
+// A bus without other processes: objects of this one act for them when called.
 #pragma once
 
 #include <map>

@@ -101,7 +101,7 @@ def made(files, translation, findings, folder):
 def given(file):
     name = next((name for name in (*LANGUAGE_FILES, REGISTER_FILE) if name.lower() == file.name.lower()), None)
     if not name:
-        raise Fault(f"{file}: this is not the name of a database of the add-in")
+        raise Fault(f"{file}: this is not the name of a database of the add-in; a translation has one like nl.po")
     if not file.is_file():
         raise Fault(f"{file}: there is no such file")
     return Database(name, file, Origin(file))
@@ -181,7 +181,10 @@ def is_picture(file):
 
 def ask_add_in(databases, findings, checker):
     files = [str(databases[name].file.resolve()) if name in databases else "" for name in LANGUAGE_FILES]
-    ended = subprocess.run([checker, *files], capture_output=True, text=True, encoding="utf-8", check=False)
+    try:
+        ended = subprocess.run([checker, *files], capture_output=True, text=True, encoding="utf-8", check=False)
+    except OSError as error:
+        raise Fault(f"{checker}: {error.strerror}; in a checkout, ./run builds it") from error
     if ended.returncode:
         raise Fault(f"{checker}: it ended with {ended.returncode}: {ended.stderr.strip()}")
     for line in ended.stdout.splitlines():
