@@ -136,7 +136,7 @@ TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
         {u"select * from Kinds where Name = 'it's'",
          "3075 The query is not well formed: near \"s\": syntax error"},
         {u"select * from Kinds where", "3075 The query is not well formed: incomplete input"},
-        {u"select * from Kinds; select 1", "3075 The query is not well formed: there is more behind its end"},
+        {u"select * from Kinds; select 1", "3075 The query is not well formed: there is more after its end"},
         {u"", "3075 The query is not well formed: it is empty"},
         {u"vacuum", "3075 The query is not well formed: it selects no rows"},
         {u"delete from Kinds returning Name",
