@@ -190,7 +190,7 @@ void TimedateExchange::Judge(const Sample& sample) {
     const auto off = std::chrono::abs(sample.clock - work.Target(sample.at));
     const bool isSet = off <= sameTime + sample.within;
     const QString message =
-        work.trouble + u' ' + (isSet ? tr("Its clock shows the new time.") : tr("Its clock was not set."));
+        work.trouble + u' ' + (isSet ? tr("The clock shows the new time.") : tr("The clock was not set."));
     Finish({isSet ? work.answer.items : RefuseItems(work.request, writeFailed), FromQt(message), !isSet,
             ReadingOf(sample)});
 }
@@ -198,7 +198,7 @@ void TimedateExchange::Judge(const Sample& sample) {
 void TimedateExchange::Failed(const Failure& why) {
     const Work& work = *works_.front();
     if (!work.trouble.isEmpty())
-        Refuse(writeFailed, work.trouble + u' ' + tr("Whether its clock was set isn't known: read it."));
+        Refuse(writeFailed, work.trouble + u' ' + tr("Whether the clock was set isn't known: read it."));
     else if (work.isSent && why.uncertain)
         Look(why);
     else

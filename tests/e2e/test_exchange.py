@@ -49,13 +49,13 @@ FAILURES = {
     "kept by NTP": ("ssh:far,set", "ntp", None, NOT_ALLOWED, "It keeps its clock by NTP", False),
     "only to be read": ("local", "", None, NOT_ALLOWED, "Its clock may only be read", False),
     "lost before it was set": ("ssh:far,set", "stop-before", lose_before, NO_ANSWER,
-                               "The connection was lost. Its clock was not set.", False),
+                               "The connection was lost. The clock was not set.", False),
     "lost after it was set": ("ssh:far,set", "stop-after", lose_after, UPDATED,
-                              "The connection was lost. Its clock shows the new time.", True),
+                              "The connection was lost. The clock shows the new time.", True),
     "clock service killed": ("local,set", "stop-before", lambda: far.kill_service(), NO_ANSWER,
-                             "Its clock service ended without an answer. Its clock was not set.", False),
+                             "Its clock service ended without an answer. The clock was not set.", False),
     "answer after the limit": ("ssh:far,set", "stop-before", lambda: None, NO_ANSWER,
-                               "It didn't answer in time. Whether its clock was set isn't known: read it.", False),
+                               "It didn't answer in time. Whether the clock was set isn't known: read it.", False),
 }
 
 
@@ -75,7 +75,7 @@ class Exchanges(stage.EndToEndTest):
 
     def assert_host_says(self, sentence):
         said = [line for line in self.host.lines() if line.startswith("ShowMessage(")]
-        self.assertRegex(said[-1], rf'ShowMessage\("far: {sentence}')
+        self.assertRegex(said[-1], rf'ShowMessage\("{sentence}')
 
     def assert_shown(self):
         """A lookup succeeds, and its box shows what the far clock shows where that is."""
