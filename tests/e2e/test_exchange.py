@@ -36,7 +36,7 @@ def lose_after():
     os.kill(far.service(), signal.SIGCONT)
 
 
-# Where the exchange is and what is wrong there; what is done while the clock service stands still in the middle of a
+# Where the exchange is and what is wrong there; what is done while the clock service is stopped in the middle of a
 # write; what the operator sees and the host says; whether the clock has been set.
 FAILURES = {
     "no route": ("ssh:closed,set", "", None, NO_ANSWER, "It can't be reached: .*Connection refused", False),

@@ -53,7 +53,7 @@ struct SqliteTest : testing::Test {
     static std::string Change(Recordset& rows, TextView field, const Value& value) {
         return FaultOf([&] { rows.Edit(), rows.SetField(field, value), rows.Update(); });
     }
-    // The descriptors of this process that stand for the file.
+    // The descriptors of this process for the file.
     std::ptrdiff_t OpenDescriptors() {
         return std::count_if(fs::directory_iterator("/proc/self/fd"), {}, [&](const auto& entry) {
             std::error_code error;
