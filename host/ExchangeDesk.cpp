@@ -1,8 +1,11 @@
 #include "host/ExchangeDesk.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/ResponseObject.h"
+#include "platform/qt/QtText.h"
+#include "platform/runtime/ScopeExit.h"
 
 namespace switchdesk {
 
@@ -26,14 +29,14 @@ Text Key(const char16_t* prefix, int& last) {
 ExchangeDesk::ExchangeDesk(platform::EventLoop& loop, const Observation& observation)
     : loop_(loop), observation_(observation) {}
 
-void ExchangeDesk::Add(Text name, SimulatedExchange exchange) {
+void ExchangeDesk::Add(Text name, std::unique_ptr<Exchange> exchange) {
     exchanges_.push_back({std::move(name), std::move(exchange)});
 }
 
-SimulatedExchange* ExchangeDesk::Find(const Text& name) {
+ExchangeDesk::Named* ExchangeDesk::Find(const Text& name) {
     const auto found = std::find_if(exchanges_.begin(), exchanges_.end(),
                                     [&](const Named& entry) { return entry.name == name; });
-    return found == exchanges_.end() ? nullptr : &found->exchange;
+    return found == exchanges_.end() ? nullptr : &*found;
 }
 
 ExchangeDesk::Session* ExchangeDesk::FindLogin(const Text& key) {
@@ -46,6 +49,12 @@ ExchangeDesk::Session* ExchangeDesk::FindLogin(const Text& key) {
 bool ExchangeDesk::IsBusy(const Text& name) const {
     return std::any_of(sessions_.begin(), sessions_.end(),
                        [&](const Session& session) { return session.isLogin && session.exchange == name; });
+}
+
+const Text* ExchangeDesk::BusyBesides(const Text& name) const {
+    for (const Session& session : sessions_)
+        if (session.isLogin && session.exchange != name) return &session.exchange;
+    return nullptr;
 }
 
 Text ExchangeDesk::Open(Text key, const Text& name, bool isLogin, const ObjectRef& client) {
@@ -71,9 +80,17 @@ Text ExchangeDesk::Connect(const Text& name, const ObjectRef& client) {
 Text ExchangeDesk::Login(const Text& name, const ObjectRef& client) {
     const std::optional<Text>& forced = observation_.misbehaviour.login;
     if (forced && IsRefusal(*forced)) return *forced;
-    if (!Find(name)) return Text(error);
-    if (IsBusy(name)) return Text(busy);
+    Named* named = Find(name);
+    if (!named) return Text(error);
+    if (IsBusy(name)) return RefuseAsBusy(*named);
     return Open(forced ? *forced : Key(u"L", lastLogin_), name, true, client);
+}
+
+Text ExchangeDesk::RefuseAsBusy(Named& exchange) {
+    exchange.problem = platform::FromQt(tr("busy with another request"));
+    watcher_.changed();
+    watcher_.report(exchange.name, exchange.problem);
+    return Text(busy);
 }
 
 Text ExchangeDesk::Send(const ObjectRef& record) {
@@ -83,24 +100,42 @@ Text ExchangeDesk::Send(const ObjectRef& record) {
     // Never at once: clients rely on SendRequest returning before CallBack arrives.
     if (observation_.misbehaviour.answers)
         session->answer =
-            loop_.After(observation_.misbehaviour.answerDelay, [this, request] { Deliver(request); });
+            loop_.After(observation_.misbehaviour.answerDelay, [this, request] { Perform(request); });
     return Key(u"R", lastRequest_);
 }
 
-void ExchangeDesk::LogOut(const Text& name, const Text& key) {
-    sessions_.remove_if(
-        [&](const Session& session) { return session.key == key && session.exchange == name; });
+void ExchangeDesk::LogOut(const Text& key) {
+    Close(key);
 }
 
-void ExchangeDesk::Deliver(const Request& request) {
+void ExchangeDesk::Perform(const Request& request) {
+    Session* session = FindLogin(request.loginId);
+    Named* named = Find(request.exchange);
+    if (!session || !named) return;
+    session->answer = named->exchange->Perform(
+        request.items,
+        {[this, name = named->name](const Text& step) { watcher_.report(name, step); },
+         [this, request](Exchange::Outcome outcome) { Deliver(request, std::move(outcome)); }});
+}
+
+void ExchangeDesk::Deliver(const Request& request, Exchange::Outcome outcome) {
+    Named& named = *Find(request.exchange);
+    if (outcome.clock) {
+        named.clock = outcome.clock;
+        named.readAt = std::chrono::system_clock::now();
+    }
+    named.problem = outcome.failed ? outcome.message : Text();
+    watcher_.changed();
     const Session* session = FindLogin(request.loginId);
-    SimulatedExchange* exchange = Find(request.exchange);
-    if (!session || !exchange) return;
+    if (!session) return watcher_.report(request.exchange, outcome.message);
     const ObjectRef client = session->client;
-    CallBack(client, {exchange->Perform(request.items), 0, request.tag, request.loginId, {}});
+    CallBack(request.exchange, client,
+             {std::move(outcome.items), 0, request.tag, request.loginId, std::move(outcome.message)});
 }
 
-void ExchangeDesk::CallBack(const ObjectRef& client, Answer answer) {
+void ExchangeDesk::CallBack(const Text& exchange, const ObjectRef& client, Answer answer) {
+    const platform::ScopeExit restore(
+        [this, outer = std::exchange(answering_, exchange)] { answering_ = outer; });
     observation_.misbehaviour.Spoil(answer);
     ObjectRef response = std::make_shared<ResponseObject>(observation_, answer);
     observation_.log.Note("CallBack");

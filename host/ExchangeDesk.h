@@ -1,28 +1,39 @@
 // The exchanges, their logins and the requests to them.
 #pragma once
 
+#include <QCoreApplication>
 #include <list>
 #include <memory>
 #include <vector>
 
+#include "host/Exchange.h"
 #include "host/ObservedObject.h"
 #include "host/RequestRecord.h"
-#include "host/SimulatedExchange.h"
-#include "platform/runtime/EventLoop.h"
 
 namespace switchdesk {
 
 class ExchangeDesk {
+    Q_DECLARE_TR_FUNCTIONS(ExchangeDesk)
+
   public:
     // `loop` and what `observation` refers to must outlive the desk.
     ExchangeDesk(platform::EventLoop& loop, const Observation& observation);
 
     // Names are compared exactly.
-    void Add(platform::Text name, SimulatedExchange exchange);
+    void Add(platform::Text name, std::unique_ptr<Exchange> exchange);
+    struct Watcher {
+        // The steps of requests, refusals of others, and the outcomes of those that were given up.
+        std::function<void(const platform::Text& exchange, const platform::Text& text)> report;
+        std::function<void()> changed;  // the state of an exchange
+    };
+    void ReportTo(Watcher watcher) { watcher_ = std::move(watcher); }
 
     struct Named {
         platform::Text name;
-        SimulatedExchange exchange;
+        std::unique_ptr<Exchange> exchange;
+        std::optional<Exchange::Reading> clock{};        // when it was last read or set
+        std::chrono::system_clock::time_point readAt{};  // then, by this PC's clock
+        platform::Text problem{};                        // why the last request failed, if it did
     };
     const std::vector<Named>& Exchanges() const { return exchanges_; }
 
@@ -33,8 +44,13 @@ class ExchangeDesk {
     // Takes a request, and delivers the answer later to CallBack of the login's client. "ERROR" unless its
     // login is for that exchange and has had no request yet.
     platform::Text Send(const platform::ObjectRef& record);
-    // Ends a login or connection. Its request, if any, gets no answer.
-    void LogOut(const platform::Text& name, const platform::Text& key);
+    // Ends a login or connection. Its request, if any, gets no answer. The key is enough: an add-in that has
+    // meanwhile registered another exchange passes that one's name.
+    void LogOut(const platform::Text& key);
+    // An exchange other than this one at which somebody is logged in, or null.
+    const platform::Text* BusyBesides(const platform::Text& name) const;
+    // The exchange whose answer a client is receiving, or an empty text.
+    const platform::Text& Answering() const { return answering_; }
 
   private:
     struct Session {
@@ -45,19 +61,23 @@ class ExchangeDesk {
         platform::HandleRef answer;  // the request under way
     };
 
-    SimulatedExchange* Find(const platform::Text& name);
+    Named* Find(const platform::Text& name);
     Session* FindLogin(const platform::Text& key);
     bool IsBusy(const platform::Text& name) const;
     platform::Text Open(platform::Text key, const platform::Text& name, bool isLogin,
                         const platform::ObjectRef& client);
+    platform::Text RefuseAsBusy(Named& exchange);
     void Close(const platform::Text& key);
-    void Deliver(const Request& request);
-    void CallBack(const platform::ObjectRef& client, Answer answer);
+    void Perform(const Request& request);
+    void Deliver(const Request& request, Exchange::Outcome outcome);
+    void CallBack(const platform::Text& exchange, const platform::ObjectRef& client, Answer answer);
 
     platform::EventLoop& loop_;
     Observation observation_;
+    Watcher watcher_{[](const platform::Text&, const platform::Text&) {}, [] {}};
     std::vector<Named> exchanges_;
     std::list<Session> sessions_;
+    platform::Text answering_;
     int lastLogin_ = 0, lastConnection_ = 0, lastRequest_ = 0;
 };
 

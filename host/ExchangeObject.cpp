@@ -6,7 +6,7 @@ using platform::Arguments;
 using platform::InvokeKind;
 using platform::ValueType;
 
-const platform::ClassDescription& ExchangeObject::Class() const {
+const platform::ClassDescription& ExchangeObject::Description() {
     constexpr auto bind = [](auto callable) { return platform::Bind<ExchangeObject>(callable); };
     static const platform::ClassDescription description{
         "cPBXOle",
@@ -37,7 +37,7 @@ const platform::ClassDescription& ExchangeObject::Class() const {
              {{"PBXName", ValueType::String}, {"LoginID", ValueType::String}},
              ValueType::None,
              bind([](ExchangeObject& self, Arguments& arguments) {
-                 self.Desk().LogOut(arguments[0].ToText(), arguments[1].ToText());
+                 self.Desk().LogOut(arguments[1].ToText());
              })},
         }};
     return description;

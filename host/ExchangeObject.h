@@ -11,7 +11,8 @@ class ExchangeObject : public ObservedObject {
   public:
     ExchangeObject(const Observation& observation, ExchangeDesk& desk)
         : ObservedObject(observation), desk_(desk) {}
-    const platform::ClassDescription& Class() const override;
+    static const platform::ClassDescription& Description();
+    const platform::ClassDescription& Class() const override { return Description(); }
 
     ExchangeDesk& Desk() { return desk_; }
 

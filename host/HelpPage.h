@@ -1,6 +1,7 @@
 // The window that shows help for an add-in.
 #pragma once
 
+#include <QCoreApplication>
 #include <QWidget>
 
 #include "platform/desktop/HelpFile.h"
@@ -12,6 +13,8 @@ namespace switchdesk {
 
 // Stays open until the operator closes it, by its frame or with Escape.
 class HelpPage : public QWidget {
+    Q_DECLARE_TR_FUNCTIONS(HelpPage)
+
   public:
     // Closes with the window `host`.
     explicit HelpPage(QWidget& host);

@@ -29,8 +29,15 @@ void GetComData(HostObject& self, Arguments& arguments) {
     arguments[2] = value.value_or(platform::Text());
 }
 
+// An add-in passes over a failure, so it is shown here.
 void RegComData(HostObject& self, Arguments& arguments) {
-    self.Content().store.Set(arguments[0].ToText(), arguments[1].ToText(), arguments[2].ToText());
+    const HostObject::Parts& parts = self.Content();
+    try {
+        parts.store.Set(arguments[0].ToText(), arguments[1].ToText(), arguments[2].ToText());
+    } catch (const platform::RuntimeError& error) {
+        parts.view.ShowMessage(error.Description());
+        throw;
+    }
 }
 
 Member ExchangeReader() {
@@ -43,7 +50,7 @@ Member ExchangeReader() {
 
 }  // namespace
 
-const platform::ClassDescription& HostObject::Class() const {
+const platform::ClassDescription& HostObject::Description() {
     static const std::vector<Parameter> stored{
         {"AppName", ValueType::String}, {"Key", ValueType::String}, {"Value", ValueType::String}};
     static const platform::ClassDescription description{
@@ -63,10 +70,9 @@ const platform::ClassDescription& HostObject::Class() const {
                    [](HostObject& self, Arguments& a) { self.Content().view.ShowHelp(a[0].ToText()); }),
             Method("UnloadChild", {{"ID", ValueType::Integer}},
                    [](HostObject& self, Arguments& a) { self.Content().unloadChild(a[0].ToInteger()); }),
-            Method("TurnOnFlow", {},
-                   [](HostObject& self, Arguments&) { self.Content().view.ShowFlow(true); }),
-            Method("TurnOffFlow", {},
-                   [](HostObject& self, Arguments&) { self.Content().view.ShowFlow(false); }),
+            // Nothing here depends on the flow.
+            Method("TurnOnFlow", {}, [](HostObject&, Arguments&) {}),
+            Method("TurnOffFlow", {}, [](HostObject&, Arguments&) {}),
             Method("REGComData", stored, RegComData),
             Method("GetComData", stored, GetComData),
         }};

@@ -18,9 +18,9 @@ class HostView {
     virtual void ShowResults(const platform::Text& caption, const std::vector<Item>& items) = 0;
     virtual void ShowCode(const platform::Text& code) = 0;
     virtual void ShowHelp(const platform::Text& file) = 0;
-    virtual void ShowFlow(bool on) = 0;
-    // The add-in's state in words, whether it is open, and for which exchange.
-    virtual void ShowState(const platform::Text& state, bool open, const platform::Text& exchange) = 0;
+    // The add-in's state, also in words, and the exchange that it is open for.
+    enum class AddInState { Closed, Opening, Open };
+    virtual void ShowState(const platform::Text& words, AddInState state, const platform::Text& exchange) = 0;
 };
 
 // Members: oPBX, ShowMessage, ShowResults, ShowCode, DisplayHelp, UnloadChild, TurnOnFlow, TurnOffFlow,
@@ -35,7 +35,8 @@ class HostObject : public ObservedObject {
     };
     HostObject(const Observation& observation, Parts parts)
         : ObservedObject(observation), parts_(std::move(parts)) {}
-    const platform::ClassDescription& Class() const override;
+    static const platform::ClassDescription& Description();
+    const platform::ClassDescription& Class() const override { return Description(); }
 
     Parts& Content() { return parts_; }
 

@@ -1,6 +1,7 @@
 // The host's window: exchanges on the left, messages and results on the right.
 #pragma once
 
+#include <QCoreApplication>
 #include <QMainWindow>
 #include <functional>
 
@@ -20,6 +21,8 @@ namespace switchdesk {
 class HelpPage;
 
 class MainWindow : public QMainWindow, public HostView {
+    Q_DECLARE_TR_FUNCTIONS(MainWindow)
+
   public:
     struct Actions {
         std::function<void(const platform::Text& exchange)> open;
@@ -33,15 +36,16 @@ class MainWindow : public QMainWindow, public HostView {
     // Fills the menu of backgrounds, and marks the chosen one.
     void OfferBackgrounds(std::int16_t chosen);
 
-    // Updates the clocks of the exchanges.
-    void ShowClocks();
+    // Shows what is known of the exchanges now.
+    void ShowExchanges();
+    // A message on an exchange. Others are on the one that is answering, or that the add-in is open for.
+    void ShowMessageOf(const platform::Text& exchange, const platform::Text& message);
 
     void ShowMessage(const platform::Text& message) override;
     void ShowResults(const platform::Text& caption, const std::vector<Item>& items) override;
     void ShowCode(const platform::Text& code) override;
     void ShowHelp(const platform::Text& file) override;
-    void ShowFlow(bool on) override;
-    void ShowState(const platform::Text& state, bool open, const platform::Text& exchange) override;
+    void ShowState(const platform::Text& words, AddInState state, const platform::Text& exchange) override;
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -51,14 +55,16 @@ class MainWindow : public QMainWindow, public HostView {
     QWidget* MakeAnswerPane();
     void AddBackground(const BackgroundSet& set, bool chosen);
     void FillExchanges();
+    void ShowExchange(int row, const ExchangeDesk::Named& exchange);
     void OpenSelected();
+    void AskThenOpen(const platform::Text& exchange, const platform::Text& awaited);
+    const platform::Text& Concerned() const;
     void Select(const platform::Text& exchange);
-    void EnableButtons();
 
     const ExchangeDesk& desk_;
     const Family& family_;
     Actions actions_;
-    bool addInOpen_ = false;
+    platform::Text openFor_;  // the exchange that the add-in is open for, if it is open
     QMenu* backgrounds_;
     QActionGroup* chosenBackground_;
     HelpPage* help_ = nullptr;
@@ -68,7 +74,6 @@ class MainWindow : public QMainWindow, public HostView {
     QLabel* caption_;
     QLabel* code_;
     QLabel* state_;
-    QLabel* flow_;
     QPushButton* open_;
     QPushButton* close_;
 };

@@ -4,7 +4,11 @@
 #include <QRegularExpression>
 #include <algorithm>
 #include <cmath>
+#include <set>
 
+#include "host/ExchangeObject.h"
+#include "host/HostObject.h"
+#include "host/ResponseObject.h"
 #include "host/Store.h"
 #include "platform/qt/QtText.h"
 #include "platform/runtime/RuntimeError.h"
@@ -17,7 +21,12 @@ namespace {
 
 const QList<QCommandLineOption>& AllOptions() {
     static const QList<QCommandLineOption> all{
-        {"exchange", "An exchange; repeat for more. Default: Main Office, Warehouse, Branch 3.", "NAME"},
+        {"exchange",
+         "An exchange; repeat for more. NAME is simulated. NAME=local is this PC, NAME=ssh:user@host another "
+         "Linux machine; their clocks may only be read unless \",set\" follows. Default: the lines of "
+         "switchdesk/exchanges.ini in the user's configuration directory, or Main Office, Warehouse, Branch "
+         "3.",
+         "NAME[=PLACE]"},
         {"open", "Opens the clock add-in for this exchange.", "NAME"},
         {"offset", "Starts the exchanges' clocks this far ahead of the computer's.", "MINUTES"},
         {"market",
@@ -64,10 +73,28 @@ std::string Market(const QString& text) {
     return text.toStdString();
 }
 
-platform::Text OneOf(const std::vector<platform::Text>& exchanges, const QString& name) {
-    if (std::find(exchanges.begin(), exchanges.end(), FromQt(name)) == exchanges.end())
+platform::Text OneOf(const std::vector<ExchangeEntry>& exchanges, const QString& name) {
+    if (std::none_of(exchanges.begin(), exchanges.end(),
+                     [&](const ExchangeEntry& entry) { return entry.name == FromQt(name); }))
         Refuse(QStringLiteral("unknown exchange \"%1\"").arg(name));
     return FromQt(name);
+}
+
+void RequireDifferentNames(const std::vector<ExchangeEntry>& exchanges) {
+    std::set<platform::Text> names;
+    for (const ExchangeEntry& exchange : exchanges)
+        if (!names.insert(exchange.name).second)
+            Refuse(QStringLiteral("two exchanges are called \"%1\"").arg(platform::ToQt(exchange.name)));
+}
+
+// In lower case.
+std::string KnownMember(const QString& name) {
+    const std::string lower = LowerCase(name.toStdString());
+    for (const auto* described :
+         {&HostObject::Description(), &ExchangeObject::Description(), &ResponseObject::Description()})
+        for (const platform::Member& member : described->members)
+            if (LowerCase(member.name) == lower) return lower;
+    Refuse(QStringLiteral("--lack: no object has a member \"%1\"").arg(name));
 }
 
 Misbehaviour MisbehaviourOf(const QCommandLineParser& parser) {
@@ -78,8 +105,7 @@ Misbehaviour MisbehaviourOf(const QCommandLineParser& parser) {
         misbehaviour.overrides.push_back(ParseOverride(item.toStdString()));
     for (const QString& item : parser.values("drop-item"))
         misbehaviour.droppedItems.insert(static_cast<std::size_t>(ParseCount(item.toStdString())));
-    for (const QString& member : parser.values("lack"))
-        misbehaviour.lacking.insert(LowerCase(member.toStdString()));
+    for (const QString& member : parser.values("lack")) misbehaviour.lacking.insert(KnownMember(member));
     if (parser.isSet("logins")) misbehaviour.logins = ParseCount(parser.value("logins").toStdString());
     return misbehaviour;
 }
@@ -93,8 +119,10 @@ Options ParseOptions(const QStringList& arguments, const std::string& market) {
     if (!parser.positionalArguments().isEmpty())
         Refuse(QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
     Options options;
-    for (const QString& name : parser.values("exchange")) options.exchanges.push_back(FromQt(name));
-    if (options.exchanges.empty()) options.exchanges = {u"Main Office", u"Warehouse", u"Branch 3"};
+    for (const QString& line : parser.values("exchange")) options.exchanges.push_back(ParseExchange(line));
+    if (options.exchanges.empty()) options.exchanges = ReadExchanges(ExchangesFile());
+    if (options.exchanges.empty()) options.exchanges = {{u"Main Office"}, {u"Warehouse"}, {u"Branch 3"}};
+    RequireDifferentNames(options.exchanges);
     if (parser.isSet("open")) options.open = OneOf(options.exchanges, parser.value("open"));
     if (!market.empty()) options.market = market;
     if (parser.isSet("market")) options.market = Market(parser.value("market"));
@@ -112,7 +140,7 @@ Options ParseOptions(const QStringList& arguments, const std::string& market) {
 
 std::string HelpText() {
     QCommandLineParser parser;
-    parser.setApplicationDescription("A small host for telephone exchanges, with simulated exchanges.");
+    parser.setApplicationDescription("A small host for telephone exchanges, simulated and real.");
     parser.addOptions(AllOptions());
     // Qt takes the name from the application, which doesn't exist yet.
     return parser.helpText().replace("<executable_name>", "switchdesk").toStdString();

@@ -7,12 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "host/ExchangeList.h"
 #include "host/Misbehaviour.h"
 
 namespace switchdesk {
 
 struct Options {
-    std::vector<platform::Text> exchanges;
+    std::vector<ExchangeEntry> exchanges;
     std::optional<platform::Text> open;  // exchange for which to open the add-in at once
     std::string market = "10001";
     std::optional<double> minutesAhead;  // of every exchange; if unset, each differs

@@ -55,7 +55,7 @@ std::int16_t CountOf(ResponseObject& self) {
 
 }  // namespace
 
-const platform::ClassDescription& ResponseObject::Class() const {
+const platform::ClassDescription& ResponseObject::Description() {
     static const platform::ClassDescription description{
         "Response",
         {

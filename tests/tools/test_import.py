@@ -1,4 +1,5 @@
-"""import-databases, with a program that stands in for those of mdbtools."""
+"""import-databases, with a program in place of those of mdbtools."""
+import contextlib
 import os
 import sqlite3
 import subprocess
@@ -75,7 +76,7 @@ class Import(unittest.TestCase):
                                   "Register.mdb: All Others: not copied, since ours has no such table"]))
         self.assertEqual(os.listdir(self.top / "new"), ["Register.mdb"])
         self.assertFalse((self.top / "escaped").exists())
-        with sqlite3.connect(self.top / "new/Register.mdb") as database:
+        with contextlib.closing(sqlite3.connect(self.top / "new/Register.mdb")) as database:
             rows = database.execute("SELECT AppName, Title, Version, Enabled, \"a \"\"b'c\" FROM Registry").fetchall()
         self.assertEqual(rows, [(f"It's\n.shell touch {self.top}/escaped", None, None, -1, "x"),
                                 ("Horalink.mra", None, "1.0", 0, None)])

@@ -33,6 +33,7 @@ TEXTS = [
      " pixels wide, and its place has 136"),
     ("tControls:dlgAddin.lblTrackDate:Caption", "Volg de datum van de pc", None),
     ("tTopics:1:Title", "%ST & %AND", None),
+    ("tTopics:4:Body", "<p>Een <b>woord</p>", "the tags have to be those of the English text: <p> </p>"),
 ]
 MORE_TEXTS = [
     ("tMsgBox:0:Prompt", "Het is & %SP4 & %AND & %CR & %ST & 100 % of 5%", None),
@@ -46,8 +47,12 @@ BROKEN = [(b'msgid "a', ":1: end-of-file within string"),
           (b'msgid "a"\nmsgstr "b"\nmsgid "c"\nmsgstr "d" e\n', ":4: this is not the syntax of a PO file"),
           (b'msgid "a"\nmsgstr "b"c"\n', ":2: this is not the syntax of a PO file: unescaped double quote found"),
           (b'\nmsgid "a"\nnonsense\n', ":3: this is not the syntax of a PO file"),
-          (b'msgid "\xff"\n', ": it can't be read: 'utf-8' codec can't decode"),
-          (None, ": it can't be read: [Errno 2]")]
+          (b'\nmsgid "\xff"\n', ":2: this is not in UTF-8"),
+          (b'msgid ""\nmsgstr "Content-Type: text/plain; charset=ISO-8859-1\\n"\n\nmsgid "a"\nmsgstr "b"\n',
+           ":1: the Content-Type of the header has to say charset=UTF-8"),
+          (b'msgid ""\nmsgstr "Content-Type: text/plain; charset=UTF-8\\n"\n\nmsgid "a"\nmsgstr "b"\n',
+           ":4: the line msgctxt is missing"),
+          (None, ": it can't be read: No such file")]
 # Changes of the English texts, and the findings in a part of their lines.
 SQL_CHANGES = [
     ("Horalink.lng", "(1, 'vbOKOnly+vbInformation'", "(1, 'vbOKOnly + vbInformation'"),
@@ -198,8 +203,11 @@ class Lng(unittest.TestCase):
                  for number in range(7)]
         self.assertEqual(shown[1:2] + shown[3:], ["Nee", "PBX clock request", "PBX Clock", "The PBX clock is ready.",
                                                   "The PBX clock request failed"])
-        found = "\n".join(self.run_tool("check", self.po)[1])
-        for words in ("duplicate message definition", "tMessages:4:Caption: the English text has changed",
+        _, lines, notes = self.run_tool("check", self.po)
+        self.assertIn(f"1 are fuzzy (in line {self.line_of('tMessages:3:Caption')}); ", notes[0])
+        found = "\n".join(lines)
+        for words in ("this text is in the file a second time", "this text comes again further down",
+                      "tMessages:4:Caption: the English text has changed",
                       "tMessages:6:Caption: no text here has a plural form",
                       "tMessages:99:Caption: there is no text of this context"):
             self.assertIn(words, found)

@@ -28,18 +28,25 @@ MOVED, COMMAND = r"mv --backup=numbered .*\.old", "$ "
 
 # Commands of the shell that break something; what status says of it; what it says to do.
 FAULTS = [
-    ("chmod 400 $R", r"register can't be written, since \S+Register.mdb can't be$", r"chmod u\+w "),
-    ("chmod 500 $(dirname $R)", r"register can't be written, since \S+DATABASE can't be$", r"chmod u\+w "),
+    ("chmod 400 $R", r"register can't be written, since \S+Register.mdb can't be$", r"chmod u\+rwX "),
+    ("chmod 500 $(dirname $R)", r"register can't be written, since \S+DATABASE can't be$", r"chmod u\+rwX "),
+    ("chmod 0 $R", r"register can't be written, since \S+Register.mdb can't be$", r"chmod u\+rwX "),
+    ("chmod 0 $(dirname $R)", r"register can't be written, since \S+DATABASE can't be$", r"chmod u\+rwX "),
+    ("rm $R && ln -s /none $R", r"register can't be written, since the link \S+Register.mdb leads nowhere$", "rm "),
+    ("rm -r .local/share/VELMORA32 && ln -s /none .local/share/VELMORA32", r"the link \S+/VELMORA32 leads nowhere$", "rm "),
+    ("rm -r .local/share/VELMORA32 && echo x >.local/share/VELMORA32", r"since \S+/VELMORA32 is no folder$", MOVED),
     ("exec 3< <(exec python3 -c \"$LOCK\" $R 2>/dev/null); read -u3", r"locked by python3, process \d+$", "kill "),
     ("echo garbage >$R", r"register: .* not a database.*\(/\S+/Register.mdb\)$", MOVED),
-    (": >$R", r"register: .* is empty \(", MOVED),
+    (": >$R", r"register: The file '\S+' is empty$", MOVED),
     ("rm $R && cp $DE/Horalink.lng $R", r"register: The table 'Registry' was not found", MOVED),
     ("rm $R && mkdir $R", r"register: .* was not found", MOVED),
     ("echo x >$R && touch $R-journal", r"register: ", r"mv \S+ \S+-journal \S+\.old-journal && mv "),
     ("rm $R && touch $R-journal", r"Register.mdb-journal belongs to a register that is missing$", "rm "),
-    ("rm -r .local/share/VELMORA32 && chmod 500 .local/share", r"register can't be written, since \S+/share can't be$", r"chmod u\+w "),
+    ("rm -r .local/share/VELMORA32 && chmod 500 .local/share", r"register can't be written, since \S+/share can't be$", r"chmod u\+rwX "),
     ("mkdir -p $D/ADDINS/DATABASE && echo garbage >$D/ADDINS/DATABASE/Horalink.lng",
      r"^texts: .*not a database", MOVED),
+    ("mkdir $D/BACKGRND && echo garbage >$D/BACKGRND/sky.svg", r"^picture: this is no picture, .* \(\S+/sky.svg\)$", MOVED),
+    ("mkdir -p $S && echo '[D-BUS Service]\nExec=/none/horalink' >$S/$CLASS.service", r"bus would start /none/horalink, ", MOVED),
     ("mkdir -p $S && echo '[D-BUS Service]\nExec=/usr/bin/horalink-setup start horalink -Embedding' >$S/$CLASS.service",
      r"service is of an earlier version", "rm "),
     ("horalink-setup market 20002 && rm -r .local/share/VELMORA32/20002", r"bus would start .*20002/ADDINS/horalink", "rm "),
@@ -258,7 +265,8 @@ class Setup(unittest.TestCase):
         self.environment["XDG_DATA_DIRS"] = "/none"
         self.assertIn("the session bus looks neither in", self.setup_market("20002", 1, AS_ROOT))
         del self.environment["HOME"], self.environment["XDG_DATA_HOME"]
-        self.assertIn("HOME isn't set", self.setup_market("30003", 1))
+        for market in ("10001", "30003"):
+            self.assertIn("HOME isn't set", self.setup_market(market, 1))
         (self.shared / "10001/ADDINS/horalink").unlink()
         self.assertIn("install the package", self.setup_market("20002", 1))
 

@@ -47,9 +47,7 @@ fs::path SharedTree(const std::string& market) {
 // For a user, only the programs are links: the directory takes the files of the user's own.
 fs::path OwnTree(const std::string& market) {
     if (const fs::path shared = FamilyDirectory() / market; Exists(shared / addIn)) return shared;
-    const fs::path data = platform::UserDirectory("XDG_DATA_HOME", ".local/share");
-    if (data.empty()) throw Fault("there is no home directory, since HOME isn't set");
-    const fs::path tree = data / "VELMORA32" / market;
+    const fs::path tree = platform::UserDirectory("XDG_DATA_HOME", ".local/share") / "VELMORA32" / market;
     for (const char* program : {addIn, host})
         if (Exists(InstalledTree() / program) && !Exists(tree / program))
             MakeLink(tree / program, InstalledTree() / program);
@@ -92,6 +90,7 @@ std::string ChooseMarket(const std::string& market) {
     const bool isRoot = geteuid() == 0;
     if (!Exists(InstalledTree() / addIn))
         throw Fault((InstalledTree() / addIn).native() + " is missing: install the package 'horalink'");
+    if (!isRoot && OwnServices().empty()) throw Fault("there is no home directory, since HOME isn't set");
     const fs::path services = isRoot ? SharedServices() : OwnServices();
     const fs::path tree = isRoot ? SharedTree(market) : OwnTree(market);
     const std::string command = Quoted((tree / addIn).native()) + " -Embedding";

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <system_error>
@@ -56,12 +57,29 @@ fs::path Nearest(fs::path place) {
     return place;
 }
 
+// A link on the way to a file that leads nowhere.
+fs::path DeadLink(fs::path place) {
+    std::error_code error;
+    for (; place.has_relative_path(); place = place.parent_path())
+        if (fs::is_symlink(place, error) && fs::status(place, error).type() == fs::file_type::not_found)
+            return place;
+    return {};
+}
+
+// For a register, and for what undoes a change of it.
+bool IsFull(const fs::path& place) {
+    constexpr std::uintmax_t needed = 1 << 15;
+    std::error_code error;
+    const fs::space_info space = fs::space(place, error);
+    return !error && space.capacity > 0 && space.available < needed;
+}
+
 Problem ProblemOfPermission(const fs::path& place) {
-    if (access(place.c_str(), W_OK) == 0) return {};
+    if (access(place.c_str(), fs::is_directory(place) ? W_OK | X_OK : R_OK | W_OK) == 0) return {};
     Problem problem{"the register can't be written, since " + place.native() + " can't be", {}, true};
     const std::string name = Quoted(place.native());
     if (IsMine(place) && errno != EROFS)
-        problem.remedy = "chmod u+w " + name;
+        problem.remedy = "chmod u+rwX " + name;
     else if (!fs::is_directory(place) && !Exists(place.native() + "-journal") &&
              access(place.parent_path().c_str(), W_OK) == 0)
         problem.remedy =
@@ -84,6 +102,9 @@ std::string MoveAway(const fs::path& file) {
 }
 
 Problem ProblemOfWriting(const fs::path& ownPlace) {
+    if (const fs::path link = DeadLink(ownPlace); !link.empty())
+        return {"the register can't be written, since the link " + link.native() + " leads nowhere",
+                "rm " + Quoted(link.native()), true};
     if (!Exists(ownPlace))
         for (const char* companion : {"-journal", "-wal"})
             if (const std::string remains = ownPlace.native() + companion; Exists(remains))
@@ -92,9 +113,15 @@ Problem ProblemOfWriting(const fs::path& ownPlace) {
         return {"the register is locked by " + NameOf(process) + ", process " + std::to_string(process),
                 "kill " + std::to_string(process), true};
     const fs::path place = Nearest(ownPlace);
+    if (place != ownPlace && !fs::is_directory(place))
+        return {"the register can't be written, since " + place.native() + " is no folder", MoveAway(place),
+                true};
     Problem problem = ProblemOfPermission(place);
     // Changes go through a second file beside it.
     if (problem.what.empty() && place == ownPlace) problem = ProblemOfPermission(place.parent_path());
+    if (problem.what.empty() && IsFull(place))
+        return {"the register can't be written, since there is no room in " + ownPlace.parent_path().native(),
+                "Delete on that disk what nobody needs.", false};
     return problem;
 }
 

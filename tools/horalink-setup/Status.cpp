@@ -3,9 +3,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <fstream>
 #include <initializer_list>
 #include <set>
 #include <sstream>
+#include <string_view>
 #include <system_error>
 
 #include "horalink-setup/Market.h"
@@ -57,6 +59,27 @@ fs::path DefaultProgram() {
     return FamilyDirectory() / "10001/ADDINS/horalink";
 }
 
+// As it was called where that names the market, and not where the links of a market lead.
+fs::path ProgramOf(int process) {
+    const std::string folder = "/proc/" + std::to_string(process);
+    std::string called;
+    std::getline(std::ifstream(folder + "/cmdline"), called, '\0');
+    std::error_code error;
+    return called.starts_with('/') ? fs::path(called) : fs::read_symlink(folder + "/exe", error);
+}
+
+// By its beginning, as `horalink-lng check` does.
+bool IsPicture(const fs::path& file) {
+    using namespace std::string_view_literals;
+    std::string start(1024, '\0');
+    std::ifstream stream = platform::OpenToRead(file);
+    start.resize(static_cast<std::size_t>(stream.read(start.data(), 1024).gcount()));
+    const auto begins = [&](std::string_view signature) { return start.starts_with(signature); };
+    const auto signatures = {"\x89PNG"sv, "\xff\xd8\xff"sv, "GIF8"sv, "BM"sv, "\0\0\1\0"sv};
+    return start.find("<svg") != std::string::npos ||
+           std::any_of(signatures.begin(), signatures.end(), begins);
+}
+
 class Look {
   public:
     std::string Run(bool& isWell) {
@@ -85,10 +108,10 @@ class Look {
         if (service && program_.filename() == "horalink-setup")
             Complain(service->file.native() + " is of an earlier version and starts nothing any more",
                      "rm " + Quoted(service->file.native()), true);
-        else if (access(program_.c_str(), X_OK) != 0 && service && service->IsMadeHere())
+        else if (access(program_.c_str(), X_OK) != 0 && service && program_ != DefaultProgram())
             Complain("for the class " + std::string(addInClass) + " the bus would start " +
                          program_.native() + ", which isn't there",
-                     "rm " + Quoted(service->file.native()), true);
+                     Removal(*service), true);
         else if (access(program_.c_str(), X_OK) != 0)
             Complain("there is no program " + program_.native(), reinstall);
         if (access(program_.c_str(), X_OK) != 0 || program_.filename() == "horalink-setup")
@@ -106,6 +129,13 @@ class Look {
         for (const Text& language : languages_)
             languages += (languages.empty() ? "" : ", ") + ToUtf8(language);
         Line("languages", languages);
+    }
+
+    // A file that others have made is kept, by a name that means nothing to the bus.
+    static std::string Removal(const Service& service) {
+        const bool isAllowed = access(service.file.parent_path().c_str(), W_OK) == 0;
+        return (isAllowed ? "" : "sudo ") +
+               (service.IsMadeHere() ? "rm " + Quoted(service.file.native()) : MoveAway(service.file));
     }
 
     const fs::path& OwnTree() const { return installation_.layers.Trees().front(); }
@@ -131,9 +161,10 @@ class Look {
     }
 
     // A file of the user's own is moved away; one of the package is the package's to mend.
-    void ComplainAbout(const Wanted& wanted, const fs::path& file, const std::string& why) {
-        const bool isOwn = platform::Below(PathText(file), OwnTree()).has_value();
-        const std::string what = std::string(wanted.what) + ": " + why + " (" + file.native() + ")";
+    void ComplainAbout(const char* kind, const fs::path& file, const std::string& why) {
+        const bool isOwn = platform::Below(PathText(file), OwnTree()).has_value(),
+                   isNamed = why.find(file.native()) != std::string::npos;
+        const std::string what = std::string(kind) + ": " + why + (isNamed ? "" : " (" + file.native() + ")");
         if (isOwn && fs::exists(fs::symlink_status(file)))
             Complain(what, MoveAway(file), true);
         else
@@ -158,7 +189,7 @@ class Look {
             for (const TextView table : wanted.tables)
                 database->OpenRecordset(u"SELECT * FROM " + Text(table), RecordsetType::ForwardOnly);
         } catch (const platform::RuntimeError& error) {
-            if (writing.what.empty()) ComplainAbout(wanted, file, error.what());
+            if (writing.what.empty()) ComplainAbout(wanted.what, file, error.what());
             return;
         }
         if (isWritten && writing.what.empty())
@@ -181,8 +212,11 @@ class Look {
         for (const Text& name : names) {
             const Text path = PathOf(u"BackGrnd", name);
             ShowFile("picture", path);
-            if (installation_.layers.FindAll(path).empty())
+            const auto files = installation_.layers.FindAll(path);
+            if (files.empty())
                 Complain("the picture " + ToUtf8(name) + " is missing", reinstall);
+            else if (!IsPicture(files.front()))
+                ComplainAbout("picture", files.front(), "this is no picture, or it can't be read");
         }
     }
 
@@ -208,12 +242,8 @@ class Look {
 
     static std::string Server(platform::BusNames& bus, const std::set<std::string>& startable,
                               const std::string& name) {
-        if (const int process = bus.ProcessOf(name)) {
-            std::error_code error;
-            const auto link = "/proc/" + std::to_string(process) + "/exe";
-            return "served by process " + std::to_string(process) + ", " +
-                   fs::read_symlink(link, error).native();
-        }
+        if (const int process = bus.ProcessOf(name))
+            return "served by process " + std::to_string(process) + ", " + ProgramOf(process).native();
         if (!startable.contains(name)) return "unknown";
         const auto service = FindService(name, ServiceDirectories());
         return service ? "starts " + service->command : "starts a program";

@@ -25,8 +25,8 @@ class FarObject : public Object {
         static const ClassDescription description{"FarObject", {}};
         return description;
     }
-    std::shared_ptr<void> WhenOwnerGone(std::function<void()> gone) override {
-        auto watch = std::make_shared<std::function<void()>>(std::move(gone));
+    std::shared_ptr<void> WhenOwnerGone(std::function<void()> left) override {
+        auto watch = std::make_shared<std::function<void()>>(std::move(left));
         peer_->watches_.push_back(watch);
         return watch;
     }
@@ -123,7 +123,7 @@ void Automation::Release(ObjectRef& object) {
     if (clients == 0) useChanged_(false);
 }
 
-ObjectRef Automation::CreateObject(TextView className) {
+ObjectRef Automation::CreateObject(TextView className, const std::shared_ptr<Patience>&) {
     created.push_back(Text(className));
     const auto found = others.find(Text(className));
     if (found == others.end()) throw RuntimeError(ErrorNumber::CannotCreateObject, ToUtf8(className));

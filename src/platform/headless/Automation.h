@@ -1,4 +1,4 @@
-// A bus without other processes: objects of this one stand in for them, and act when called.
+// A bus without other processes: objects of this one act for them when called.
 #pragma once
 
 #include <map>
@@ -48,7 +48,7 @@ class Automation : public platform::Automation {
     ObjectRef Create();
     void Release(ObjectRef& object);
 
-    ObjectRef CreateObject(TextView className) override;
+    ObjectRef CreateObject(TextView className, const std::shared_ptr<Patience>& patience) override;
     std::shared_ptr<Patience> NewPatience() override;
     ObjectRef Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) override;
     void Post(const ObjectRef& object, std::string_view member, InvokeKind kind, Arguments arguments,

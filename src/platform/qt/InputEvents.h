@@ -1,4 +1,4 @@
-// Tells input events of a window from others, and copies them.
+// Distinguishes input events of a window from others, and copies them.
 #pragma once
 
 #include <QEvent>

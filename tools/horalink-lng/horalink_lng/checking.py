@@ -71,7 +71,12 @@ class Database:
         self.name = name
         self.file = file
         self.origin = origin
-        self.connection = sqlite3.connect(f"{file.resolve().as_uri()}?mode=ro", uri=True)
+
+    def __enter__(self):
+        self.connection = sqlite3.connect(f"{self.file.resolve().as_uri()}?mode=ro", uri=True)
+
+    def __exit__(self, *_):
+        self.connection.close()
 
 
 def known_texts(files):
@@ -86,10 +91,9 @@ def made(files, translation, findings, folder):
             findings.add(translation.file, line, words)
     databases = []
     for file in files:
-        connection = sqlite3.connect(folder / file.stem, isolation_level=None)
-        connection.execute("PRAGMA ignore_check_constraints = ON")  # the checks below have better words
-        origin = fill(connection, file, translation, findings.add)
-        connection.close()
+        with contextlib.closing(sqlite3.connect(folder / file.stem, isolation_level=None)) as connection:
+            connection.execute("PRAGMA ignore_check_constraints = ON")  # the checks below have better words
+            origin = fill(connection, file, translation, findings.add)
         databases.append(Database(file.stem, folder / file.stem, origin))
     return databases
 
@@ -97,7 +101,7 @@ def made(files, translation, findings, folder):
 def given(file):
     name = next((name for name in (*LANGUAGE_FILES, REGISTER_FILE) if name.lower() == file.name.lower()), None)
     if not name:
-        raise Fault(f"{file}: this is not the name of a database of the add-in")
+        raise Fault(f"{file}: this is not the name of a database of the add-in; a translation has one like nl.po")
     if not file.is_file():
         raise Fault(f"{file}: there is no such file")
     return Database(name, file, Origin(file))
@@ -125,12 +129,12 @@ def reading(database, findings):
 
 
 def has_all_fields(database, findings, schemas):
-    connection = sqlite3.connect(":memory:")
-    fill(connection, schemas / f"{database.name}.sql", None, lambda *_: None)
+    with contextlib.closing(sqlite3.connect(":memory:")) as model:
+        fill(model, schemas / f"{database.name}.sql", None, lambda *_: None)
+        wanted = [(table, field) for table in TABLES for field in fields(model, table)]
     missing = None
     with reading(database, findings):
-        missing = [(table, field) for table in TABLES
-                   for field in set(fields(connection, table)) - set(fields(database.connection, table))]
+        missing = [(table, field) for table, field in wanted if field not in fields(database.connection, table)]
         for table, field in sorted(missing):
             if fields(database.connection, table):
                 findings.add(database.origin.file, None, f"{table}: the field {field} is missing")
@@ -177,7 +181,10 @@ def is_picture(file):
 
 def ask_add_in(databases, findings, checker):
     files = [str(databases[name].file.resolve()) if name in databases else "" for name in LANGUAGE_FILES]
-    ended = subprocess.run([checker, *files], capture_output=True, text=True, encoding="utf-8", check=False)
+    try:
+        ended = subprocess.run([checker, *files], capture_output=True, text=True, encoding="utf-8", check=False)
+    except OSError as error:
+        raise Fault(f"{checker}: {error.strerror}; in a checkout, ./run builds it") from error
     if ended.returncode:
         raise Fault(f"{checker}: it ended with {ended.returncode}: {ended.stderr.strip()}")
     for line in ended.stdout.splitlines():
@@ -188,9 +195,11 @@ def ask_add_in(databases, findings, checker):
 def check(sources, translation, schemas, checker, backgrounds):
     """All findings about files of SQL in a language, or about databases."""
     findings = Findings(translation)
-    with tempfile.TemporaryDirectory() as scratch:
+    with tempfile.TemporaryDirectory() as scratch, contextlib.ExitStack() as opened:
         files = [file for file in sources if file.suffix == ".sql"]
         databases = made(files, translation, findings, Path(scratch))
         databases += [given(file) for file in sources if file not in files]
+        for database in databases:
+            opened.enter_context(database)
         judge(databases, findings, schemas, checker, backgrounds)
     return findings.lines()

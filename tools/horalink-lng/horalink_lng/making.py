@@ -1,4 +1,5 @@
 """Makes databases, and the template of translations."""
+import contextlib
 import os
 import sqlite3
 import tempfile
@@ -26,11 +27,10 @@ def build(files, translation, folder):
     folder.mkdir(parents=True, exist_ok=True)
     with tempfile.TemporaryDirectory(dir=folder) as scratch:
         for file in files:
-            connection = sqlite3.connect(Path(scratch) / file.stem, isolation_level=None)
-            connection.execute("BEGIN")
-            fill(connection, file, translation)
-            connection.execute("COMMIT")
-            connection.close()
+            with contextlib.closing(sqlite3.connect(Path(scratch) / file.stem, isolation_level=None)) as connection:
+                connection.execute("BEGIN")
+                fill(connection, file, translation)
+                connection.execute("COMMIT")
         for file in files:
             os.replace(Path(scratch) / file.stem, folder / file.stem)
 
@@ -39,13 +39,12 @@ def english(files, report=stop):
     """The English texts with their notes, by context."""
     found = {}
     for file in files:
-        connection = sqlite3.connect(":memory:")
-        origin = fill(connection, file, None, report)
-        for context, table, rowid, _, text in texts(connection):
-            if context in found:
-                raise Fault(f"{file}:{origin.line(table, rowid)}: another text has the context {context}")
-            found[context] = text, origin.notes(table, rowid)
-        connection.close()
+        with contextlib.closing(sqlite3.connect(":memory:")) as connection:
+            origin = fill(connection, file, None, report)
+            for context, table, rowid, _, text in texts(connection):
+                if context in found:
+                    raise Fault(f"{file}:{origin.line(table, rowid)}: another text has the context {context}")
+                found[context] = text, origin.notes(table, rowid)
     return found
 
 

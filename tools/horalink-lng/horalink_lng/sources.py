@@ -36,8 +36,11 @@ def statements(file):
 def read(file):
     try:
         return file.read_text(encoding="utf-8")
-    except (OSError, UnicodeDecodeError) as error:
-        raise Fault(f"{file}: it can't be read: {error}") from error
+    except OSError as error:
+        raise Fault(f"{file}: it can't be read: {error.strerror}") from error
+    except UnicodeDecodeError as error:
+        line = error.object.count(b"\n", 0, error.start) + 1
+        raise Fault(f"{file}:{line}: this is not in UTF-8; let the editor save the file so") from error
 
 
 @dataclasses.dataclass

@@ -9,7 +9,7 @@ namespace platform {
 
 namespace {
 
-std::optional<std::string> Behind(std::string_view start, std::string_view message) {
+std::optional<std::string> After(std::string_view start, std::string_view message) {
     if (!message.starts_with(start)) return std::nullopt;
     return std::string(message.substr(start.size()));
 }
@@ -18,11 +18,11 @@ std::string WithMessage(std::string_view what, std::string_view message) {
     return std::string(what).append(": ").append(message);
 }
 
-// SQLite has one code for all that is wrong with a query; only its message tells what it is.
+// SQLite has one code for all that is wrong with a query; only its message says what it is.
 RuntimeError QueryFailure(std::string_view message, const std::string& file) {
-    if (const auto table = Behind("no such table: ", message))
+    if (const auto table = After("no such table: ", message))
         return MakeDataError(DataError::NoSuchTable, "The table '" + *table + "' was not found in " + file);
-    if (const auto field = Behind("no such column: ", message))
+    if (const auto field = After("no such column: ", message))
         return MakeDataError(DataError::NoSuchQueryField,
                              "The field '" + *field + "' was not found in " + file);
     if (message.ends_with("ORDER BY term does not match any column in the result set"))

@@ -13,7 +13,7 @@ namespace platform {
 
 class Statement;
 
-// Shared by the database object and its record sets. Once it is closed, its statements are gone, and
+// Shared by the database object and its record sets. Once it is closed, its statements are finalized, and
 // whoever uses them or it gets 3420.
 class SqliteConnection {
   public:

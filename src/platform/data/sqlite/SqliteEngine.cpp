@@ -32,7 +32,7 @@ class SqliteDatabase : public Database {
     std::shared_ptr<SqliteConnection> connection_;
 };
 
-// Tells apart what SQLite reports as one: a file that isn't there, one that the user may not reach, and one
+// Distinguishes what SQLite reports as one: a file that isn't there, one that the user may not reach, and one
 // that is empty, which SQLite would take for a new database.
 void RequireDatabaseFile(const fs::path& file) {
     std::error_code error;
