@@ -12,7 +12,7 @@ from pathlib import Path
 SOURCES = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(SOURCES / "scripts"))
 import manual  # noqa: E402
-from arrangement import CLASS_NAMES, Arrangement, wait_for  # noqa: E402
+from sandbox import CLASS_NAMES, Sandbox, wait_for  # noqa: E402
 from interruption import run  # noqa: E402
 from machine import machine  # noqa: E402
 
@@ -22,12 +22,12 @@ PEERS = ("lxqt-admin-time", "mate-time-admin")  # programs that set a clock, mea
 
 
 class Bench:
-    def __init__(self, build, arrangement, runs):
-        self.folder, self.arrangement, self.runs = build / "bench", arrangement, runs
+    def __init__(self, build, sandbox, runs):
+        self.folder, self.sandbox, self.runs = build / "bench", sandbox, runs
         self.text_dialog = self.folder / "text-dialog"
 
     def output(self, *command):
-        return subprocess.run([str(part) for part in command], env=self.arrangement.environment, text=True,
+        return subprocess.run([str(part) for part in command], env=self.sandbox.environment, text=True,
                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, check=True, timeout=900).stdout
 
     def columns(self, program, *arguments):
@@ -44,14 +44,14 @@ class Bench:
 
         A host serves the exchange object beforehand: stand-alone runs create one, and its start isn't the add-in's.
         """
-        host = self.arrangement.start([self.arrangement.host])
+        host = self.sandbox.start([self.sandbox.host])
         wait_for(lambda: EXCHANGE_CLASS in self.names(), 20, "the exchange object's class")
-        commands = {"text": [self.text_dialog], "alone": [self.arrangement.add_in, "Main Office"],
+        commands = {"text": [self.text_dialog], "alone": [self.sandbox.add_in, "Main Office"],
                     "created": [], **{peer: [peer] for peer in PEERS if shutil.which(peer)}}
         # The first round fills the disk cache.
         rounds = [{name: self.columns("first-paint", *command) for name, command in commands.items()}
                   for _ in range(self.runs + 1)][1:]
-        self.arrangement.end(host)
+        self.sandbox.end(host)
         times, resident, shares = ({name: [each[name][column][0] for each in rounds] for name in commands}
                                   for column in range(3))
         yield "start", "start to first paint, stand-alone", "ms", times["alone"], times["text"], 1.5
@@ -80,8 +80,8 @@ class Bench:
         yield "list-copy", "answer copied, against its late-bound reads", "µs", copy, reads, 2
 
     def idle(self):
-        programs = [self.arrangement.start(command).pid for command in
-                    ([self.arrangement.add_in, "Main Office"], [self.text_dialog])]
+        programs = [self.sandbox.start(command).pid for command in
+                    ([self.sandbox.add_in, "Main Office"], [self.text_dialog])]
         time.sleep(3)  # until the start is over
         wakes = []
         for _ in range(self.runs):
@@ -118,9 +118,9 @@ def main():
     parser.add_argument("--runs", type=int, default=15)
     parser.add_argument("--record", action="store_true")
     options = parser.parse_intermixed_args()
-    with Arrangement(options.build, options.build / "bench/arrangement", own_display=True, readable=False,
-                     managed=False).lay_out() as arrangement:
-        bench = Bench(options.build, arrangement, options.runs)
+    with Sandbox(options.build, options.build / "bench/sandbox", own_display=True, readable=False,
+                     managed=False).lay_out() as sandbox:
+        bench = Bench(options.build, sandbox, options.runs)
         rows = [row(*each) for name in options.names or groups for each in groups[name](bench)]
     content = "\n".join([f"{date.today()}, {machine()}, {options.runs} runs.\n",
                          "| Name | What | Measured | Floor | Ratio | Quartiles | At most |",

@@ -2,7 +2,7 @@
 import re
 from datetime import date
 
-from arrangement import wait_for
+from sandbox import wait_for
 from driver import LIMIT, UPPER, Driver, Role
 from texts import Texts
 
@@ -11,9 +11,9 @@ DAY = 24 * 60 * 60
 
 
 class Demonstration:
-    def __init__(self, arrangement, pictures, exchange):
-        self.driver = Driver(arrangement)
-        self.texts = Texts(arrangement)
+    def __init__(self, sandbox, pictures, exchange):
+        self.driver = Driver(sandbox)
+        self.texts = Texts(sandbox)
         self.dialog = self.texts.title(exchange)
         self.host = HOST + exchange
         self.pictures = pictures

@@ -11,7 +11,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 from gi.repository import GLib  # noqa: E402
 
-from arrangement import wait_for  # noqa: E402
+from sandbox import wait_for  # noqa: E402
 
 LIMIT = 25  # seconds for what comes at once on an idle machine
 LARGEST_FRAME = 30  # pixels that a window manager draws at a side of a window
@@ -27,12 +27,12 @@ def name_pattern(title):
 
 
 class Driver:
-    """Drives the programs of one arrangement. One for each process: the accessibility bus is connected once."""
+    """Drives the programs of one sandbox. One for each process: the accessibility bus is connected once."""
 
-    def __init__(self, arrangement):
-        self.arrangement = arrangement
+    def __init__(self, sandbox):
+        self.sandbox = sandbox
         for name in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"):
-            os.environ[name] = arrangement.environment[name]
+            os.environ[name] = sandbox.environment[name]
         Atspi.init()
         Atspi.set_timeout(2000, 4000)
 

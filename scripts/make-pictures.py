@@ -4,7 +4,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-from arrangement import Arrangement, wait_for
+from sandbox import Sandbox, wait_for
 from run import EXCHANGE
 from texts import Texts
 
@@ -20,12 +20,12 @@ def take(file, window):
     subprocess.run(["import", "-silent", "-frame", "-window", found.stdout.split()[0], "-strip", str(file)], check=True)
 
 
-def take_pictures(arrangement, pictures, language):
+def take_pictures(sandbox, pictures, language):
     from driver import Driver, Role
-    driver, texts = Driver(arrangement), Texts(arrangement)
+    driver, texts = Driver(sandbox), Texts(sandbox)
     dialog = texts.title(EXCHANGE)
     ending = "" if language == "en" else f"-{language}"
-    arrangement.start([arrangement.host, "--open", EXCHANGE])
+    sandbox.start([sandbox.host, "--open", EXCHANGE])
     driver.window("switchdesk", HOST, seconds=30)
     take(pictures / f"dialog{ending}.png", driver.window("horalink", dialog, seconds=30))
     driver.click(driver.find("horalink", texts.lookup, Role.PUSH_BUTTON))
@@ -46,8 +46,8 @@ def main(build, pictures, language=None):
             subprocess.run([sys.executable, __file__, build, pictures, each], check=True)
         return
     folder = Path(build) / "pictures-installation"
-    with Arrangement(build, folder, own_display=True, language=language).lay_out() as arrangement:
-        take_pictures(arrangement, Path(pictures), language)
+    with Sandbox(build, folder, own_display=True, language=language).lay_out() as sandbox:
+        take_pictures(sandbox, Path(pictures), language)
 
 
 if __name__ == "__main__":

@@ -9,17 +9,17 @@ from pathlib import Path
 
 import dbus
 
-from arrangement import Arrangement
+from sandbox import Sandbox
 
 EXCHANGE = "Main Office"
 
 
-def demonstrate(arrangement, pictures):
+def demonstrate(sandbox, pictures):
     for old in pictures.glob("*.png"):
         old.unlink()
-    arrangement.start([arrangement.host, "--verbose", "--open", EXCHANGE])
+    sandbox.start([sandbox.host, "--verbose", "--open", EXCHANGE])
     from demonstration import Demonstration
-    good = Demonstration(arrangement, pictures, EXCHANGE).run()
+    good = Demonstration(sandbox, pictures, EXCHANGE).run()
     print(f"--- pictures of every step: {pictures}")
     return 0 if good else 1
 
@@ -33,16 +33,16 @@ def exchanges():
     return [word for name in names for word in ("--exchange", name)]
 
 
-def open_host(arrangement):
-    return arrangement.start([arrangement.host, "--verbose", "--open", EXCHANGE, *exchanges()]).wait()
+def open_host(sandbox):
+    return sandbox.start([sandbox.host, "--verbose", "--open", EXCHANGE, *exchanges()]).wait()
 
 
-def run_command(arrangement, command):
-    if not shutil.which(command[0], path=arrangement.environment["PATH"]):
+def run_command(sandbox, command):
+    if not shutil.which(command[0], path=sandbox.environment["PATH"]):
         if Path(command[0]).is_file():
             sys.exit(f"run: '{command[0]}' can't be run; chmod +x makes it a command")
         sys.exit(f"run: there is no command '{command[0]}'")
-    return arrangement.start(command).wait()
+    return sandbox.start(command).wait()
 
 
 def language_of_environment(build):
@@ -53,24 +53,24 @@ def language_of_environment(build):
 
 def main(build, asked, way="", *rest):
     build = Path(build)
-    arrangement = Arrangement(build, build / "installation", language=asked or language_of_environment(build))
+    sandbox = Sandbox(build, build / "installation", language=asked or language_of_environment(build))
     if asked:
-        arrangement.speak()
-    if way and arrangement.own_display:
+        sandbox.speak()
+    if way and sandbox.own_display:
         print("run: there is no display, so windows open on a virtual one that nobody sees; Ctrl+C ends it",
               file=sys.stderr)
-    with arrangement.lay_out():
+    with sandbox.lay_out():
         if way == "stand-alone":
-            return arrangement.start([arrangement.add_in, *rest]).wait()
+            return sandbox.start([sandbox.add_in, *rest]).wait()
         if way == "bus":
-            return run_command(arrangement, rest)
-        if arrangement.own_display:
-            return demonstrate(arrangement, build / "pictures")
-        return open_host(arrangement)
+            return run_command(sandbox, rest)
+        if sandbox.own_display:
+            return demonstrate(sandbox, build / "pictures")
+        return open_host(sandbox)
 
 
 if __name__ == "__main__":
-    # What was started ends with the arrangement, however this one is ended.
+    # What was started ends with the sandbox, however this one is ended.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
     try:
         sys.exit(main(*sys.argv[1:]))

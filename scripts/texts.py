@@ -4,9 +4,9 @@ from pathlib import Path
 
 
 class Texts:
-    def __init__(self, arrangement):
-        self.language = arrangement.language
-        self.file = arrangement.root / "ADDINS/DATABASE" / arrangement.language / "Horalink.lng"
+    def __init__(self, sandbox):
+        self.language = sandbox.language
+        self.file = sandbox.root / "ADDINS/DATABASE" / sandbox.language / "Horalink.lng"
 
     def _text(self, query, *values):
         database = sqlite3.connect(self.file)

@@ -20,7 +20,7 @@ import dbus.mainloop.glib
 import dbus.service
 from gi.repository import GLib
 
-from arrangement import wait_for
+from sandbox import wait_for
 
 TIMEDATE, UNITS, PROPERTIES = "org.freedesktop.timedate1", "org.freedesktop.systemd1", "org.freedesktop.DBus.Properties"
 TIMEDATE_PATH, UNIT_PATH = "/org/freedesktop/timedate1", "/org/freedesktop/systemd1/unit/far_2dntp_2eservice"
@@ -80,8 +80,8 @@ exec /usr/bin/ssh -F {folder}/ssh_config "$@"
 class FarSide:
     """`environment` is that of a program that finds the far side by ssh, and as its own system bus."""
 
-    def __init__(self, arrangement, run, clock):
-        self.folder, self.run = arrangement.folder / "far", run
+    def __init__(self, sandbox, run, clock):
+        self.folder, self.run = sandbox.folder / "far", run
         (self.folder / "bin").mkdir(parents=True)
         with socket.create_server(("127.0.0.1", 0)) as free:
             port = free.getsockname()[1]
@@ -92,20 +92,20 @@ class FarSide:
         capability = WITHOUT_CLOCK if os.getuid() == 0 else ""
         for name, command in ((TIMEDATE, f"{capability}/bin/sh {self.folder}/service"),
                               (UNITS, f"{sys.executable} {__file__} {UNITS}")):
-            (arrangement.folder / f"services/{name}.service").write_text(f"[D-BUS Service]\nName={name}\nExec={command}\n")
-        self.address = arrangement.start_bus("far-bus", arrangement.environment)
+            (sandbox.folder / f"services/{name}.service").write_text(f"[D-BUS Service]\nName={name}\nExec={command}\n")
+        self.address = sandbox.start_bus("far-bus", sandbox.environment)
         for name, text in FILES.items():
             (self.folder / name).write_text(text.format(
                 folder=self.folder, port=port, address=shlex.quote(self.address), user=getpass.getuser(), clock=clock,
                 python=sys.executable, here=__file__, timedate=TIMEDATE, modules=os.environ["PYTHONPATH"]))
         (self.folder / "bin/ssh").chmod(0o700)
-        self.environment = {**arrangement.environment, "DBUS_SYSTEM_BUS_ADDRESS": self.address,
-                            "PATH": f"{self.folder}/bin:{arrangement.environment['PATH']}"}
+        self.environment = {**sandbox.environment, "DBUS_SYSTEM_BUS_ADDRESS": self.address,
+                            "PATH": f"{self.folder}/bin:{sandbox.environment['PATH']}"}
         if os.getuid() == 0:
             Path("/run/sshd").mkdir(mode=0o755, exist_ok=True)  # without an init nobody else does
         log = self.folder / "sshd.log"
         with open(log, "w", encoding="utf-8") as output:
-            arrangement.start(["/usr/sbin/sshd", "-D", "-e", "-f", self.folder / "sshd_config"], stderr=output)
+            sandbox.start(["/usr/sbin/sshd", "-D", "-e", "-f", self.folder / "sshd_config"], stderr=output)
         wait_for(lambda: "Server listening" in log.read_text(), 20, "sshd to listen")
         self.bus = dbus.bus.BusConnection(self.address)
 

@@ -15,7 +15,7 @@ from concurrent.futures import Future
 
 from gi.repository import Gio, GLib
 
-from arrangement import SOURCES
+from sandbox import SOURCES
 
 CONTRACT, ADD_IN_CLASS, EXCHANGE = "org.velmora.Automation1.", "Horalink10013.cOLELayer", "Main Office"
 BUS = "org.freedesktop.DBus"

@@ -1,11 +1,10 @@
 """What assistive programs hear of the dialog, and that it is worked by keys alone; in two languages."""
 from datetime import date
 
-from end_to_end import open_stage as setUpModule  # noqa: F401
-
-import stage
+import testbed
 from driver import Atspi, GLib, Role
-from stage import ADD_IN, EXCHANGE, EndToEndTest
+from testbed import ADD_IN, EXCHANGE, EndToEndTest
+from testbed import set_up as setUpModule  # noqa: F401
 from texts import Texts
 
 BUTTONS = [(Role.PUSH_BUTTON, "cmdButton", index) for index in (0, 1, 2)]
@@ -18,37 +17,37 @@ DAY = {"en": "{0:%A}, {0.day} {0:%B} {0.year}", "ja": "{0.year}年{0.month}月{0
 
 class Accessibility(EndToEndTest):
     def open_in(self, language):
-        stage.arrangement.language = language
-        stage.arrangement.speak()
-        stage.arrangement.install()
-        self.texts = Texts(stage.arrangement)
-        self.start([stage.arrangement.add_in, EXCHANGE])
-        self.window = stage.driver.window(ADD_IN, self.texts.title(EXCHANGE))
+        testbed.sandbox.language = language
+        testbed.sandbox.speak()
+        testbed.sandbox.install()
+        self.texts = Texts(testbed.sandbox)
+        self.start([testbed.sandbox.add_in, EXCHANGE])
+        self.window = testbed.driver.window(ADD_IN, self.texts.title(EXCHANGE))
         self.wait_for(self.focused, "the dialog to have the keyboard")
 
     def node(self, control):
-        return stage.driver.find(ADD_IN, self.name(control), control[0], window=self.texts.title(EXCHANGE))
+        return testbed.driver.find(ADD_IN, self.name(control), control[0], window=self.texts.title(EXCHANGE))
 
     def name(self, control):
         return self.texts.control(*control[1:])
 
     def focused(self):
         """The name of the control that has the keyboard."""
-        return next((node.get_name() for node in stage.driver.nodes(self.window)
+        return next((node.get_name() for node in testbed.driver.nodes(self.window)
                      if node.get_state_set().contains(Atspi.StateType.FOCUSED)), None)
 
     def press_tab(self):
         before = self.focused()
-        stage.driver.press("Tab")
+        testbed.driver.press("Tab")
         return self.wait_for(lambda: self.focused() != before and self.focused(), "the focus to go on")
 
     def press_at(self, control, key):
         name = self.name(control)
         self.wait_for(lambda: self.focused() == name or self.press_tab() == name, f"a key to lead to '{name}'")
-        stage.driver.press(key)
+        testbed.driver.press(key)
 
     def box(self):
-        return stage.driver.box(ADD_IN, besides=[self.window.get_name()])
+        return testbed.driver.box(ADD_IN, besides=[self.window.get_name()])
 
     def hear(self, *what):
         def look():
@@ -72,7 +71,7 @@ class Accessibility(EndToEndTest):
                 self.ask_what_this_is()
 
     def check_what_is_read_out(self, today):
-        nodes = list(stage.driver.nodes(self.window))
+        nodes = list(testbed.driver.nodes(self.window))
         self.assertEqual(self.window.get_role(), Role.DIALOG)
         self.assertTrue(all(node.get_name() for node in nodes))
         self.assertFalse({node.get_role() for node in nodes} & {Role.UNKNOWN, Role.INVALID, Role.FILLER})
@@ -91,29 +90,29 @@ class Accessibility(EndToEndTest):
         minute, spin = self.node(MINUTE), self.node(SPIN)
 
         def held():
-            return {int(stage.driver.value(minute)), int(Atspi.Value.get_current_value(spin))}
+            return {int(testbed.driver.value(minute)), int(Atspi.Value.get_current_value(spin))}
         self.press_at(TRACK, "space")
         self.press_at(MINUTE, "Home")
         (before,) = self.wait_for(lambda: len(both := held()) == 1 and both, "the value of the minute")
-        stage.driver.press("Up")
+        testbed.driver.press("Up")
         self.wait_for(lambda: held() == {(before + 1) % 60}, "a step")
         self.press_at(LOOKUP, "space")
-        button = stage.driver.button(self.box())
-        self.wait_for(lambda: stage.driver.is_focused(button), "the default button to have the keyboard")
-        stage.driver.press("Return")
+        button = testbed.driver.button(self.box())
+        self.wait_for(lambda: testbed.driver.is_focused(button), "the default button to have the keyboard")
+        testbed.driver.press("Return")
         self.wait_for(lambda: self.focused() == self.name(LOOKUP), "the keyboard to come back")
 
     def ask_what_this_is(self):
         item, box = (Role.MENU_ITEM, self.texts.caption("itmWhatsThis")), (Role.CHECK_BOX, self.name(TRACK))
         self.press_at(TRACK, "Menu")
         self.hear(*item)
-        stage.driver.find(ADD_IN, item[1], item[0])
-        stage.driver.press("Escape")
+        testbed.driver.find(ADD_IN, item[1], item[0])
+        testbed.driver.press("Escape")
         self.hear(*box)
-        stage.driver.press("shift+F10")
+        testbed.driver.press("shift+F10")
         self.hear(*item)
-        stage.driver.press("Return")
+        testbed.driver.press("Return")
         self.hear(Role.DIALOG, self.box().get_name())
         self.assertTrue(self.box().get_description())
-        stage.driver.press("Escape")
+        testbed.driver.press("Escape")
         self.hear(*box)

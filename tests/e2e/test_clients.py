@@ -6,13 +6,11 @@ import subprocess
 import sys
 from datetime import date
 
-from end_to_end import BUILD, Host, run
-from end_to_end import open_stage as setUpModule  # noqa: F401
-
-import stage
-from arrangement import SOURCES
+import testbed
 from driver import Role
-from stage import ADD_IN, LIMIT, LOOKUP, SWITCHDESK, UPDATE, EndToEndTest, dialog_title, pids
+from sandbox import SOURCES
+from testbed import ADD_IN, BUILD, LIMIT, LOOKUP, SWITCHDESK, UPDATE, EndToEndTest, Host, dialog_title, pids, run
+from testbed import set_up as setUpModule  # noqa: F401
 
 EXAMPLES = [(sys.executable, SOURCES / "examples/host.py"), (BUILD / "examples/example-host",),
             (sys.executable, SOURCES / "examples/minimal_host.py")]
@@ -23,7 +21,7 @@ class Companion(EndToEndTest):
         Host(self, "--trace", "--item=0:SecondData=MMXXVI", "--lack=ShowCode").open()
         self.press(LOOKUP)
         self.close_box("Reading Failed")
-        log = (stage.arrangement.folder / "bus.log").read_text(encoding="utf-8")
+        log = (testbed.sandbox.folder / "bus.log").read_text(encoding="utf-8")
         self.assertEqual(re.findall(r"^horalink: ([^,\n]*)", log, re.M), [
             "ShowCode skipped: error 438", 'item 0: SecondData "MMXXVI" and item 1: SecondData '
             f'"{date.today():%m/%d}" aren\'t a date: reading failed'])
@@ -34,18 +32,18 @@ class Companion(EndToEndTest):
         host.wait_for_line('ShowMessage("PBX clock request: R1"')
         os.kill(*pids(ADD_IN), signal.SIGKILL)
         host.wait_for_line("# add-in has left")
-        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
+        testbed.driver.click(testbed.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
         self.press(LOOKUP)
         host.wait_for_line('Login("Main Office", <object>) -> "L2"')
 
     def test_an_answer_under_way_is_asked_about_before_another_exchange_opens(self):
         def open_exchange(window, name, answer=None):
             window = f"Switchdesk \u2013 {window}"
-            stage.driver.raise_window(window)
-            stage.driver.click(stage.driver.find(SWITCHDESK, name, Role.TABLE_CELL, window=window))
-            stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
+            testbed.driver.raise_window(window)
+            testbed.driver.click(testbed.driver.find(SWITCHDESK, name, Role.TABLE_CELL, window=window))
+            testbed.driver.click(testbed.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
             if answer:
-                stage.driver.click(stage.driver.find(SWITCHDESK, answer, Role.PUSH_BUTTON))
+                testbed.driver.click(testbed.driver.find(SWITCHDESK, answer, Role.PUSH_BUTTON))
         host = Host(self, "--answer=late:10000", "--logins=1").open()
         self.press(LOOKUP)
         host.wait_for_line('ShowMessage("PBX clock request: R1"')
@@ -53,7 +51,7 @@ class Companion(EndToEndTest):
         open_exchange("Branch 3", "Warehouse", "Wait")
         self.close_box("PBX Clock")
         host.wait_for_line('LogOut("Branch 3", "L1")')
-        messages = stage.driver.value(stage.driver.find(SWITCHDESK, "Messages", Role.TEXT))
+        messages = testbed.driver.value(testbed.driver.find(SWITCHDESK, "Messages", Role.TEXT))
         self.assertRegex(messages, r"Main Office: clock read$")
         opened = [line for line in host.lines() if line.startswith("# RegisterPBX")]
         self.assertEqual(opened, [f'# RegisterPBX("{name}") returned False' for name in ("Main Office", "Branch 3")])
@@ -66,12 +64,12 @@ class Companion(EndToEndTest):
                 Host(self).open()
                 add_in, *_ = pids(ADD_IN)
                 os.kill(add_in, signal.SIGSTOP)
-                stage.driver.raise_window("Switchdesk \u2013 Main Office")
+                testbed.driver.raise_window("Switchdesk \u2013 Main Office")
                 for button in buttons:
-                    stage.driver.click(stage.driver.find(SWITCHDESK, button, Role.PUSH_BUTTON))
-                    self.wait_for(lambda pressed=button: not stage.driver.is_enabled(
-                        stage.driver.find(SWITCHDESK, pressed, Role.PUSH_BUTTON)), "the button to be disabled")
-                stage.driver.press("alt+F4")
+                    testbed.driver.click(testbed.driver.find(SWITCHDESK, button, Role.PUSH_BUTTON))
+                    self.wait_for(lambda pressed=button: not testbed.driver.is_enabled(
+                        testbed.driver.find(SWITCHDESK, pressed, Role.PUSH_BUTTON)), "the button to be disabled")
+                testbed.driver.press("alt+F4")
                 self.wait_until_gone(SWITCHDESK)
                 self.assertEqual(pids(ADD_IN), [add_in])
                 os.kill(add_in, signal.SIGKILL)
@@ -79,11 +77,11 @@ class Companion(EndToEndTest):
     def test_last_of_two_hosts_ends_the_process(self):
         first, second = Host(self).open(), Host(self, exchange="Warehouse").open()
         self.assertEqual(len(pids(ADD_IN)), 1)
-        stage.driver.raise_window(dialog_title("Warehouse"))
+        testbed.driver.raise_window(dialog_title("Warehouse"))
         self.look_up()
         first.close_add_in()
         first.wait_for_line("# lets go of the add-in")
-        stage.driver.raise_window(dialog_title("Warehouse"))
+        testbed.driver.raise_window(dialog_title("Warehouse"))
         self.assert_usable()
         second.close_add_in()
         second.wait_for_line("# add-in has left")
@@ -102,13 +100,13 @@ class Examples(EndToEndTest):
                 self.assert_usable()
                 self.press(UPDATE)
                 self.assertEqual(self.close_box("Update Failed").count("CODE NOT ALLOWED"), 3)
-                stage.driver.raise_window(dialog_title("Example"))
-                stage.driver.press("alt+F4")
+                testbed.driver.raise_window(dialog_title("Example"))
+                testbed.driver.press("alt+F4")
                 printed, _ = process.communicate(timeout=LIMIT)
                 self.assertEqual(process.returncode, 0, printed)
                 # The least one prints the messages alone.
                 shown = re.findall(r'^(?:ShowMessage\(")?(PBX clock request: \w+|OK)\b', printed, re.M)
                 self.assertEqual(shown, 2 * ["PBX clock request: KEY", "PBX clock request: ACCEPTED", "OK"])
                 self.wait_until_gone()
-                stage.arrangement.add_in.unlink()
+                testbed.sandbox.add_in.unlink()
                 self.assertRegex(run(command).stderr, r"^[^\n]*(429|CreateInstance)[^\n]*\n$")

@@ -6,12 +6,10 @@ import time
 from datetime import date, datetime, timedelta, timezone
 from zoneinfo import ZoneInfo
 
-import end_to_end
-import stage
+import testbed
 from driver import Role
-from end_to_end import BUILD, Host, run
 from far_side import FarSide
-from stage import ADD_IN, CLOCK_READ, LOOKUP, SWITCHDESK, UPDATE
+from testbed import ADD_IN, BUILD, CLOCK_READ, LOOKUP, SWITCHDESK, UPDATE, Host, run
 
 AHEAD, LONG = 1000, 40  # seconds: the far clock until it is set; the link has limits of 12 and 6
 UPDATED, FAILED, NOT_READ = "The date and time of the PBX have been updated.", "Update Failed", "Reading Failed"
@@ -22,8 +20,8 @@ far = None
 
 def setUpModule():
     global far
-    end_to_end.open_stage()
-    far = FarSide(stage.arrangement, run, BUILD / "tests/e2e/libown_clock.so")
+    testbed.set_up()
+    far = FarSide(testbed.sandbox, run, BUILD / "tests/e2e/libown_clock.so")
 
 
 def lose_before():
@@ -66,12 +64,12 @@ def next_change():
         timezone.utc).astimezone(NEW_YORK).hour != 2)
 
 
-class Exchanges(stage.EndToEndTest):
+class Exchanges(testbed.EndToEndTest):
     def open(self, place, *faults):
         """The dialog for an exchange there."""
         far.reset(AHEAD, *faults)
         self.host = Host(self, "--exchange", f"far={place}", exchange="far", environment=far.environment).open()
-        stage.driver.raise_window(stage.dialog_title("far"))
+        testbed.driver.raise_window(testbed.dialog_title("far"))
 
     def assert_host_says(self, sentence):
         said = [line for line in self.host.lines() if line.startswith("ShowMessage(")]
@@ -93,19 +91,19 @@ class Exchanges(stage.EndToEndTest):
 
     def choose_day(self, day):
         for name in ("Follow the time of this PC", "Follow the date of this PC"):
-            stage.driver.untick(stage.driver.find(ADD_IN, name, Role.CHECK_BOX))
+            testbed.driver.untick(testbed.driver.find(ADD_IN, name, Role.CHECK_BOX))
         self.choose("Hour")
         months = (day.year - date.today().year) * 12 + day.month - date.today().month
-        stage.driver.press("Tab", "Tab", "Tab", *["Next"] * months, "Return", *["Right"] * (day.day - 1))
+        testbed.driver.press("Tab", "Tab", "Tab", *["Next"] * months, "Return", *["Right"] * (day.day - 1))
 
     def choose(self, name, wanted=None):
         """A part of the time, and what it is to show."""
-        part = stage.driver.find(ADD_IN, name, Role.TEXT)
-        stage.driver.click(part)
-        self.wait_for(lambda: stage.driver.is_focused(part), f"'{name}' to be chosen")
-        while wanted not in (None, before := stage.driver.value(part)):
-            stage.driver.press("Up")
-            self.wait_for(lambda before=before: stage.driver.value(part) != before, f"'{name}' to change")
+        part = testbed.driver.find(ADD_IN, name, Role.TEXT)
+        testbed.driver.click(part)
+        self.wait_for(lambda: testbed.driver.is_focused(part), f"'{name}' to be chosen")
+        while wanted not in (None, before := testbed.driver.value(part)):
+            testbed.driver.press("Up")
+            self.wait_for(lambda before=before: testbed.driver.value(part) != before, f"'{name}' to change")
         return before
 
     def test_it_is_right_to_the_second_in_another_time_zone_and_over_a_change_of_its_clocks(self):
@@ -178,9 +176,9 @@ class Exchanges(stage.EndToEndTest):
         self.wait_for_message("far: reading the clock")
         self.kill_add_in("L2")
         far.signal_connections(signal.SIGCONT)
-        stage.driver.raise_window("Switchdesk")
-        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
-        stage.driver.raise_window(stage.dialog_title("far"))
+        testbed.driver.raise_window("Switchdesk")
+        testbed.driver.click(testbed.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
+        testbed.driver.raise_window(testbed.dialog_title("far"))
         self.assert_shown()
         (far.folder / "stop-before").touch()
         self.press(UPDATE)
@@ -190,9 +188,9 @@ class Exchanges(stage.EndToEndTest):
         self.wait_for_message("far: clock set")
 
     def wait_for_message(self, text):
-        messages = stage.driver.find(SWITCHDESK, "Messages", Role.TEXT)
-        self.wait_for(lambda: text in stage.driver.value(messages), text)
+        messages = testbed.driver.find(SWITCHDESK, "Messages", Role.TEXT)
+        self.wait_for(lambda: text in testbed.driver.value(messages), text)
 
     def kill_add_in(self, key):
-        os.kill(stage.pids(ADD_IN)[0], signal.SIGKILL)
+        os.kill(testbed.pids(ADD_IN)[0], signal.SIGKILL)
         self.host.wait_for_line(f"# client of {key} has left")

@@ -7,13 +7,11 @@ import signal
 import sys
 from pathlib import Path
 
-from end_to_end import OwnHostTest, chosen
-from end_to_end import open_own_stage as setUpModule  # noqa: F401
-
-import stage
+import testbed
 from driver import Role
 from host import LIMIT, READ, asked, clock, good, logged_out, result, told
-from stage import ADD_IN, CLOCK_READ, GIVE_UP, LOGIN_FAILED, LOOKUP, WAIT_BOX
+from testbed import ADD_IN, CLOCK_READ, GIVE_UP, LOGIN_FAILED, LOOKUP, WAIT_BOX, OwnHostTest, chosen
+from testbed import set_up_without_service as setUpModule  # noqa: F401
 
 ANSWER, FAILED, NOTHING = [CLOCK_READ], [LOGIN_FAILED], []
 # The member at whose call the host gets the signal, if it sends that to itself; the boxes where it is killed, stands
@@ -45,12 +43,12 @@ class Hosts(OwnHostTest):
         self.harm = signal.SIGKILL if "killed" in fault else signal.SIGSTOP
         self.member, *self.boxes_of, self.calls_later = STATES[state]
         answers = "" if state in ("waiting", "asked", "showing") else "answers"
-        self.log = stage.arrangement.folder / "host.log"
+        self.log = testbed.sandbox.folder / "host.log"
         with open(self.log, "w", encoding="utf-8") as log:
             self.host = self.start([sys.executable, Path(__file__).with_name("host.py"), self.member or "", self.harm.name,
                                     answers], stdout=log)
         self.wait_for(lambda: "open" in self.lines(), "the host to open the dialog")
-        stage.driver.raise_window(stage.dialog_title())
+        testbed.driver.raise_window(testbed.dialog_title())
 
     def lines(self):
         return self.log.read_text(encoding="utf-8").splitlines()
@@ -64,10 +62,10 @@ class Hosts(OwnHostTest):
 
     def enter(self, state):
         if state == "armed":  # for a tenth of a second: the add-in is stopped until the harm is done
-            stage.driver.aim(stage.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON))
+            testbed.driver.aim(testbed.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON))
             self.add_in.send_signal(signal.SIGSTOP)
             self.wait_until_still(self.add_in)
-            stage.driver.click_here()
+            testbed.driver.click_here()
         elif state != "idle":
             self.press(LOOKUP)
         if state in ("waiting", "asked", "showing"):
@@ -92,7 +90,7 @@ class Hosts(OwnHostTest):
                 self.host.send_signal(signal.SIGUSR1)
             self.host.send_signal(signal.SIGCONT)
         if fault == "never wakes" and state == "idle":
-            stage.driver.press("F1")
+            testbed.driver.press("F1")
 
     def wake(self):
         self.host.send_signal(signal.SIGCONT)
@@ -107,7 +105,7 @@ class Hosts(OwnHostTest):
         if fault == "stopped" and state != "idle":
             self.wait_for_calls(good("L1"))
         self.keeper.open(self.layer)
-        stage.driver.raise_window(stage.dialog_title())
+        testbed.driver.raise_window(testbed.dialog_title())
         self.assertIn(clock("L1"), self.look_up())
         self.assertEqual(self.keeper.asked_by(self.layer), good("L1"))
         if fault == "never wakes":

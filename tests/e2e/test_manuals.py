@@ -8,13 +8,11 @@ import shutil
 import subprocess
 from xml.etree import ElementTree
 
-from end_to_end import BUILD, OwnHostTest, changed, run
-from end_to_end import open_stage as setUpModule  # noqa: F401
-
-import stage
-from arrangement import SOURCES
+import testbed
 from host import result
-from stage import ADD_IN_CLASS
+from sandbox import SOURCES
+from testbed import ADD_IN_CLASS, BUILD, OwnHostTest, changed, run
+from testbed import set_up as setUpModule  # noqa: F401
 
 MANUALS = [SOURCES / name for name in ("README.md", "CONTRIBUTING.md")] + sorted(SOURCES.glob("docs/*.md"))
 OTHERS = [
@@ -54,7 +52,7 @@ def methods(interface):
 class Manuals(OwnHostTest):
     def setUp(self):
         super().setUp()
-        self.top = stage.arrangement.folder / "manuals"
+        self.top = testbed.sandbox.folder / "manuals"
         shutil.rmtree(self.top, ignore_errors=True)
         subprocess.run(["cmake", "--install", BUILD, "--prefix", self.top / "usr"], check=True, capture_output=True)
 
@@ -66,7 +64,7 @@ class Manuals(OwnHostTest):
         (folder / "build").mkdir()
         for part in BUILD.iterdir():
             (folder / "build" / part.name).symlink_to(part)
-        return folder, changed(HOME=str(folder / "home"), PATH=f"{self.top}/usr/bin:{stage.arrangement.environment['PATH']}",
+        return folder, changed(HOME=str(folder / "home"), PATH=f"{self.top}/usr/bin:{testbed.sandbox.environment['PATH']}",
                                XDG_DATA_DIRS=f"{self.top}/usr/local/share:{self.top}/usr/share", XDG_CONFIG_HOME=None, XDG_DATA_HOME=None, XDG_CACHE_HOME=None)
 
     def test_commands(self):

@@ -3,27 +3,26 @@ import contextlib
 import sqlite3
 import subprocess
 
-from end_to_end import Host, OwnHostTest, changed, database_file, run
-from end_to_end import open_stage as setUpModule  # noqa: F401
-
-import stage
+import testbed
 from driver import Role
 from host import BUSY, result
-from stage import ADD_IN, CLOSE, EXCHANGE, LIMIT, LOOKUP, NOTICE, SWITCHDESK, UPDATE, dialog_title
+from testbed import (ADD_IN, CLOSE, EXCHANGE, LIMIT, LOOKUP, NOTICE, SWITCHDESK, UPDATE, Host, OwnHostTest, changed,
+                     database_file, dialog_title, run)
+from testbed import set_up as setUpModule  # noqa: F401
 
 NO_BUS = {"DBUS_SESSION_BUS_ADDRESS": "unix:path=/none"}
 
 
 class OnTheBus(OwnHostTest):
     def test_the_first_start_makes_the_register_the_users_own(self):
-        shared = stage.arrangement.root / "MORA32/DATABASE/Register.mdb"
-        before, own = shared.read_bytes(), stage.arrangement.own / "MORA32/DATABASE/Register.mdb"
+        shared = testbed.sandbox.root / "MORA32/DATABASE/Register.mdb"
+        before, own = shared.read_bytes(), testbed.sandbox.own / "MORA32/DATABASE/Register.mdb"
         self.assertFalse(own.exists())
         Host(self).open()
         with contextlib.closing(sqlite3.connect(own)) as database:
             self.assertEqual(database.execute("SELECT AppName, Version FROM Registry").fetchall(), [("Horalink.mra", "13.0.1")])
         self.assertEqual(shared.read_bytes(), before)
-        self.assertEqual([file.name for file in stage.arrangement.own.rglob("*.*")], [own.name])
+        self.assertEqual([file.name for file in testbed.sandbox.own.rglob("*.*")], [own.name])
 
     def test_a_failure_is_one_notice_and_an_error(self):
         """The end of a start that fails takes the objects with it that are there already."""
@@ -32,7 +31,7 @@ class OnTheBus(OwnHostTest):
         second = Host(self, exchange="Warehouse")
         self.assertRegex(self.close_box(NOTICE), r"(?s)Register\.mdb.*\[3343\]")
         second.wait_for_line("# add-in raised error 429")
-        stage.driver.find(SWITCHDESK, "The clock add-in can't be started (error 429).", Role.LABEL)
+        testbed.driver.find(SWITCHDESK, "The clock add-in can't be started (error 429).", Role.LABEL)
         host.wait_for_line("# add-in has left")
         self.wait_until_gone()
 
@@ -53,21 +52,21 @@ class OnTheBus(OwnHostTest):
         self.wait_for(lambda: all(host.asked_by(layer) == ["GetComData", "REGComData"] for layer in layers[:-1]), "their calls")
 
     def test_it_fails_at_once_where_the_bus_has_no_display(self):
-        environment = changed(DBUS_SESSION_BUS_ADDRESS=stage.arrangement.start_bus("bus-alone", changed(DISPLAY=None)))
+        environment = changed(DBUS_SESSION_BUS_ADDRESS=testbed.sandbox.start_bus("bus-alone", changed(DISPLAY=None)))
         Host(self, environment=environment).wait_for_line("# add-in raised error 429")
-        self.assertIn("display", (stage.arrangement.folder / "bus-alone.log").read_text())
+        self.assertIn("display", (testbed.sandbox.folder / "bus-alone.log").read_text())
 
 
 class AsAProgram(OwnHostTest):
     """Which creates the host's exchange object by the name of its class."""
 
     def open_alone(self, exchange=EXCHANGE, **environment):
-        self.add_in = self.start([stage.arrangement.add_in, exchange], environment=changed(**environment),
+        self.add_in = self.start([testbed.sandbox.add_in, exchange], environment=changed(**environment),
                                  stderr=subprocess.PIPE, text=True)
 
     def close_alone(self, title=dialog_title(), errors="^$"):
-        stage.driver.raise_window(title)
-        stage.driver.press("alt+F4")
+        testbed.driver.raise_window(title)
+        testbed.driver.press("alt+F4")
         self.assertRegex(self.add_in.communicate(timeout=LIMIT)[1], errors)
         self.assertEqual(self.add_in.returncode, 0)
 
@@ -75,18 +74,18 @@ class AsAProgram(OwnHostTest):
         self.open_alone()
         self.assert_usable()
         self.press(UPDATE)
-        self.assertEqual(self.close_box(stage.CLOCK_READ), "The date and time of the PBX have been updated.")
+        self.assertEqual(self.close_box(testbed.CLOCK_READ), "The date and time of the PBX have been updated.")
         self.assert_usable()
         self.close_alone()
         self.wait_until_gone(SWITCHDESK)
 
     def test_without_a_connection_it_can_only_be_closed(self):
         for exchange, title, prepare in (("Attic", dialog_title("Attic"), lambda: None),
-                                         (EXCHANGE, "PBX Clock", lambda: stage.arrangement.host.unlink())):
+                                         (EXCHANGE, "PBX Clock", lambda: testbed.sandbox.host.unlink())):
             with self.case(title):
                 prepare()
                 self.open_alone(exchange)
-                stage.driver.window(ADD_IN, title)
+                testbed.driver.window(ADD_IN, title)
                 self.assertEqual([self.is_enabled(button) for button in (LOOKUP, UPDATE, CLOSE)], [False, False, True])
                 self.close_alone(title)
 
@@ -94,7 +93,7 @@ class AsAProgram(OwnHostTest):
         for changes, argument, why in (({"DISPLAY": None}, EXCHANGE, "no display"), (NO_BUS, "-Embedding", "server"),
                                        ({"DISPLAY": ":4711"}, "-Embedding", ":4711")):
             with self.case(why):
-                done = run([stage.arrangement.add_in, argument], environment=changed(**changes))
+                done = run([testbed.sandbox.add_in, argument], environment=changed(**changes))
                 self.assertGreater(done.returncode, 0)
                 self.assertRegex(done.stderr, rf"^\S*horalink: [^\n]*{why}[^\n]*\n$")
         self.open_alone(**NO_BUS)

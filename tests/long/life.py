@@ -4,13 +4,11 @@ Controls are found by role and place: texts may be damaged here.
 """
 import time
 
-from end_to_end import BUILD, changed
-
-import stage
-from arrangement import wait_for
+import testbed
 from driver import Atspi, GLib, Role
 from host import BUSY, CALL, LIMIT, WRITE, Host, result
-from stage import ADD_IN, NOTICE
+from sandbox import wait_for
+from testbed import ADD_IN, BUILD, NOTICE, changed
 
 UPDATE, LOOKUP = 1, 2  # places of the buttons in the dialog
 IDLE_LIMIT = 100  # seconds; a process that nobody has used ends after a minute
@@ -37,9 +35,9 @@ class Life:
         self.before, self.presses, self.patience = before, presses, patience
         self.steps, self.boxes, self.names, self.ill, self.ended_early = [], [], [], "", True
         self.before("start")
-        self.host = Host(stage.arrangement.environment["DBUS_SESSION_BUS_ADDRESS"])
-        with open(stage.arrangement.folder / "errors", "w+", encoding="utf-8", errors="replace") as errors:
-            self.process = stage.arrangement.start([*prefix, stage.arrangement.add_in, "-Embedding"],
+        self.host = Host(testbed.sandbox.environment["DBUS_SESSION_BUS_ADDRESS"])
+        with open(testbed.sandbox.folder / "errors", "w+", encoding="utf-8", errors="replace") as errors:
+            self.process = testbed.sandbox.start([*prefix, testbed.sandbox.add_in, "-Embedding"],
                                                    changed(**environment), stderr=errors)
             try:
                 self.live()
@@ -50,7 +48,7 @@ class Life:
             finally:
                 self.process.kill()
                 self.status = self.process.wait()
-                stage.arrangement.processes.remove(self.process)
+                testbed.sandbox.processes.remove(self.process)
                 self.host.leave()
             errors.seek(0)
             self.has_notice = any(title == NOTICE for title, _ in self.boxes)
@@ -65,12 +63,12 @@ class Life:
     # --- steps ------------------------------------------------------------------------------------
 
     def live(self):
-        self.wait(lambda: stage.bus.name_has_owner(stage.ADD_IN_CLASS), "the add-in to serve", IDLE_LIMIT)
+        self.wait(lambda: testbed.bus.name_has_owner(testbed.ADD_IN_CLASS), "the add-in to serve", IDLE_LIMIT)
         # A host may try again: a creation that failed leaves nothing.
         layer = self.ask("create", self.host.create) or self.ask("create again", self.host.create)
         if not layer:
             raise TimeoutError("no creation succeeds")
-        if self.invoke("register", layer, "RegisterPBX", CALL, stage.EXCHANGE, self.host.at("/Host"), 7) is False \
+        if self.invoke("register", layer, "RegisterPBX", CALL, testbed.EXCHANGE, self.host.at("/Host"), 7) is False \
                 and self.invoke("show", layer, "Visible", WRITE, True) is not None:
             self.invoke("background", layer, "SetBackGround", CALL, 1)
             for number, place in enumerate(self.presses):
@@ -102,7 +100,7 @@ class Life:
     def press(self, step, place):
         """Up to the box of the request, or to where none comes any more. A disabled dialog looks like any other."""
         self.before(step)
-        button = self.wait(lambda: next(filter(stage.driver.is_enabled, self.nodes(Role.PUSH_BUTTON)[place:place + 1]), None),
+        button = self.wait(lambda: next(filter(testbed.driver.is_enabled, self.nodes(Role.PUSH_BUTTON)[place:place + 1]), None),
                            "the button to be enabled")
         boxes, calls, began = len(self.boxes), len(self.host.calls), time.monotonic()
         Atspi.Action.do_action(button, 0)
@@ -126,7 +124,7 @@ class Life:
             if self.process.poll() is not None:
                 raise Ended(what)
             if time.monotonic() > end:
-                raise TimeoutError(f"{what}, after {self.steps}, with {stage.driver.titles(ADD_IN)}")
+                raise TimeoutError(f"{what}, after {self.steps}, with {testbed.driver.titles(ADD_IN)}")
             try:
                 for box, *_ in self.windows(are_dialogs=False):
                     self.close(box)
@@ -138,7 +136,7 @@ class Life:
     @staticmethod
     def windows(are_dialogs):
         """Each as its widgets, the window the first. The dialog has the arrows, the boxes have none."""
-        windows = [list(stage.driver.nodes(window)) for window in stage.driver.windows(ADD_IN)]
+        windows = [list(testbed.driver.nodes(window)) for window in testbed.driver.windows(ADD_IN)]
         return [nodes for nodes in windows if are_dialogs == any(node.get_role() == Role.SPIN_BUTTON for node in nodes)]
 
     def nodes(self, *roles):
@@ -150,9 +148,9 @@ class Life:
 
     def close(self, box):
         """By its last button, which gives up where that is offered."""
-        buttons = stage.driver.buttons(box)
+        buttons = testbed.driver.buttons(box)
         if buttons:
-            self.boxes.append((box.get_name(), " ".join(stage.driver.texts(box))))
+            self.boxes.append((box.get_name(), " ".join(testbed.driver.texts(box))))
             Atspi.Action.do_action(buttons[-1], 0)
-            wait_for(lambda: box.clear_cache() or not stage.driver.is_showing(box) or self.process.poll() is not None, LIMIT,
+            wait_for(lambda: box.clear_cache() or not testbed.driver.is_showing(box) or self.process.poll() is not None, LIMIT,
                      f"the box '{box.get_name()}' to close")

@@ -2,7 +2,7 @@
 import contextlib
 import sqlite3
 
-from end_to_end import database_file
+from testbed import database_file
 
 OURS, OLD, NEW = "Horalink.mra", "0.0.0", "13.0.1"
 

@@ -5,12 +5,11 @@ the bus the next lookup succeeds, or the process has ended by itself. There is n
 """
 import random
 
-from end_to_end import chosen
-from end_to_end import open_own_stage as setUpModule  # noqa: F401
-
-import stage
+import testbed
 from life import LOOKUP, Life, failing
 from register import NEW, Register
+from testbed import chosen
+from testbed import set_up_without_service as setUpModule  # noqa: F401
 
 SAMPLE = {"file": 5, "full": 3, "sqlite": 12, "bus": 16}
 
@@ -19,9 +18,9 @@ class FailingLife(Life):
     """`marks` has the number of calls before each step, `failed` the call that failed with its code."""
 
     def __init__(self, family, number):
-        stage.arrangement.install()
+        testbed.sandbox.install()
         self.family, self.number, self.marks, self.register = family, number, {}, Register()
-        self.trace = stage.arrangement.folder / "trace"
+        self.trace = testbed.sandbox.folder / "trace"
         self.trace.write_text("")
         super().__init__(before=self.mark, presses=(LOOKUP, LOOKUP), **failing(f"{family}:{number}", self.trace))
         self.calls = self.trace.read_text().splitlines()
@@ -31,13 +30,13 @@ class FailingLife(Life):
         self.marks.setdefault(step, self.trace.read_bytes().count(b"\n"))
 
 
-class Calls(stage.EndToEndTest):
+class Calls(testbed.EndToEndTest):
     def test_what_comes_of_it(self):
         good = {family: FailingLife(family, 0) for family in SAMPLE}
         sample, every = [], []
         for family, life in good.items():
             self.assertEqual((life.ill, life.status, life.errors, life.failed), ("", 0, "", ""))
-            self.assertEqual([title for title, _ in life.boxes], [stage.CLOCK_READ] * 2)
+            self.assertEqual([title for title, _ in life.boxes], [testbed.CLOCK_READ] * 2)
             # The second lookup repeats the first: no call of it fails. What is one after the last call fails nothing.
             numbers = [*range(1, life.marks["press 1"] + 1), *range(life.marks["release"] + 1, len(life.calls) + 2)]
             every += [(family, number) for number in numbers]

@@ -7,12 +7,11 @@ import random
 import subprocess
 import sys
 
-from end_to_end import BUILD, chosen, database_file
-from end_to_end import open_own_stage as setUpModule  # noqa: F401
-
-import stage
+import testbed
 from life import Life
 from register import Register
+from testbed import BUILD, chosen, database_file
+from testbed import set_up_without_service as setUpModule  # noqa: F401
 
 FILES = {"Common.LNG": "en/Common.LNG", "Horalink.lng": "en/Horalink.lng", "Register.mdb": "Register.mdb"}
 PAGE, BITS, SAMPLE = 4096, 12, 45
@@ -38,7 +37,7 @@ def replace(file):
 
 def lock(file):
     """For ever, by another process: the locks of one don't count in it."""
-    stage.arrangement.start([sys.executable, "-c", LOCKER, file], stdout=subprocess.PIPE).stdout.readline()
+    testbed.sandbox.start([sys.executable, "-c", LOCKER, file], stdout=subprocess.PIPE).stdout.readline()
 
 
 DAMAGES = {"inverted": lambda file, page: change(file, range(page * PAGE, (page + 1) * PAGE), 0xFF),
@@ -61,10 +60,10 @@ def all_cases():
         yield from ((name, how, "start") for how in DENIALS)
 
 
-class Files(stage.EndToEndTest):
+class Files(testbed.EndToEndTest):
     def test_what_comes_of_it(self):
         good, every = Life(), list(all_cases())
-        self.assertEqual((good.ill, [title for title, _ in good.boxes]), ("", [stage.CLOCK_READ]))
+        self.assertEqual((good.ill, [title for title, _ in good.boxes]), ("", [testbed.CLOCK_READ]))
         for name, how, detail in chosen(random.Random(1).sample(every, SAMPLE), every):
             with self.case(f"{name}/{how}/{detail}"):
                 file = database_file(name)

@@ -9,13 +9,11 @@ import signal
 from pathlib import Path
 from statistics import median
 
-from end_to_end import SHARE, OwnHostTest
-from end_to_end import open_own_stage as setUpModule  # noqa: F401
-
-import stage
+import testbed
 from driver import Role
 from host import BUS, CALL, CONTRACT, connect, result
-from stage import ADD_IN, ADD_IN_CLASS, LOOKUP
+from testbed import ADD_IN, ADD_IN_CLASS, LOOKUP, SHARE, OwnHostTest
+from testbed import set_up_without_service as setUpModule  # noqa: F401
 
 ROUNDS, GROWTH = (100, 512) if SHARE else (10, 2048)  # KiB over the second half; the allocator takes some to settle
 PART = 3 + ROUNDS // 20  # that a figure is the median of
@@ -36,20 +34,20 @@ class LongLife(OwnHostTest):
         self.wait_for(lambda: self.host.objects(self.layer) == {self.layer[1]}, "all but the first object to go")
 
     def look_up_by_clicks(self):
-        stage.driver.aim(stage.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON))
+        testbed.driver.aim(testbed.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON))
         for click in range(CLICKS):
             self.host.code = 0 if click == CLICKS - 1 else NO_BOX
             before = len(self.host.calls)
-            stage.driver.click_here()
+            testbed.driver.click_here()
             self.wait_for(lambda: any(call.startswith("LogOut") for _, call in self.host.calls[before:]), "the log-out")
             self.assertIsNone(result(self.host.send(self.host.clients[f"L{len(self.host.clients)}"], "Object", "Release")))
-        self.close_box(stage.CLOCK_READ)
+        self.close_box(testbed.CLOCK_READ)
         self.host.code = NO_BOX
 
     def come_and_go(self, number):
         """A stranger creates objects, holds another's, and is away before it can have heard of that."""
         self.process.send_signal(signal.SIGSTOP)
-        stranger = connect(stage.arrangement.environment["DBUS_SESSION_BUS_ADDRESS"])
+        stranger = connect(testbed.sandbox.environment["DBUS_SESSION_BUS_ADDRESS"])
         calls = ((ADD_IN_CLASS, "/Factory", f"{CONTRACT}Factory", "CreateInstance"),
                  (*self.layer, f"{CONTRACT}Object", "Retain"))
         for call in calls * (number % 3 + 1):

@@ -9,13 +9,12 @@ import subprocess
 import sys
 from pathlib import Path
 
-from end_to_end import SHARE, OwnHostTest
-from end_to_end import open_own_stage as setUpModule  # noqa: F401
-
-import stage
+import testbed
 from host import LIMIT, result
 from life import failing
 from register import NEW, Register
+from testbed import SHARE, OwnHostTest
+from testbed import set_up_without_service as setUpModule  # noqa: F401
 
 OTHER = "A000.mra"  # the row that another add-in writes
 CREATIONS = 200 if SHARE else 20
@@ -40,7 +39,7 @@ class Registers(OwnHostTest):
         if layer[0].startswith(":"):
             client.send(layer, "Object", "Release")
         status = add_in.wait(LIMIT)
-        self.wait_for(stage.is_deserted, "the bus to know it")
+        self.wait_for(testbed.is_deserted, "the bus to know it")
         return status
 
     def test_kill(self):
@@ -51,7 +50,7 @@ class Registers(OwnHostTest):
                 register = Register()
                 status = self.write(f"kill:{number}")
                 # The next add-in has to find the journal, if there is one: a copy is looked at.
-                copy = shutil.copytree(register.file.parent, stage.arrangement.folder / f"copy-{number}")
+                copy = shutil.copytree(register.file.parent, testbed.sandbox.folder / f"copy-{number}")
                 journals += Path(f"{register.file}-journal").exists()
                 register.check(self, copy / register.file.name)
                 self.assertEqual(self.write(), 0)
@@ -62,7 +61,7 @@ class Registers(OwnHostTest):
     def test_two_add_ins_and_a_writer(self):
         """Another add-in writes its row again and again; in the end the row has what it wrote last."""
         register = Register(written=OTHER)
-        buses = [None, stage.arrangement.start_bus("other-bus", stage.arrangement.environment)]
+        buses = [None, testbed.sandbox.start_bus("other-bus", testbed.sandbox.environment)]
         add_ins = [self.start_add_in(address) for address in buses]
         writer = self.start([sys.executable, "-c", WRITER, register.file, OTHER], stdin=subprocess.PIPE,
                             stdout=subprocess.PIPE, text=True)

@@ -1,16 +1,24 @@
-"""Where whole programs are played with: display, bus and installation of this process, and the tools of a test that
-starts programs there, works the dialog, and is certain that none of them is left.
+"""What tests of whole programs share: a sandbox for each module, programs started in it, the dialog worked, the companion
+host with its log; and no test leaves a program.
+
+HORALINK_BUILD names the build folder. In a long run, HORALINK_SHARE is the share of this process in all cases, as
+"1/2", and HORALINK_ONLY the one case that is wanted.
 """
 import contextlib
+import itertools
 import os
 import signal
+import subprocess
+import sys
 import unittest
 from pathlib import Path
 
 import dbus.bus
 
-from arrangement import wait_for
-from driver import LIMIT, Role
+import host
+from driver import LIMIT, Driver, Role
+from host import BUS
+from sandbox import Sandbox, wait_for
 
 EXCHANGE = "Main Office"
 ADD_IN, SWITCHDESK = "horalink", "switchdesk"
@@ -26,17 +34,38 @@ ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.c
 GOOD = ["oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage",
         "ShowResults", "ShowMessage", "ShowCode", "oPBX", "LogOut"]
 
-# The accessibility library can be connected once in a process, so there is one stage in each.
-arrangement = None
+BUILD = Path(os.environ["HORALINK_BUILD"])
+SHARE, ONLY = os.environ.get("HORALINK_SHARE", ""), os.environ.get("HORALINK_ONLY")
+
+# Those of the module of tests; the accessibility library can be connected only once in a process.
+sandbox = None
 driver = None
 bus = None
 
 
-def take(installation, its_driver):
-    """Makes an installation the one that is played on."""
-    global arrangement, driver, bus
-    arrangement, driver = installation, its_driver
-    bus = connect()
+def set_up(starts_by_itself=True):
+    """Serves a module as its setUpModule."""
+    global sandbox, driver, bus
+    folder = BUILD / "tests/e2e" / f"{sys.argv[-1]}{SHARE.replace('/', '-of-')}"
+    sandbox = Sandbox(BUILD, folder, own_display=True).lay_out()
+    if not starts_by_itself:
+        (folder / f"services/{ADD_IN_CLASS}.service").unlink()
+    unittest.enterModuleContext(sandbox)
+    driver, bus = Driver(sandbox), connect()
+    unittest.addModuleCleanup(bus.close)
+
+
+def set_up_without_service():
+    """The test starts the add-in, so that it sees the end of the process."""
+    set_up(starts_by_itself=False)
+
+
+def chosen(sample, every):
+    """The cases to go through, of which each is a row of words."""
+    if ONLY:
+        return [next(case for case in every if "/".join(map(str, case)) == ONLY)]
+    first, _, step = SHARE.partition("/")
+    return list(every)[int(first) - 1::int(step)] if SHARE else sample
 
 
 def dialog_title(exchange=EXCHANGE):
@@ -55,7 +84,7 @@ def running():
             alive = (entry / "stat").read_text().rpartition(")")[2].split()[0] != "Z"
         except OSError:
             continue
-        if alive and program.startswith(f"{arrangement.root}/"):
+        if alive and program.startswith(f"{sandbox.root}/"):
             found[int(entry.name)] = Path(program).name
     return found
 
@@ -71,7 +100,7 @@ def pids(program):
 
 def connect(main_loop=None):
     """A client of the bus that shares no connection with any other."""
-    return dbus.bus.BusConnection(arrangement.environment["DBUS_SESSION_BUS_ADDRESS"], mainloop=main_loop)
+    return dbus.bus.BusConnection(sandbox.environment["DBUS_SESSION_BUS_ADDRESS"], mainloop=main_loop)
 
 
 class EndToEndTest(unittest.TestCase):
@@ -84,7 +113,7 @@ class EndToEndTest(unittest.TestCase):
         self.addCleanup(self.leave_nothing_behind)
 
     def begin(self):
-        arrangement.install()
+        sandbox.install()
         self.started = []
         self.clients = []
 
@@ -99,7 +128,7 @@ class EndToEndTest(unittest.TestCase):
                 self.leave_nothing_behind()
 
     def start(self, command, **options):
-        process = arrangement.start(command, **options)
+        process = sandbox.start(command, **options)
         self.started.append(process)
         return process
 
@@ -108,9 +137,9 @@ class EndToEndTest(unittest.TestCase):
         for client in self.clients:
             client.leave()
         for process in reversed(self.started):
-            arrangement.end(process)
-            if process in arrangement.processes:
-                arrangement.processes.remove(process)
+            sandbox.end(process)
+            if process in sandbox.processes:
+                sandbox.processes.remove(process)
         self.started.clear()
         try:
             self.wait_for(is_deserted, "all programs to end")
@@ -173,3 +202,75 @@ class EndToEndTest(unittest.TestCase):
         self.assertEqual(self.boxes(), [])
         self.wait_until_enabled()
         self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
+
+
+def database_file(name):
+    """The one that the add-in opens; the register is the user's own."""
+    if name == "Register.mdb":
+        return sandbox.own_register()
+    return next(sandbox.root.glob(f"*/DATABASE/*/{name}"))
+
+
+def changed(**changes):
+    """The environment of the programs with changes, of which None takes a variable away."""
+    environment = {**sandbox.environment, **changes}
+    return {name: value for name, value in environment.items() if value is not None}
+
+
+class OwnHostTest(EndToEndTest):
+    """With hosts of the test's own, and the end of the add-in's process to be seen."""
+
+    def join(self, address=None):
+        self.clients.append(host.Host(address or sandbox.environment["DBUS_SESSION_BUS_ADDRESS"]))
+        return self.clients[-1]
+
+    def start_add_in(self, address=None, **changes):
+        """A process that serves on a bus, and a client there."""
+        client = self.join(address)
+        bus = {"DBUS_SESSION_BUS_ADDRESS": address} if address else {}
+        add_in = self.start([sandbox.add_in, "-Embedding"], environment=changed(**bus, **changes))
+        self.wait_for(lambda: client.ask(BUS, "/", BUS, "NameHasOwner", ADD_IN_CLASS), "the add-in to serve its class")
+        return add_in, client
+
+    def assert_good_end(self, add_in, client, *last):
+        """The process ends with its last objects, and keeps none of the client's."""
+        for each in last:
+            client.send(each, "Object", "Release")
+        self.assertEqual(add_in.wait(LIMIT), 0)
+        self.wait_for(lambda: not +client.kept, "the last releases, which arrive after the end")
+
+
+class Host:
+    """The companion host, with the add-in open and every call that it sees in a log."""
+
+    number = itertools.count(1)
+
+    def __init__(self, test, *options, exchange=EXCHANGE, environment=None):
+        self.log = sandbox.folder / f"host-{next(Host.number)}.log"
+        opening = ["--open", exchange] if exchange else []
+        self.test, self.exchange = test, exchange
+        test.start([sandbox.host, "--log", self.log, *opening, *options], environment=environment)
+
+    def open(self):
+        """Waits until the dialog is up and everything about it is logged."""
+        self.wait_for_line("# Visible is written")
+        self.test.dialog(self.exchange)
+        return self
+
+    def lines(self):
+        return self.log.read_text(encoding="utf-8").splitlines() if self.log.exists() else []
+
+    def wait_for_line(self, start):
+        self.test.wait_for(lambda: any(line.startswith(start) for line in self.lines()), f"'{start}' in {self.log.name}")
+
+    def close_add_in(self):
+        """By the button of its window."""
+        window = f"Switchdesk \u2013 {self.exchange}"
+        driver.raise_window(window)
+        driver.click(driver.find(SWITCHDESK, "Close add-in", Role.PUSH_BUTTON, window=window))
+
+
+def run(command, seconds=LIMIT, environment=None, **options):
+    """Runs a program to its end and catches what it prints."""
+    return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=seconds, check=False,
+                          env=environment or sandbox.environment, **options)

@@ -1,7 +1,7 @@
 """An installation of its own to run in: directory tree, settings, services, a private bus, a display.
 
 Everything lies in one folder and nothing outside it is touched. The processes that were started here end
-with the arrangement.
+with the sandbox.
 """
 import contextlib
 import os
@@ -56,7 +56,7 @@ def wait_for(condition, seconds, what):
         pause.poll(50)
 
 
-class Arrangement:
+class Sandbox:
     """Lays everything out in `folder`; enter it to start the bus and, where there is none, a display.
 
     Readable programs offer their widgets to assistive programs, by which they are read and clicked from outside. On a
@@ -156,7 +156,7 @@ class Arrangement:
             self.end(process)
 
     def start(self, command, environment=None, **options):
-        """Starts a program in the arrangement; it ends with it."""
+        """Starts a program in the sandbox; it ends with it."""
         process = subprocess.Popen([str(part) for part in command], env=environment or self.environment,
                                    start_new_session=True, **options)
         self.processes.append(process)
