@@ -6,16 +6,22 @@
 
 namespace switchdesk {
 
-// Members: ConnectToPbx, Login, SendRequest, LogOut. All objects of this class stand before the same desk.
+using platform::ObjectRef;
+using platform::Text;
+
+// All objects of this class stand before the same desk.
 class ExchangeObject : public ObservedObject {
   public:
     ExchangeObject(const Observation& observation, ExchangeDesk& desk)
         : ObservedObject(observation), desk_(desk) {}
     const platform::ClassDescription& Class() const override;
 
-    ExchangeDesk& Desk() { return desk_; }
-
   private:
+    Text ConnectToPbx(const Text& pbx, const ObjectRef& client) { return desk_.Connect(pbx, client); }
+    Text Login(const Text& pbx, const ObjectRef& client) { return desk_.Login(pbx, client); }
+    Text SendRequest(const ObjectRef& request) { return desk_.Send(request); }
+    void LogOut(const Text& pbx, const Text& loginId) { desk_.LogOut(pbx, loginId); }
+
     ExchangeDesk& desk_;
 };
 

@@ -9,8 +9,8 @@
 
 namespace switchdesk {
 
-// Members: oPBX, ShowMessage, ShowResults, ShowCode, DisplayHelp, UnloadChild, TurnOnFlow, TurnOffFlow,
-// REGComData, GetComData.
+using platform::Text;
+
 class HostObject : public ObservedObject {
   public:
     struct Parts {
@@ -23,9 +23,18 @@ class HostObject : public ObservedObject {
         : ObservedObject(observation), parts_(std::move(parts)) {}
     const platform::ClassDescription& Class() const override;
 
-    Parts& Content() { return parts_; }
-
   private:
+    platform::ObjectRef oPBX() const { return parts_.exchange; }
+    void ShowMessage(const platform::Value& text) { parts_.view.ShowMessage(text.ToTextOrEmpty()); }
+    void ShowResults(const Text& caption, const platform::ObjectRef& response);
+    void ShowCode(const platform::Value& code) { parts_.view.ShowCode(code.ToTextOrEmpty()); }
+    void DisplayHelp(const Text& file) { parts_.view.ShowHelp(file); }
+    void UnloadChild(std::int16_t id) { parts_.unloadChild(id); }
+    void TurnOnFlow() { parts_.view.ShowFlow(true); }
+    void TurnOffFlow() { parts_.view.ShowFlow(false); }
+    void REGComData(const Text& application, const Text& key, const Text& value);
+    void GetComData(const Text& application, const Text& key, Text& value) const;
+
     Parts parts_;
 };
 

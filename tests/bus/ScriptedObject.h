@@ -29,7 +29,7 @@ template <class Function>
 Member Method(std::string_view name, std::size_t arguments, Function call) {
     return {name, InvokeKind::Method,
             std::vector<Parameter>(arguments, {"Argument", ValueType::Variant, true}), ValueType::Variant,
-            [call](Object&, Arguments& given) {
+            [call](Object&, const Member&, Arguments& given) {
                 if constexpr (std::is_void_v<std::invoke_result_t<Function, Arguments&>>)
                     return call(given), Value();
                 else
