@@ -1,4 +1,4 @@
-// Looking up an answer of an exchange, beside one pass of memcmp over as many texts.
+// Looks up an exchange's answer text; the floor is one pass of memcmp over as many texts.
 #include <benchmark/benchmark.h>
 
 #include <cstring>
@@ -10,8 +10,8 @@ namespace {
 
 using platform::TextView;
 
-// Known ones from both ends of the table and its middle, and two that are unknown: one of them from the first
-// letter on, one only at its end.
+// Known texts from both ends and the middle of the table, and two unknown ones: one differs from the first
+// letter on, one only in its last.
 constexpr TextView asked[] = {u"DIGIT ERROR",
                               u"OK",
                               u"COMMAND=",
@@ -21,7 +21,7 @@ constexpr TextView asked[] = {u"DIGIT ERROR",
                               u"LNK_INVALID FILENAM?",
                               u"PADDING PADDING LNK_STN_NOT ASSIGNED"};
 
-// A table of the same number of texts, of their middle length.
+// A table of as many texts, of their median length.
 constexpr std::size_t tableSize = 57, middleLength = 12;
 char16_t table[tableSize][middleLength];
 
@@ -43,7 +43,7 @@ void Memcmp(benchmark::State& state) {
         std::size_t bytes = sizeof padded;
         std::size_t found = 0;
         for (const auto& entry : table) {
-            benchmark::DoNotOptimize(bytes);  // a length known beforehand would be no call of memcmp any more
+            benchmark::DoNotOptimize(bytes);  // with a constant length memcmp would be inlined
             if (std::memcmp(entry, padded, bytes) == 0) ++found;
         }
         benchmark::DoNotOptimize(found);

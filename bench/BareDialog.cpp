@@ -1,5 +1,5 @@
-// What the add-in's dialog is measured against while it runs: a dialog that shows the time, and opens a box
-// for the first character that it is sent, closes it for the second, and so on.
+// The floor for the running add-in: a dialog that shows the time, opens a box after a click, and closes it
+// when standard input has a character.
 #include <unistd.h>
 
 #include <QApplication>
@@ -30,7 +30,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QDialog dialog;
     dialog.setFixedSize(474, 291);
-    dialog.move(0, 0);  // out of the way of the add-in's, which stands in the middle
+    dialog.move(0, 0);  // clear of the add-in's dialog in the middle
     QLabel time(&dialog);
     time.setGeometry(306, 96, 97, 23);
     const auto show = [&time] { time.setText(QTime::currentTime().toString("hh:mm:ss")); };

@@ -1,4 +1,4 @@
-// What the programs that call the add-in share.
+// Calls over the bus, for all programs that call the add-in.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -24,7 +24,7 @@ inline int Check(int result, const char* what) {
 
 inline Bus OpenBus() {
     sd_bus* bus = nullptr;
-    Check(sd_bus_open_user(&bus), "there is no bus");
+    Check(sd_bus_open_user(&bus), "can't open the bus");
     return Bus(bus, sd_bus_flush_close_unref);
 }
 
@@ -38,7 +38,7 @@ inline Reference ReadReference(sd_bus_message* message) {
     return {owner, path};
 }
 
-// Waits for the answer, and takes nothing else that comes meanwhile.
+// Waits for the answer, and serves no calls meanwhile.
 template <typename... Arguments>
 Message Ask(sd_bus* bus, const Reference& to, const char* interface, const char* member,
             const std::string& signature = "", Arguments... arguments) {
@@ -56,7 +56,7 @@ inline Reference Create(sd_bus* bus, const char* className) {
 
 enum Kind { Method = 1, Read = 2, Write = 4 };
 
-// A late-bound call; `types` are those of an array of variants.
+// A late-bound call; `types` describes an array of variants.
 template <typename... Arguments>
 Message Invoke(sd_bus* bus, const Reference& to, const char* member, Kind kind, const char* types,
                Arguments... arguments) {
@@ -64,8 +64,7 @@ Message Invoke(sd_bus* bus, const Reference& to, const char* member, Kind kind, 
                arguments...);
 }
 
-// Shows or hides the dialog, and doesn't wait for it: a window can be watched from the start only by somebody
-// who is free by then.
+// Shows or hides the dialog without waiting for it: the caller must watch the window from the start.
 inline void SetVisible(sd_bus* bus, const Reference& addIn, bool visible) {
     Check(sd_bus_call_method_async(bus, nullptr, addIn.owner.c_str(), addIn.path.c_str(), objectInterface,
                                    "Invoke", nullptr, nullptr, "sqav", "Visible", Write, 1, "b",
@@ -77,7 +76,7 @@ inline void SetVisible(sd_bus* bus, const Reference& addIn, bool visible) {
 inline pid_t ProcessOf(sd_bus* bus, const Reference& object) {
     sd_bus_creds* credentials = nullptr;
     Check(sd_bus_get_name_creds(bus, object.owner.c_str(), SD_BUS_CREDS_PID, &credentials),
-          "the server has gone");
+          "the server has ended");
     pid_t process = 0;
     sd_bus_creds_get_pid(credentials, &process);
     sd_bus_creds_unref(credentials);

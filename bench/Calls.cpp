@@ -1,5 +1,4 @@
-// What a call to the running add-in costs a client, beside a bare Ping to the same process by the same
-// library.
+// The cost of a call to the running add-in; the floor is a Ping to the same process by the same library.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -20,7 +19,7 @@ void Release(const bench::Reference& object) {
     bench::Ask(bus, object, bench::objectInterface, "Release");
 }
 
-// One object that lives as long as the program, so that the server does too.
+// An object that lives as long as this program, and keeps the server running.
 const bench::Reference& Held() {
     static const bench::Reference held = Create();
     return held;

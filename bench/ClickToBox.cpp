@@ -1,11 +1,10 @@
-// From a click on the dialog to the message box that it ends in, with a host that answers at once. Beside it
-// the calls of that way made alone, and the way from a click to a box in a program that makes no calls.
+// Measures from a click on the dialog to the resulting message box, with a host that answers at once. The
+// floor is the same calls made alone, and a click to a box in a program without calls.
 //
 //   click-to-box TIMES BARE-DIALOG
 //
-// Prints a line for each click, in milliseconds and without the steps of timers: from the click to the
-// painted box, of that from the first call to the end of the last, the calls alone, the other program's way
-// to its box.
+// Prints a line for each click, in milliseconds and without timer steps: click to painted box, thereof first
+// call to end of last call, the calls alone, the other program's click to box.
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -26,7 +25,7 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr Milliseconds timerStep{100};
 
-// Makes the calls that the host got over a connection of its own, one after the other.
+// Repeats the calls that the host received, over its own connection, one after the other.
 class Replay {
   public:
     explicit Replay(const Host& host) : bus_(bench::OpenBus()) {
@@ -57,7 +56,7 @@ class Replay {
     std::vector<bench::Message> calls_;
 };
 
-// The calls that came in, from a thread that does nothing else, while the host answers them as before.
+// The incoming calls, from a thread that does nothing else, while the host answers as before.
 Milliseconds IncomingAlone(Host& host) {
     Replay replay(host);
     std::atomic<bool> isDone = false;
@@ -82,7 +81,7 @@ Milliseconds IncomingAlone(Host& host) {
     return time;
 }
 
-// The three that the host makes: it reads two fields of the record, and calls back.
+// As many calls as the host makes: it reads two fields of the record, and calls back.
 Milliseconds OutgoingAlone(Host& host) {
     const auto start = Clock::now();
     for (int i = 0; i < 3; ++i) Invoke(host.Connection(), host.AddIn(), "Visible", bench::Read, "av", 0);
@@ -94,7 +93,7 @@ Milliseconds BareWay(bench::Dialog& dialog, const bench::Program& bare, xcb_wind
     const xcb_window_t box = dialog.NextWindow();
     const Milliseconds way = dialog.Screen().PaintedAt(box) - click - timerStep;
     bare.Send('x');
-    dialog.WaitUntilGone(box);
+    dialog.WaitUntilClosed(box);
     return way;
 }
 

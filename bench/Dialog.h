@@ -1,4 +1,4 @@
-// The add-in's dialog, opened by a host and worked by clicks.
+// The add-in's dialog, opened by a host and driven by clicks.
 #pragma once
 
 #include <chrono>
@@ -11,7 +11,7 @@
 
 namespace bench {
 
-// Places inside the dialog, in pixels: the middle of what is clicked there.
+// A place inside the dialog, in pixels.
 struct Spot {
     std::int16_t x, y;
 };
@@ -19,7 +19,7 @@ inline constexpr Spot lookupButton{47, 269}, trackTimeBox{291, 224}, trackDateBo
 
 class Dialog {
   public:
-    // Returns when the dialog has been painted.
+    // Returns once the dialog is painted.
     explicit Dialog(Host& host) : host_(host) {
         host_.Open();
         host_.SetVisible(true);
@@ -34,27 +34,27 @@ class Dialog {
         display_.Point(window, spot.x, spot.y);
         return display_.Click();
     }
-    // Serves the host until another window has been painted.
+    // Serves the host until another window is painted.
     xcb_window_t NextWindow() {
         std::optional<xcb_window_t> next;
         ServeUntil([&] { return (next = display_.TakePainted()).has_value(); });
         return *next;
     }
-    // Closes a box by its default button, and returns when it has gone.
+    // Closes a box by its default button, and returns once it has closed.
     void CloseBox(xcb_window_t box) {
         display_.PressEnter();
-        WaitUntilGone(box);
+        WaitUntilClosed(box);
     }
-    void WaitUntilGone(xcb_window_t box) {
+    void WaitUntilClosed(xcb_window_t box) {
         ServeUntil([&] { return !display_.IsShown(box); });
     }
-    // Shows or hides the dialog, and returns when that is done.
+    // Shows or hides the dialog, and returns when it's done.
     void SetVisible(bool visible) {
         host_.SetVisible(visible);
         ServeUntil([&] { return display_.IsShown(window_) == visible; });
     }
 
-    // Lets time pass, and then takes in what has happened.
+    // Waits, then handles all messages and events that have arrived.
     void Rest(std::chrono::milliseconds time) {
         std::this_thread::sleep_for(time);
         while (host_.Serve()) continue;

@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto limit = 20s;
-// Smaller windows belong to a toolkit's own affairs (selections, the input method).
+// Smaller windows are for a toolkit's internal use (selections, the input method).
 constexpr int smallestWidth = 100;
 constexpr std::uint8_t leftButton = 1, enterKey = 36;
 
@@ -32,7 +32,7 @@ Owned<Type> Own(Type* reply) {
 }  // namespace
 
 Display::Display() : connection_(xcb_connect(nullptr, nullptr)) {
-    if (xcb_connection_has_error(connection_)) throw std::runtime_error("there is no display");
+    if (xcb_connection_has_error(connection_)) throw std::runtime_error("can't open the display");
     const xcb_setup_t* setup = xcb_get_setup(connection_);
     root_ = xcb_setup_roots_iterator(setup).data->root;
     clientMask_ = ~setup->resource_id_mask;
@@ -48,7 +48,7 @@ Display::~Display() {
     xcb_disconnect(connection_);
 }
 
-// The window manager's frames come up and get painted as well, and are no windows of a program.
+// Finds the window manager, whose frames also appear and get painted, but don't count.
 void Display::FindManager() {
     constexpr char name[] = "_NET_SUPPORTING_WM_CHECK";
     const auto atom = Own(
@@ -98,13 +98,12 @@ long Display::Paints(xcb_window_t window) const {
     return windows_.at(window).paints;
 }
 
-// From its creation on, so that no paint can be missed.
-// Menus and tips, which the manager leaves alone, don't count.
+// Watches a window from its creation, to miss no paint. Ignores menus and tips, as the manager does.
 void Display::Watch(const xcb_create_notify_event_t& created) {
     const xcb_window_t window = created.window;
     const bool isManagers = manager_ != 0 && (window & clientMask_) == manager_;
     if (isManagers || created.override_redirect != 0) return;
-    // The manager puts the window into its frame, and the root hears no more of it.
+    // The manager moves the window into a frame, and the root gets no more of its events.
     const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
     xcb_damage_create(connection_, xcb_generate_id(connection_), window,
@@ -132,7 +131,7 @@ void Display::SetShown(xcb_window_t window, bool shown) {
     if (const auto seen = windows_.find(window); seen != windows_.end()) seen->second.isShown = shown;
 }
 
-// What is painted before a window is on the screen is the display's own doing.
+// Before a window is shown, only the display paints it.
 void Display::CountPaint(const xcb_damage_notify_event_t& damage) {
     const auto found = windows_.find(damage.drawable);
     if (found == windows_.end() || !found->second.isShown) return;
@@ -149,7 +148,7 @@ void Display::Send(std::uint8_t type, std::uint8_t detail) {
 void Display::Point(xcb_window_t window, std::int16_t x, std::int16_t y) {
     const auto place = Own(xcb_translate_coordinates_reply(
         connection_, xcb_translate_coordinates(connection_, window, root_, x, y), nullptr));
-    if (!place) throw std::runtime_error("the window has gone");
+    if (!place) throw std::runtime_error("the window has closed");
     xcb_test_fake_input(connection_, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root_, place->dst_x,
                         place->dst_y, 0);
     xcb_flush(connection_);

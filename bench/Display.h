@@ -1,5 +1,4 @@
-// The display as somebody before it has it: sees windows of programs come up and get painted, clicks and
-// types.
+// The display as its user sees it: watches programs' windows appear and get painted, clicks and types.
 #pragma once
 
 #include <xcb/damage.h>
@@ -16,31 +15,30 @@ class Display {
   public:
     using Clock = std::chrono::steady_clock;
 
-    // Connects to the display of the environment. Raises std::runtime_error where there is none.
+    // Connects to the display that the environment names. Raises std::runtime_error if it can't.
     Display();
     ~Display();
     Display(const Display&) = delete;
     Display& operator=(const Display&) = delete;
 
     int Descriptor() const;
-    // Takes in what has happened so far, without waiting.
+    // Handles the events so far, without waiting.
     void Look();
-    // Waits until a window of a program that came up since the last call has been painted. Raises
-    // std::runtime_error after 20 seconds.
+    // Waits for the first paint of a window not yet returned. Raises std::runtime_error after 20 seconds.
     xcb_window_t WaitForPaint();
-    // The same, if that has been seen already.
+    // The same without waiting, for paints that Look has seen.
     std::optional<xcb_window_t> TakePainted();
     Clock::time_point PaintedAt(xcb_window_t window) const;
 
     bool IsShown(xcb_window_t window) const;
-    // How often something was drawn on a window since it came up.
+    // The number of paints of a window since it appeared.
     long Paints(xcb_window_t window) const;
 
-    // Points to a place inside a window, in pixels.
+    // Moves the pointer to a place inside a window, in pixels.
     void Point(xcb_window_t window, std::int16_t x, std::int16_t y);
-    // Presses and lets go of the left button; returns the time between both.
+    // Presses and releases the left button; returns the time between the two.
     Clock::time_point Click();
-    // Presses and lets go of the Enter key.
+    // Presses and releases the Enter key.
     void PressEnter();
 
   private:

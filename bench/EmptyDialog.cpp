@@ -1,4 +1,4 @@
-// The floor that the add-in is measured against: a dialog of its size with nothing in it.
+// The floor for the add-in's start: an empty dialog of its size.
 #include <QApplication>
 #include <QDialog>
 

@@ -1,10 +1,9 @@
-// Starts a program and tells how long it takes until its first window has been painted, as the display sees
-// it, and what memory it has then.
+// Starts a program, and measures the time until the display paints its first window, and its memory then.
 //
 //   first-paint PROGRAM [ARGUMENT...]
 //   first-paint --create CLASS EXCHANGE
 //
-// The second form has the bus start the server of CLASS, and the time runs from the call that creates the
+// In the second form the bus starts the server of CLASS, and the time runs from the call that creates the
 // object. Prints milliseconds, private KiB, shared KiB.
 #include <chrono>
 #include <cstdio>
@@ -42,7 +41,7 @@ Memory MemoryOf(pid_t process) {
     return memory;
 }
 
-// Memory is read when the program has come to rest: its processor time doesn't grow any more.
+// Reads the memory once the program is idle, i.e. its processor time no longer grows.
 Memory MemoryAtRest(pid_t process) {
     const auto used = [&] {
         std::ifstream stat("/proc/" + std::to_string(process) + "/schedstat");

@@ -21,12 +21,12 @@ void RewindToArguments(sd_bus_message* call) {
     Check(sd_bus_message_skip(call, "sq"), "no arguments");
 }
 
-// Of an item of the answer.
+// The index of an item of the answer.
 std::size_t IndexOf(sd_bus_message* call) {
     std::int16_t index = 0;
     RewindToArguments(call);
     Check(sd_bus_message_read(call, "av", 1, "n", &index), "no index");
-    if (index < 0 || index >= items) throw std::runtime_error("there is no such item");
+    if (index < 0 || index >= items) throw std::runtime_error("no such item");
     return static_cast<std::size_t>(index);
 }
 
@@ -61,13 +61,13 @@ void Host::SetVisible(bool visible) {
 }
 
 bool Host::Serve() {
-    return Check(sd_bus_process(bus_.get(), nullptr), "the bus has gone") > 0;
+    return Check(sd_bus_process(bus_.get(), nullptr), "the bus has closed") > 0;
 }
 
 void Host::ServeUntil(const std::function<bool()>& condition, int other) {
     const auto end = Clock::now() + limit;
     while (!condition()) {
-        if (Clock::now() > end) throw std::runtime_error("the add-in did not do what was waited for");
+        if (Clock::now() > end) throw std::runtime_error("the add-in did not respond as expected");
         if (Serve()) continue;
         pollfd descriptors[] = {{sd_bus_get_fd(bus_.get()), POLLIN, 0}, {other, POLLIN, 0}};
         poll(descriptors, 2, turn);
@@ -153,7 +153,7 @@ void Host::AppendResult(sd_bus_message* answer, sd_bus_message* call, std::strin
     Check(result, "no result");
 }
 
-// Empty for what has no result.
+// Empty for members without a result.
 std::string Host::TextResult(sd_bus_message* call, std::string_view member) const {
     if (member == "Login") return "KEY";
     if (member == "SendRequest") return manner_ == Manner::Refuses ? "BUSY" : "ACCEPTED";
@@ -166,7 +166,7 @@ std::string Host::TextResult(sd_bus_message* call, std::string_view member) cons
     return "";
 }
 
-// Retains what is needed when the call has been answered.
+// Retains the object that is needed after the call.
 void Host::Keep(sd_bus_message* call, std::string_view member) {
     if (member != "Login" && member != "SendRequest") return;
     RewindToArguments(call);

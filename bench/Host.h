@@ -1,5 +1,4 @@
-// A host that does the least there is to do: it opens the add-in for one exchange, and takes or refuses
-// requests.
+// A minimal host: opens the add-in for one exchange, and takes or refuses requests.
 #pragma once
 
 #include <functional>
@@ -13,7 +12,7 @@ namespace bench {
 
 class Host {
   public:
-    // What becomes of a request: it is refused, or taken and then answered by `AnswerRequest`.
+    // Refuses requests, or takes them for `AnswerRequest`.
     enum class Manner { Refuses, Takes };
 
     explicit Host(Manner manner);
@@ -23,29 +22,29 @@ class Host {
 
     // Creates the add-in, with the dialog still hidden.
     void Open();
-    // Returns before the add-in has done it.
+    // Doesn't wait for the add-in.
     void SetVisible(bool visible);
 
-    // Handles one message; false where none is there.
+    // Handles one message; false if there is none.
     bool Serve();
-    // Serves until the condition holds, which is looked at after each message and when something has come on
-    // the other descriptor. Raises std::runtime_error after 20 seconds.
+    // Serves until the condition holds. Checks it after each message and when the other descriptor is
+    // readable. Raises std::runtime_error after 20 seconds.
     void ServeUntil(const std::function<bool()>& condition, int other = -1);
 
-    // The record of the last request, which the host has retained; nothing before one has come.
+    // The record of the last request, retained by the host; empty before the first.
     const std::optional<Reference>& Record() const { return record_; }
 
     bool HasLoggedOut() const { return lastMember_ == "LogOut"; }
-    // A request was taken and the add-in has told so: from here on it waits.
+    // The host has taken a request, and the add-in, having shown that, waits for the answer.
     bool OwesAnswer() const { return record_ && lastMember_ == "ShowMessage"; }
-    // Delivers an answer to the record, and returns when the add-in has taken it.
+    // Answers the record's request, and returns once the add-in has taken the answer.
     void AnswerRequest();
 
-    // The calls of members that came in, in their order, from the last `ForgetCalls` on.
+    // The incoming calls of members, in order, since the last `ForgetCalls`.
     const std::vector<Message>& Calls() const { return calls_; }
     void ForgetCalls() { calls_.clear(); }
 
-    // While this is so, the host answers calls as ever and does nothing about them.
+    // An idle host answers calls as ever, but doesn't act on them.
     void SetIdle(bool idle) { isIdle_ = idle; }
 
   private:

@@ -1,11 +1,10 @@
-// What the add-in does while nobody does anything: how often it wakes up, and how often something is painted.
+// How often the add-in wakes up and paints while the operator does nothing.
 //
 //   idle TIMES BARE-DIALOG
 //
-// Watches four states for so many spans each, and prints a line for a span: the state, and the wake-ups and
-// the paints of a second. "following": the dialog shows the PC's time. "hidden": the same, with the dialog
-// hidden. "still": the dialog shows a time that stands. "bare": another program shows the PC's time, and does
-// nothing else.
+// Watches each of four states for TIMES spans, and prints a line for each span: the state, then wake-ups and
+// paints per second. "following": the dialog shows the PC's time. "hidden": the same, but hidden. "still":
+// the dialog shows a fixed time. "bare": another program shows the PC's time, and does nothing else.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -22,7 +21,7 @@ using namespace std::chrono_literals;
 
 constexpr auto span = 2s, rest = 1s;
 
-// How often its threads have gone to sleep of their own will, which is how often they have woken up.
+// How often its threads went to sleep voluntarily, which is how often they woke up.
 long WakeUps(pid_t process) {
     constexpr std::string_view field = "voluntary_ctxt_switches:";
     long total = 0;
@@ -36,7 +35,7 @@ long WakeUps(pid_t process) {
 }
 
 void Watch(const char* state, int spans, pid_t process, bench::Dialog& dialog, xcb_window_t window) {
-    dialog.Rest(rest);  // what the change to this state has brought about is over
+    dialog.Rest(rest);  // until the change of state has settled
     for (int i = 0; i < spans; ++i) {
         const long wakeUps = WakeUps(process), paints = dialog.Screen().Paints(window);
         dialog.Rest(span);

@@ -1,4 +1,4 @@
-// Language databases of any length, with the tables that the shipped ones have.
+// Language databases of any length, with the tables of the shipped ones.
 #pragma once
 
 #include <sqlite3.h>
@@ -33,10 +33,10 @@ inline Query Prepare(sqlite3* database, const std::string& text) {
     return Query(statement, sqlite3_finalize);
 }
 
-// A copy of a shipped database in which one table has other rows. Goes with the object.
+// A copy of a shipped database with other rows in one table, removed with the object.
 class LanguageFile {
   public:
-    // `select` gives the rows, and numbers them by `i` from 0 to `rows` − 1.
+    // `select` yields the rows, from `i` = 0 to `rows` − 1.
     LanguageFile(const std::string& name, const std::string& table, const std::string& select, long rows)
         : file_(directory_.Path() / name) {
         std::filesystem::copy_file(std::filesystem::path(HORALINK_LANGUAGE_FILES) / name, file_);

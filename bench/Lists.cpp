@@ -1,16 +1,16 @@
-// The lists of a request record: filled to the last item there can be, and copied by the delivery of an
-// answer; beside them plain vectors of the same strings.
+// The lists of a request record, filled up to the largest number of items, and copied by the delivery of an
+// answer. The floor is plain vectors of the same strings.
 #include <benchmark/benchmark.h>
 
-#include "../tests/unit/Desk.h"
 #include "exchange/dlgAddin.h"
+#include "harness/Desk.h"
 
 namespace {
 
 using namespace platform;
 using horalink::cListRequest;
 
-// What an exchange answers to an item: a command, its number, a value and a word on it.
+// An exchange's answer to an item: command, number, value and answer text.
 struct Item {
     Text command, first, second, extra;
 };
@@ -27,7 +27,7 @@ std::shared_ptr<cListRequest> RecordOf(const std::vector<Item>& items) {
     return record;
 }
 
-// Eight lists as the record has them, of which four hold something.
+// Eight lists like those of the record, four of which have contents.
 std::vector<std::vector<Text>> ListsOf(const std::vector<Item>& items) {
     std::vector<std::vector<Text>> lists(cListRequest::ListCount);
     for (const Item& item : items) {
@@ -50,8 +50,8 @@ void FillVectors(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(ListsOf(items));
 }
 
-// The response is an object of this process, so that no bus takes part. It is handed over as any host's is:
-// every item and field is fetched by a late-bound call.
+// The response is an object of this process, to leave out the bus. As from any host, every field of every
+// item is fetched by a late-bound call.
 void CopyByCallBack(benchmark::State& state) {
     desk::Desk computer;
     horalink::ModuleData data;
@@ -71,7 +71,7 @@ void CopyVectors(benchmark::State& state) {
     }
 }
 
-// The floor of what late-bound reading costs: the same calls, whose results nobody keeps.
+// The floor for late-bound reading: the same calls, without keeping the results.
 void ReadLateBound(benchmark::State& state) {
     const ObjectRef response = RecordOf(Items(state.range(0)));
     for (auto _ : state)

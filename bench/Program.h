@@ -1,4 +1,4 @@
-// A program that was started here, and ends with the object.
+// A started program, killed with the object.
 #pragma once
 
 #include <signal.h>
@@ -13,7 +13,7 @@ namespace bench {
 
 class Program {
   public:
-    // `command` ends with a null pointer. Raises std::runtime_error where it can't be started.
+    // `command` ends with a null pointer. Raises std::runtime_error if it can't be started.
     explicit Program(char* const* command) {
         int ends[2];
         if (pipe(ends) != 0) throw std::runtime_error("no pipe");
@@ -38,7 +38,7 @@ class Program {
     pid_t Id() const { return process_; }
     // Sends one character to its standard input.
     void Send(char character) const {
-        if (write(input_, &character, 1) != 1) throw std::runtime_error("the program has gone");
+        if (write(input_, &character, 1) != 1) throw std::runtime_error("the program has ended");
     }
 
   private:

@@ -1,5 +1,5 @@
-// What reading a field of a request record costs a host, beside a bare Ping to the same process by the same
-// library. The record is that of a request which an operator's click has brought about.
+// The cost of reading a field of a request record, for a host; the floor is a Ping to the same process by the
+// same library. The record is from a request started by a click.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>

@@ -1,15 +1,14 @@
-// Reading the tables of the language databases as the add-in does, beside SQLite's own calls that fetch the
-// same fields of the same rows and put them where they go.
+// Reads the tables of the language databases as the add-in does; the floor is SQLite calls that fetch and use
+// the same fields of the same rows.
 #include <benchmark/benchmark.h>
 
-#include "../tests/unit/Desk.h"
 #include "LanguageFiles.h"
-#include "language/ControlFonts.h"
+#include "harness/Desk.h"
 #include "language/FormTexts.h"
-#include "language/MessageTable.h"
+#include "language/LanguageDatabase.h"
 #include "pictures/comPicture.h"
 #include "platform/data/sqlite/SqliteEngine.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace {
 
@@ -20,8 +19,8 @@ DatabaseRef OpenAsAddIn(const LanguageFile& file) {
     return MakeSqliteEngine()->OpenDatabase(PathText(file.Path()), true);
 }
 
-void Check(benchmark::State& state, bool went, const desk::Desk& computer) {
-    if (!went) state.SkipWithError(computer.boxes.LastPrompt().c_str());
+void Check(benchmark::State& state, bool succeeded, const desk::Desk& computer) {
+    if (!succeeded) state.SkipWithError(computer.boxes.LastPrompt().c_str());
 }
 
 Text FieldText(sqlite3_stmt* row, int column) {
@@ -69,8 +68,8 @@ LanguageFile ControlTexts(long rows) {
             rows};
 }
 
-// A form of labels. Their properties are set by name in either case, since a row may name any type of
-// control: what that costs is measured elsewhere.
+// A form of labels. Both benchmarks set their properties by name, as a row may name any type of control: that
+// cost isn't measured here.
 struct Labels {
     explicit Labels(long count) {
         for (long i = 0; i < count; ++i) form->Add<forms::Label>(u"label", static_cast<std::int16_t>(i));
@@ -122,7 +121,7 @@ LanguageFile PictureNames(long rows) {
 
 constexpr std::int16_t backgroundSet = 1;
 
-// A form of images, and their files, whose content lies in memory: disks are measured elsewhere.
+// A form of images, with their files in memory: disks aren't measured here.
 struct Images {
     explicit Images(long count) {
         form->Width = 7110;

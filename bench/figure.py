@@ -1,14 +1,13 @@
-"""A figure: what was measured, beside its floor."""
+"""A figure: a measurement and its floor."""
 import statistics
 from dataclasses import dataclass, field
 
 
 @dataclass
 class Figure:
-    """A ratio of what was measured to its floor; both in `unit`. The ratio is the median of those of the runs, with the
-    quartiles on both sides of it.
+    """The ratio of a measurement to its floor, both in `unit`: the median over the runs, with its quartiles.
 
-    `series` has what an item takes at each size, where the figure tells of growth.
+    `series` has the time of an item at each size, if the figure is about growth.
     """
     name: str
     what: str
@@ -23,7 +22,7 @@ class Figure:
 
     @classmethod
     def of(cls, name, what, unit, measured, floors, limit):
-        """From pairs that were measured in turn; a floor that is no measurement may be one number."""
+        """From pairs measured in turn. A floor that isn't measured may be a single number."""
         if not isinstance(floors, list | tuple):
             floors = [floors] * len(measured)
         ratios = [value / floor for value, floor in zip(measured, floors, strict=True)]
@@ -32,7 +31,7 @@ class Figure:
 
     @classmethod
     def of_growth(cls, name, what, unit, times, limit):
-        """From what so many items took at each size: an item at the largest size against one at the smallest."""
+        """From the times of all items at each size: an item at the largest size against one at the smallest."""
         items = {size: [time / size for time in taken] for size, taken in sorted(times.items())}
         figure = cls.of(name, what, unit, items[max(items)], items[min(items)], limit)
         figure.series = {size: statistics.median(taken) for size, taken in items.items()}
@@ -58,7 +57,7 @@ def table(figures):
 
 
 def growth_table(figures):
-    """What an item takes at each size; nothing where no figure tells of growth."""
+    """The time of an item at each size; empty if no figure is about growth."""
     lines = []
     for figure in figures:
         if figure.series:

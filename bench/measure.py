@@ -1,4 +1,4 @@
-"""What ./bench/run does once everything is built: measures, prints a table, writes JSON and a plot."""
+"""The second half of ./bench/run, after the build: measures, prints a table, writes JSON and a plot."""
 import argparse
 import json
 import sys
@@ -17,7 +17,7 @@ from machine import machine  # noqa: E402
 from plot import plot  # noqa: E402
 from programs import Bench  # noqa: E402
 
-# The rows that each measurement gives.
+# The figures of each measurement.
 GROUPS = {
     Bench.starts: ("start", "start-created", "memory-private", "memory-shared", "memory", "memory-text"),
     Bench.calls: ("call", "call-typed", "call-1000"),
@@ -40,11 +40,11 @@ def arguments():
     parser.add_argument("--record", action="store_true")
     options = parser.parse_intermixed_args()
     if unknown := set(options.names) - set(NAMES):
-        parser.error(f"there is no figure {', '.join(sorted(unknown))}; there are {', '.join(NAMES)}")
+        parser.error(f"unknown figure {', '.join(sorted(unknown))}; known are {', '.join(NAMES)}")
     if options.runs < 2:
-        parser.error("quartiles want two runs at least")
+        parser.error("quartiles need at least two runs")
     if options.record and options.names:
-        parser.error("--record wants all figures, from one run")
+        parser.error("--record needs all figures, from one run")
     return options
 
 

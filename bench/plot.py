@@ -30,7 +30,7 @@ def row(figure, top, x):
 
 
 def plot(figures):
-    """What lies far beyond the common limits would press all others together, and is cut off at the edge."""
+    """Cuts off ratios far beyond the common limits, which would squeeze all others."""
     largest = max((figure.limit for figure in figures if figure.limit <= COMMON), default=COMMON) * 1.5
 
     def x(ratio):

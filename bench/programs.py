@@ -1,4 +1,4 @@
-"""What is measured from outside, on whole programs: the add-in on a bus and a display of its own."""
+"""Measurements of whole programs from outside: the add-in on its own bus and display."""
 import json
 import os
 import subprocess
@@ -9,18 +9,18 @@ from figure import Figure
 
 ADD_IN_CLASS, EXCHANGE_CLASS = CLASS_NAMES
 EXCHANGE = "Main Office"
-LEAST_SPANS = 10  # of two seconds each, for what happens once a second
+LEAST_SPANS = 10  # of two seconds each, for events once a second
 
 
 class Bench:
-    """Runs the programs that measure, in the environment of an arrangement."""
+    """Runs the measuring programs in the environment of an arrangement."""
 
     def __init__(self, build, arrangement, runs):
         self.programs = build / "bench"
         self.arrangement = arrangement
         self.runs = runs
         self.bare = self.programs / "bare-dialog"
-        self.silence, self._kept_open = os.pipe()  # for programs that end with their input
+        self.silence, self._kept_open = os.pipe()  # for programs that end when their input does
 
     def output(self, *command):
         done = subprocess.run([str(part) for part in command], env=self.arrangement.environment, text=True,
@@ -28,7 +28,7 @@ class Bench:
         return done.stdout
 
     def benchmark(self, program, clock="real_time"):
-        """The times of each benchmark of a program, one per repetition, in microseconds."""
+        """The times of each benchmark of a program, one for each repetition, in microseconds."""
         text = self.output(self.programs / program, "--benchmark_format=json", f"--benchmark_repetitions={self.runs}",
                            "--benchmark_min_time=0.1", "--benchmark_enable_random_interleaving=true")
         times = {}
@@ -44,7 +44,7 @@ class Bench:
     # --- start and memory -------------------------------------------------------------------------
 
     def first_paint(self, *command):
-        """Milliseconds to the first paint; private, shared and all KiB."""
+        """Milliseconds to the first paint; private, shared and total KiB."""
         time, private, shared = [float(word) for word in self.output(self.programs / "first-paint", *command).split()]
         self.wait_for_end()
         return time, private, shared, private + shared
@@ -53,13 +53,13 @@ class Bench:
         wait_for(lambda: ADD_IN_CLASS not in self.names(), 20, "the add-in to end")
 
     def names(self):
-        """What the bus serves now."""
+        """The names now on the bus."""
         return self.output("busctl", "--user", "--no-legend", "list", "--acquired")
 
     def starts(self):
-        """The programs in turn, so that what else the machine does meets all of them.
+        """Runs the programs in turn, so that other load on the machine affects all of them.
 
-        A stand-alone run creates the exchange object, whose own start is not the add-in's: it is there already.
+        A host serves the exchange object beforehand: stand-alone runs create one, and its start isn't the add-in's.
         """
         host = self.arrangement.start([self.arrangement.host])
         wait_for(lambda: EXCHANGE_CLASS in self.names(), 20, "the exchange object's class")
@@ -106,7 +106,7 @@ class Bench:
     def lookups(self):
         lines = self.output(self.programs / "click-to-box", self.runs + 1, self.bare).splitlines()
         self.wait_for_end()
-        # The first box loads what later ones find.
+        # Leaves out the first box, which loads what the others share.
         way, exchange, calls, bare = zip(*([float(word) for word in line.split()] for line in lines[1:]))
         yield Figure.of("exchange", "a lookup's calls, against them alone", "ms", exchange, calls, 1.5)
         yield Figure.of("click-to-box", "click to painted box, less two steps", "ms", way,
@@ -115,7 +115,7 @@ class Bench:
     # --- at rest ----------------------------------------------------------------------------------
 
     def idle(self):
-        """Spans are the runs here. A state in which nothing changes has no other floor than its one tick a second."""
+        """Each span is a run. Where nothing changes, the floor is the one tick per second."""
         spans = max(self.runs, LEAST_SPANS)
         wakes, paints = {}, {}
         for line in self.output(self.programs / "idle", spans, self.bare).splitlines():

@@ -1,11 +1,11 @@
-"""What is measured inside a process: routines of the add-in, by the processor's time."""
+"""Measurements inside a process: routines of the add-in, by processor time."""
 from figure import Figure
 
 GROWTH = 1.5  # an item at the largest size against one at the smallest
 
 
 def sizes(times, benchmark):
-    """What a benchmark took at each of its sizes."""
+    """The times of a benchmark at each of its sizes."""
     return {int(name.split("/")[1]): taken for name, taken in times.items() if name.split("/")[0] == benchmark}
 
 

@@ -1,12 +1,11 @@
-// A host for the clock add-in, as small as one can be in C++: sd-bus (libsystemd-dev) and
-// docs/host-authors.md.
+// A minimal host for the clock add-in in C++, with sd-bus (libsystemd-dev). See docs/host-authors.md.
 //
-// Opens the add-in for the exchange "Example", then waits for the operator to read the clock there. Prints
-// every call that it gets, in order. With --once it ends after the first answer, otherwise with the dialog.
+// Opens the add-in for the exchange "Example", and answers when the operator reads the clock there. Prints
+// every incoming call. Ends with the dialog, or with --once after the first answer.
 //
-// A host must serve calls while a call of its own is out: RegisterPBX asks for GetComData before it returns.
-// Handlers of the bus library, though, may wait for nothing. So they answer at once and leave a note; Run
-// acts on the notes, and serves whatever comes while it waits for an answer.
+// A host must serve calls during its own calls: RegisterPBX calls GetComData before it returns. But handlers
+// of the bus library must not wait. So they answer at once and leave a note; Run acts on the notes, and
+// serves incoming calls while it waits for an answer.
 #include <systemd/sd-bus.h>
 
 #include <algorithm>
@@ -31,7 +30,8 @@ namespace {
 
 constexpr const char *addIn = "Horalink10013.cOLELayer", *factory = "org.velmora.Automation1.Factory",
                      *object = "org.velmora.Automation1.Object";
-// The bus library gives up after 25 seconds by itself. The contract knows no limit: an operator may be asked.
+// By default the bus library gives up after 25 seconds. The contract has no limit: a call may wait for the
+// operator.
 constexpr std::uint64_t forever = UINT64_MAX;
 
 enum class Kind : std::uint16_t { Call = 1, Read = 2, Write = 4 };
@@ -83,7 +83,7 @@ Read TakeBasic(sd_bus_message* message, char type) {
     return read;
 }
 
-// The kinds that the add-in sends; what is none of them counts as empty.
+// Reads the types that the add-in sends; any other counts as empty.
 Value TakeValue(sd_bus_message* message) {
     const char* signature = nullptr;
     Check(sd_bus_message_peek_type(message, nullptr, &signature));
@@ -134,9 +134,8 @@ std::string LowerCase(std::string text) {
     return text;
 }
 
-// `members` maps a name in lower case to a function that gets the list of arguments; what it puts into the
-// list goes back by reference. These objects live as long as the process, so nobody has to count who holds
-// them.
+// `members` maps a name in lower case to a function of the argument list, which can return values by
+// reference in that list. These objects live as long as the process, so they don't count references.
 struct AutomationObject {
     std::map<std::string, std::function<Value(Values&)>> members;
 
@@ -149,8 +148,8 @@ struct AutomationObject {
         for (const Value& argument : arguments) list += (list.empty() ? "" : ", ") + Shown(argument);
         std::printf("%s(%s)\n", name, list.c_str());
         std::fflush(stdout);
-        const auto member = members.find(LowerCase(name));  // names compare without regard to case
-        if (member == members.end())                        // arrives as run-time error 438
+        const auto member = members.find(LowerCase(name));  // case doesn't matter
+        if (member == members.end())                        // becomes run-time error 438
             return sd_bus_reply_method_errorf(message, SD_BUS_ERROR_UNKNOWN_METHOD, "no member %s", name);
         sd_bus_message* answer = nullptr;
         Check(sd_bus_message_new_method_return(message, &answer));
@@ -165,7 +164,7 @@ struct AutomationObject {
 int OnInvoke(sd_bus_message* message, void* self, sd_bus_error*) {
     try {
         return static_cast<AutomationObject*>(self)->Invoke(message);
-    } catch (const std::exception& problem) {  // arguments of other kinds than the member takes
+    } catch (const std::exception& problem) {  // arguments of the wrong type
         return sd_bus_reply_method_errorf(message, "org.velmora.Automation1.Error", "%s", problem.what());
     }
 }
@@ -183,7 +182,7 @@ const sd_bus_vtable interface[] = {
 
 using Message = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
 
-// What the add-in put into its record, and what an answer has of it.
+// An item of a request or an answer.
 struct Item {
     std::string command, first, second, extra;
 };
@@ -212,13 +211,13 @@ class Host {
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
 
-    // Until the add-in has left. Raises std::exception where it can't be opened.
+    // Runs until the add-in has left. Raises std::exception if it can't be opened.
     void Run() {
-        const Reference layer = Create();  // ours: Release it
+        const Reference layer = Create();  // we own this reference
         WatchFor(layer.owner);
         if (Invoke(layer, "RegisterPBX", Kind::Call, {"Example", Own("/Host"), std::int16_t{1}}) ==
             Value(true))
-            std::puts("RegisterPBX reports a failure");  // the dialog didn't load well
+            std::puts("RegisterPBX reports a failure");  // the dialog didn't load completely
         Invoke(layer, "Visible", Kind::Write, {true});
         while (!hasLeft_) {
             if (request_)
@@ -236,18 +235,18 @@ class Host {
     Value GetComData(Values& arguments) {
         arguments.at(2) =
             store_.contains(TextOf(arguments.at(1))) ? store_[TextOf(arguments.at(1))] : Value("");
-        return {};  // what was asked for goes back by reference
+        return {};  // the value is returned by reference
     }
 
     Value Login(Values& arguments) {
         if (isLoggedIn_) return "BUSY";
         client_ = std::get<Reference>(arguments.at(1));
         isLoggedIn_ = true;
-        Notify(client_, "Retain");  // borrowed for this call only, and CallBack comes after it
+        Notify(client_, "Retain");  // borrowed for this call only, but CallBack needs it later
         return "KEY";
     }
 
-    // CallBack is never called from in here: the add-in relies on SendRequest having returned before.
+    // Must not call CallBack: the add-in relies on SendRequest returning first.
     Value SendRequest(Values& arguments) {
         request_ = std::get<Reference>(arguments.at(0));
         Notify(*request_, "Retain");
@@ -272,7 +271,7 @@ class Host {
         Notify(record, "Release");
         FillResponse(items, tag, login);
         Invoke(client_, "CallBack", Kind::Call,
-               {Own("/Response")});  // shows, logs out, and only then returns
+               {Own("/Response")});  // shows the answer, logs out, then returns
         Notify(client_, "Release");
         isDone_ = isDone_ || once_;
     }
@@ -309,7 +308,7 @@ class Host {
                              {"message", [this](Values& a) { return MessageProperty(a); }}};
     }
 
-    // A write has the new value as its last argument.
+    // On a write, the last argument is the new value.
     Value MessageProperty(const Values& arguments) {
         if (arguments.empty()) return message_;
         message_ = arguments.back();
@@ -345,8 +344,8 @@ class Host {
         return TakeValue(answer.get());
     }
 
-    // Sends a call and serves what comes until it is answered. One that is refused as busy is sent again.
-    // Raises any other error that comes in place of an answer.
+    // Sends a call, and serves messages until the answer arrives. Repeats a call that is refused as busy.
+    // Raises any other error.
     Message AnswerTo(sd_bus_message* call) {
         const Message owned(call, sd_bus_message_unref);
         Message answer = FirstAnswerTo(call);
@@ -366,7 +365,7 @@ class Host {
         return Message(answer, sd_bus_message_unref);
     }
 
-    // Serves what comes for a fifth of a second.
+    // Serves messages for a fifth of a second.
     void Pause() {
         using namespace std::chrono;
         const auto end = steady_clock::now() + 200ms;
@@ -379,7 +378,7 @@ class Host {
         return 1;
     }
 
-    // Retain or Release, without waiting for the answer. What is sent first also arrives first.
+    // Retain or Release, without waiting for the answer. Messages arrive in the order sent.
     void Notify(const Reference& to, const char* method) {
         Check(sd_bus_call_method_async(bus_, nullptr, to.owner.c_str(), to.path.c_str(), object, method,
                                        nullptr, nullptr, ""));
@@ -387,7 +386,7 @@ class Host {
 
     // --- the bus ---
 
-    // One message, or a wait for the next one.
+    // Handles one message, or waits for the next.
     void Serve(std::uint64_t limit = forever) {
         const int served = sd_bus_process(bus_, nullptr);
         Check(served);
@@ -412,7 +411,7 @@ class Host {
     Reference client_;
     Value message_;
     bool isLoggedIn_ = false;
-    // Notes of the handlers.
+    // The handlers' notes for Run.
     std::optional<Reference> request_;
     bool isDone_ = false, hasLeft_ = false;
 };

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""A host for the clock add-in, as small as one can be: python3-dbus, GLib and docs/host-authors.md.
+"""A minimal host for the clock add-in, with python3-dbus and GLib. See docs/host-authors.md.
 
-Opens the add-in for the exchange "Example", then waits for the operator to read the clock there. Prints
-every call that it gets, in order. With --once it ends after the first answer, otherwise with the dialog.
+Opens the add-in for the exchange "Example", and answers when the operator reads the clock there. Prints every
+incoming call. Ends with the dialog, or with --once after the first answer.
 """
 
 import datetime
@@ -19,12 +19,12 @@ FACTORY, OBJECT = "org.velmora.Automation1.Factory", "org.velmora.Automation1.Ob
 CALL, READ, WRITE = dbus.UInt16(1), dbus.UInt16(2), dbus.UInt16(4)
 BUSY = "org.velmora.Automation1.Error.Busy"
 EMPTY = dbus.Struct((dbus.Byte(0),))
-# The bus library gives up after 25 seconds by itself. The contract knows no limit: an operator may be asked.
+# By default the bus library gives up after 25 seconds. The contract has no limit: a call may wait for the operator.
 FOREVER = 2147483
 
 
 class NoSuchMember(dbus.DBusException):
-    _dbus_error_name = "org.freedesktop.DBus.Error.UnknownMethod"  # arrives as run-time error 438
+    _dbus_error_name = "org.freedesktop.DBus.Error.UnknownMethod"  # becomes run-time error 438
 
 
 def shown(value):
@@ -34,11 +34,11 @@ def shown(value):
 
 
 class AutomationObject(dbus.service.Object):
-    """An object that others may call by the names of its members. `members` maps a name in lower case to a
-    function that gets the list of arguments; what it puts into the list goes back by reference."""
+    """An object on the bus. `members` maps a name in lower case to a function of the argument list, which can
+    return values by reference in that list."""
 
     count = 0
-    passing = False  # True for an object that goes with its last reference
+    passing = False  # True for an object to be removed with its last reference
 
     def __init__(self, bus):
         AutomationObject.count += 1
@@ -50,18 +50,18 @@ class AutomationObject(dbus.service.Object):
     @dbus.service.method(OBJECT, in_signature="sqav", out_signature="vav", sender_keyword="sender")
     def Invoke(self, member, kind, arguments, sender):
         print(f"{member}({', '.join(map(shown, arguments))})", flush=True)
-        if member.lower() not in self.members:  # names compare without regard to case
+        if member.lower() not in self.members:  # case doesn't matter
             raise NoSuchMember(f"no member {member}")
         result = self.members[member.lower()](arguments)
         if isinstance(result, AutomationObject):
-            result.Retain(sender)  # a reference that is returned belongs to the caller
+            result.Retain(sender)  # the caller owns a returned reference
             result = result.reference
         return EMPTY if result is None else result, arguments
 
     @dbus.service.method(OBJECT, sender_keyword="sender")
     def Retain(self, sender):
         self.held[sender] += 1
-        # A peer that dies releases nothing: what it held is given back in its name.
+        # A peer that dies can't release what it holds.
         self.bus.watch_name_owner(sender, lambda owner: owner or self.let_go(sender, self.held[sender]))
 
     @dbus.service.method(OBJECT, sender_keyword="sender")
@@ -92,7 +92,7 @@ class Response(AutomationObject):
         self.members["message"] = self.message_property
 
     def message_property(self, arguments):
-        if arguments:  # a write has the new value as its last argument
+        if arguments:  # on a write, the last argument is the new value
             self.message = arguments[-1]
             return None
         return self.message
@@ -104,11 +104,11 @@ class Host:
         self.layer = self.client = None
         self.logged_in = self.answered = self.failed = False
         self.store = {}  # a real host keeps these in a file
-        nothing = lambda arguments: None
+        ignore = lambda arguments: None
         self.object, self.exchange = AutomationObject(bus), AutomationObject(bus)
         self.object.members = {
-            "opbx": lambda _: self.exchange, "showmessage": nothing, "showresults": nothing, "showcode": nothing,
-            "displayhelp": nothing, "turnonflow": nothing, "turnoffflow": nothing,
+            "opbx": lambda _: self.exchange, "showmessage": ignore, "showresults": ignore, "showcode": ignore,
+            "displayhelp": ignore, "turnonflow": ignore, "turnoffflow": ignore,
             "unloadchild": self.unload_child,
             "regcomdata": self.reg_com_data, "getcomdata": self.get_com_data,
         }
@@ -116,8 +116,8 @@ class Host:
         self.exchange.members = {"login": self.login, "sendrequest": self.send_request, "logout": self.log_out}
 
     # --- outgoing calls -----------------------------------------------------------------------------------
-    # A host must serve calls while its own call is out: RegisterPBX asks for GetComData before it returns.
-    # So no call here blocks; what comes in order is written as a generator that yields its calls.
+    # A host must serve calls during its own calls: RegisterPBX calls GetComData before it returns. So no call
+    # blocks; a sequence of calls is a generator that yields them.
 
     def call(self, reference, member, kind, *arguments):
         return reference, OBJECT, "Invoke", "sqav", (member, kind, dbus.Array(arguments, signature="v"))
@@ -132,7 +132,7 @@ class Host:
 
     def send(self, steps, reference, *call):
         def failed(error):
-            if error.get_dbus_name() == BUSY:  # not now: the same call again, a little later
+            if error.get_dbus_name() == BUSY:  # repeat the call a little later
                 GLib.timeout_add(200, self.send, steps, reference, *call)
             else:
                 self.run(steps, error=error)
@@ -140,25 +140,25 @@ class Host:
         self.bus.call_async(*reference, *call, lambda *values: self.run(steps, values), failed, timeout=FOREVER)
 
     def notify(self, reference, method):
-        """Retain or Release, without waiting for the answer. What is sent first also arrives first."""
+        """Retain or Release, without waiting for the answer. Messages arrive in the order sent."""
         self.bus.call_async(*reference, OBJECT, method, "", (), None, None)
 
     # --- the life of the add-in -----------------------------------------------------------------------------
 
     def open_add_in(self):
         try:
-            (self.layer,) = yield (ADD_IN, "/Factory"), FACTORY, "CreateInstance", "", ()  # ours: Release it
+            (self.layer,) = yield (ADD_IN, "/Factory"), FACTORY, "CreateInstance", "", ()  # we own it
         except dbus.DBusException as problem:
             self.give_up(f"the add-in can't be created (error 429): {problem.get_dbus_message()}")
             return
         self.bus.watch_name_owner(self.layer[0], lambda owner: owner or self.loop.quit())
         failed, _ = yield self.call(self.layer, "RegisterPBX", CALL, "Example", self.object.reference, dbus.Int16(1))
-        if failed:  # True means that the dialog didn't load well
+        if failed:  # True: the dialog didn't load completely
             print("RegisterPBX reports a failure", flush=True)
         yield self.call(self.layer, "Visible", WRITE, True)
 
     def release_add_in(self):
-        """Gives the last reference back. The add-in still calls REGComData, then it leaves the bus and we end."""
+        """Releases the last reference. The add-in still calls REGComData, then it leaves the bus and we end."""
         layer, self.layer = self.layer, None
         if layer:
             self.notify(layer, "Release")
@@ -171,14 +171,14 @@ class Host:
     # --- members of the host object -----------------------------------------------------------------------
 
     def unload_child(self, arguments):
-        GLib.idle_add(self.release_add_in)  # not from inside the add-in's own call
+        GLib.idle_add(self.release_add_in)  # not inside the add-in's call
 
     def reg_com_data(self, arguments):
         application, key, value = arguments
         self.store[application, key] = value
 
     def get_com_data(self, arguments):
-        arguments[2] = self.store.get(tuple(arguments[:2]), "")  # comes back by reference
+        arguments[2] = self.store.get(tuple(arguments[:2]), "")  # returned by reference
 
     # --- members of the exchange object -------------------------------------------------------------------
 
@@ -186,18 +186,18 @@ class Host:
         if self.logged_in:
             return "BUSY"
         self.client, self.logged_in = arguments[1], True
-        self.notify(self.client, "Retain")  # borrowed for this call only, and CallBack comes after it
+        self.notify(self.client, "Retain")  # borrowed for this call only, but CallBack needs it later
         return "KEY"
 
     def send_request(self, arguments):
         self.notify(arguments[0], "Retain")
-        # Never call CallBack from in here: the add-in relies on SendRequest having returned before.
+        # Not at once: the add-in relies on SendRequest returning before CallBack.
         GLib.timeout_add(50, lambda: self.run(self.answer(arguments[0])))
         return "ACCEPTED"
 
     def log_out(self, arguments):
         self.logged_in = False
-        GLib.idle_add(self.end_if_done)  # not from inside the add-in's own call
+        GLib.idle_add(self.end_if_done)  # not inside the add-in's call
 
     def end_if_done(self):
         if self.once and self.answered and not self.logged_in:
@@ -218,7 +218,7 @@ class Host:
                 items.append((command, first, "", "CODE NOT ALLOWED"))
         self.notify(record, "Release")
         response, client = Response(self.bus, items, tag, login), self.client
-        yield self.call(client, "CallBack", CALL, response.reference)  # shows, logs out, and only then returns
+        yield self.call(client, "CallBack", CALL, response.reference)  # shows the answer, logs out, then returns
         self.notify(client, "Release")
         response.passing = True
         response.end_if_unused()

@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""The least that a host of the clock add-in needs: python3-gi and docs/host-authors.md.
+"""The smallest host of the clock add-in, with python3-gi. See docs/host-authors.md.
 
 Opens the add-in for the exchange "Example", answers a lookup with this PC's time and refuses an update. Its objects
-last as long as the program, so it counts no references. It ends with the add-in's window; leaving the bus gives back
-what it held.
+live as long as the program, so it doesn't count references. It ends with the add-in's window; leaving the bus releases
+all that it held.
 """
 import sys
 import time
@@ -21,7 +21,7 @@ state = {"client": None, "tag": "", "message": ""}
 
 
 def send(target, interface, method, parameters=None, then=lambda *_: None):
-    """Doesn't wait for the answer: the add-in calls back before it gives one. `then` takes it."""
+    """Doesn't wait for the answer, since the add-in calls back before it answers. `then` receives the answer."""
     def answered(_, result):
         try:
             answer = bus.call_finish(result)
@@ -59,12 +59,12 @@ def unload_child(_):
 
 def log_in(_, client):
     state["client"] = client
-    send(client, "Object", "Retain")  # lent until we answer, and CallBack comes later
+    send(client, "Object", "Retain")  # borrowed until we answer, but CallBack needs it later
     return "KEY"
 
 
 def send_request(record):
-    invoke(record, "Tag", READ, then=call_back)  # arrives ahead of our answer, so the record is still lent
+    invoke(record, "Tag", READ, then=call_back)  # arrives before our answer ends the loan
     return "ACCEPTED"
 
 

@@ -1,19 +1,19 @@
 #include "host/AddIn.h"
 
+#include "platform/qt/QtText.h"
+#include "platform/runtime/ScopeExit.h"
+
 namespace switchdesk {
 
+using platform::FromQt;
 using platform::Text;
 using platform::ToUtf8;
 
 namespace {
 
 constexpr platform::TextView className = u"Horalink10013.cOLELayer";
-// An add-in that serves others too doesn't end when we let go of it.
+// How long to wait for the add-in's end. With other clients, it doesn't end after our release.
 constexpr platform::Milliseconds longestFarewell{3000};
-
-Text ErrorText(const platform::RuntimeError& error) {
-    return u" (error " + platform::DecimalText(error.Number()) + u").";
-}
 
 }  // namespace
 
@@ -21,15 +21,19 @@ AddIn::AddIn(platform::Automation& automation, platform::EventLoop& loop, HostVi
     : automation_(automation), loop_(loop), view_(view), log_(log) {}
 
 void AddIn::Open(const Text& exchange, const platform::ObjectRef& host) {
-    view_.ShowState(u"Opening the clock add-in\u2026", layer_ != nullptr, exchange);
+    if (isOpening_) return;
+    isOpening_ = true;
+    const platform::ScopeExit opened([this] { isOpening_ = false; });
+    view_.ShowState(FromQt(tr("Opening the clock add-in\u2026")), HostView::AddInState::Opening, exchange);
     try {
         Show(exchange, host);
     } catch (const platform::RuntimeError& error) {
         log_.Note("add-in raised error " + std::to_string(error.Number()));
-        const Text what = layer_ ? u"The clock add-in failed" : u"The clock add-in can't be started";
+        const QString what = layer_ ? tr("The clock add-in failed (error %1).")
+                                    : tr("The clock add-in can't be started (error %1).");
         layer_ = nullptr;
         view_.ShowMessage(error.Description());
-        view_.ShowState(what + ErrorText(error), false, {});
+        ShowClosed(what.arg(error.Number()));
     }
 }
 
@@ -39,28 +43,32 @@ void AddIn::Show(const Text& exchange, const platform::ObjectRef& host) {
         layer_ = automation_.CreateObject(className);
         watch_ = layer_->WhenOwnerGone([this] { OwnerGone(); });
     }
-    const platform::ObjectRef layer = layer_;
-    exchange_ = exchange;
+    patience_ = automation_.NewPatience();
+    const platform::ObjectRef held = layer_, layer = Within();
     ++childId_;
     const bool failed = platform::Call(layer, "RegisterPBX", exchange, host, childId_).ToBoolean();
     log_.Note("RegisterPBX(" + LogText(exchange) + ") returned " + LogText(failed));
     DressAddIn(layer);
     platform::Put(layer, "Visible", true);
     log_.Note("Visible is written");
-    if (layer != layer_) return;
-    view_.ShowState(failed ? u"The clock add-in is open, but its dialog could not be set up completely."
-                           : u"The clock add-in is open for " + exchange + u".",
-                    true, exchange);
+    if (held != layer_) return;
+    const QString words = failed
+                              ? tr("The clock add-in is open, but its dialog could not be set up completely.")
+                              : tr("The clock add-in is open for %1.").arg(platform::ToQt(exchange));
+    view_.ShowState(FromQt(words), HostView::AddInState::Open, exchange);
+}
+
+void AddIn::ShowClosed(const QString& words) {
+    view_.ShowState(FromQt(words), HostView::AddInState::Closed, {});
 }
 
 void AddIn::SetBackground(std::int16_t set) {
     background_ = set;
-    const platform::ObjectRef layer = layer_;
-    if (!layer) return;
+    if (!layer_) return;
     try {
-        DressAddIn(layer);
+        DressAddIn(Within());
     } catch (const platform::RuntimeError& error) {
-        view_.ShowMessage(u"The background can't be changed: " + error.Description());
+        view_.ShowMessage(FromQt(tr("The background can't be changed:")) + u" " + error.Description());
     }
 }
 
@@ -73,12 +81,12 @@ void AddIn::Close() {
     if (!layer_) return;
     layer_ = nullptr;
     log_.Note("lets go of the add-in");
-    view_.ShowState(u"The clock add-in is closed.", false, {});
+    ShowClosed(tr("The clock add-in is closed."));
 }
 
 void AddIn::ChildUnloaded(std::int16_t id) {
     if (id != childId_) return;
-    // Not from inside the add-in's own call.
+    // Not inside the add-in's call.
     release_ = loop_.After(platform::Milliseconds(0), [this] { Close(); });
 }
 
@@ -87,13 +95,14 @@ void AddIn::OwnerGone() {
     log_.Note("add-in has left");
     if (layer_) {
         layer_ = nullptr;
-        view_.ShowState(u"The clock add-in has ended by itself.", false, {});
+        ShowClosed(tr("The clock add-in has ended unexpectedly."));
     }
     if (left_) left_();
 }
 
 void AddIn::WhenLeft(std::function<void()> left) {
     left_ = std::move(left);
+    if (patience_) patience_->GiveUp();
     const platform::Milliseconds limit = watch_ ? longestFarewell : platform::Milliseconds(0);
     limit_ = loop_.After(limit, [this] { left_(); });
 }

@@ -1,34 +1,41 @@
-// The clock add-in as the host drives it: one instance, opened for one exchange at a time.
+// The host's clock add-in: one instance, open for one exchange at a time.
 #pragma once
 
+#include <QCoreApplication>
+
 #include "host/CallLog.h"
-#include "host/HostView.h"
-#include "platform/automation/Automation.h"
+#include "host/HostObject.h"
+#include "platform/automation/Patience.h"
 #include "platform/runtime/EventLoop.h"
 
 namespace switchdesk {
 
 class AddIn {
+    Q_DECLARE_TR_FUNCTIONS(AddIn)
+
   public:
     // All must outlive the object.
     AddIn(platform::Automation& automation, platform::EventLoop& loop, HostView& view, CallLog& log);
 
-    // Creates the add-in where there is none, and shows it for an exchange. What goes wrong is told to
-    // the view.
+    // Creates the add-in if necessary, and shows it for an exchange. Reports errors to the view. Does nothing
+    // while it is being opened already.
     void Open(const platform::Text& exchange, const platform::ObjectRef& host);
-    // Puts a background set on the add-in: on the one that is open, and on each that is opened.
+    // Sets the background of the open add-in and of all that are opened later.
     void SetBackground(std::int16_t set);
-    // Lets go of the add-in. It stores its position and ends by itself afterwards.
+    // Releases the add-in, which then stores its position and ends.
     void Close();
-    // The add-in told that its dialog has gone.
+    // The add-in reports that its dialog has closed.
     void ChildUnloaded(std::int16_t id);
 
-    // Calls once no process of an add-in that was open is there any more, or waiting for it has no sense.
+    // Gives up calls under way. Calls `left` once the add-in's process, if any, has ended, or after a few
+    // seconds.
     void WhenLeft(std::function<void()> left);
 
   private:
     void Show(const platform::Text& exchange, const platform::ObjectRef& host);
+    void ShowClosed(const QString& words);
     void DressAddIn(const platform::ObjectRef& layer);
+    platform::ObjectRef Within() const { return automation_.Within(layer_, patience_); }
     void OwnerGone();
 
     platform::Automation& automation_;
@@ -36,8 +43,9 @@ class AddIn {
     HostView& view_;
     CallLog& log_;
     platform::ObjectRef layer_;
-    std::shared_ptr<void> watch_;  // from the creation to the end of the add-in's process
-    platform::Text exchange_;
+    std::shared_ptr<platform::Patience> patience_;  // with the calls since the last opening
+    std::shared_ptr<void> watch_;                   // from the creation to the end of the add-in's process
+    bool isOpening_ = false;
     std::int16_t childId_ = 0, background_ = 0;
     std::function<void()> left_;
     platform::HandleRef release_, limit_;

@@ -1,17 +1,25 @@
-// What an exchange gives back on a request.
+// An exchange's answer to a request.
 #pragma once
 
 #include <cstdint>
 #include <vector>
 
-#include "host/Item.h"
+#include "platform/runtime/Text.h"
 
 namespace switchdesk {
+
+struct Item {
+    platform::Text command;
+    platform::Text first;   // number of the data item
+    platform::Text second;  // the value: to be written, or read
+    platform::Text extra;   // the exchange's answer text
+    friend bool operator==(const Item&, const Item&) = default;
+};
 
 struct Answer {
     std::vector<Item> items;
     std::int32_t errCode = 0;
-    platform::Text tag, loginId;  // both as the request had them
+    platform::Text tag, loginId;  // both copied from the request
     platform::Text message;
 };
 

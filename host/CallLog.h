@@ -1,4 +1,4 @@
-// Every call that the host sees, one line each, in the order in which they came.
+// A log of all calls that the host receives, one line each, in order.
 #pragma once
 
 #include <filesystem>
@@ -10,21 +10,21 @@
 
 namespace switchdesk {
 
-// A value as the log shows it: strings in double quotes with \" \\ \r \n, objects as <object>, no object
-// and no result as Nothing.
+// A value as the log shows it: strings in double quotes with \" \\ \r \n, objects as <object>, a null
+// object or no result as Nothing.
 std::string LogText(const platform::Value& value);
 
 class CallLog {
   public:
-    // Where the lines go; each has left before the call that made it goes on.
+    // Receives the lines. It writes each line before the call continues.
     using Sink = std::function<void(const std::string& line)>;
     void AddSink(Sink sink) { sinks_.push_back(std::move(sink)); }
 
-    // A line of the host's own doings, behind "# ".
+    // A line on the host's own actions, after "# ".
     void Note(const std::string& text);
 
-    // A call's line is written when it ends. Where another call comes in meanwhile, a note tells first
-    // that the outer one is under way, so that the lines stay in the order of the calls.
+    // A call's line is written when it ends. If another call arrives meanwhile, a note announces the outer
+    // one first, so that the log keeps the order of the calls.
     class Entry {
       public:
         Entry(CallLog& log, std::string call);
@@ -48,7 +48,7 @@ class CallLog {
     std::vector<Entry*> open_;
 };
 
-// Sinks. The file is made anew; raises 75 where that fails.
+// Overwrites the file. Raises 75 if that fails.
 CallLog::Sink FileSink(const std::filesystem::path& file);
 CallLog::Sink StandardOutputSink();
 

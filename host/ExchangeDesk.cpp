@@ -26,14 +26,14 @@ Text Key(const char16_t* prefix, int& last) {
 ExchangeDesk::ExchangeDesk(platform::EventLoop& loop, const Observation& observation)
     : loop_(loop), observation_(observation) {}
 
-void ExchangeDesk::Add(Text name, SimulatedExchange exchange) {
+void ExchangeDesk::Add(Text name, std::unique_ptr<Exchange> exchange) {
     exchanges_.push_back({std::move(name), std::move(exchange)});
 }
 
-SimulatedExchange* ExchangeDesk::Find(const Text& name) {
+ExchangeDesk::Named* ExchangeDesk::Find(const Text& name) {
     const auto found = std::find_if(exchanges_.begin(), exchanges_.end(),
                                     [&](const Named& entry) { return entry.name == name; });
-    return found == exchanges_.end() ? nullptr : &found->exchange;
+    return found == exchanges_.end() ? nullptr : &*found;
 }
 
 ExchangeDesk::Session* ExchangeDesk::FindLogin(const Text& key) {
@@ -50,10 +50,10 @@ bool ExchangeDesk::IsBusy(const Text& name) const {
 
 Text ExchangeDesk::Open(Text key, const Text& name, bool isLogin, const ObjectRef& client) {
     Session& session = sessions_.emplace_back(Session{key, name, isLogin, client, nullptr, nullptr});
-    // A client that dies can't log out: its login must not block the exchange for ever.
+    // The login of a client that dies must not block the exchange for ever.
     if (client)
         session.clientWatch = client->WhenOwnerGone([this, key] {
-            observation_.log.Note("client of " + platform::ToUtf8(key) + " has gone");
+            observation_.log.Note("client of " + platform::ToUtf8(key) + " has left");
             Close(key);
         });
     return key;
@@ -68,64 +68,51 @@ Text ExchangeDesk::Connect(const Text& name, const ObjectRef& client) {
     return Open(Key(u"C", lastConnection_), name, false, client);
 }
 
-bool ExchangeDesk::Forced(const ForcedReply& reply) {
-    if (reply.kind == ForcedReply::Kind::Raise)
-        throw platform::RuntimeError(reply.number, u"The host was told to fail here");
-    if (reply.kind == ForcedReply::Kind::Hang) Hang();
-    return reply.kind == ForcedReply::Kind::Text;
-}
-
-void ExchangeDesk::Hang() {
-    observation_.log.Note("hangs");
-    while (!leaving_) loop_.ServeOnce();
-    throw platform::RuntimeError(platform::ErrorNumber::ServerGone);
-}
-
 Text ExchangeDesk::Login(const Text& name, const ObjectRef& client) {
-    const ForcedReply& reply = observation_.misbehaviour.login;
-    const bool forced = Forced(reply);
-    if (forced && IsRefusal(reply.text)) return reply.text;
+    const std::optional<Text>& forced = observation_.misbehaviour.login;
+    if (forced && IsRefusal(*forced)) return *forced;
     if (!Find(name)) return Text(error);
     if (IsBusy(name)) return Text(busy);
-    const Text key = Open(forced ? reply.text : Key(u"L", lastLogin_), name, true, client);
-    if (observation_.misbehaviour.callbackDuring == "login") CallBack(client, {{}, 0, {}, key, {}});
-    return key;
+    return Open(forced ? *forced : Key(u"L", lastLogin_), name, true, client);
 }
 
 Text ExchangeDesk::Send(const ObjectRef& record) {
-    const ForcedReply& reply = observation_.misbehaviour.send;
-    const bool forced = Forced(reply);
-    if (forced && IsRefusal(reply.text)) return reply.text;
     const Request request = ReadRequest(record);
     Session* session = FindLogin(request.loginId);
     if (!session || session->exchange != request.exchange || session->answer) return Text(error);
-    const Text accepted = forced ? reply.text : Key(u"R", lastRequest_);
-    if (observation_.misbehaviour.callbackDuring == "send") {
-        Deliver(request);
-    } else if (observation_.misbehaviour.answers) {
-        // Never from in here: the client counts on SendRequest having returned before CallBack comes.
-        session->answer = loop_.After(observation_.misbehaviour.answerDelay, [this, request] {
-            observation_.misbehaviour.LeaveAt("waiting", observation_.log);
-            Deliver(request);
-            observation_.misbehaviour.LeaveAt("answered", observation_.log);
-        });
+    // Never at once: clients rely on SendRequest returning before CallBack arrives.
+    if (observation_.misbehaviour.answers)
+        session->answer =
+            loop_.After(observation_.misbehaviour.answerDelay, [this, request] { Perform(request); });
+    return Key(u"R", lastRequest_);
+}
+
+void ExchangeDesk::LogOut(const Text& key) {
+    Close(key);
+}
+
+void ExchangeDesk::Perform(const Request& request) {
+    Session* session = FindLogin(request.loginId);
+    Named* named = Find(request.exchange);
+    if (!session || !named) return;
+    session->answer = named->exchange->Perform(
+        request.items,
+        {[this, name = named->name](const Text& step) { watcher_.report(name, step); },
+         [this, request](Exchange::Outcome outcome) { Deliver(request, std::move(outcome)); }});
+}
+
+void ExchangeDesk::Deliver(const Request& request, Exchange::Outcome outcome) {
+    Named& named = *Find(request.exchange);
+    if (outcome.clock) {
+        named.clock = outcome.clock;
+        named.readAt = std::chrono::system_clock::now();
     }
-    return accepted;
-}
-
-void ExchangeDesk::LogOut(const Text& name, const Text& key) {
-    sessions_.remove_if(
-        [&](const Session& session) { return session.key == key && session.exchange == name; });
-}
-
-void ExchangeDesk::Deliver(const Request& request) {
+    named.problem = outcome.failed ? outcome.message : Text();
+    watcher_.changed();
     const Session* session = FindLogin(request.loginId);
-    SimulatedExchange* exchange = Find(request.exchange);
-    if (!session || !exchange) return;
+    if (!session) return watcher_.report(request.exchange, outcome.message);
     const ObjectRef client = session->client;
-    const Answer answer{exchange->Perform(request.items), 0, request.tag, request.loginId, {}};
-    CallBack(client, answer);
-    if (observation_.misbehaviour.answersTwice) CallBack(client, answer);
+    CallBack(client, {std::move(outcome.items), 0, request.tag, request.loginId, std::move(outcome.message)});
 }
 
 void ExchangeDesk::CallBack(const ObjectRef& client, Answer answer) {
@@ -137,7 +124,7 @@ void ExchangeDesk::CallBack(const ObjectRef& client, Answer answer) {
         observation_.log.Note(response ? "CallBack returned, response kept" : "CallBack returned");
     } catch (const platform::RuntimeError& failure) {
         observation_.log.Note("CallBack raised error " + std::to_string(failure.Number()));
-        // Nobody will log out for an answer that can't be told.
+        // A client that didn't get the answer won't log out.
         Close(answer.loginId);
     }
 }

@@ -1,14 +1,13 @@
-// The exchanges, who is logged in at them, and the way of one request.
+// The exchanges, their logins and the requests to them.
 #pragma once
 
 #include <list>
 #include <memory>
 #include <vector>
 
+#include "host/Exchange.h"
 #include "host/ObservedObject.h"
 #include "host/RequestRecord.h"
-#include "host/SimulatedExchange.h"
-#include "platform/runtime/EventLoop.h"
 
 namespace switchdesk {
 
@@ -18,26 +17,35 @@ class ExchangeDesk {
     ExchangeDesk(platform::EventLoop& loop, const Observation& observation);
 
     // Names are compared exactly.
-    void Add(platform::Text name, SimulatedExchange exchange);
+    void Add(platform::Text name, std::unique_ptr<Exchange> exchange);
+    struct Watcher {
+        // The steps of requests, and the outcomes of those that were given up.
+        std::function<void(const platform::Text& exchange, const platform::Text& text)> report;
+        std::function<void()> changed;  // the state of an exchange
+    };
+    void ReportTo(Watcher watcher) { watcher_ = std::move(watcher); }
 
     struct Named {
         platform::Text name;
-        SimulatedExchange exchange;
+        std::unique_ptr<Exchange> exchange;
+        std::optional<Exchange::Reading> clock{};        // when it was last read or set
+        std::chrono::system_clock::time_point readAt{};  // then, by this PC's clock
+        platform::Text problem{};                        // why the last request failed, if it did
     };
     const std::vector<Named>& Exchanges() const { return exchanges_; }
 
-    // The key of a connection, or an empty text for an exchange that isn't there.
+    // The key of a new connection, or an empty text for an unknown exchange.
     platform::Text Connect(const platform::Text& name, const platform::ObjectRef& client);
-    // The key of a login; "BUSY" while another one is open at the exchange, "ERROR" for no such exchange.
+    // The key of a new login; "BUSY" if the exchange has one already, "ERROR" for an unknown exchange.
     platform::Text Login(const platform::Text& name, const platform::ObjectRef& client);
-    // Takes a request, whose answer goes to CallBack of the login's client later. "ERROR" for a request
-    // without a login of its own.
+    // Takes a request, and delivers the answer later to CallBack of the login's client. "ERROR" unless its
+    // login is for that exchange and has had no request yet.
     platform::Text Send(const platform::ObjectRef& record);
-    // Ends a login or a connection. A request of it that is under way gets no answer any more.
-    void LogOut(const platform::Text& name, const platform::Text& key);
-
-    // The host is about to end: a call that never answers is given up.
-    void Leave() { leaving_ = true; }
+    // Ends a login or connection. Its request, if any, gets no answer. The key is enough: an add-in that has
+    // meanwhile registered another exchange passes that one's name.
+    void LogOut(const platform::Text& key);
+    // Whether somebody is logged in at an exchange.
+    bool IsBusy(const platform::Text& name) const;
 
   private:
     struct Session {
@@ -48,24 +56,21 @@ class ExchangeDesk {
         platform::HandleRef answer;  // the request under way
     };
 
-    SimulatedExchange* Find(const platform::Text& name);
+    Named* Find(const platform::Text& name);
     Session* FindLogin(const platform::Text& key);
-    bool IsBusy(const platform::Text& name) const;
     platform::Text Open(platform::Text key, const platform::Text& name, bool isLogin,
                         const platform::ObjectRef& client);
     void Close(const platform::Text& key);
-    // Carries out a reply that was forced on a call: True where its text is the call's result.
-    bool Forced(const ForcedReply& reply);
-    void Hang();
-    void Deliver(const Request& request);
+    void Perform(const Request& request);
+    void Deliver(const Request& request, Exchange::Outcome outcome);
     void CallBack(const platform::ObjectRef& client, Answer answer);
 
     platform::EventLoop& loop_;
     Observation observation_;
+    Watcher watcher_{[](const platform::Text&, const platform::Text&) {}, [] {}};
     std::vector<Named> exchanges_;
     std::list<Session> sessions_;
     int lastLogin_ = 0, lastConnection_ = 0, lastRequest_ = 0;
-    bool leaving_ = false;
 };
 
 }  // namespace switchdesk

@@ -6,7 +6,7 @@ namespace switchdesk {
 
 using platform::Method;
 
-const platform::ClassDescription& ExchangeObject::Class() const {
+const platform::ClassDescription& ExchangeObject::Description() {
     static const platform::ClassDescription description{
         "cPBXOle",
         {

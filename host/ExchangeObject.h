@@ -1,4 +1,4 @@
-// The exchange object: what clients log in at.
+// The exchange object, where clients log in.
 #pragma once
 
 #include "host/ExchangeDesk.h"
@@ -9,18 +9,19 @@ namespace switchdesk {
 using platform::ObjectRef;
 using platform::Text;
 
-// All objects of this class stand before the same desk.
+// All objects of this class share one desk.
 class ExchangeObject : public ObservedObject {
   public:
     ExchangeObject(const Observation& observation, ExchangeDesk& desk)
         : ObservedObject(observation), desk_(desk) {}
-    const platform::ClassDescription& Class() const override;
+    static const platform::ClassDescription& Description();
+    const platform::ClassDescription& Class() const override { return Description(); }
 
   private:
     Text ConnectToPbx(const Text& pbx, const ObjectRef& client) { return desk_.Connect(pbx, client); }
     Text Login(const Text& pbx, const ObjectRef& client) { return desk_.Login(pbx, client); }
     Text SendRequest(const ObjectRef& request) { return desk_.Send(request); }
-    void LogOut(const Text& pbx, const Text& loginId) { desk_.LogOut(pbx, loginId); }
+    void LogOut(const Text&, const Text& loginId) { desk_.LogOut(loginId); }
 
     ExchangeDesk& desk_;
 };

@@ -34,7 +34,7 @@ HelpPage::HelpPage(QWidget& host)
 
 void HelpPage::Show(const platform::HelpTopic& topic) {
     const QString title = QString::fromStdU16String(topic.title);
-    setWindowTitle(title.isEmpty() ? QString("Help") : "Help \u2013 " + title);
+    setWindowTitle(title.isEmpty() ? tr("Help") : tr("Help") + QStringLiteral(" \u2013 ") + title);
     title_->setText(title);
     body_->setHtml(QString::fromStdU16String(topic.body));
     body_->setAccessibleName(body_->toPlainText());

@@ -1,6 +1,7 @@
-// The window in which the host shows the help that an add-in asks for.
+// The window that shows help for an add-in.
 #pragma once
 
+#include <QCoreApplication>
 #include <QWidget>
 
 #include "platform/desktop/HelpFile.h"
@@ -10,13 +11,15 @@ class QTextBrowser;
 
 namespace switchdesk {
 
-// Stays beside the other windows until it is closed, by its frame or with Escape.
+// Stays open until the operator closes it, by its frame or with Escape.
 class HelpPage : public QWidget {
+    Q_DECLARE_TR_FUNCTIONS(HelpPage)
+
   public:
-    // `host` is the window that it goes with.
+    // Closes with the window `host`.
     explicit HelpPage(QWidget& host);
 
-    // Puts a topic on the page and brings it to the front.
+    // Shows a topic, and brings the page to the front.
     void Show(const platform::HelpTopic& topic);
 
   protected:

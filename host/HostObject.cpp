@@ -7,7 +7,7 @@ namespace switchdesk {
 
 using platform::Method;
 
-const platform::ClassDescription& HostObject::Class() const {
+const platform::ClassDescription& HostObject::Description() {
     static const platform::ClassDescription description{
         "Host",
         {
@@ -32,7 +32,13 @@ void HostObject::ShowResults(const Text& caption, const platform::ObjectRef& res
 }
 
 void HostObject::REGComData(const Text& application, const Text& key, const Text& value) {
-    parts_.store.Set(application, key, value);
+    try {
+        parts_.store.Set(application, key, value);
+    } catch (const platform::RuntimeError& error) {
+        // The add-in passes over it, so the operator learns of it here.
+        parts_.view.ShowMessage(error.Description());
+        throw;
+    }
 }
 
 void HostObject::GetComData(const Text& application, const Text& key, Text& value) const {

@@ -2,19 +2,23 @@
 
 #include <QActionGroup>
 #include <QCloseEvent>
+#include <QDateTime>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLocale>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QTableWidget>
-#include <QTime>
 
+#include "host/Difference.h"
 #include "host/HelpPage.h"
 #include "host/WindowParts.h"
-#include "platform/runtime/Format.h"
+#include "platform/qt/QtText.h"
 #include "platform/runtime/Guard.h"
 
 namespace switchdesk {
@@ -23,13 +27,28 @@ using platform::Text;
 
 namespace {
 
-constexpr int nameColumn = 0, clockColumn = 1;
-constexpr int initialWidth = 860, initialHeight = 560, exchangePaneWidth = 290;
+enum ExchangeColumn { nameColumn, clockColumn, timeColumn, problemColumn };
+constexpr int commandColumn = 0, answerColumn = 3;
+// With its frame, it has to fit a screen of 1080 lines at twice the size.
+constexpr int initialWidth = 940, initialHeight = 480;
+constexpr QColor failureColor(0xb0, 0x1c, 0x1c);
+constexpr const char16_t* good = u"OK";
 
-QString ClockText(platform::Date now) {
-    const platform::DateParts parts = platform::PartsOf(now);
-    return QString::asprintf("%04d-%02d-%02d  %02d:%02d:%02d", parts.year, parts.month, parts.day, parts.hour,
-                             parts.minute, parts.second);
+QString TimeText(std::chrono::system_clock::time_point time) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(time.time_since_epoch());
+    const QDateTime moment = QDateTime::fromSecsSinceEpoch(seconds.count());
+    return QLocale().toString(moment.time(), QLocale::ShortFormat);
+}
+
+// With the whole text at hand where the cell is too small for it.
+void SetCell(QTableWidget& table, int row, int column, const QString& text) {
+    table.item(row, column)->setText(text);
+    table.item(row, column)->setToolTip(text.toHtmlEscaped());
+}
+
+void AddRow(QTableWidget& table, int row) {
+    for (int column = 0; column < table.columnCount(); ++column)
+        table.setItem(row, column, new QTableWidgetItem);
 }
 
 }  // namespace
@@ -39,46 +58,46 @@ MainWindow::MainWindow(const ExchangeDesk& desk, const Family& family, Actions a
     setObjectName("switchdesk");
     setWindowTitle("Switchdesk");
     setStyleSheet(WindowStyle());
-    auto* content = new QWidget(this);
-    auto* columns = new QHBoxLayout(content);
-    columns->setContentsMargins(18, 18, 18, 12);
-    columns->setSpacing(18);
-    columns->addWidget(MakeExchangePane());
-    columns->addWidget(MakeAnswerPane(), 1);
-    setCentralWidget(content);
-    backgrounds_ = menuBar()->addMenu("&View")->addMenu("&Background of the add-in");
+    auto* panes = new QSplitter;
+    panes->setChildrenCollapsible(false);
+    panes->setHandleWidth(18);
+    panes->addWidget(MakeExchangePane());
+    panes->addWidget(MakeAnswerPane());
+    panes->setContentsMargins(18, 14, 18, 10);
+    setCentralWidget(panes);
+    backgrounds_ = menuBar()->addMenu(tr("&View"))->addMenu(tr("&Background of the add-in"));
     chosenBackground_ = new QActionGroup(this);
-    state_ = new QLabel("Choose an exchange and open the clock add-in for it.");
+    state_ = new QLabel;
     state_->setObjectName("state");
     state_->setTextFormat(Qt::PlainText);
-    flow_ = new QLabel("Flow off");
-    flow_->setObjectName("flow");
     statusBar()->addWidget(state_, 1);
-    statusBar()->addPermanentWidget(flow_);
     statusBar()->setSizeGripEnabled(false);
     resize(initialWidth, initialHeight);
-    EnableButtons();
+    ShowState(platform::FromQt(tr("Choose an exchange and open the clock add-in for it.")),
+              AddInState::Closed, {});
 }
 
 QWidget* MainWindow::MakeExchangePane() {
     auto* pane = new QWidget;
-    pane->setFixedWidth(exchangePaneWidth);
     auto* rows = new QVBoxLayout(pane);
     rows->setContentsMargins(0, 0, 0, 0);
-    exchanges_ = MakeTable("exchanges", "Exchanges", {"Name", "Clock"});
+    exchanges_ =
+        MakeTable("exchanges", tr("Exchanges"), {tr("Name"), tr("Clock"), tr("Read at"), tr("Last problem")});
     exchanges_->setSelectionMode(QAbstractItemView::SingleSelection);
-    exchanges_->horizontalHeader()->setSectionResizeMode(nameColumn, QHeaderView::Stretch);
-    exchanges_->horizontalHeader()->setSectionResizeMode(clockColumn, QHeaderView::ResizeToContents);
-    open_ = MakeButton("openAddIn", "&Open clock add-in");
+    exchanges_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    exchanges_->horizontalHeader()->setStretchLastSection(true);
+    open_ = MakeButton("openAddIn", tr("&Open clock add-in"));
     open_->setDefault(true);
-    close_ = MakeButton("closeAddIn", "&Close add-in");
-    rows->addWidget(MakeHeading("Exchanges"));
+    close_ = MakeButton("closeAddIn", tr("&Close add-in"));
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(open_);
+    buttons->addWidget(close_);
+    rows->addWidget(MakeHeading(tr("Exchanges")));
     rows->addWidget(exchanges_, 1);
-    rows->addWidget(open_);
-    rows->addWidget(close_);
+    rows->addLayout(buttons);
     FillExchanges();
     connect(open_, &QPushButton::clicked, this, [this] { OpenSelected(); });
-    connect(exchanges_, &QTableWidget::itemDoubleClicked, this, [this] { OpenSelected(); });
+    connect(exchanges_, &QTableWidget::itemActivated, this, [this] { OpenSelected(); });
     connect(close_, &QPushButton::clicked, this, [this] { platform::Guard(actions_.close); });
     return pane;
 }
@@ -89,21 +108,21 @@ QWidget* MainWindow::MakeAnswerPane() {
     rows->setContentsMargins(0, 0, 0, 0);
     messages_ = new QPlainTextEdit;
     messages_->setObjectName("messages");
-    messages_->setAccessibleName("Messages");
+    messages_->setAccessibleName(tr("Messages"));
     messages_->setReadOnly(true);
     messages_->setMaximumBlockCount(1000);
-    results_ = MakeTable("results", "Results", {"CMD", "FD", "SD", "ED"});
+    results_ = MakeTable("results", tr("Results"), {tr("Command"), tr("Item"), tr("Value"), tr("Answer")});
     results_->setSelectionMode(QAbstractItemView::NoSelection);
     results_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    caption_ = MakeNote("caption", "Caption of the results");
-    code_ = MakeNote("code", "Code of the last answer");
-    rows->addWidget(MakeHeading("Messages"));
+    caption_ = MakeNote("caption", tr("Caption of the results"));
+    code_ = MakeNote("code", tr("Code of the last answer"));
+    rows->addWidget(MakeHeading(tr("Messages")));
     rows->addWidget(messages_, 4);
     rows->addSpacing(6);
-    rows->addLayout(MakeHeadingLine("Results", caption_));
+    rows->addLayout(MakeHeadingLine(tr("Results"), caption_));
     rows->addWidget(results_, 5);
     rows->addSpacing(6);
-    rows->addLayout(MakeHeadingLine("Code", code_));
+    rows->addLayout(MakeHeadingLine(tr("Code"), code_));
     return pane;
 }
 
@@ -111,15 +130,15 @@ void MainWindow::OfferBackgrounds(std::int16_t chosen) {
     try {
         for (const BackgroundSet& set : family_.BackgroundSets()) AddBackground(set, set.number == chosen);
     } catch (const platform::RuntimeError& error) {
-        ShowMessage(u"The backgrounds can't be read: " + error.Description());
+        ShowMessage(platform::FromQt(tr("The backgrounds can't be read:")) + u" " + error.Description());
     }
     backgrounds_->setEnabled(!backgrounds_->isEmpty());
 }
 
 void MainWindow::AddBackground(const BackgroundSet& set, bool chosen) {
-    QAction* action = backgrounds_->addAction(
-        QString::fromStdU16String(set.name), this,
-        [this, number = set.number] { platform::Guard([&] { actions_.background(number); }); });
+    QAction* action = backgrounds_->addAction(platform::ToQt(set.name), this, [this, number = set.number] {
+        platform::Guard([&] { actions_.background(number); });
+    });
     action->setActionGroup(chosenBackground_);
     action->setCheckable(true);
     action->setChecked(chosen);
@@ -127,56 +146,90 @@ void MainWindow::AddBackground(const BackgroundSet& set, bool chosen) {
 
 void MainWindow::FillExchanges() {
     exchanges_->setRowCount(static_cast<int>(desk_.Exchanges().size()));
-    int row = 0;
-    for (const ExchangeDesk::Named& entry : desk_.Exchanges()) {
-        exchanges_->setItem(row, nameColumn, new QTableWidgetItem(QString::fromStdU16String(entry.name)));
-        exchanges_->setItem(row++, clockColumn, new QTableWidgetItem);
-    }
+    for (int row = 0; row < exchanges_->rowCount(); ++row) AddRow(*exchanges_, row);
     exchanges_->selectRow(0);
-    ShowClocks();
+    ShowExchanges();
 }
 
-void MainWindow::ShowClocks() {
+void MainWindow::ShowExchanges() {
     int row = 0;
-    for (const ExchangeDesk::Named& entry : desk_.Exchanges())
-        exchanges_->item(row++, clockColumn)->setText(ClockText(entry.exchange.Now()));
+    for (const ExchangeDesk::Named& exchange : desk_.Exchanges()) ShowExchange(row++, exchange);
+}
+
+// The open one is in bold.
+void MainWindow::ShowExchange(int row, const ExchangeDesk::Named& exchange) {
+    const bool isOpen = !openFor_.empty() && exchange.name == openFor_;
+    const QString name = platform::ToQt(exchange.name);
+    SetCell(*exchanges_, row, nameColumn, name);
+    SetCell(*exchanges_, row, clockColumn, exchange.clock ? DifferenceText(*exchange.clock) : QString());
+    SetCell(*exchanges_, row, timeColumn, exchange.clock ? TimeText(exchange.readAt) : QString());
+    SetCell(*exchanges_, row, problemColumn, platform::ToQt(exchange.problem));
+    exchanges_->item(row, problemColumn)->setForeground(failureColor);
+    QTableWidgetItem& cell = *exchanges_->item(row, nameColumn);
+    cell.setData(Qt::AccessibleTextRole, isOpen ? tr("%1, open").arg(name) : name);
+    QFont font = cell.font();
+    font.setBold(isOpen);
+    cell.setFont(font);
 }
 
 void MainWindow::OpenSelected() {
     const int row = exchanges_->currentRow();
-    if (row < 0) return;
+    if (row < 0 || !open_->isEnabled()) return;
     const Text exchange = desk_.Exchanges()[static_cast<std::size_t>(row)].name;
-    platform::Guard([&] { actions_.open(exchange); });
+    if (!openFor_.empty() && exchange != openFor_ && desk_.IsBusy(openFor_))
+        AskThenOpen(exchange);
+    else
+        platform::Guard([&] { actions_.open(exchange); });
+}
+
+// The add-in shows the answer to a request under the name that it has by then.
+void MainWindow::AskThenOpen(const Text& exchange) {
+    const QString name = platform::ToQt(exchange);
+    auto* box =
+        new QMessageBox(QMessageBox::Question, windowTitle(),
+                        tr("%1 hasn't answered yet. If you open %2 now, the answer of %1 will appear in the "
+                           "window of %2.")
+                            .arg(platform::ToQt(openFor_), name),
+                        QMessageBox::NoButton, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setTextFormat(Qt::PlainText);
+    QPushButton* open = box->addButton(tr("Open %1").arg(name), QMessageBox::AcceptRole);
+    box->setDefaultButton(box->addButton(tr("Wait"), QMessageBox::RejectRole));
+    connect(open, &QPushButton::clicked, this,
+            [this, exchange] { platform::Guard([&] { actions_.open(exchange); }); });
+    box->open();
 }
 
 void MainWindow::Select(const Text& exchange) {
-    const auto shown = exchanges_->findItems(QString::fromStdU16String(exchange), Qt::MatchExactly);
+    const auto shown = exchanges_->findItems(platform::ToQt(exchange), Qt::MatchExactly);
     if (!shown.isEmpty()) exchanges_->setCurrentItem(shown.front());
 }
 
-void MainWindow::EnableButtons() {
-    close_->setEnabled(addInOpen_);
+void MainWindow::ShowMessage(const Text& message) {
+    ShowMessageOf(openFor_, message);
 }
 
-void MainWindow::ShowMessage(const Text& message) {
+void MainWindow::ShowMessageOf(const Text& exchange, const Text& message) {
     messages_->appendPlainText(QTime::currentTime().toString("HH:mm:ss") + "   " +
-                               QString::fromStdU16String(message));
+                               platform::ToShow(exchange.empty() ? message : exchange + u": " + message));
 }
 
 void MainWindow::ShowResults(const Text& caption, const std::vector<Item>& items) {
-    caption_->setText(QString::fromStdU16String(caption));
+    caption_->setText(platform::ToQt(caption));
     results_->setRowCount(static_cast<int>(items.size()));
     int row = 0;
     for (const Item& item : items) {
-        int column = 0;
+        AddRow(*results_, row);
+        int column = commandColumn;
         for (const Text* text : {&item.command, &item.first, &item.second, &item.extra})
-            results_->setItem(row, column++, new QTableWidgetItem(QString::fromStdU16String(*text)));
+            SetCell(*results_, row, column++, platform::ToShow(*text));
+        if (item.extra != good) results_->item(row, answerColumn)->setForeground(failureColor);
         ++row;
     }
 }
 
 void MainWindow::ShowCode(const Text& code) {
-    code_->setText(QString::fromStdU16String(code));
+    code_->setText(platform::ToQt(code));
 }
 
 void MainWindow::ShowHelp(const Text& file) {
@@ -185,21 +238,19 @@ void MainWindow::ShowHelp(const Text& file) {
         if (!help_) help_ = new HelpPage(*this);
         help_->Show(page);
     } catch (const platform::RuntimeError& error) {
-        ShowMessage(u"The help can't be shown: " + error.Description());
+        ShowMessage(platform::FromQt(tr("The help can't be shown:")) + u" " + error.Description());
     }
 }
 
-void MainWindow::ShowFlow(bool on) {
-    flow_->setText(on ? "Flow on" : "Flow off");
-}
-
-void MainWindow::ShowState(const Text& state, bool open, const Text& exchange) {
-    addInOpen_ = open;
-    state_->setText(QString::fromStdU16String(state));
+void MainWindow::ShowState(const Text& words, AddInState state, const Text& exchange) {
+    openFor_ = state == AddInState::Open ? exchange : Text();
+    state_->setText(platform::ToQt(words));
     setWindowTitle(exchange.empty() ? QString("Switchdesk")
-                                    : "Switchdesk \u2013 " + QString::fromStdU16String(exchange));
-    if (open) Select(exchange);
-    EnableButtons();
+                                    : "Switchdesk \u2013 " + platform::ToQt(exchange));
+    if (state == AddInState::Open) Select(exchange);
+    open_->setEnabled(state != AddInState::Opening);
+    close_->setEnabled(state == AddInState::Open);
+    ShowExchanges();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -1,12 +1,13 @@
-// The host's window: the exchanges on the left, what the add-in brings on the right.
+// The host's window: exchanges on the left, messages and results on the right.
 #pragma once
 
+#include <QCoreApplication>
 #include <QMainWindow>
 #include <functional>
 
 #include "host/ExchangeDesk.h"
 #include "host/Family.h"
-#include "host/HostView.h"
+#include "host/HostObject.h"
 
 class QActionGroup;
 class QLabel;
@@ -20,6 +21,8 @@ namespace switchdesk {
 class HelpPage;
 
 class MainWindow : public QMainWindow, public HostView {
+    Q_DECLARE_TR_FUNCTIONS(MainWindow)
+
   public:
     struct Actions {
         std::function<void(const platform::Text& exchange)> open;
@@ -30,18 +33,19 @@ class MainWindow : public QMainWindow, public HostView {
     // `desk` and `family` must outlive the window.
     MainWindow(const ExchangeDesk& desk, const Family& family, Actions actions);
 
-    // Fills the menu of backgrounds, with a mark at the one that is in use.
+    // Fills the menu of backgrounds, and marks the chosen one.
     void OfferBackgrounds(std::int16_t chosen);
 
-    // Brings the clock times of the exchanges up to date.
-    void ShowClocks();
+    // Shows what is known of the exchanges now.
+    void ShowExchanges();
+    // A message on an exchange; others are on the one that the add-in is open for.
+    void ShowMessageOf(const platform::Text& exchange, const platform::Text& message);
 
     void ShowMessage(const platform::Text& message) override;
     void ShowResults(const platform::Text& caption, const std::vector<Item>& items) override;
     void ShowCode(const platform::Text& code) override;
     void ShowHelp(const platform::Text& file) override;
-    void ShowFlow(bool on) override;
-    void ShowState(const platform::Text& state, bool open, const platform::Text& exchange) override;
+    void ShowState(const platform::Text& words, AddInState state, const platform::Text& exchange) override;
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -51,14 +55,15 @@ class MainWindow : public QMainWindow, public HostView {
     QWidget* MakeAnswerPane();
     void AddBackground(const BackgroundSet& set, bool chosen);
     void FillExchanges();
+    void ShowExchange(int row, const ExchangeDesk::Named& exchange);
     void OpenSelected();
+    void AskThenOpen(const platform::Text& exchange);
     void Select(const platform::Text& exchange);
-    void EnableButtons();
 
     const ExchangeDesk& desk_;
     const Family& family_;
     Actions actions_;
-    bool addInOpen_ = false;
+    platform::Text openFor_;  // the exchange that the add-in is open for, if it is open
     QMenu* backgrounds_;
     QActionGroup* chosenBackground_;
     HelpPage* help_ = nullptr;
@@ -68,7 +73,6 @@ class MainWindow : public QMainWindow, public HostView {
     QLabel* caption_;
     QLabel* code_;
     QLabel* state_;
-    QLabel* flow_;
     QPushButton* open_;
     QPushButton* close_;
 };

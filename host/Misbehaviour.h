@@ -1,4 +1,4 @@
-// The ways in which the host can be told not to keep the contract, for those who test a client of it.
+// Ways in which the host breaks the contract on request, to try how an add-in copes.
 #pragma once
 
 #include <chrono>
@@ -9,24 +9,13 @@
 #include <vector>
 
 #include "host/Answer.h"
-#include "host/CallLog.h"
 
 namespace switchdesk {
 
-// What a call does instead of its work.
-struct ForcedReply {
-    enum class Kind { None, Text, Raise, Hang };
-    Kind kind = Kind::None;
-    platform::Text text;
-    std::int32_t number = 0;
-};
-
 struct Misbehaviour {
-    ForcedReply login, send;
-    bool answers = true, answersTwice = false;
+    std::optional<platform::Text> login;  // what Login returns
+    bool answers = true;
     std::chrono::milliseconds answerDelay{100};
-    std::optional<std::int32_t> errCode;
-    std::optional<platform::Text> message, tag;
 
     struct Override {
         std::size_t item = 0;
@@ -36,30 +25,21 @@ struct Misbehaviour {
     std::vector<Override> overrides;
     std::set<std::size_t> droppedItems;
 
-    // Names of members in lower case.
-    std::set<std::string> raising, lacking, wrongType;
-    std::string leaveAt;         // a member's name, "waiting" or "answered"
-    std::string callbackDuring;  // "login" or "send"
-    std::optional<int> logins;   // how many are still to go wrong; all of them without a value
-    int busyLogins = 0;          // how often Login is still to be refused as busy
+    std::set<std::string> lacking;  // names of members in lower case
+    std::optional<int> logins;      // how many are still to go wrong; all if unset
 
-    // Whether a call of a member is refused as busy. Such calls come again and don't count otherwise.
-    bool RefusesAsBusy(std::string_view member);
-
-    // Tells that a member is called. The first login behind those that are to go wrong mends everything.
+    // Counts logins. The first one after those that are to go wrong ends all misbehaviour.
     void BeginCall(std::string_view member);
-
-    // Makes of a good answer what was asked for.
+    // Makes a good answer bad, as requested.
     void Spoil(Answer& answer) const;
-    // Ends the process, with a note in the log and no word to anybody else, if this is the step to do so.
-    void LeaveAt(std::string_view step, CallLog& log) const;
 };
 
-// Takes one option, without its dashes. False for a name that isn't known or a value that it can't have.
-bool TakeMisbehaviour(std::string_view name, std::string_view value, Misbehaviour& misbehaviour);
-
-// The options, for the help.
-std::string_view MisbehaviourHelp();
+// Reads "never" or "late:MS". Raises 5 for anything else, as the next two do.
+void TakeAnswer(std::string_view value, Misbehaviour& misbehaviour);
+// Reads "I:FIELD=TEXT".
+Misbehaviour::Override ParseOverride(std::string_view value);
+// Reads a whole number that isn't below 0.
+int ParseCount(std::string_view value);
 
 std::string LowerCase(std::string_view name);
 

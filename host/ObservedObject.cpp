@@ -1,7 +1,5 @@
 #include "host/ObservedObject.h"
 
-#include "platform/automation/Automation.h"
-
 namespace switchdesk {
 
 using platform::Arguments;
@@ -10,7 +8,7 @@ using platform::Value;
 
 namespace {
 
-// A call as the log shows it. An argument that the call changed is shown as it came and as it went.
+// A call as the log shows it. A changed argument is shown with both values.
 std::string CallText(std::string_view member, bool plainRead, const Arguments& before,
                      const Arguments& after) {
     std::string text(member);
@@ -40,9 +38,6 @@ Value ObservedObject::Invoke(std::string_view name, InvokeKind kind, Arguments& 
         Value result = Misbehave(shown, kind, arguments);
         entry.End(CallText(shown, plainRead, before, arguments), " -> " + LogText(result));
         return result;
-    } catch (const platform::BusyError&) {
-        entry.End(CallText(shown, plainRead, before, before), " -> busy");
-        throw;
     } catch (const platform::RuntimeError& error) {
         entry.End(CallText(shown, plainRead, before, before), ErrorText(error));
         throw;
@@ -52,16 +47,10 @@ Value ObservedObject::Invoke(std::string_view name, InvokeKind kind, Arguments& 
 Value ObservedObject::Misbehave(const std::string& member, InvokeKind kind, Arguments& arguments) {
     Misbehaviour& misbehaviour = observation_.misbehaviour;
     const std::string lower = LowerCase(member);
-    if (misbehaviour.RefusesAsBusy(lower)) throw platform::BusyError();
     misbehaviour.BeginCall(lower);
-    misbehaviour.LeaveAt(lower, observation_.log);
     if (misbehaviour.lacking.contains(lower))
         throw platform::RuntimeError(platform::ErrorNumber::NoSuchMember, member);
-    if (misbehaviour.raising.contains(lower))
-        throw platform::RuntimeError(1004, u"The host was told to fail here");
-    Value result = Object::Invoke(member, kind, arguments);
-    if (!misbehaviour.wrongType.contains(lower)) return result;
-    return result.IsObject() ? Value(u"no object") : Value(shared_from_this());
+    return Object::Invoke(member, kind, arguments);
 }
 
 }  // namespace switchdesk

@@ -1,4 +1,4 @@
-// What all objects share that the host shows to its clients: each call is logged, and may misbehave.
+// The base of the objects that clients call: logs each call, and may misbehave.
 #pragma once
 
 #include "host/CallLog.h"
@@ -7,7 +7,7 @@
 
 namespace switchdesk {
 
-// Both outlive every object.
+// Both must outlive all objects.
 struct Observation {
     CallLog& log;
     Misbehaviour& misbehaviour;

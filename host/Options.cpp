@@ -1,98 +1,149 @@
 #include "host/Options.h"
 
-#include <charconv>
+#include <QCommandLineParser>
+#include <QRegularExpression>
+#include <algorithm>
+#include <cmath>
+#include <set>
 
+#include "host/ExchangeObject.h"
+#include "host/HostObject.h"
+#include "host/ResponseObject.h"
 #include "host/Store.h"
+#include "platform/qt/QtText.h"
 #include "platform/runtime/RuntimeError.h"
 
 namespace switchdesk {
 
+using platform::FromQt;
+
 namespace {
 
-using platform::FromUtf8;
-
-[[noreturn]] void Refuse(const std::string& why) {
-    throw platform::RuntimeError(5, FromUtf8(why));
+const QList<QCommandLineOption>& AllOptions() {
+    static const QList<QCommandLineOption> all{
+        {"exchange",
+         "An exchange; repeat for more. NAME is simulated. NAME=local is this PC, NAME=ssh:user@host another "
+         "Linux machine; their clocks may only be read unless \",set\" follows. Default: the lines of "
+         "switchdesk/exchanges.ini in the user's configuration directory, or Main Office, Warehouse, Branch "
+         "3.",
+         "NAME[=PLACE]"},
+        {"open", "Opens the clock add-in for this exchange.", "NAME"},
+        {"offset", "Starts the exchanges' clocks this far ahead of the computer's.", "MINUTES"},
+        {"market",
+         "Market code in the class name of the exchange object. Default: that of the program's directory, or "
+         "10001.",
+         "CODE"},
+        {"store", "Stores the add-ins' values in this file instead of the user's data directory.", "FILE"},
+        {"log", "Writes every call that the host receives to this file, one line each.", "FILE"},
+        {"verbose", "Writes them to standard output too."},
+        {"trace",
+         "Makes the add-in report ignored failures on standard error, i.e. to the log of the bus that starts "
+         "it."},
+        {"service", "Serves the exchange object without a window. Ends when its last client releases it."},
+        {"help", "Shows this text."},
+        {"login", "To test the add-in: Login returns this, e.g. BUSY, ERROR or a key.", "TEXT"},
+        {"answer", "Answers \"never\", or \"late:MS\": after MS milliseconds instead of 100.", "WHEN"},
+        {"item",
+         "Replaces a text in item I of every answer, from 0; FIELD is CMD, FirstData, SecondData or "
+         "ExtraData.",
+         "I:FIELD=TEXT"},
+        {"drop-item", "Omits this item from every answer.", "I"},
+        {"lack", "Acts as if the host, the exchange object and answers had no such member.", "MEMBER"},
+        {"logins", "Misbehaves for the first N logins only.", "N"},
+    };
+    return all;
 }
 
-double Minutes(const std::string& text) {
-    double minutes = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), minutes);
-    if (error != std::errc() || end != text.data() + text.size())
-        Refuse("--offset wants minutes, not " + text);
+[[noreturn]] void Refuse(QString why) {
+    if (why.endsWith(u'.')) why.chop(1);
+    throw platform::RuntimeError(5, FromQt(why + QStringLiteral("; see --help")));
+}
+
+double Minutes(const QString& text) {
+    bool isNumber = false;
+    const double minutes = text.toDouble(&isNumber);
+    if (!isNumber || !std::isfinite(minutes)) Refuse(QStringLiteral("--offset needs minutes, not ") + text);
     return minutes;
 }
 
-bool TakeSwitch(const std::string& name, Options& options) {
-    if (name == "service") return options.service = true;
-    if (name == "verbose") return options.verbose = true;
-    if (name == "trace") return options.trace = true;
-    if (name == "help") return options.help = true;
-    return false;
+std::string Market(const QString& text) {
+    static const QRegularExpression code(QStringLiteral("\\A[A-Za-z0-9_]+\\z"));
+    if (!code.match(text).hasMatch())
+        Refuse(QStringLiteral("--market needs a market code, not \"%1\"").arg(text));
+    return text.toStdString();
 }
 
-bool TakeValue(const std::string& name, const std::string& value, Options& options) {
-    if (name == "exchange") return options.exchanges.push_back(FromUtf8(value)), true;
-    if (name == "open") return options.open = FromUtf8(value), true;
-    if (name == "market") return options.market = value, true;
-    if (name == "offset") return options.minutesAhead = Minutes(value), true;
-    if (name == "store") return options.store = value, true;
-    if (name == "log") return options.log = value, true;
-    return false;
+platform::Text OneOf(const std::vector<ExchangeEntry>& exchanges, const QString& name) {
+    if (std::none_of(exchanges.begin(), exchanges.end(),
+                     [&](const ExchangeEntry& entry) { return entry.name == FromQt(name); }))
+        Refuse(QStringLiteral("unknown exchange \"%1\"").arg(name));
+    return FromQt(name);
 }
 
-bool IsPlain(const std::string& name) {
-    return name == "exchange" || name == "open" || name == "market" || name == "offset" || name == "store" ||
-           name == "log";
+void RequireDifferentNames(const std::vector<ExchangeEntry>& exchanges) {
+    std::set<platform::Text> names;
+    for (const ExchangeEntry& exchange : exchanges)
+        if (!names.insert(exchange.name).second)
+            Refuse(QStringLiteral("two exchanges are called \"%1\"").arg(platform::ToQt(exchange.name)));
 }
 
-// One option: "--name=value", or the plain ones also as "--name value". Gives how many arguments it took.
-std::size_t TakeOption(const std::vector<std::string>& arguments, std::size_t at, Options& options) {
-    const std::string& argument = arguments[at];
-    if (!argument.starts_with("--")) Refuse("\"" + argument + "\" is no option; see --help");
-    const std::size_t equals = argument.find('=');
-    const std::string name = argument.substr(2, equals == argument.npos ? equals : equals - 2);
-    if (equals == argument.npos) {
-        if (TakeSwitch(name, options)) return 1;
-        if (!IsPlain(name)) Refuse("--" + name + " is no option, or lacks its value; see --help");
-        if (at + 1 == arguments.size()) Refuse("--" + name + " lacks its value");
-        TakeValue(name, arguments[at + 1], options);
-        return 2;
-    }
-    const std::string value = argument.substr(equals + 1);
-    if (!TakeValue(name, value, options) && !TakeMisbehaviour(name, value, options.misbehaviour))
-        Refuse("--" + name + " is no option, or can't be \"" + value + "\"; see --help");
-    return 1;
+// In lower case.
+std::string KnownMember(const QString& name) {
+    const std::string lower = LowerCase(name.toStdString());
+    for (const auto* described :
+         {&HostObject::Description(), &ExchangeObject::Description(), &ResponseObject::Description()})
+        for (const platform::Member& member : described->members)
+            if (LowerCase(member.name) == lower) return lower;
+    Refuse(QStringLiteral("--lack: no object has a member \"%1\"").arg(name));
+}
+
+Misbehaviour MisbehaviourOf(const QCommandLineParser& parser) {
+    Misbehaviour misbehaviour;
+    if (parser.isSet("login")) misbehaviour.login = FromQt(parser.value("login"));
+    if (parser.isSet("answer")) TakeAnswer(parser.value("answer").toStdString(), misbehaviour);
+    for (const QString& item : parser.values("item"))
+        misbehaviour.overrides.push_back(ParseOverride(item.toStdString()));
+    for (const QString& item : parser.values("drop-item"))
+        misbehaviour.droppedItems.insert(static_cast<std::size_t>(ParseCount(item.toStdString())));
+    for (const QString& member : parser.values("lack")) misbehaviour.lacking.insert(KnownMember(member));
+    if (parser.isSet("logins")) misbehaviour.logins = ParseCount(parser.value("logins").toStdString());
+    return misbehaviour;
 }
 
 }  // namespace
 
-Options ParseOptions(const std::vector<std::string>& arguments) {
+Options ParseOptions(const QStringList& arguments, const std::string& market) {
+    QCommandLineParser parser;
+    parser.addOptions(AllOptions());
+    if (!parser.parse(arguments)) Refuse(parser.errorText());
+    if (!parser.positionalArguments().isEmpty())
+        Refuse(QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
     Options options;
+    for (const QString& line : parser.values("exchange")) options.exchanges.push_back(ParseExchange(line));
+    if (options.exchanges.empty()) options.exchanges = ReadExchanges(ExchangesFile());
+    if (options.exchanges.empty()) options.exchanges = {{u"Main Office"}, {u"Warehouse"}, {u"Branch 3"}};
+    RequireDifferentNames(options.exchanges);
+    if (parser.isSet("open")) options.open = OneOf(options.exchanges, parser.value("open"));
+    if (!market.empty()) options.market = market;
+    if (parser.isSet("market")) options.market = Market(parser.value("market"));
+    if (parser.isSet("offset")) options.minutesAhead = Minutes(parser.value("offset"));
     options.store = DefaultStoreFile();
-    for (std::size_t at = 0; at < arguments.size();) at += TakeOption(arguments, at, options);
-    if (options.exchanges.empty()) options.exchanges = {u"Main Office", u"Warehouse", u"Branch 3"};
+    if (parser.isSet("store")) options.store = parser.value("store").toStdString();
+    if (parser.isSet("log")) options.log = parser.value("log").toStdString();
+    options.verbose = parser.isSet("verbose");
+    options.trace = parser.isSet("trace");
+    options.service = parser.isSet("service");
+    options.help = parser.isSet("help");
+    options.misbehaviour = MisbehaviourOf(parser);
     return options;
 }
 
 std::string HelpText() {
-    return std::string(R"(switchdesk: a small host of telephone exchanges, with simulated exchanges behind it
-
-  --exchange NAME         an exchange; repeat it for more. Without it: Main Office, Warehouse, Branch 3
-  --open NAME             opens the clock add-in for this exchange at the start
-  --offset MINUTES        how far the exchanges' clocks are ahead of this computer's at the start
-  --market CODE           market code in the class name of the exchange object; 10001 without it
-  --store FILE            keeps the add-ins' named values there instead of the user's data directory
-  --log FILE              writes every call that the host sees into a file, one line each
-  --verbose               writes them to the standard output too
-  --trace                 makes the add-in report ignored failures on its standard error, which goes to the log
-                          of the bus that starts it
-  --service               serves the exchange object without a window, and ends when nobody holds one
-  --help                  this text
-
-Options with a value take it behind a blank or behind "="; those below behind "=" only.
-
-)") + std::string(MisbehaviourHelp());
+    QCommandLineParser parser;
+    parser.setApplicationDescription("A small host for telephone exchanges, simulated and real.");
+    parser.addOptions(AllOptions());
+    // Qt takes the name from the application, which doesn't exist yet.
+    return parser.helpText().replace("<executable_name>", "switchdesk").toStdString();
 }
 
 }  // namespace switchdesk

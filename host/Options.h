@@ -1,20 +1,22 @@
 // The command line of the host.
 #pragma once
 
+#include <QStringList>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "host/ExchangeList.h"
 #include "host/Misbehaviour.h"
 
 namespace switchdesk {
 
 struct Options {
-    std::vector<platform::Text> exchanges;
-    std::optional<platform::Text> open;  // the exchange to open the add-in for at the start
+    std::vector<ExchangeEntry> exchanges;
+    std::optional<platform::Text> open;  // exchange for which to open the add-in at once
     std::string market = "10001";
-    std::optional<double> minutesAhead;  // of each exchange; without it, of their own
+    std::optional<double> minutesAhead;  // of every exchange; if unset, each differs
     std::filesystem::path store;
     std::optional<std::filesystem::path> log;
     bool verbose = false, trace = false, service = false, help = false;
@@ -24,8 +26,9 @@ struct Options {
     std::string ExchangeClass() const { return "SwitchDeskProj" + market + ".cPBXOle"; }
 };
 
-// Raises error 5, telling what is wrong, for arguments that can't be understood.
-Options ParseOptions(const std::vector<std::string>& arguments);
+// `arguments` start with the program, which belongs to `market` unless that is empty. Raises 5 with the
+// reason if they are wrong.
+Options ParseOptions(const QStringList& arguments, const std::string& market = {});
 
 std::string HelpText();
 

@@ -1,9 +1,9 @@
-// What the host reads of a request record.
+// A request, read from its record.
 #pragma once
 
 #include <vector>
 
-#include "host/Item.h"
+#include "host/Answer.h"
 #include "platform/runtime/Object.h"
 
 namespace switchdesk {
@@ -13,7 +13,7 @@ struct Request {
     std::vector<Item> items;
 };
 
-// Reads all that is needed, so that the record itself need not be kept. Raises what its members raise.
+// Reads all at once, so that the host needn't keep the record. Raises what its members raise.
 Request ReadRequest(const platform::ObjectRef& record);
 
 }  // namespace switchdesk

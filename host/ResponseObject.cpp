@@ -12,7 +12,7 @@ platform::Text ResponseObject::ItemText(std::int16_t index) const {
     return index >= 0 && i < answer_.items.size() ? answer_.items[i].*Field : platform::Text();
 }
 
-const platform::ClassDescription& ResponseObject::Class() const {
+const platform::ClassDescription& ResponseObject::Description() {
     using Response = ResponseObject;
     static const platform::ClassDescription description{
         "Response",

@@ -11,7 +11,8 @@ class ResponseObject : public ObservedObject {
   public:
     ResponseObject(const Observation& observation, Answer answer)
         : ObservedObject(observation), answer_(std::move(answer)) {}
-    const platform::ClassDescription& Class() const override;
+    static const platform::ClassDescription& Description();
+    const platform::ClassDescription& Class() const override { return Description(); }
 
     const std::vector<Item>& Items() const { return answer_.items; }
 

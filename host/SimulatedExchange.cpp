@@ -1,144 +1,36 @@
 #include "host/SimulatedExchange.h"
 
-#include <algorithm>
-#include <optional>
-
-#include "platform/runtime/Format.h"
+#include "host/ClockItems.h"
+#include "platform/qt/QtText.h"
 
 namespace switchdesk {
 
-using platform::DateParts;
-using platform::Text;
-using platform::TextView;
-
 namespace {
 
-constexpr TextView clockCommand = u"02", yearItem = u"0", dayItem = u"1", timeItem = u"2";
-constexpr TextView accepted = u"OK", dataError = u"DATA ERROR";
-constexpr int firstYear = 1901, lastYear = 2099;
 constexpr double minutesOfADay = 24 * 60;
-
-// The number that `count` digits from `start` on give, in a text of nothing but digits.
-int Number(TextView digits, std::size_t start, std::size_t count) {
-    int number = 0;
-    for (const char16_t digit : digits.substr(start, count)) number = number * 10 + (digit - u'0');
-    return number;
-}
-
-bool AreDigits(TextView text, std::size_t count) {
-    return text.size() == count &&
-           std::all_of(text.begin(), text.end(), [](char16_t c) { return c >= u'0' && c <= u'9'; });
-}
-
-Text ShortDayName(platform::Date date) {
-    static constexpr TextView names[] = {u"SUN", u"MON", u"TUE", u"WED", u"THU", u"FRI", u"SAT"};
-    return Text(names[platform::Weekday(date) - 1]);
-}
-
-Text ReadValue(TextView item, platform::Date now) {
-    const DateParts parts = platform::PartsOf(now);
-    using platform::TwoDigits;
-    if (item == yearItem) return platform::DecimalText(parts.year);
-    if (item == dayItem)
-        return TwoDigits(parts.month) + u"/" + TwoDigits(parts.day) + u" " + ShortDayName(now);
-    return TwoDigits(parts.hour) + u":" + TwoDigits(parts.minute) + u":" + TwoDigits(parts.second);
-}
-
-// What the written values ask for. The day of the week is only tested, once the date is known.
-struct Change {
-    DateParts parts;
-    std::optional<int> weekday;  // 0 for Sunday
-    bool wanted = false;
-};
-
-bool TakeYear(TextView value, Change& change) {
-    if (!AreDigits(value, 4)) return false;
-    change.parts.year = Number(value, 0, 4);
-    return change.parts.year >= firstYear && change.parts.year <= lastYear;
-}
-
-bool TakeDay(TextView value, Change& change) {
-    if (!AreDigits(value, 6) || value[4] != u'0') return false;
-    change.parts.month = Number(value, 0, 2);
-    change.parts.day = Number(value, 2, 2);
-    change.weekday = Number(value, 5, 1);
-    return true;
-}
-
-bool TakeTime(TextView value, Change& change) {
-    if (!AreDigits(value, 6)) return false;
-    change.parts.hour = Number(value, 0, 2);
-    change.parts.minute = Number(value, 2, 2);
-    change.parts.second = Number(value, 4, 2);
-    return change.parts.hour < 24 && change.parts.minute < 60 && change.parts.second < 60;
-}
-
-bool TakeValue(const Item& item, Change& change) {
-    if (item.first == yearItem) return TakeYear(item.second, change);
-    if (item.first == dayItem) return TakeDay(item.second, change);
-    return TakeTime(item.second, change);
-}
-
-// The answer text for an item that the exchange doesn't have, or an empty text.
-TextView Unknown(const Item& item) {
-    if (item.command != clockCommand) return u"CODE NOT USED";
-    if (item.first != yearItem && item.first != dayItem && item.first != timeItem) return u"DATA NOT FOUND";
-    return {};
-}
-
-// A read that fails has the answer text in the place of its value.
-void Read(Item& item, platform::Date now) {
-    const TextView unknown = Unknown(item);
-    item.second = unknown.empty() ? ReadValue(item.first, now) : Text(unknown);
-    item.extra = unknown.empty() ? accepted : unknown;
-}
-
-void Take(Item& item, Change& change) {
-    const TextView unknown = Unknown(item);
-    change.wanted = true;
-    if (!unknown.empty())
-        item.extra = unknown;
-    else
-        item.extra = TakeValue(item, change) ? accepted : dataError;
-}
-
-bool DateIsGood(const Change& change) {
-    const DateParts& parts = change.parts;
-    if (!platform::DayExists(parts.year, parts.month, parts.day)) return false;
-    return !change.weekday || *change.weekday == platform::Weekday(platform::MakeDate(parts)) - 1;
-}
-
-void RefuseDate(std::vector<Item>& items) {
-    for (Item& item : items)
-        if (!item.second.empty() && (item.first == yearItem || item.first == dayItem)) item.extra = dataError;
-}
 
 }  // namespace
 
-SimulatedExchange::SimulatedExchange(const platform::Clock& pcClock, double minutesAhead)
-    : pcClock_(pcClock), daysAhead_(minutesAhead / minutesOfADay) {}
+SimulatedExchange::SimulatedExchange(platform::Scheduler& scheduler, const platform::Clock& pcClock,
+                                     double minutesAhead)
+    : scheduler_(scheduler), pcClock_(pcClock), daysAhead_(minutesAhead / minutesOfADay) {}
 
-platform::Date SimulatedExchange::Now() const {
-    return {pcClock_.Now().days + daysAhead_};
+platform::HandleRef SimulatedExchange::Perform(std::vector<Item> request, Listener listener) {
+    return scheduler_.After(
+        platform::Milliseconds(0),
+        [this, request = std::move(request), done = std::move(listener.done)] { done(PerformNow(request)); });
 }
 
-void SimulatedExchange::SetTo(platform::Date date) {
-    daysAhead_ = date.days - pcClock_.Now().days;
-}
-
-std::vector<Item> SimulatedExchange::Perform(const std::vector<Item>& request) {
-    const platform::Date now = Now();
-    std::vector<Item> answer = request;
-    Change change{platform::PartsOf(now), {}, false};
-    for (Item& item : answer) item.second.empty() ? Read(item, now) : Take(item, change);
-    if (!change.wanted) return answer;
-    const auto good = [](const Item& item) { return item.extra == accepted; };
-    if (!std::all_of(answer.begin(), answer.end(), good)) return answer;
-    if (DateIsGood(change))
-        SetTo(platform::MakeDate(change.parts));
-    else
-        RefuseDate(answer);
-    return answer;
+Exchange::Outcome SimulatedExchange::PerformNow(std::vector<Item> request) {
+    const platform::Date pc = pcClock_.Now();
+    AnsweredItems answer = AnswerItems(std::move(request), {pc.days + daysAhead_});
+    if (answer.change) daysAhead_ = platform::MakeDate(*answer.change).days - pc.days;
+    const auto ahead = std::chrono::duration<double, std::ratio<86400>>(daysAhead_);
+    const QString message = !answer.good    ? tr("The request isn't valid.")
+                            : answer.change ? tr("clock set")
+                                            : tr("clock read");
+    return {std::move(answer.items), platform::FromQt(message), !answer.good,
+            Reading{std::chrono::round<std::chrono::seconds>(ahead), {}}};
 }
 
 }  // namespace switchdesk

@@ -1,28 +1,27 @@
-// An exchange that there is no wire to: a clock that can be read and set by command "02".
+// A simulated exchange.
 #pragma once
 
-#include <vector>
+#include <QCoreApplication>
 
-#include "host/Item.h"
+#include "host/Exchange.h"
 #include "platform/runtime/Date.h"
 
 namespace switchdesk {
 
-class SimulatedExchange {
+class SimulatedExchange : public Exchange {
+    Q_DECLARE_TR_FUNCTIONS(SimulatedExchange)
+
   public:
-    // `pcClock` drives the exchange's clock, which is ahead of it by `minutesAhead` at the start; it must
+    // `pcClock` drives the exchange's clock, which starts `minutesAhead` minutes ahead. Both references must
     // outlive the exchange.
-    SimulatedExchange(const platform::Clock& pcClock, double minutesAhead);
+    SimulatedExchange(platform::Scheduler& scheduler, const platform::Clock& pcClock, double minutesAhead);
 
-    platform::Date Now() const;
-
-    // Performs the items of a request and gives the items of the answer, in the same order. An item with
-    // an empty value reads, any other writes. The clock is set only if no item was refused.
-    std::vector<Item> Perform(const std::vector<Item>& request);
+    platform::HandleRef Perform(std::vector<Item> request, Listener listener) override;
 
   private:
-    void SetTo(platform::Date date);
+    Outcome PerformNow(std::vector<Item> request);
 
+    platform::Scheduler& scheduler_;
     const platform::Clock& pcClock_;
     double daysAhead_;
 };

@@ -1,10 +1,8 @@
-// Named values that the host keeps for its add-ins, in one file.
+// Stores values for add-ins, in a file that several hosts may share.
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <optional>
-#include <utility>
 
 #include "platform/runtime/Text.h"
 
@@ -12,22 +10,15 @@ namespace switchdesk {
 
 class Store {
   public:
-    // A file that isn't there has no values. Raises 75 for one that can't be read.
+    // A missing file has no values. Raises 75 if the file can't be read.
     explicit Store(std::filesystem::path file);
 
     std::optional<platform::Text> Get(const platform::Text& application, const platform::Text& key) const;
-    // Writes the file before it returns. Raises 75 where that fails; the file then stays as it was.
+    // Writes the file before it returns. Raises 75 if that fails, and leaves the file as it was.
     void Set(const platform::Text& application, const platform::Text& key, const platform::Text& value);
 
   private:
-    using Name = std::pair<platform::Text, platform::Text>;  // application and key
-    using Values = std::map<Name, platform::Text>;
-
-    void Load();
-    void Save(const Values& values) const;
-
     std::filesystem::path file_;
-    Values values_;
 };
 
 // The user's own store: switchdesk/store.ini in the user's data directory.

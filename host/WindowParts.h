@@ -1,4 +1,4 @@
-// The pieces that the window is made of, all in one look.
+// The parts of the window, in one style.
 #pragma once
 
 #include <QString>
@@ -13,10 +13,10 @@ namespace switchdesk {
 
 QString WindowStyle();
 QLabel* MakeHeading(const QString& text);
-// A text beside a heading; shows a dash while it has none.
+// A text beside a heading; a dash until it is set.
 QLabel* MakeNote(const QString& name, const QString& description);
 QHBoxLayout* MakeHeadingLine(const QString& heading, QLabel* note);
-// A table to read, with one selected row at most.
+// A read-only table of whole rows.
 QTableWidget* MakeTable(const QString& name, const QString& accessibleName, const QStringList& columns);
 QPushButton* MakeButton(const QString& name, const QString& text);
 

@@ -1,4 +1,6 @@
-// The process: puts the pieces together, with a window or as a service of the bus.
+// The process: assembles the parts, with a window or as a service of the bus.
+#include <QCoreApplication>
+#include <QTranslator>
 #include <cstdio>
 #include <iterator>
 #include <memory>
@@ -8,53 +10,68 @@
 #include "host/HostObject.h"
 #include "host/MainWindow.h"
 #include "host/Options.h"
+#include "host/SimulatedExchange.h"
+#include "host/TimedateExchange.h"
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/automation/dbus/SessionBusNames.h"
 #include "platform/data/sqlite/SqliteEngine.h"
-#include "platform/desktop/Paths.h"
-#include "platform/desktop/ProgramFile.h"
-#include "platform/desktop/qt/QtDesktop.h"
+#include "platform/desktop/IniSettings.h"
+#include "platform/desktop/Installation.h"
+#include "platform/qt/QtDesktop.h"
+#include "platform/qt/QtText.h"
 #include "platform/runtime/Guard.h"
+#include "platform/runtime/Paths.h"
+#include "platform/runtime/ProgramFile.h"
 
 namespace switchdesk {
 
 namespace {
 
-using platform::Text;
+using platform::Text, platform::TextView;
 
-// A service that nobody creates an object in ends after this time.
+// How long a service waits for its first object before it ends.
 constexpr platform::Milliseconds unusedLimit{60000};
-constexpr platform::Milliseconds second{1000};
 // The host's own values in the store.
 const Text storeSection = u"Switchdesk", backgroundKey = u"BACKGROUND";
 
-Text ProgramDirectory() {
-    return platform::PathText(platform::ProgramFile().parent_path());
+constexpr TextView family = u"VELMORA32";
+
+// Loads the host's texts in the first of the languages that it has. The source is in English.
+void LoadTexts(QTranslator& texts, const std::vector<Text>& languages) {
+    for (const Text& language : languages)
+        if (language == u"en" || texts.load(QStringLiteral(":/texts/") + platform::ToQt(language))) break;
+    QCoreApplication::installTranslator(&texts);
 }
 
-platform::Application Describe() {
-    platform::Application application;
-    application.title = u"Switchdesk";
-    application.waits.busyTitle = application.waits.pendingTitle = u"Switchdesk";
-    application.waits.busyText = u"The clock add-in is busy. Go on trying?";
-    application.waits.pendingText = u"The clock add-in hasn't answered yet. Go on waiting?";
-    return application;
+// The words that boxes of the platform show.
+void PutTexts(platform::Application& application) {
+    application.waits.busyText =
+        platform::FromQt(QCoreApplication::translate("main", "The clock add-in is busy. Keep waiting?"));
+    application.waits.pendingText = platform::FromQt(
+        QCoreApplication::translate("main", "The clock add-in hasn't answered yet. Keep waiting?"));
+    application.buttons.keepWaiting = platform::FromQt(QCoreApplication::translate("main", "Keep waiting"));
+    application.buttons.giveUp = platform::FromQt(QCoreApplication::translate("main", "Give up"));
 }
 
-// Exchanges whose clocks differ, as they do.
-void AddExchanges(ExchangeDesk& desk, const Options& options, const platform::Clock& clock) {
+// Gives the simulated exchanges different clocks, as real ones have.
+void AddExchanges(ExchangeDesk& desk, const Options& options, platform::EventLoop& loop,
+                  const platform::Clock& clock) {
     static constexpr double habits[] = {7, -11, 3};
     std::size_t next = 0;
-    for (const Text& name : options.exchanges) {
-        const double minutesAhead = habits[next++ % std::size(habits)];
-        desk.Add(name, SimulatedExchange(clock, options.minutesAhead.value_or(minutesAhead)));
+    for (const ExchangeEntry& entry : options.exchanges) {
+        const double minutesAhead = options.minutesAhead.value_or(habits[next++ % std::size(habits)]);
+        if (entry.isSimulated)
+            desk.Add(entry.name, std::make_unique<SimulatedExchange>(loop, clock, minutesAhead));
+        else
+            desk.Add(entry.name, std::make_unique<TimedateExchange>(loop, entry.address, entry.maySet));
     }
 }
 
 class Host {
   public:
+    // `directory` is the one that the program lies in.
     Host(const Options& options, platform::QtDesktop& desktop, platform::Automation& automation,
-         platform::DatabaseEngine& engine);
+         platform::DatabaseEngine& engine, Text directory);
 
     void RunWithWindow();
     void RunAsService();
@@ -79,22 +96,22 @@ class Host {
     std::unique_ptr<MainWindow> window_;
     std::unique_ptr<AddIn> addIn_;
     std::shared_ptr<HostObject> hostObject_;
-    platform::HandleRef clockTick_, start_, unused_;
+    platform::HandleRef start_, unused_;
 };
 
 Host::Host(const Options& options, platform::QtDesktop& desktop, platform::Automation& automation,
-           platform::DatabaseEngine& engine)
+           platform::DatabaseEngine& engine, Text directory)
     : options_(options),
       loop_(desktop.Loop()),
       automation_(automation),
       misbehaviour_(options.misbehaviour),
       observation_{log_, misbehaviour_},
       store_(options.store),
-      family_(engine, ProgramDirectory()),
+      family_(engine, std::move(directory)),
       desk_(loop_, observation_) {
     if (options.log) log_.AddSink(FileSink(*options.log));
     if (options.verbose) log_.AddSink(StandardOutputSink());
-    AddExchanges(desk_, options, clock_);
+    AddExchanges(desk_, options, loop_, clock_);
 }
 
 void Host::Serve() {
@@ -104,14 +121,14 @@ void Host::Serve() {
     });
 }
 
-// Where another host has the class already, this one does without: only stand-alone runs need it.
+// If another host has the class already, goes on without it: only stand-alone runs need it.
 void Host::ServeBesideWindow() {
     try {
         Serve();
     } catch (const platform::RuntimeError& error) {
         log_.Note("the exchange object's class can't be served: " + std::string(error.what()));
-        window_->ShowState(u"Another host serves stand-alone runs; this one serves its own add-in only.",
-                           false, {});
+        window_->ShowMessage(platform::FromQt(QCoreApplication::translate(
+            "main", "Another host serves stand-alone runs; this one serves its own add-in only.")));
     }
 }
 
@@ -128,15 +145,16 @@ void Host::RunWithWindow() {
     const auto exchange = std::make_shared<ExchangeObject>(observation_, desk_);
     hostObject_ =
         std::make_shared<HostObject>(observation_, HostObject::Parts{*window_, store_, exchange, unloaded});
+    desk_.ReportTo({[this](const Text& name, const Text& text) { window_->ShowMessageOf(name, text); },
+                    [this] { window_->ShowExchanges(); }});
     window_->show();
     ServeBesideWindow();
-    clockTick_ = loop_.Every(second, [this] { window_->ShowClocks(); });
     if (options_.open)
         start_ = loop_.After(platform::Milliseconds(0), [this, open] { open(*options_.open); });
     loop_.Run();
 }
 
-// Anything that is no number counts as the set of the default pictures.
+// The default set if the stored value isn't a number.
 std::int16_t Host::ChosenBackground() const {
     platform::ErrorState noNumber;
     std::int16_t set = 0;
@@ -148,13 +166,15 @@ std::int16_t Host::ChosenBackground() const {
 
 void Host::ChooseBackground(std::int16_t set) {
     addIn_->SetBackground(set);
-    store_.Set(storeSection, backgroundKey, platform::DecimalText(set));
+    try {
+        store_.Set(storeSection, backgroundKey, platform::DecimalText(set));
+    } catch (const platform::RuntimeError& error) {
+        window_->ShowMessage(error.Description());
+    }
 }
 
-// The add-in stores its position here as it goes: it is served until it has left.
+// Serves the add-in until it has left, because it stores its position at the end.
 void Host::Leave() {
-    desk_.Leave();
-    clockTick_ = nullptr;
     addIn_->Close();
     addIn_->WhenLeft([this] { loop_.Quit(); });
 }
@@ -162,25 +182,36 @@ void Host::Leave() {
 void Host::RunAsService() {
     automation_.WhenInUse([this](bool inUse) {
         unused_ = nullptr;
-        if (inUse) return;
-        desk_.Leave();
-        loop_.Quit();
+        if (!inUse) loop_.Quit();
     });
     unused_ = loop_.After(unusedLimit, [this] { loop_.Quit(); });
     Serve();
     loop_.Run();
 }
 
+QStringList Arguments(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) arguments.push_back(QString::fromLocal8Bit(argv[i]));
+    return arguments;
+}
+
 int Run(int argc, char** argv) {
-    const Options options = ParseOptions({argv + 1, argv + argc});
+    const std::filesystem::path program = platform::ProgramFile();
+    const platform::IniSettings settings(platform::SettingsFiles());
+    const auto installation = platform::FindInstallation(program, settings);
+    const Options options = ParseOptions(Arguments(argc, argv), platform::ToUtf8(installation.market));
     if (options.help) return std::fputs(HelpText().c_str(), stdout), 0;
-    const platform::Application application = Describe();
-    const auto engine = platform::MakeSqliteEngine({ProgramDirectory()});
+    platform::Application application;
+    application.title = application.waits.busyTitle = application.waits.pendingTitle = u"Switchdesk";
+    const auto engine = platform::MakeSqliteEngine(installation.layers);
     const auto desktop = platform::OpenDesktop(argc, argv, application, *engine);
+    QTranslator texts;
+    LoadTexts(texts, platform::WantedLanguages(settings.Get(family, installation.market, u"Language", u"")));
+    PutTexts(application);
     const auto automation =
         platform::ConnectToSessionBus(desktop->Loop(), desktop->Waits(), application.waits);
     if (options.trace) platform::SetForStartedPrograms("HORALINK_TRACE", "1");
-    Host host(options, *desktop, *automation, *engine);
+    Host host(options, *desktop, *automation, *engine, platform::PathText(program.parent_path()));
     options.service ? host.RunAsService() : host.RunWithWindow();
     automation->Leave();
     return 0;

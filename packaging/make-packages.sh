@@ -15,7 +15,7 @@ install_packages "${build_packages[@]}" dpkg-dev file gzip
 configure_tree "$folder/tree" -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_BUILD_TYPE=Release \
   -DCMAKE_CXX_FLAGS="$(dpkg-buildflags --get CXXFLAGS) $(dpkg-buildflags --get CPPFLAGS)" \
   -DCMAKE_EXE_LINKER_FLAGS="$(dpkg-buildflags --get LDFLAGS)"
-cmake --build "$folder/tree" --target horalink switchdesk horalink-setup horalink-lng databases package_documents
+cmake --build "$folder/tree" --target horalink switchdesk horalink-setup judge-texts databases package_documents
 (cd "$folder/tree" && umask 022 && cpack -G DEB -B "$folder/tree/cpack" >"$folder/cpack.log") ||
   { cat "$folder/cpack.log" >&2; exit 1; }
 rm -f "$folder"/*.deb

@@ -23,13 +23,17 @@ chown visitor pictures
 chmod 755 /trial
 if ! su - visitor -c 'dbus-run-session -- bash /trial/try-as-user.sh'; then fail "the trial of the user"; fi
 
+step "another market for everybody"
+horalink-setup market 30003 >/dev/null
+[ -x /usr/lib/VELMORA32/30003/ADDINS/horalink ] || fail "the market has no programs"
+
 step "remove the packages"
 quietly apt-get purge -y horalink switchdesk
 dpkg -l horalink switchdesk 2>/dev/null | grep -E '^(ii|rc)' && fail "packages are left"
 while read -r path; do
   if [ ! -d "$path" ] && { [ -e "$path" ] || [ -L "$path" ]; }; then fail "left behind: $path"; fi
 done <installed
-left=$(find / -xdev \( -path /proc -o -path /trial -o -path /var/log -o -path /var/cache \) -prune -o \
+left=$(find / -xdev \( -path /proc -o -path /home -o -path /trial -o -path /var/log -o -path /var/cache \) -prune -o \
   \( -iname '*horalink*' -o -iname '*switchdesk*' -o -iname '*velmora*' \) -print)
 [ -z "$left" ] || fail "left behind: $left"
 

@@ -66,6 +66,7 @@ class Arrangement:
         self.build = Path(build).resolve()
         self.folder = Path(folder).resolve()
         self.root = self.folder / "VELMORA32" / MARKET
+        self.own = self.folder / "home/data/VELMORA32" / MARKET
         self.own_display = own_display or not (os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
         self.processes = []
         self.environment = dict(os.environ)
@@ -96,14 +97,15 @@ class Arrangement:
 
     def install(self):
         """The programs with their data and settings; anew, where they have been installed before."""
-        shutil.rmtree(self.root, ignore_errors=True)
-        for name in ("ADDINS/DATABASE", "ADDINS/HELP", "MORA32/DATABASE", "BACKGRND"):
-            (self.root / name).mkdir(parents=True)
-        texts = self.build / "data" / self.language
-        shutil.copy(texts / "Horalink.lng", self.root / "ADDINS/DATABASE")
-        shutil.copy(texts / "Horalink.hlp", self.root / "ADDINS/HELP")
-        shutil.copy(texts / "Common.LNG", self.root / "MORA32/DATABASE")
+        for tree in (self.root, self.own):
+            shutil.rmtree(tree, ignore_errors=True)
+        for directory, name in (("ADDINS/DATABASE", "Horalink.lng"), ("ADDINS/HELP", "Horalink.hlp"),
+                                ("MORA32/DATABASE", "Common.LNG")):
+            folder = self.root / directory / self.language
+            folder.mkdir(parents=True)
+            shutil.copy(self.build / "data" / self.language / name, folder)
         shutil.copy(self.build / "data/Register.mdb", self.root / "MORA32/DATABASE")
+        (self.root / "BACKGRND").mkdir()
         (self.root / "ADDINS/horalink").symlink_to(self.build / "src/horalink")
         (self.root / "MORA32/switchdesk").symlink_to(self.build / "host/switchdesk")
         for picture in (SOURCES / "data/backgrounds").glob("*.svg"):
@@ -113,8 +115,7 @@ class Arrangement:
     def _write_settings(self):
         settings = self.folder / "config" / "velmora" / "settings.ini"
         settings.parent.mkdir(parents=True, exist_ok=True)
-        path = str(self.root).replace("/", "\\")
-        settings.write_text(f"[VELMORA32/{MARKET}]\nInstallPath={path}\\\n", encoding="utf-8")
+        settings.write_text(f"[VELMORA32/{MARKET}]\nLanguage={self.language}\n", encoding="utf-8")
 
     def _write_services(self):
         services = self.folder / "services"
@@ -219,6 +220,14 @@ class Arrangement:
         if not address:
             raise RuntimeError("dbus-daemon did not start")
         return address
+
+    def own_register(self):
+        """The user's own register, as the first creation makes it."""
+        register = self.own / "MORA32/DATABASE/Register.mdb"
+        if not register.exists():
+            register.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy(self.root / "MORA32/DATABASE/Register.mdb", register)
+        return register
 
     @property
     def add_in(self):

@@ -77,7 +77,8 @@ class Demonstration:
     def change_background(self):
         before = self.corner()
         self.driver.raise_window(self.host)
-        self.driver.press("alt+v", "b", "Down", "Return")
+        self.driver.click(self.driver.find("switchdesk", self.texts.host("&View"), Role.MENU_ITEM))
+        self.driver.press("Down", "Right", "Down", "Return")
         self.driver.raise_window(self.dialog)
         wait_for(lambda: self.corner() != before, LIMIT, "the background to change")
         print("--- the host has put another background on the dialog")
@@ -100,9 +101,9 @@ class Demonstration:
         moved = wait_for(lambda: self.driver.place(self.window())[0] < 200 and self.driver.place(self.window()), LIMIT,
                          "the dialog to move")
         self.driver.raise_window(self.host)
-        self.driver.click(self.driver.find("switchdesk", "Close add-in", Role.PUSH_BUTTON))
+        self.driver.click(self.driver.find("switchdesk", self.texts.host("&Close add-in"), Role.PUSH_BUTTON))
         wait_for(lambda: not self.driver.titles("horalink"), LIMIT, "the add-in to end")
-        self.driver.click(self.driver.find("switchdesk", "Open clock add-in", Role.PUSH_BUTTON))
+        self.driver.click(self.driver.find("switchdesk", self.texts.host("&Open clock add-in"), Role.PUSH_BUTTON))
         self.open()
         wait_for(lambda: self.driver.place(self.window()) == moved, LIMIT, f"the dialog to be at {moved} again")
         wait_for(lambda: self.corner() == ground, LIMIT, "the background to be as it was chosen")

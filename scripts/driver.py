@@ -23,7 +23,7 @@ Role = Atspi.Role
 def name_pattern(title):
     """What xdotool finds a window by. The name that it looks at has letters beyond ASCII in locales alone that the
     display's library knows."""
-    return "^" + re.sub(r"[^\x20-\x7e]+", ".+", re.escape(title)) + "$"
+    return "^" + re.sub(r"[^\x20-\x7e]+", "[^A-Za-z]+", re.escape(title)) + "$"
 
 
 class Driver:

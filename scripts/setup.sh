@@ -1,9 +1,11 @@
 # What the commands at the root share: missing Debian packages, configuring, building. Sourced by them.
 
 build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev libfontconfig-dev libsystemd-dev libsqlite3-dev
-                libgtest-dev librapidcheck-dev)
+                libgtest-dev librapidcheck-dev python3-polib qt6-l10n-tools)
 run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-atspi-2.0 python3 python3-dbus
-              python3-gi fonts-liberation fonts-noto-cjk)
+              python3-gi fonts-liberation fonts-noto-cjk gettext sqlite3 tzdata)
+# The far side of a real exchange, for the tests: sshd, and Debian's clock service.
+test_packages=(openssh-server openssh-client systemd)
 # Each version of clang-format lays some lines out otherwise; this one is in Debian 12 and in 13.
 check_packages=(clang-format-19)
 long_packages=(valgrind)
@@ -25,6 +27,12 @@ install_packages() {
     root=(sudo)
   fi
   "${root[@]}" apt-get update -qq
+  # Debian starts the servers that it installs; of this one the tests need the program only.
+  if [[ " ${missing[*]} " = *" openssh-server "* ]]; then
+    "${root[@]}" install -d /etc/systemd/system
+    "${root[@]}" ln -s /dev/null /etc/systemd/system/ssh.service 2>/dev/null || true
+    echo "Its own ssh.service stays masked; \"systemctl unmask ssh\" is for who wants to serve ssh here."
+  fi
   DEBIAN_FRONTEND=noninteractive "${root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
@@ -37,13 +45,14 @@ configure_tree() {
     { cat "$folder/configure.log" >&2; exit 1; }
 }
 
-# The fuzzers, in build/fuzz.
-build_fuzzers() {
+# Targets under the address and undefined-behaviour sanitizers, ready for fuzzing, in build/sanitized.
+build_sanitized() {
   install_packages "${build_packages[@]}" "${fuzz_packages[@]}"
   mkdir -p "$top/build"
   (
     flock 9  # hunts may be started side by side
-    configure_tree "$top/build/fuzz" -DCMAKE_CXX_COMPILER=clang++ -DHORALINK_FUZZ=ON -DHORALINK_SANITIZE=ON
-    cmake --build "$top/build/fuzz" --target fuzzers
-  ) 9>"$top/build/fuzz.lock"
+    configure_tree "$top/build/sanitized" -DCMAKE_CXX_COMPILER=clang++ -DHORALINK_SANITIZE=ON \
+      -DHORALINK_WARNINGS_AS_ERRORS=ON -DCMAKE_BUILD_TYPE=Debug
+    cmake --build "$top/build/sanitized" --target "$@"
+  ) 9>"$top/build/sanitized.lock"
 }

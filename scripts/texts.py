@@ -1,10 +1,12 @@
-"""The texts of an installation by which its dialog is found and clicked, in whatever language it has."""
+"""The texts of an installation by which its windows are found and clicked, in whatever language it has."""
 import sqlite3
+from pathlib import Path
 
 
 class Texts:
     def __init__(self, arrangement):
-        self.file = arrangement.root / "ADDINS/DATABASE/Horalink.lng"
+        self.language = arrangement.language
+        self.file = arrangement.root / "ADDINS/DATABASE" / arrangement.language / "Horalink.lng"
 
     def _text(self, query, *values):
         database = sqlite3.connect(self.file)
@@ -24,6 +26,14 @@ class Texts:
     def title(self, exchange):
         """The title of the dialog for an exchange."""
         return f"{self._text('SELECT Caption FROM tForms WHERE ObjectName = ?', 'dlgAddin')} ({exchange})"
+
+    def host(self, english):
+        """The accessible name of a control of the host."""
+        text, translations = english, Path(__file__).parents[1] / f"host/po/{self.language}.po"
+        if translations.exists():
+            import polib
+            text = next(entry.msgstr for entry in polib.pofile(translations) if entry.msgid == english)
+        return text.replace("&", "")
 
     @property
     def hide(self):

@@ -1,17 +1,17 @@
-// The only place that knows both sides: it gives the add-in its platform and starts it.
+// Starts the add-in on its platform; the only file that knows both.
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
 #include "exchange/dlgAddin.h"
-#include "locator/comRegMarket.h"
 #include "platform/automation/NoAutomation.h"
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/data/sqlite/SqliteEngine.h"
 #include "platform/desktop/IniSettings.h"
-#include "platform/desktop/Paths.h"
-#include "platform/desktop/ProgramFile.h"
-#include "platform/desktop/qt/QtDesktop.h"
+#include "platform/desktop/Installation.h"
+#include "platform/qt/QtDesktop.h"
+#include "platform/runtime/Paths.h"
+#include "platform/runtime/ProgramFile.h"
 #include "shell/AddInMain.h"
 #include "shell/ServerLife.h"
 #include "shell/cOLELayer.h"
@@ -27,24 +27,20 @@ Text CommandLine(int argc, char** argv) {
     return FromUtf8(line);
 }
 
-Application Identity(int argc, char** argv) {
+Application Identity(int argc, char** argv, const Settings& settings) {
+    const auto program = ProgramFile();
     Application app;
     app.major = 13;
     app.minor = 0;
     app.revision = 1;
-    app.path = PathText(ProgramFile().parent_path());
+    app.path = PathText(program.parent_path());
+    app.layers = FindInstallation(program, settings).layers;
     app.command = CommandLine(argc, argv);
     app.startMode = app.command == u"-Embedding" ? startedByAutomation : std::int16_t{0};
     return app;
 }
 
-// The installation's directory, as the settings spell it, and the program's own.
-Spellings KnownSpellings(const Application& app, const Settings& settings) {
-    const Text market = horalink::GetMarketCode(app.path, u"Addins");
-    return {settings.Get(u"VELMORA32", market, u"InstallPath", u""), app.path};
-}
-
-// A stand-alone run without a bus is one whose host can't be created.
+// Without a bus, a stand-alone run can't create its host.
 std::unique_ptr<Automation> Connect(QtDesktop& desktop, const Application& app) {
     try {
         return ConnectToSessionBus(desktop.Loop(), desktop.Waits(), app.waits);
@@ -63,7 +59,7 @@ void Serve(horalink::AddInMain& main, Automation& automation, EventLoop& loop) {
     loop.Run();
 }
 
-// Runs until the dialog has gone; without one there is nothing to wait for.
+// Runs until the dialog closes, if there is one.
 void RunDialog(horalink::AddInMain& main, EventLoop& loop) {
     forms::Form& window = main.Dialog().Window();
     window.Unloaded = [&] { loop.Quit(); };
@@ -71,16 +67,14 @@ void RunDialog(horalink::AddInMain& main, EventLoop& loop) {
 }
 
 void Run(int argc, char** argv) {
-    Application app = Identity(argc, argv);
-    const IniSettings settings(SettingsFile());
-    app.spellings = KnownSpellings(app, settings);
+    const IniSettings settings(SettingsFiles());
+    Application app = Identity(argc, argv, settings);
     int qtArguments = 1;
-    const auto engine = MakeSqliteEngine(app.spellings);
+    const auto engine = MakeSqliteEngine(app.layers);
     const auto desktop = OpenDesktop(qtArguments, argv, app, *engine);
     const auto automation = Connect(*desktop, app);
     const SystemClock clock;
-    // A server that ends before it has begun to serve must not look like one that ended well: who started
-    // it would go on waiting.
+    // A server that ends before it serves must report a failure, or whoever started it would go on waiting.
     int status = EXIT_FAILURE;
     const horalink::Services services{
         app,

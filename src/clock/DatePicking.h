@@ -1,7 +1,6 @@
 // The date that the operator chooses.
 #pragma once
 
-#include "clock/DialogLinks.h"
 #include "clock/Layout.h"
 #include "clock/RunningClock.h"
 
@@ -12,8 +11,8 @@ class DatePicking {
     DatePicking(const DialogControls& controls, RunningClock& clock, const DialogLinks& links)
         : controls_(controls), clock_(clock), links_(links) {}
 
-    // Sets the calendar up for a form whose font stands: today, tracked, in the market's style. Gives
-    // false where any of it fails.
+    // Sets up the calendar: today, following the PC, in the market's style and the form's font, which must
+    // be set. Returns false if any of it fails.
     bool InitCalendar(const platform::forms::Form& form, platform::TextView marketCode);
 
     void Calendar_BeforeUpdate(bool& cancel);

@@ -1,7 +1,5 @@
 #include "clock/Layout.h"
 
-#include "clock/Icons.h"
-
 namespace horalink {
 
 namespace {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <functional>
 
 #include "platform/forms/Form.h"
 
@@ -39,5 +41,19 @@ inline constexpr std::int16_t shown = 1, hidden = 2;
 
 // Lays the dialog out on an empty form.
 DialogControls LayOut(platform::forms::Form& form);
+
+// What the dialog does for its pieces.
+struct DialogLinks {
+    // See dlgAddin::EnableButtons.
+    std::function<void(std::int16_t which, bool enabled)> EnableButtons;
+    std::function<bool()> HasPBXName;
+    // Shows which years can be set, and waits until the operator closes the box.
+    std::function<void()> ShowYearNotice;
+};
+
+// The dialog's own pictures, as SVG. The build generates the definitions from data/icons.
+namespace icons {
+extern const std::string_view hide, update, updateDisabled, lookup, lookupDisabled, horalink;
+}
 
 }  // namespace horalink

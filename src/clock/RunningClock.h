@@ -11,8 +11,8 @@ class RunningClock {
     RunningClock(const DialogControls& controls, const platform::Clock& clock)
         : controls_(controls), clock_(clock) {}
 
-    // Brings what tracks the PC to the PC's date and time; what is there already is left alone. Raises
-    // nothing: what fails is made good at the next tick.
+    // Updates what follows the PC to its date and time, where that has changed. Raises nothing: the next tick
+    // repairs what fails.
     void UpdateDisplay();
 
     // Sets the calendar to the PC's date.
@@ -25,6 +25,21 @@ class RunningClock {
 
     const DialogControls& controls_;
     const platform::Clock& clock_;
+};
+
+// The two check boxes: whether time and date follow the PC, or the operator sets them.
+class Tracking {
+  public:
+    Tracking(const DialogControls& controls, RunningClock& clock, const DialogLinks& links)
+        : controls_(controls), clock_(clock), links_(links) {}
+
+    void chkTrack_Click();
+    void chkTrackDate_Click();
+
+  private:
+    const DialogControls& controls_;
+    RunningClock& clock_;
+    const DialogLinks& links_;
 };
 
 }  // namespace horalink

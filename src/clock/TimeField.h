@@ -1,4 +1,4 @@
-// The time that the operator sets: four boxes, one of them under edit, and one spin control for all.
+// The time that the operator sets: four boxes, and one spin control that steps the box being edited.
 #pragma once
 
 #include "clock/Layout.h"
@@ -9,13 +9,13 @@ class TimeField {
   public:
     explicit TimeField(const DialogControls& controls) : controls_(controls) {}
 
-    // No section is under edit.
+    // Ends editing.
     void Reset() { CurrentSection = -1; }
 
     void txtTime_GotFocus(std::int16_t index);
     void txtTime_LostFocus() { CurrentSection = -1; }
     void updTime_Change();
-    // Either arrow, after the step.
+    // After a step by either arrow.
     void updTime_Click();
 
   private:

@@ -1,4 +1,4 @@
-// The dialog reopens where the operator left it: the host keeps its place in a store of named values.
+// Reopens the dialog where the operator left it; the host stores the place.
 #pragma once
 
 #include "platform/desktop/Desktop.h"
@@ -6,12 +6,12 @@
 
 namespace horalink {
 
-// Moves the form to the place that the host has stored, or to the middle of the screen where there is
-// none. A stored text that is no place leaves the form where it is. Raises nothing.
+// Moves the form to the place that the host has stored, or centres it if there is none. Leaves the form where
+// it is if the stored text isn't a place. Raises nothing.
 void RestorePlace(platform::forms::Form& form, const platform::Screen& screen,
                   const platform::ObjectRef& host);
 
-// Stores the form's place, "left,top" in twips. Raises nothing, also without a host.
+// Stores the form's place, "left,top" in twips. Raises nothing; does nothing without a host.
 void SavePlace(const platform::forms::Form& form, const platform::ObjectRef& host);
 
 }  // namespace horalink

@@ -37,7 +37,7 @@ RuntimeError Unreadable(const std::string& why) {
     return RuntimeError(static_cast<std::int32_t>(ErrorNumber::TypeMismatch), FromUtf8(why));
 }
 
-// Converts a text, and says what was wrong with it where that fails.
+// Converts a text, and traces why it can't.
 Date Converted(const Text& text, const std::string& blame) {
     try {
         return DateOfText(text);
@@ -87,7 +87,7 @@ ClockParts PartsOfAnswer(const cListRequest& answer) {
     return parts;
 }
 
-// Markets 3 to 8 take the long forms of the machine's locale.
+// Markets 3 to 8 use the locale's long date and time.
 bool TakesLongForms(TextView marketCode) {
     return !marketCode.empty() && marketCode.front() >= u'3' && marketCode.front() <= u'8';
 }

@@ -11,7 +11,7 @@ constexpr const char16_t* yearItem = u"0";
 constexpr const char16_t* dayItem = u"1";
 constexpr const char16_t* timeItem = u"2";
 
-// A twelve-hour time of the four boxes.
+// The time of the four boxes, in twelve hours.
 Date TimeOf(const DialogControls& controls) {
     const auto box = [&](std::size_t index) { return controls.txtTime[index]->Text(); };
     return DateOfText(box(0) + u":" + box(1) + u":" + box(2) + u" " + box(3));

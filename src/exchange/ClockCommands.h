@@ -9,16 +9,16 @@
 
 namespace horalink {
 
-// By which the answer to a request is recognised.
+// Identify the answer to a request.
 namespace tag {
 inline constexpr platform::TextView update = u"UPDATE_CLOCK", lookup = u"LOOKUP_CLOCK";
 }
 
-// Writes the date and time that the dialog shows. Raises 13 where these are no date or no time.
+// Writes the date and time shown. Raises 13 if they aren't valid.
 std::shared_ptr<cListRequest> UpdateClockRequest(const DialogControls& controls,
                                                  const platform::LocaleTexts& locale);
 
-// Reads the clock; takes nothing of the dialog.
+// Reads the clock.
 std::shared_ptr<cListRequest> LookupClockRequest();
 
 }  // namespace horalink

@@ -20,7 +20,7 @@ struct Look {
     bool timerRuns;
 };
 
-// In the order of the states.
+// One row for each state, in order.
 constexpr Look looks[] = {
     {true, MousePointer::Default, false},     // Idle
     {true, MousePointer::Default, true},      // Armed
@@ -56,7 +56,7 @@ void RoundTrip::Enter(State state) {
     controls_.tmrEvent->Enabled = look.timerRuns;
 }
 
-// Chooses the state when nothing is under way: an answer to show goes first, then a button that was pressed.
+// Chooses the state after a request: first an answer to show, then a pressed button.
 void RoundTrip::Rest() {
     Enter(unshown_ ? State::Answered : PendingAction ? State::Armed : State::Idle);
 }
@@ -68,7 +68,7 @@ void RoundTrip::Stop() {
     Enter(State::Idle);
 }
 
-// In the other states the form takes no clicks. Checked here too, since one request at a time is a promise.
+// In the other states the form refuses clicks; checked again, because there must never be two requests.
 void RoundTrip::cmdButton_Click(std::int16_t index) {
     if (state_ != State::Idle && state_ != State::Armed && state_ != State::Answered) return;
     PendingAction = index;
@@ -91,7 +91,7 @@ void RoundTrip::RunPendingAction() {
     SubmitRequest(request);
 }
 
-// One box at a time, whatever a host sends: the last good answer that arrives meanwhile is shown after it.
+// One box at a time: of the answers that arrive meanwhile, the last good one is shown next.
 void RoundTrip::Show() {
     const auto answer = std::exchange(unshown_, nullptr);
     Enter(State::Showing);
@@ -131,12 +131,11 @@ bool RoundTrip::SubmitRequest(std::shared_ptr<cListRequest>& request) {
         exchange = ExchangeObject(patience);
         SendResult = Call(exchange, "SendRequest", ByRef(request)).ToText();
     });
-    // A host that could not be told of the login counts as one that did not take the request.
+    // If ShowMessage failed, the request counts as refused.
     if (error.IsSet()) SendResult.clear();
     error.Clear();
     const bool isAccepted = IsAccepted(SendResult);
-    // Before the host is told: it may answer from inside that call. If it has answered already, there is
-    // nothing to wait for.
+    // Wait before ShowMessage: the host may answer from inside that call. It may also have answered already.
     if (isAccepted && state_ == State::Sending) Wait(exchange);
     Skip(error, "ShowMessage of the request", [&] { ReportProgress(SendResult, patience); });
     if (isAccepted) return true;
@@ -168,7 +167,7 @@ bool RoundTrip::LogIn(const PatienceRef& patience) {
 
 void RoundTrip::ReportLoginFailure(const PatienceRef& patience) {
     Rest();
-    // A host that can't take the message must not keep the operator from hearing of the failure.
+    // The operator must learn of the failure even if ShowMessage fails.
     ErrorState error;
     Skip(error, "ShowMessage of the failed login", [&] { ReportProgress(LoginResult, patience); });
     services_.boxes.Show({data_.MessageTable[message::loginFailed],
@@ -178,8 +177,7 @@ void RoundTrip::ReportLoginFailure(const PatienceRef& patience) {
                           0});
 }
 
-// A missing answer must not hold the operator: after the pending limit a box offers to give up, and a host
-// that leaves ends the wait at once.
+// After the pending limit a box offers to give up; if the host leaves the bus, the wait ends at once.
 void RoundTrip::Wait(const ObjectRef& exchange) {
     ownerWatch_ = exchange->WhenOwnerGone([this] {
         if (state_ == State::Waiting) Abandon();
@@ -200,8 +198,8 @@ void RoundTrip::Abandon() {
     PostLogOut(LoginResult, asked);
 }
 
-// A failed LogOut is ignored: it must not leave the dialog disabled. A host that was given up is not waited
-// for again.
+// Ignores a failed LogOut, which must not leave the dialog disabled. Doesn't wait for a host that was given
+// up.
 void RoundTrip::CloseLogin(Text loginId, const PatienceRef& patience) {
     if (patience->IsGivenUp()) {
         givenUp_.insert(loginId);
@@ -216,7 +214,7 @@ void RoundTrip::CloseLogin(Text loginId, const PatienceRef& patience) {
     if (!exchange && patience->IsGivenUp()) PostLogOut(loginId, far_);
 }
 
-// A login that the host grants after the operator gave it up would keep the exchange busy.
+// A login granted after the operator gave up would keep the exchange busy.
 void RoundTrip::EndLateLogin(const Text& loginId, const FarSide& asked) {
     if (!IsAccepted(loginId)) return;
     givenUp_.insert(loginId);
@@ -246,7 +244,7 @@ void RoundTrip::CallBack(ObjectRef& oResponse) {
     Skip(error, "CopyResponse", [&] { CopyResponse(response, *answer, *patience); });
     const bool isGood = JudgeOutcome(response);
     if (!data_.IsStandalone) TellHost(response, patience);
-    // The key of the answer's own login; the last one where the answer doesn't tell.
+    // The answer's login, or the last one if it can't be read.
     Text loginId = LoginResult;
     Skip(error, "LoginID of the answer", [&] { loginId = Get(response, "LoginID").ToText(); });
     if (givenUp_.contains(loginId)) {
@@ -260,8 +258,7 @@ void RoundTrip::CallBack(ObjectRef& oResponse) {
     oResponse = nullptr;
 }
 
-// One limit over the whole of an answer: a slow host with many items must not hold the operator for as long
-// as it takes for each.
+// One limit for the whole answer: with one for each item, a slow host could block the operator for minutes.
 RoundTrip::PatienceRef RoundTrip::StartReading() {
     if (state_ == State::Reading) return patience_;
     const PatienceRef patience = state_ == State::Waiting ? patience_ : services_.automation.NewPatience();
@@ -270,8 +267,8 @@ RoundTrip::PatienceRef RoundTrip::StartReading() {
     return patience;
 }
 
-// Another answer may arrive while one is read, so each gets its own record. All but the items starts as the
-// last answer left it.
+// Another answer may arrive while one is read, so each gets its own record. Code and tag start as the last
+// answer left them.
 std::shared_ptr<cListRequest> RoundTrip::NextRecord() const {
     auto next = std::make_shared<cListRequest>();
     if (LastResponse) {
@@ -287,7 +284,7 @@ void RoundTrip::CopyResponse(const ObjectRef& oResponse, cListRequest& copy, Pat
         return Get(oResponse, list, ByRef(i)).ToText();
     };
     for (std::int16_t i = 0; i < count; ++i) {
-        // Whoever closes the window doesn't want the rest.
+        // The operator has closed the window: the rest doesn't matter.
         if (form_.IsCloseWaiting()) patience.GiveUp();
         const Text cmd = read("CMD", i), fd = read("FirstData", i), sd = read("SecondData", i);
         copy.AddToList(cmd, fd, sd);
@@ -297,7 +294,7 @@ void RoundTrip::CopyResponse(const ObjectRef& oResponse, cListRequest& copy, Pat
     copy.Tag = Get(oResponse, "Tag").ToText();
 }
 
-// True for success. An answer whose ErrCode can't be read counts as none.
+// True for success. An answer without a readable ErrCode is not one.
 bool RoundTrip::JudgeOutcome(const ObjectRef& oResponse) {
     ErrorState error;
     Value errCode = Null{};
@@ -326,15 +323,15 @@ void RoundTrip::TellHost(const ObjectRef& oResponse, const PatienceRef& patience
     Skip(error, "ShowCode", [&] { Call(host, "ShowCode", Get(oResponse, "ErrCode")); });
 }
 
-// While a request is being sent, an answer belongs to another one unless it has its login. It is shown once
-// that request has ended; an answer that arrives while a box is open, after that box.
+// An answer with another login, arriving while a request is sent, is shown after that request; one that
+// arrives while a box is open, after that box.
 void RoundTrip::Finish(const Text& loginId) {
     const bool isOnItsWay =
         state_ == State::LoggingIn || (state_ == State::Sending && loginId != LoginResult);
     if (!isOnItsWay && state_ != State::Showing) Rest();
 }
 
-// After an answer that the request under way does not wait for.
+// After an answer to an earlier request.
 void RoundTrip::ResumeWaiting() {
     if (state_ != State::Reading) return;
     patience_->IsGivenUp() ? Abandon() : EnterWaiting();

@@ -1,4 +1,4 @@
-// The way of one request, from the click that starts it to the box with its answer.
+// One request, from the click to the box with its answer.
 #pragma once
 
 #include <memory>
@@ -6,33 +6,34 @@
 #include <set>
 
 #include "clock/Layout.h"
+#include "common/ModuleData.h"
 #include "request/cListRequest.h"
-#include "shell/ModuleData.h"
 
 namespace horalink {
 
 // The far side: the host, and the name of the exchange that it works on.
 struct FarSide {
     Text PBXName;
-    platform::ObjectRef HostObject;  // nothing in a stand-alone run
+    platform::ObjectRef HostObject;  // null in a stand-alone run
     platform::ObjectRef DirectHost;  // the exchange object of a stand-alone run
 };
 
-// One state, and one place where a state decides on form, pointer, timer and wait.
+// A state machine; entering a state sets form, pointer, timer and wait.
 class RoundTrip {
   public:
-    // `Waiting` for the answer becomes `Reading` while it is read. The others are as their names say.
+    // `Armed`: a button was pressed, and the timer will act on it. `Waiting` becomes `Reading` during
+    // `CallBack`.
     enum class State { Idle, Armed, LoggingIn, Sending, Waiting, Reading, Answered, Showing };
 
-    // `dialog` is what the host calls back. All must outlive the round trip.
+    // The host calls back `dialog`. All must outlive the round trip.
     RoundTrip(const Services& services, const ModuleData& data, platform::Object& dialog,
               platform::forms::Form& form, const DialogControls& controls, FarSide& far);
 
     void cmdButton_Click(std::int16_t index);
     void tmrEvent_Timer();
-    // The host's delivery of an answer; empties the variable. Raises nothing.
+    // Takes an answer from the host, and clears the variable. Raises nothing.
     void CallBack(platform::ObjectRef& oResponse);
-    // The dialog goes: nothing is waited for or shown any more.
+    // The dialog closes: ends the wait, and shows no more answers.
     void Stop();
 
   private:
@@ -72,14 +73,14 @@ class RoundTrip {
 
     State state_ = State::Idle;
     bool isStopped_ = false;
-    std::optional<std::int16_t> PendingAction;  // the button that was pressed last and not acted on yet
+    std::optional<std::int16_t> PendingAction;  // the last pressed button, until the timer acts on it
     Text LoginResult, SendResult;
     FarSide asked_;  // where the login was asked for: another host may register meanwhile
     std::shared_ptr<cListRequest> LastResponse;
     std::shared_ptr<cListRequest> unshown_;  // the last good answer, until its box opens
-    PatienceRef patience_;                   // the operator's, with the request under way
+    PatienceRef patience_;                   // limits the calls of the request under way
     std::shared_ptr<void> ownerWatch_;
-    std::set<Text> givenUp_;  // logins whose answers the operator does not wait for any more
+    std::set<Text> givenUp_;  // logins whose requests the operator gave up
 };
 
 }  // namespace horalink

@@ -75,10 +75,10 @@ void dlgAddin::WireTimeAndDate() {
     controls_.chkTrackDate->Click = [this] { tracking_.chkTrackDate_Click(); };
 }
 
-// The frame of the buttons, the buttons, the calendar and the bare surface have no menu.
+// The buttons with their frame, the calendar and the background have no menu.
 void dlgAddin::WireHelp() {
     const auto offer = [this](forms::Control* control) {
-        control->MouseUp = [this, control](forms::MouseButton button, std::int16_t, float, float) {
+        control->MouseUp = [this, control](forms::MouseButton button) {
             contextHelp_.Control_MouseUp(*control, button);
         };
     };
@@ -91,7 +91,7 @@ void dlgAddin::WireHelp() {
     offer(controls_.chkTrackDate);
     offer(controls_.updTime);
     controls_.itmWhatsThis->Click = [this] { contextHelp_.itmWhatsThis_Click(); };
-    form_->KeyDown = [this](std::int16_t keyCode, std::int16_t) { Form_KeyDown(keyCode); };
+    form_->KeyDown = [this](std::int16_t keyCode) { Form_KeyDown(keyCode); };
 }
 
 DialogLinks dlgAddin::MakeLinks() {
@@ -101,8 +101,7 @@ DialogLinks dlgAddin::MakeLinks() {
 }
 
 void dlgAddin::Form_KeyDown(std::int16_t keyCode) {
-    constexpr std::int16_t f1 = 112;
-    if (keyCode == f1 && !data_.IsStandalone) Call(far_.HostObject, "DisplayHelp", u"Horalink.hlp");
+    if (keyCode == forms::keyF1 && !data_.IsStandalone) Call(far_.HostObject, "DisplayHelp", u"Horalink.hlp");
 }
 
 void dlgAddin::IncrementCount() {

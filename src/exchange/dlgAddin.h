@@ -1,4 +1,4 @@
-// The add-in's one dialog: its form, its members, and what its events lead to.
+// The add-in's one dialog: its form, its members, its events.
 #pragma once
 
 #include <memory>
@@ -6,10 +6,10 @@
 #include "clock/ContextHelp.h"
 #include "clock/DatePicking.h"
 #include "clock/Layout.h"
+#include "clock/RunningClock.h"
 #include "clock/TimeField.h"
-#include "clock/Tracking.h"
+#include "common/ModuleData.h"
 #include "exchange/RoundTrip.h"
-#include "shell/ModuleData.h"
 
 namespace horalink {
 
@@ -25,28 +25,28 @@ class dlgAddin : public platform::Object {
     // RefCount counts the live cOLELayer objects; both raise 6 beyond 16 bits.
     void IncrementCount();
     std::int16_t DecrementCount();
-    // A name turns the buttons on, in a stand-alone run once the host has connected; "" turns them off.
+    // A name enables the buttons (in a stand-alone run after the host has connected), "" disables them.
     void PutPBXName(const Text& name);
-    // Places the dialog where the host's store has it, or in the middle; only while there is no host.
+    // The first host: moves the dialog to the stored place, or centres it.
     void FrmMove(const platform::ObjectRef& parent);
-    // Puts the dialog's place into the host's store.
+    // Stores the dialog's place at the host.
     void FrmPositionSave();
     void PutParent(platform::ObjectRef parent) { far_.HostObject = std::move(parent); }
     void PutID(std::int16_t id) { ChildID = id; }
-    // True where loading ended in a run-time error.
+    // True if loading failed.
     bool CheckLoadError() const { return LoadError; }
-    // The host's delivery of an answer; empties the variable.
+    // Takes an answer from the host, and clears the variable.
     void CallBack(platform::ObjectRef& oResponse) { roundTrip_.CallBack(oResponse); }
-    // Puts on the pictures of a background set; a failure is shown to the operator.
+    // Shows the pictures of a background set. Failures are shown to the operator.
     void BackGround(std::int16_t index);
-    // From now on no request begins and no answer is shown.
+    // Begins no more requests, and shows no more answers.
     void StopRequests() { roundTrip_.Stop(); }
     // Switches the host's flow on or off.
     void TurnFlow(bool value);
 
     platform::forms::Form& Window() { return *form_; }
     const DialogControls& Controls() const { return controls_; }
-    // For the owner of the process: the dialog is about to unload, and its texts to be closed for good.
+    // For the owner of the process: the dialog is about to unload, and closes its texts.
     std::function<void()> Closing;
 
   private:

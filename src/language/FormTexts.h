@@ -1,4 +1,4 @@
-// Dressing a form out of the language database: captions, fonts and tool tips.
+// Captions, fonts and tool tips of a form, from the language database.
 #pragma once
 
 #include "platform/data/Database.h"
@@ -7,12 +7,17 @@
 
 namespace horalink {
 
-// Gives the form caption and font from its rows of tForms; without a row it keeps its own. On failure shows
-// the notice and returns false; what was written before stays.
+// Sets a control's font by the rule of its type. Raises what its properties raise: 380 for a bad value, 438
+// for a missing property.
+void SetControlFont(platform::forms::Form& form, const platform::ObjectRef& control,
+                    const platform::Value& name, const platform::Value& size);
+
+// Sets the form's caption and font from tForms, if it has a row. On failure shows the notice and returns
+// false; what was set before stays.
 bool LoadFormText(platform::MessageBoxes& boxes, platform::forms::Form& form, platform::Database& database);
 
-// Gives each control that tControls names for the form its caption, font and tool tip, by the rule of its
-// type. "-1" leaves a text as it is, Null empties it. On failure as above; no row behind it is processed.
+// Sets caption, font and tool tip of each control named in tControls, by the rule of its type. "-1" leaves a
+// text as it is, Null clears it. On failure as above; the remaining rows are skipped.
 bool LoadControlsText(platform::MessageBoxes& boxes, platform::forms::Form& form,
                       platform::Database& database);
 

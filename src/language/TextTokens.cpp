@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "language/FatalNotice.h"
+#include "common/FatalNotice.h"
 
 namespace horalink {
 

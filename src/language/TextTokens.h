@@ -1,4 +1,4 @@
-// The token language of the texts in a database.
+// Tokens in the texts of a database.
 #pragma once
 
 #include "platform/desktop/Desktop.h"
@@ -6,12 +6,12 @@
 
 namespace horalink {
 
-// Expands a text: pieces parted by "&", each trimmed, with %CR, %AND, %SP, %SP4 and %ST for the next of
-// `args`, whose values end in "%". `args` comes back without what was used. A failure is shown as the
-// notice; the result is then what was built so far, and `args` stays as it was.
+// Expands a text: pieces separated by "&", each trimmed, with %CR, %AND, %SP, %SP4, and %ST for the next
+// value of `args`, where each value ends in "%". Removes the used values from `args`. On failure shows the
+// notice, returns what was expanded so far, and leaves `args` alone.
 platform::Text ExpandTextTokens(platform::MessageBoxes& boxes, platform::TextView text, platform::Text& args);
 
-// A position in a text, from 1. Positions are 16 bits wide: raises 6 for one beyond.
+// A position in a text, from 1. Raises 6 beyond 16 bits.
 std::int16_t TextPosition(std::size_t index);
 
 }  // namespace horalink

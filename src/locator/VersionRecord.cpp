@@ -1,6 +1,6 @@
 #include "locator/VersionRecord.h"
 
-#include "language/FatalNotice.h"
+#include "common/FatalNotice.h"
 #include "locator/comRegMora32.h"
 
 namespace horalink {

@@ -6,8 +6,8 @@
 
 namespace horalink {
 
-// A base keyword ("ADDINS", "MORA32", another application) and a directory keyword, both in any case, to a
-// path in upper case with its trailing backslash; "30000" for a combination that has no path.
+// The path for a base keyword ("ADDINS", "MORA32", another application) and a directory keyword, both in any
+// case: in upper case, with a trailing backslash. "30000" for an unknown combination.
 platform::Text ResolveDirectory(platform::TextView appPath, const platform::Settings& settings,
                                 platform::TextView base, platform::TextView directory);
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "language/FatalNotice.h"
+#include "common/FatalNotice.h"
 
 namespace horalink {
 
@@ -24,7 +24,7 @@ bool PaintsItsOwnBackground(const ObjectRef& control) {
     return TypeName(control) == "SSTree" || TypeName(control) == "SSListBar";
 }
 
-// One run over the rows of a form.
+// One pass over the rows of a form.
 class Painter {
   public:
     Painter(const Services& services, forms::Form& form, std::int16_t index, TextView directory)
@@ -40,7 +40,7 @@ class Painter {
         rows->Close();
     }
 
-    // Shows the panel that is hidden while it changes, also one whose change failed.
+    // Shows the panel that was hidden for the change, even if the change failed.
     void ShowHidden() {
         if (const ObjectRef panel = std::exchange(hidden_, nullptr)) Put(panel, "Visible", true);
     }
@@ -91,7 +91,7 @@ Database& Required(Database* database) {
     return *database;
 }
 
-// A second name for a default name is dropped: the first that was read wins.
+// If a default name has two rows, the first one counts.
 void AddPictureFileName(Collection& names, const Text& fileName, const Text& defaultName) {
     ErrorState error;
     Skip(error, "naming a picture", [&] { names.Add(fileName, defaultName); });

@@ -2,8 +2,8 @@
 
 #include <limits>
 
+#include "common/TypeLibrary.h"
 #include "platform/runtime/MemberTable.h"
-#include "shell/TypeLibrary.h"
 
 namespace horalink {
 
@@ -19,7 +19,7 @@ platform::Slots cListRequest::ItemSlots(std::string_view name) {
             Write<&cListRequest::SetItemOf<List>>(name, "Value", "sValue")};
 }
 
-// The order of the slots is part of the interface, also where a write form stands ahead of its read form.
+// The order of the slots is part of the interface, even where a write form comes before its read form.
 const platform::ClassDescription& cListRequest::Class() const {
     using Record = cListRequest;
     static const platform::ClassDescription description{

@@ -1,4 +1,4 @@
-// The record of one exchange: parallel lists of strings, and fields that say who asks and how.
+// The record of a request or an answer: parallel lists of strings, and fields about the sender.
 #pragma once
 
 #include <array>
@@ -32,10 +32,10 @@ class cListRequest : public platform::Object {
     // Changes an item; without effect for an index outside 0 to Count − 1.
     void SetItem(List list, std::int16_t index, Text content);
 
-    // Adds an item behind the last. Raises 6 where there are 32,767 already; its texts stay in the lists.
+    // Appends an item. Raises 6 if there are 32,767 already; the texts then stay in the lists.
     void AddToList(const Text& cmd, const Text& fd = {}, const Text& sd = {}, const Text& ed = {},
                    const Text& desc = {});
-    // Takes all items away and leaves every other field as it is.
+    // Removes all items, and leaves the other fields.
     void Clear();
 
   private:

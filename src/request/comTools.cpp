@@ -15,7 +15,7 @@ struct Answer {
     std::int16_t code;
 };
 
-// In the order of matching: a later text that fits replaces an earlier one ("LNK_STN", "LNK_STN_PS").
+// In matching order: the last text that matches wins ("LNK_STN", "LNK_STN_PS").
 constexpr Answer answers[] = {
     {u"DIGIT ERROR", 0},
     {u"DATA ERROR", 1},

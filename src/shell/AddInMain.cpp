@@ -76,7 +76,7 @@ void AddInMain::LoadAddIn() {
     services_.app.waits.busyTimeout = busyLimit;
     services_.app.waits.pendingTimeout = pendingLimit;
     Dialog().Window().Load();
-    // One that unloads itself while it loads is loaded anew with the next object.
+    // A dialog that unloads itself while loading is loaded again for the next object.
     if (Dialog().Window().IsLoaded()) Dialog().Closing = [this] { Retire(); };
 }
 

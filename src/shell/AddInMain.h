@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "shell/ModuleData.h"
+#include "common/ModuleData.h"
 
 namespace horalink {
 
@@ -17,15 +17,15 @@ class AddInMain {
     explicit AddInMain(const Services& services);
     ~AddInMain();
 
-    // Prepares all that needs no window, and in a stand-alone run starts the dialog. Any failure ends the
-    // process; what there is to say of it has been shown by the routine that failed.
+    // Prepares everything but the window, and in a stand-alone run opens the dialog. A failure ends the
+    // process; the routine that failed has shown it.
     void Main();
 
-    // Runs for each cOLELayer that is created: the version record, the wait limits, and the dialog, loaded
-    // but not shown. A version that can't be recorded ends the process.
+    // Runs for each new cOLELayer: records the version, sets the wait limits, and loads the dialog without
+    // showing it. Ends the process if the version can't be recorded.
     void LoadAddIn();
 
-    // Called once no further object can be granted: the dialog closes for good, or the last object goes.
+    // Called when no further objects can be granted: the dialog is closing, or the last object was released.
     std::function<void()> Retire = [] {};
 
     // The one dialog of the process, created on first use.

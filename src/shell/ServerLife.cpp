@@ -24,7 +24,7 @@ void ServerLife::Serve(std::string_view className, std::function<ObjectRef()> cr
     WatchIdleness();
 }
 
-// A request that was sent before the name was given back may arrive after.
+// A creation sent before the name was released may arrive later.
 ObjectRef ServerLife::Grant(const std::function<ObjectRef()>& create) {
     if (isRetired_) throw BusyError();
     ++granting_;
@@ -41,7 +41,7 @@ void ServerLife::Retire() {
     automation_.StopServing();
 }
 
-// A creation may wait for the operator to read a notice.
+// During a creation the operator may have a notice to read.
 void ServerLife::WatchIdleness() {
     if (isInUse_ || granting_ > 0)
         idle_.reset();

@@ -10,14 +10,13 @@ namespace horalink {
 
 class ServerLife {
   public:
-    // All must outlive this object. `end` ends the process; called when nobody has used it for a minute.
+    // All must outlive this object. Calls `end`, which ends the process, after a minute without use.
     ServerLife(platform::Automation& automation, platform::Scheduler& scheduler, std::function<void()> end);
 
     // Serves a class from now on. Raises what ServeClass raises.
     void Serve(std::string_view className, std::function<platform::ObjectRef()> create);
 
-    // Stops granting objects: whoever creates one from now on gets another process. Existing objects keep
-    // working. For a process whose dialog was closed, or that is about to end.
+    // Stops granting objects: later creations start another process. Existing objects keep working.
     void Retire();
 
   private:
@@ -28,8 +27,8 @@ class ServerLife {
     platform::Scheduler& scheduler_;
     std::function<void()> end_;
     bool isRetired_ = false;
-    bool isInUse_ = false;  // another process holds an object
-    int granting_ = 0;      // creations under way, each from inside the one before
+    bool isInUse_ = false;  // a client holds an object
+    int granting_ = 0;      // creations under way, nested
     platform::HandleRef idle_;
 };
 

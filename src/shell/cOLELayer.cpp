@@ -1,8 +1,8 @@
 #include "shell/cOLELayer.h"
 
+#include "common/TypeLibrary.h"
 #include "exchange/dlgAddin.h"
 #include "platform/runtime/MemberTable.h"
-#include "shell/TypeLibrary.h"
 
 namespace horalink {
 
@@ -10,7 +10,7 @@ using namespace platform;
 
 namespace {
 
-// Each exchange that the add-in works on leaves its mark in the application's title, once.
+// Adds the name of each exchange to the application's title, once.
 void MarkTitle(Text& title, const Text& pbx) {
     const Text mark = u"(" + pbx + u")";
     if (title.find(mark) == Text::npos) title += u" " + mark;
@@ -41,7 +41,7 @@ std::shared_ptr<cOLELayer> cOLELayer::Create(AddInMain& main) {
 
 bool cOLELayer::RegisterPBX(const Text& pbx, const ObjectRef& parent, std::int16_t id) {
     dlgAddin& dialog = main_.Dialog();
-    // Ahead of Parent: the dialog is placed only while it has no host.
+    // Before Parent: the dialog is placed only while it has no host.
     dialog.FrmMove(parent);
     dialog.PutParent(parent);
     dialog.PutPBXName(pbx);
@@ -64,7 +64,7 @@ void cOLELayer::SetBackGround(std::int16_t index) {
     main_.Dialog().BackGround(index);
 }
 
-// Runs before the release is answered, so that whoever has the answer reaches another process.
+// Runs before the reply to the release, so that a client that has it reaches a new process.
 void cOLELayer::LastClientLeaves() {
     isLast_ = main_.Dialog().DecrementCount() <= 0;
     if (isLast_) main_.Retire();
@@ -76,10 +76,10 @@ void cOLELayer::LastClientGone() {
 
 void cOLELayer::Class_Terminate() {
     dlgAddin& dialog = main_.Dialog();
-    // A button that was pressed just now must not log in while the host stores the place.
+    // A button pressed just now must not log in while the host stores the place.
     dialog.StopRequests();
     dialog.FrmPositionSave();
-    // The host is leaving: without it the unload that follows calls nobody back.
+    // Without a host, the unload that follows calls nobody back.
     dialog.PutParent(nullptr);
     dialog.Window().Unload();
     main_.DropDialog();

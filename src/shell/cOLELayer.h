@@ -1,4 +1,4 @@
-// The add-in's public face: the class that the host creates by name.
+// The class that the host creates by name.
 #pragma once
 
 #include "platform/runtime/Object.h"
@@ -6,14 +6,14 @@
 
 namespace horalink {
 
-// Holds nothing of its own: every member passes on to the one dialog of the process, which counts the
-// living objects. The last one to go ends the process.
+// Has no state: every member forwards to the process's one dialog, which counts the objects. The last release
+// ends the process.
 class cOLELayer : public platform::Object {
   public:
     // The name under which a host creates the class.
     static constexpr std::string_view className = "Horalink10013.cOLELayer";
 
-    // A new object: brings up the dialog, and counts itself. Raises what loading raises.
+    // Creates an object, with the dialog if needed. Raises what loading raises.
     static std::shared_ptr<cOLELayer> Create(AddInMain& main);
     explicit cOLELayer(AddInMain& main) : main_(main) {}
 
@@ -21,7 +21,7 @@ class cOLELayer : public platform::Object {
     void LastClientLeaves() override;
     void LastClientGone() override;
 
-    // True where the dialog failed to load.
+    // True if the dialog failed to load.
     bool RegisterPBX(const platform::Text& pbx, const platform::ObjectRef& parent, std::int16_t id);
     void PutVisible(bool visible);
     bool Visible();

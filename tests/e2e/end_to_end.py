@@ -46,7 +46,10 @@ def open_own_stage():
 
 
 def database_file(name):
-    return next(stage.arrangement.root.glob(f"*/DATABASE/{name}"))
+    """The one that the add-in opens; the register is the user's own."""
+    if name == "Register.mdb":
+        return stage.arrangement.own_register()
+    return next(stage.arrangement.root.glob(f"*/DATABASE/*/{name}"))
 
 
 def changed(**changes):

@@ -38,6 +38,38 @@ class Companion(EndToEndTest):
         self.press(LOOKUP)
         host.wait_for_line('Login("Main Office", <object>) -> "L2"')
 
+    def test_an_answer_under_way_is_asked_about_before_another_exchange_opens(self):
+        def open_exchange(window, name, answer=None):
+            window = f"Switchdesk \u2013 {window}"
+            stage.driver.raise_window(window)
+            stage.driver.click(stage.driver.find(SWITCHDESK, name, Role.TABLE_CELL, window=window))
+            stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
+            if answer:
+                stage.driver.click(stage.driver.find(SWITCHDESK, answer, Role.PUSH_BUTTON))
+        host = Host(self, "--answer=late:10000", "--logins=1").open()
+        self.press(LOOKUP)
+        host.wait_for_line('ShowMessage("PBX clock request: R1"')
+        open_exchange("Main Office", "Branch 3", "Wait")
+        open_exchange("Main Office", "Branch 3", "Open Branch 3")
+        self.close_box("PBX Clock")
+        host.wait_for_line('LogOut("Branch 3", "L1")')
+        opened = [line for line in host.lines() if line.startswith("# RegisterPBX")]
+        self.assertEqual(opened, [f'# RegisterPBX("{name}") returned False' for name in ("Main Office", "Branch 3")])
+        open_exchange("Branch 3", "Main Office")
+        self.assert_usable()
+
+    def test_closes_at_once_though_the_add_in_is_frozen(self):
+        Host(self).open()
+        add_in, *_ = pids(ADD_IN)
+        os.kill(add_in, signal.SIGSTOP)
+        self.addCleanup(os.kill, add_in, signal.SIGKILL)
+        stage.driver.raise_window("Switchdesk \u2013 Main Office")
+        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
+        self.wait_for(lambda: not stage.driver.is_enabled(
+            stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON)), "the button to be disabled")
+        stage.driver.press("alt+F4")
+        self.wait_until_gone(SWITCHDESK)
+
     def test_last_of_two_hosts_ends_the_process(self):
         first, second = Host(self).open(), Host(self, exchange="Warehouse").open()
         self.assertEqual(len(pids(ADD_IN)), 1)

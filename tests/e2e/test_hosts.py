@@ -106,8 +106,6 @@ class Hosts(OwnHostTest):
         self.wait_for(lambda: not self.boxes(), "no box")
         if fault == "stopped" and state != "idle":
             self.wait_for_calls(good("L1"))
-        if (state, fault) == ("logging in", "never wakes"):  # a late login is closed at the host of the moment
-            self.wake()
         self.keeper.open(self.layer)
         stage.driver.raise_window(stage.dialog_title())
         self.assertIn(clock("L1"), self.look_up())

@@ -23,9 +23,9 @@ OTHERS = [
     (r"tests/\w+/run|bench/run|scripts/make-pictures.sh", "takes minutes"),
     (r"packaging/|sudo ", "packaging/try-packages.sh does it on a bare system"),
     (r"\./run( --language \S+)? bus (examples/|build/examples/|switchdesk --(verbose|open))", "test_clients does it"),
-    (r"horalink-lng import|horalink-lng check new|cp --remove", "wants an older installation; lng.ImportTest does it"),
+    (r"/usr/share/horalink/import|horalink-lng check new|install -Dt", "wants an older installation; lng.import does it"),
 ]
-AS_IS = (r"horalink-(lng|setup) |cp data/|PATH=|cmake -S examples|busctl |examples/host.py &|xdotool search|exit$|"
+AS_IS = (r"horalink-(lng|setup) |msginit |PATH=|cmake -S examples|busctl |examples/host.py &|xdotool search|exit$|"
          r"\./run bus (bash$|switchdesk --help)")
 FOLDERS = "docs|scripts|examples|tests|data|src|tools|bench|packaging"
 # What a shell that nobody types into does in place of what stands there.
@@ -34,8 +34,6 @@ INSTEAD = [
     (r"^\./run bus ", ""),
     (r"^examples/host.py &$", "examples/host.py > host.log 2>&1 & until grep -q GetComData host.log; do :; done"),
     (r"^exit$", ":"),
-    (r"/srv/desk", "desk"),
-    (r"^(horalink-setup remove)", r"horalink-setup add && \1"),
 ]
 
 
@@ -69,7 +67,7 @@ class Manuals(OwnHostTest):
         for part in BUILD.iterdir():
             (folder / "build" / part.name).symlink_to(part)
         return folder, changed(HOME=str(folder / "home"), PATH=f"{self.top}/usr/bin:{stage.arrangement.environment['PATH']}",
-                               XDG_CONFIG_HOME=None, XDG_DATA_HOME=None, XDG_CACHE_HOME=None)
+                               XDG_DATA_DIRS=f"{self.top}/usr/local/share:{self.top}/usr/share", XDG_CONFIG_HOME=None, XDG_DATA_HOME=None, XDG_CACHE_HOME=None)
 
     def test_commands(self):
         for manual in MANUALS:

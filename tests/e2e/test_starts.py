@@ -1,4 +1,6 @@
 """Starts: what a good one brings, and what a failed one shows and says to who asked for it."""
+import contextlib
+import sqlite3
 import subprocess
 
 from end_to_end import Host, OwnHostTest, changed, database_file, run
@@ -13,12 +15,22 @@ NO_BUS = {"DBUS_SESSION_BUS_ADDRESS": "unix:path=/none"}
 
 
 class OnTheBus(OwnHostTest):
+    def test_the_first_start_makes_the_register_the_users_own(self):
+        shared = stage.arrangement.root / "MORA32/DATABASE/Register.mdb"
+        before, own = shared.read_bytes(), stage.arrangement.own / "MORA32/DATABASE/Register.mdb"
+        self.assertFalse(own.exists())
+        Host(self).open()
+        with contextlib.closing(sqlite3.connect(own)) as database:
+            self.assertEqual(database.execute("SELECT AppName, Version FROM Registry").fetchall(), [("Horalink.mra", "13.0.1")])
+        self.assertEqual(shared.read_bytes(), before)
+        self.assertEqual([file.name for file in stage.arrangement.own.rglob("*.*")], [own.name])
+
     def test_a_failure_is_one_notice_and_an_error(self):
         """The end of a start that fails takes the objects with it that are there already."""
         host = Host(self).open()
-        database_file("Register.mdb").unlink()
+        database_file("Register.mdb").write_text("no database")
         second = Host(self, exchange="Warehouse")
-        self.assertRegex(self.close_box(NOTICE), r"(?s)Register\.mdb.*\[3024\]")
+        self.assertRegex(self.close_box(NOTICE), r"(?s)Register\.mdb.*\[3343\]")
         second.wait_for_line("# add-in raised error 429")
         stage.driver.find(SWITCHDESK, "The clock add-in can't be started (error 429).", Role.LABEL)
         host.wait_for_line("# add-in has left")

@@ -1,6 +1,6 @@
 // The button language of message boxes.
 #include "FuzzTarget.h"
-#include "language/MsgBoxButtons.h"
+#include "language/LanguageMsgBox.h"
 
 void horalink::fuzz::Try(std::string_view input) {
     const platform::Text text = platform::FromUtf8(input);

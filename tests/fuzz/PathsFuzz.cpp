@@ -1,6 +1,6 @@
 // The step from a path with backslashes to a real one.
 #include "FuzzTarget.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 void horalink::fuzz::Try(std::string_view input) {
     const platform::Text text = platform::FromUtf8(input);

@@ -1,9 +1,9 @@
 // The platform without a machine, with databases in memory.
 #pragma once
 
+#include "common/ModuleData.h"
 #include "harness/MemoryDatabases.h"
 #include "platform/headless/Headless.h"
-#include "shell/ModuleData.h"
 
 namespace desk {
 

@@ -49,7 +49,7 @@ const State states[] = {
      {lookUp, tick, answer}},
     {"showing", "The box with the answer is open.", {lookUp, tick, answer, tick}},
     {"failed",
-     "The box that tells of a failed login is open.",
+     "The box about the failed login is open.",
      {{Reply, Login* replies + int(model::Reply::Raises)}, lookUp, tick}},
 };
 
@@ -142,8 +142,8 @@ std::string OutcomeOf(const Fault& fault, const State& state) {
     if (log.find("the process ends") < log.find("in the end")) return "The process ends.";
     std::string outcome;
     if (count("  gives up")) outcome += "The operator is asked, and gives up. ";
-    if (count("box: login failed")) outcome += "A box tells that the login failed. ";
-    if (count("box: not read")) outcome += "A box tells that reading failed. ";
+    if (count("box: login failed")) outcome += "A box says that the login failed. ";
+    if (count("box: not read")) outcome += "A box says that reading failed. ";
     if (const int answers = count("box: clock"))
         outcome += answers > 1 ? "Both answers are shown. " : "The answer is shown. ";
     if (outcome.empty()) return count("click 2") ? "The request ends without a box." : "Nothing is seen.";

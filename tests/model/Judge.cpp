@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "language/FatalNotice.h"
+#include "common/FatalNotice.h"
 #include "request/cListRequest.h"
 
 namespace model {
@@ -117,13 +117,13 @@ bool Judge::KnowsWhatIsGivenUp() const {
 
 void Judge::OperatorGaveUp() {
     if (phase_ != Phase::Waiting || IsReadingForWait()) return;
-    GiveUp(login_, loginName_);
+    GiveUp(login_, asked_);
     Rest();
 }
 
 void Judge::HostDied(const void* host) {
     dead_.insert(host);
-    std::erase_if(posted_, [&](const Posted& each) { return each.host == host; });
+    std::erase_if(posted_, [&](const Posted& each) { return each.place.host == host; });
     for (const WorkRef& work : works_) {
         if (!work->isAnswer || work->next == Next::AskExchangeToLogOut || work->next == Next::LogOut)
             continue;
@@ -133,14 +133,19 @@ void Judge::HostDied(const void* host) {
         work->isOfGivenUp = givenUp_.contains(work->login);
     }
     if (phase_ != Phase::Waiting || IsReadingForWait() || host != sentTo_) return;
-    GiveUp(login_, loginName_);
+    GiveUp(login_, asked_);
     Rest();
 }
 
-void Judge::GiveUp(const Text& login, const Text& name) {
+void Judge::GiveUp(const Text& login, const Place& place) {
     givenUp_.insert(login);
     lastGivenUp_ = login;
-    if (!IsHostDead()) Post(login, name);
+    Post(login, place);
+}
+
+// What is sent to a dead host arrives nowhere.
+void Judge::Post(const Text& login, const Place& place) {
+    if (!dead_.contains(place.host)) posted_.push_back({place, login});
 }
 
 // --- what the add-in does -----------------------------------------------------------------------------
@@ -196,8 +201,7 @@ void Judge::CheckArguments(Work& work, std::string_view member, const Arguments&
         case Next::Login:
             Require(text(0) == name_ && arguments.size() == 2 && arguments[1].IsObject(),
                     "Login's arguments");
-            loginName_ = name_;
-            askedAt_ = host_;
+            asked_ = Now();
             break;
         case Next::ReportLogin:
         case Next::ReportFailure:
@@ -255,8 +259,7 @@ void Judge::TakePosted(const void* host, std::string_view member, const Argument
         return;
     }
     const auto due = std::find_if(posted_.begin(), posted_.end(), [&](const Posted& each) {
-        return host == each.host && arguments.at(0).ToText() == each.name &&
-               arguments.at(1).ToText() == each.login;
+        return each.place == Place{host, arguments.at(0).ToText()} && arguments.at(1).ToText() == each.login;
     });
     Require(member == "LogOut" && due != posted_.end() && exchangesAsked_ > 0,
             std::string(member) + " is sent unasked");
@@ -315,7 +318,7 @@ void Judge::RequestGoesOn(Work& work, End end, const Text& result) {
         case Next::AskExchange:
             return end == End::Answered ? void(work.next = Next::Login) : LoginFails(work, end);
         case Next::Login:
-            if (isGivenUp && IsAccepted(result)) GiveUp(result, loginName_);
+            if (isGivenUp && IsAccepted(result)) GiveUp(result, asked_);
             if (end != End::Answered) return LoginFails(work, end);
             loginResult_ = result;
             if (IsAccepted(result)) login_ = work.login = result;
@@ -341,7 +344,7 @@ void Judge::RequestGoesOn(Work& work, End end, const Text& result) {
             work.next = Next::AskExchangeToLogOut;
             break;
         case Next::AskExchangeToLogOut:
-            if (isGivenUp) Post(work.login, name_);
+            if (isGivenUp) Post(work.login, Now());
             if (end != End::Answered) return over();
             work.next = Next::LogOut;
             return;
@@ -349,7 +352,7 @@ void Judge::RequestGoesOn(Work& work, End end, const Text& result) {
             return over();
     }
     if (!isGivenUp) return;
-    GiveUp(work.login, name_);
+    GiveUp(work.login, Now());
     over();
 }
 
@@ -369,7 +372,7 @@ void Judge::AnswerGivenUp(Work& work) {
     work.next = Next::Nothing;
     work.login = work.lastLogin.value_or(loginResult_);
     work.isOfGivenUp = givenUp_.contains(work.login);
-    if (!*work.isOfGivenUp) GiveUp(work.login, name_);
+    if (!*work.isOfGivenUp) GiveUp(work.login, Now());
 }
 
 void Judge::AnswerGoesOn(Work& work, End end) {
@@ -394,7 +397,7 @@ void Judge::AnswerGoesOn(Work& work, End end) {
             work.next = afterCode();
             return;
         case Next::AskExchangeToLogOut:
-            if (end == End::GivenUp) Post(work.login, name_);
+            if (end == End::GivenUp) Post(work.login, Now());
             work.next = end == End::Answered ? Next::LogOut : Next::Nothing;
             return;
         default:

@@ -81,9 +81,14 @@ class Judge {
         int button;
         bool waits;
     };
+    struct Place {
+        const void* host = nullptr;
+        Text name;
+        friend bool operator==(const Place&, const Place&) = default;
+    };
     struct Posted {
-        const void* host;
-        Text name, login;
+        Place place;
+        Text login;
     };
     using WorkRef = std::shared_ptr<Work>;
 
@@ -99,8 +104,9 @@ class Judge {
     void AnswerGoesOn(Work& work, End end);
     void AnswerGivenUp(Work& work);
     bool IsReadingForWait() const;
-    void GiveUp(const Text& login, const Text& name);
-    void Post(const Text& login, const Text& name) { posted_.push_back({askedAt_, name, login}); }
+    void GiveUp(const Text& login, const Place& place);
+    void Post(const Text& login, const Place& place);
+    Place Now() const { return {host_, name_}; }
     void Rest() { phase_ = Phase::Idle; }
 
     Phase phase_ = Phase::Idle;
@@ -108,9 +114,10 @@ class Judge {
     std::vector<WorkRef> out_;    // whose calls are out; null for others
     WorkRef lastAnswer_;
     std::vector<Press> presses_;
-    const void *host_ = nullptr, *askedAt_ = nullptr, *sentTo_ = nullptr;
+    const void *host_ = nullptr, *sentTo_ = nullptr;
+    Place asked_;  // where the last login was asked for
     std::set<const void*> dead_;
-    Text name_, login_, loginName_, loginResult_, lastGivenUp_;
+    Text name_, login_, loginResult_, lastGivenUp_;
     std::set<Text> givenUp_;
     std::deque<Posted> posted_;  // logouts that nobody waits for, each after a posted oPBX
     std::size_t exchangesAsked_ = 0, notLoggedOut_ = 0;

@@ -353,11 +353,19 @@ class World {
             case Act::ReleaseOther:
                 return other_->layers.empty() ? void() : Release(*other_, 0);
             case Act::Create:
-                if (!host_->peer->IsAlive()) Replace(host_);
-                return Create(*host_);
+                return CreateForHost();
             default:
                 if (!host_->layers.empty()) UseLayer(step);
         }
+    }
+
+    // A new host comes once all calls to the dead one are over.
+    void CreateForHost() {
+        if (!host_->peer->IsAlive()) {
+            if (computer_.automation.IsCallOut()) return;
+            Replace(host_);
+        }
+        Create(*host_);
     }
 
     void WakeHost() {

@@ -14,32 +14,26 @@ std::int16_t AnswerOf(std::int32_t buttons, std::function<void(QWidget&)> act) {
     return ShowBox(std::move(act), {u"Prompt", buttons, {}, {}, 0});
 }
 
-void PressEscape(const QWidget& box) {
-    PressKey(box, Qt::Key_Escape);
-}
-
 // What each button of a set answers, then Enter, Escape and closing, such as "OK 1, Cancel 2, 1, 2, 2, ". A
 // box that stays is left by its last button.
 std::string AnswersOf(std::int32_t set) {
+    const std::function<void(QWidget&)> ways[] = {PressReturn, PressEscape, &QWidget::close};
     std::string answers;
-    const auto note = [&](std::int16_t answer) { answers += std::to_string(answer) + ", "; };
-    qsizetype count = 1;
-    for (qsizetype i = 0; i < count; ++i)
-        note(AnswerOf(set, [&](QWidget& box) {
+    for (std::size_t i = 0, buttons = 1; i < buttons + std::size(ways); ++i) {
+        const std::int16_t answer = AnswerOf(set, [&](QWidget& box) {
             const auto shown = box.findChildren<QPushButton*>();
-            count = shown.size();
-            answers += shown[i]->text().toStdString() + " ";
-            shown[i]->click();
-        }));
-    const std::function<void(QWidget&)> ways[] = {PressReturn, PressEscape,
-                                                  [](QWidget& box) { box.windowHandle()->close(); }};
-    for (const auto& leave : ways)
-        note(AnswerOf(set, [&](QWidget& box) {
-            leave(box);
-            if (!box.isVisible()) return;
-            answers += "stays, ";
-            box.findChildren<QPushButton*>().last()->click();
-        }));
+            buttons = std::size_t(shown.size());
+            if (i >= buttons) {
+                ways[i - buttons](box);
+                if (!box.isVisible()) return;
+                answers += "stays, ";
+                return shown.last()->click();
+            }
+            answers += shown[qsizetype(i)]->text().toStdString() + " ";
+            shown[qsizetype(i)]->click();
+        });
+        answers += std::to_string(answer) + ", ";
+    }
     return answers;
 }
 
@@ -53,38 +47,31 @@ TEST(MessageBoxTest, EachButtonOfEachSetAnswersAndEscapeAndClosingCancel) {
         {yesNo + defaultButton3, "Yes 6, No 7, 6, stays, 7, stays, 7, "},  // there is no third button
         {retryCancel, "Retry 4, Cancel 2, 4, 2, 2, "}};
     for (const auto& [set, answers] : cases) EXPECT_EQ(AnswersOf(set), answers);
-    for (const std::int32_t set : {6, 15}) EXPECT_EQ(ErrorOf([&] { AnswerOf(set, PressReturn); }), 5) << set;
+    for (const std::int32_t set : {6, 15}) EXPECT_EQ(ErrorOf([&] { AnswersOf(set); }), 5) << set;
 }
 
-// Title, plain prompt and buttons of the next box, which is left by Escape.
-HandleRef Read(std::string& seen) {
-    return WhenBoxOpens([&seen](QWidget& box) {
-        QStringList texts{box.windowTitle()};
-        for (const QLabel* label : box.findChildren<QLabel*>())
-            if (label->textFormat() == Qt::PlainText) texts += label->text();
-        for (const QPushButton* button : box.findChildren<QPushButton*>()) texts += button->text();
-        seen = texts.join('|').toStdString();
-        PressEscape(box);
-    });
+// Title, plain prompt and buttons.
+std::string TextsOf(const QWidget& box) {
+    QStringList texts{box.windowTitle()};
+    for (const QLabel* label : box.findChildren<QLabel*>())
+        if (label->textFormat() == Qt::PlainText) texts += label->text();
+    for (const QPushButton* button : box.findChildren<QPushButton*>()) texts += button->text();
+    return texts.join('|').toStdString();
 }
 
 TEST(MessageBoxTest, TextsAreShownAsTheyAreWritten) {
-    surroundings.application.buttons = {u"ok",   u"&cancel", u"abort", u"retry", u"ignore",
-                                        u"はい", u"no",      u"help",  u"wait",  u"give & up"};
-    const Text prompt = u"<b>a</b>\rb & c\r\rd\r\ne";
-    const std::string shown = "<b>a</b>\nb & c\n\nd\ne|";
-    std::string seen;
-    HandleRef reading = Read(seen);
-    TheDesktop().Boxes().Show({prompt, yesNoCancel + helpButton + critical, {}, {}, 0});
-    EXPECT_EQ(seen, "Default title|" + shown + "はい|no|&&cancel|help");
-    reading = Read(seen);
-    TheDesktop().Boxes().Show({prompt, okOnly, u"", {}, 0});
-    EXPECT_EQ(seen, "|" + shown + "ok");
-    bool gaveUp = false;
-    reading = Read(seen);
-    const auto box = TheDesktop().Waits().Open(u"Title", prompt, [&](bool answer) { gaveUp = answer; });
-    EXPECT_TRUE(Until([&] { return gaveUp; }));
-    EXPECT_EQ(seen, "Title|" + shown + "wait|give && up");
+    surroundings.application.buttons = {u"ok",     u"&cancel", u"abort", u"retry",
+                                        u"ignore", u"はい",    u"no",    u"help"};
+    const auto expect = [](const MessageBox& box, const char* texts) {
+        const auto read = [&](QWidget& shown) {
+            EXPECT_EQ(TextsOf(shown), texts);
+            PressEscape(shown);
+        };
+        ShowBox(read, box);
+    };
+    expect({u"<b>a</b>\rb & c\r\rd\r\ne", yesNoCancel + helpButton + critical, {}, {}, 0},
+           "Default title|<b>a</b>\nb & c\n\nd\ne|はい|no|&&cancel|help");
+    expect({u"p", okOnly, u"", {}, 0}, "|p|ok");
     surroundings.application.buttons = {};
 }
 
@@ -110,22 +97,25 @@ TEST_F(BoxOverFormTest, BoxStandsOverTheFormAndOutlivesIt) {
         EXPECT_EQ(box.windowHandle()->transientParent(), Handle());
         TakeAway();
         EXPECT_EQ(Window(), nullptr);
-        box.findChildren<QPushButton*>().last()->click();
+        PressReturn(box);
     });
-    EXPECT_EQ(answer, 7);
+    EXPECT_EQ(answer, 6);
 }
 
 TEST(WaitBoxTest, AnswersOnceClosedAndMayBeDroppedInside) {
-    for (const auto& [key, givesUp] : {std::pair(Qt::Key_Return, false), {Qt::Key_Escape, true}}) {
+    for (const bool givesUp : {false, true}) {
         std::vector<bool> answers;
         std::unique_ptr<WaitBox> box;
-        box = TheDesktop().Waits().Open(u"Title", u"Wait?", [&](bool answer) {
+        box = TheDesktop().Waits().Open(u"Title", u"p\rq", [&](bool answer) {
             EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
             box.reset();
             Settle();
             answers.push_back(answer);
         });
-        const HandleRef acting = WhenBoxOpens([key = key](QWidget& shown) { PressKey(shown, key); });
+        const HandleRef acting = WhenBoxOpens([=](QWidget& shown) {
+            EXPECT_EQ(TextsOf(shown), "Title|p\nq|Keep waiting|Give up");
+            givesUp ? PressEscape(shown) : PressReturn(shown);
+        });
         EXPECT_TRUE(Until([&] { return !answers.empty(); }));
         EXPECT_EQ(answers, std::vector<bool>{givesUp});
     }

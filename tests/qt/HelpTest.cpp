@@ -6,7 +6,7 @@
 #include "../unit/TemporaryDirectory.h"
 #include "QtFixture.h"
 #include "platform/desktop/MessageBoxButtons.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace platform {
 namespace {
@@ -22,15 +22,15 @@ std::string Topic() {
 
 class HelpTest : public FormTest {
   protected:
-    HelpTest() : file_(directory_.Path() / "Test.hlp") {
+    HelpTest() {
         sqlite3* handle = nullptr;
-        sqlite3_open(file_.c_str(), &handle);
+        sqlite3_open(file.c_str(), &handle);
         sqlite3_exec(handle,
                      "create table tTopics (ID integer primary key, Title text, Body text);"
                      "insert into tTopics values (3, 'Time <1>', '<p>The <b>hours</b></p>');",
                      nullptr, nullptr, nullptr);
         sqlite3_close(handle);
-        surroundings.application.helpFile = PathText(file_);
+        surroundings.application.helpFile = PathText(file);
         menu.Items = {&blank, &item};
         item.Caption = u"What's This &\tF1";
         item.Click = Note("item");
@@ -39,28 +39,20 @@ class HelpTest : public FormTest {
     }
     ~HelpTest() override { surroundings.application.helpFile.clear(); }
 
-    static QMenu* OpenMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
-    QWidget& ShowTopic() {
-        form.ShowWhatsThis(track);
-        return *TopicWindow();
-    }
-
     forms::Menu& menu = form.Add<forms::Menu>(u"mnuWhatsThis");
     forms::Menu& item = form.Add<forms::Menu>(u"itmWhatsThis");
     forms::Menu& blank = form.Add<forms::Menu>(u"itmBlank");
-    TemporaryDirectory directory_;
-    std::filesystem::path file_;
+    TemporaryDirectory directory;
+    const std::filesystem::path file = directory.Path() / "Test.hlp";
 };
 
 TEST_F(HelpTest, MenuAndTopicGoWithTheForm) {
-    const std::function<void()> opens[] = {[this] { form.PopupMenu(menu); }, [this] { ShowTopic(); }},
-                                leaves[] = {[this] { form.Hide(); }, [this] { form.Unload(); }};
-    for (const auto& open : opens)
-        for (const auto& leave : leaves) {
+    for (const bool opensMenu : {false, true})
+        for (const bool unloads : {false, true}) {
             form.Show();
-            open();
+            opensMenu ? form.PopupMenu(menu) : form.ShowWhatsThis(track);
             EXPECT_TRUE(QApplication::activePopupWidget());
-            leave();
+            unloads ? form.Unload() : form.Hide();
             EXPECT_FALSE(QApplication::activePopupWidget());
         }
 }
@@ -68,9 +60,9 @@ TEST_F(HelpTest, MenuAndTopicGoWithTheForm) {
 TEST_F(HelpTest, OpenMenuHoldsUpNothingHasTheKeysAndFollowsTheForm) {
     form.PopupMenu(menu);
     Settle();
-    ASSERT_TRUE(OpenMenu());
-    ASSERT_EQ(OpenMenu()->actions().size(), 1) << "no caption, no entry";
-    QAction& entry = *OpenMenu()->actions().first();
+    const auto* opened = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_TRUE(opened && opened->actions().size() == 1) << "no caption, no entry";
+    QAction& entry = *opened->actions().first();
     EXPECT_EQ(entry.text().toStdString(), "What's This && F1") << "as a menu draws \"&\"";
     form.Enabled = false;
     entry.trigger();
@@ -80,61 +72,53 @@ TEST_F(HelpTest, OpenMenuHoldsUpNothingHasTheKeysAndFollowsTheForm) {
     entry.trigger();
     form.Enabled = false;
     Key(Qt::Key_Escape);
-    EXPECT_FALSE(OpenMenu());
+    EXPECT_FALSE(QApplication::activePopupWidget());
     EXPECT_EQ(log, "item ");
 }
 
-TEST_F(HelpTest, TopicIsPlainTextOnTheScreenAndGoesWithAClickAndWithEscape) {
+TEST_F(HelpTest, TopicOrWhyThereIsNoneIsOnTheScreenAndGoesWithAClickAndWithEscape) {
     const QRect screen = QGuiApplication::primaryScreen()->geometry();
-    const std::function<void()> ways[] = {
-        [] { QTest::mouseClick(TopicWindow()->windowHandle(), Qt::LeftButton, {}, QPoint(30, 30)); },
-        [] { PressKey(*TopicWindow(), Qt::Key_Escape); }};
-    for (const QPoint corner : {QPoint(-50, -50), screen.bottomRight() - QPoint(60, 40)})
-        for (const auto& leave : ways) {
-            Window()->move(corner);
-            const QRect place = ShowTopic().frameGeometry();
-            EXPECT_EQ(place.intersected(screen), place);
-            EXPECT_EQ(Topic(), "Time <1>|The hours");
-            leave();
+    const QPoint outside(-50, -50), corner = screen.bottomRight() - QPoint(60, 40);
+    const Text missing = PathText(directory.Path() / "<b>missing</b>.hlp");
+    const Table<Text, std::int32_t, const char*, QPoint> cases = {
+        {PathText(file), 3, "Time <1>|The hours", outside},
+        {PathText(file), 4, "help topic 4", corner},
+        {u"", 3, "not found", outside},
+        {missing, 3, "<b>missing</b>.hlp", corner}};
+    for (const auto& [name, topic, said, place] : cases)
+        for (const bool clicks : {false, true}) {
+            surroundings.application.helpFile = name;
+            track.WhatsThisHelpID = topic;
+            Window()->move(place);
+            form.ShowWhatsThis(track);
+            EXPECT_NE(Topic().find(said), std::string::npos) << Topic();
+            QWidget& shown = *TopicWindow();
+            EXPECT_EQ(shown.frameGeometry().intersected(screen), shown.frameGeometry());
+            clicks ? QTest::mouseClick(shown.windowHandle(), Qt::LeftButton) : PressEscape(shown);
             EXPECT_FALSE(TopicWindow());
         }
 }
 
-TEST_F(HelpTest, WhatIsMissingIsSaid) {
-    const Table<Text, std::int32_t, const char*> cases = {
-        {PathText(file_), 4, "help topic 4"},
-        {u"", 3, "not found"},
-        {PathText(directory_.Path() / "<b>missing</b>.hlp"), 3, "<b>missing</b>.hlp"}};
-    for (const auto& [file, topic, said] : cases) {
-        surroundings.application.helpFile = file;
-        track.WhatsThisHelpID = topic;
-        ShowTopic();
-        EXPECT_NE(Topic().find(said), std::string::npos) << Topic();
-        TopicWindow()->close();
-    }
-}
-
 TEST_F(HelpTest, HelpButtonAndF1ShowTheTopicOfABoxOverIt) {
-    const std::function<void(QWidget&)> pressF1 = [](QWidget& box) { PressKey(box, Qt::Key_F1); };
-    const std::function<void(QWidget&)> pressButton = [](QWidget& box) {
-        box.findChildren<QPushButton*>().last()->click();
-    };
+    using namespace buttons;
+    const auto pressF1 = [](QWidget& box) { PressKey(box, Qt::Key_F1); };
+    const auto pressButton = [](QWidget& box) { box.findChildren<QPushButton*>().last()->click(); };
     const Table<std::int32_t, std::function<void(QWidget&)>, std::optional<Text>, const char*> cases = {
-        {buttons::helpButton, pressButton, PathText(file_), "Time <1>|The hours"},
-        {0, pressF1, PathText(file_), "Time <1>|The hours"},
-        {buttons::helpButton, pressButton, {}, ""},
-        {buttons::helpButton, pressF1, {}, ""}};
+        {helpButton, pressButton, PathText(file), "Time <1>|The hours"},
+        {0, pressF1, PathText(file), "Time <1>|The hours"},
+        {helpButton, pressButton, {}, ""},
+        {helpButton, pressF1, {}, ""}};
     surroundings.application.helpFile.clear();
-    for (const auto& [helpButton, ask, file, topic] : cases) {
-        const auto act = [&, &ask = ask, &topic = topic](QWidget& box) {
+    for (const auto& [kind, ask, name, topic] : cases) {
+        const auto act = [&ask = ask, &topic = topic](QWidget& box) {
             ask(box);
             EXPECT_EQ(Topic(), topic);
-            if (TopicWindow()) PressKey(*TopicWindow(), Qt::Key_Escape);
+            if (TopicWindow()) PressEscape(*TopicWindow());
             EXPECT_FALSE(TopicWindow());
             EXPECT_TRUE(box.isVisible()) << "the key was the topic's";
-            PressKey(box, Qt::Key_Escape);
+            PressEscape(box);
         };
-        EXPECT_EQ(ShowBox(act, {u"Prompt", buttons::okCancel + helpButton, {}, file, 3}), 2);
+        EXPECT_EQ(ShowBox(act, {u"Prompt", okCancel + kind, {}, name, 3}), 2);
     }
 }
 

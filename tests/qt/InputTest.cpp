@@ -21,28 +21,23 @@ class InputTest : public FormTest {
         form.KeyDown = [this](auto&&...) { Note("key")(); };
     }
 
-    // What an assistive program does to a widget.
+    // What an assistive program sees of a widget.
     QAccessibleInterface& SpokenOf(const char* name) const {
         return *QAccessible::queryAccessibleInterface(&WidgetOf(name));
-    }
-    void Act(const char* name, const QString& action) const {
-        SpokenOf(name).actionInterface()->doAction(action);
-    }
-
-    void GiveAll() const {
-        Click("cmdButton");
-        Key(Qt::Key_F1);
-        Wheel("updTime", 120);
-        Act("cmdButton", QAccessibleActionInterface::pressAction());
-        Act("chkTrack", QAccessibleActionInterface::toggleAction());
-        Act("Next month", QAccessibleActionInterface::pressAction());
     }
     static HandleRef Hold() { return TheDesktop().Loop().HoldInput(); }
 };
 
 TEST_F(InputTest, IsTakenRefusedOrHeldWhicheverWayItComes) {
     const std::string all = "click key step click check month ";
-    const auto giveAll = [this] { GiveAll(); };
+    const auto giveAll = [this] {
+        Click("cmdButton");
+        Key(Qt::Key_F1);
+        Wheel("updTime", 120);
+        SpokenOf("cmdButton").actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        SpokenOf("chkTrack").actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        SpokenOf("Next month").actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    };
     EXPECT_EQ(After(giveAll), all);
     EnableControls(false);
     EXPECT_EQ(After(giveAll), "key ");
@@ -69,12 +64,11 @@ TEST_F(InputTest, PressAndReleaseAreRefusedAsOne) {
     shown.setFocus();
     const auto press = [this] { QTest::keyPress(Handle(), Qt::Key_Space); };
     const auto release = [this] { QTest::keyRelease(Handle(), Qt::Key_Space); };
+    const QPoint box = PlaceOf("chkTrack");
     form.Enabled = false;
-    press();
-    for (const auto which : {Qt::LeftButton, Qt::RightButton}) Press(PlaceOf("chkTrack"), which);
+    press(), Press(box), Press(box, Qt::RightButton);
     form.Enabled = true;
-    release();
-    for (const auto which : {Qt::LeftButton, Qt::RightButton}) Release(PlaceOf("chkTrack"), which);
+    release(), Release(box), Release(box, Qt::RightButton);
     EXPECT_EQ(log, "");
     press();
     EXPECT_TRUE(shown.isDown());
@@ -82,9 +76,9 @@ TEST_F(InputTest, PressAndReleaseAreRefusedAsOne) {
     EXPECT_FALSE(shown.isDown()) << "nothing stays pressed on a form that is disabled";
     form.Enabled = true;
     release();
-    EXPECT_EQ(log, "key ");
+    EXPECT_EQ(log, "");
     press(), release();
-    EXPECT_EQ(log, "key key click ");
+    EXPECT_EQ(log, "click ");
 }
 
 TEST_F(InputTest, ABoxShowsWhatTheModelSays) {
@@ -103,17 +97,16 @@ TEST_F(InputTest, ATextIsChangedOnlyWhereTheOperatorMay) {
         EXPECT_EQ(FromQt(WidgetOf<QLineEdit>("txtMinute").text()), minute.Text());
         return ToUtf8(minute.Text());
     };
+    const auto afterInsertion = [&] { return text.insertText(0, QStringLiteral("9")), shown(); };
     minute.SetSelStart(2);
     text.replaceText(0, 2, QStringLiteral("99"));  // which leaves the cursor where it is
     EXPECT_EQ(shown(), "00") << "locked";
     minute.Locked = false;
     form.Enabled = false;
-    text.insertText(0, QStringLiteral("9"));
-    EXPECT_EQ(shown(), "00") << "disabled";
+    EXPECT_EQ(afterInsertion(), "00") << "disabled";
     form.Enabled = true;
     HandleRef hold = Hold();
-    text.insertText(0, QStringLiteral("9"));
-    EXPECT_EQ(shown(), "00") << "a call is out";
+    EXPECT_EQ(afterInsertion(), "00") << "a call is out";
     hold.reset();
     EXPECT_TRUE(Until([&] { return shown() == "900"; }));
     WidgetOf("txtMinute").setFocus();
@@ -154,47 +147,39 @@ TEST_F(InputTest, EventsMayTakeTheFormAway) {
         {[&] { calendar.NewMonth = away; }, "Next month", {}},
         {[&] { minute.GotFocus = away; }, "txtMinute", {}},
         // The button has a handler too, but doesn't see the key any more.
-        {[&] { form.KeyDown = away; }, "cmdButton", Qt::Key_Return}};
+        {[&] { form.KeyDown = away; }, "cmdButton", Qt::Key_F1}};
     for (const auto& [handle, widget, key] : cases) {
         handle();
         Show();
-        WidgetOf("chkTrack").setFocus();
+        WidgetOf(key ? widget : "chkTrack").setFocus();
         log.clear();
-        if (key) {
-            WidgetOf(widget).setFocus();
-            QTest::keyPress(Handle(), key);
-        } else {
-            Click(widget);
-        }
+        key ? QTest::keyPress(Handle(), key) : Click(widget);
         Settle();
-        EXPECT_TRUE(log.ends_with("away unloaded ")) << log << widget << " " << key;
-        EXPECT_EQ(Window(), nullptr) << widget << " " << key;
+        EXPECT_TRUE(log.ends_with("away unloaded ") && !Window()) << log << widget << " " << key;
     }
 }
 
-// The arrow of a spin control, and one of the calendar, each with a place beside it.
 class HeldArrowTest : public FormTest {
   protected:
-    HeldArrowTest() {
-        SetStep([] {});
-    }
     void SetStep(const std::function<void()>& act) {
         spin.UpClick = calendar.NewMonth = [this, act] {
             Note("step")();
             act();
         };
     }
-    std::pair<QPoint, QPoint> Arrows(int which) const {
-        const QPoint spinArrow = PlaceOf("updTime"), half(0, 6);
-        return which == 0 ? std::pair(spinArrow - half, spinArrow + half)
-                          : std::pair(PlaceOf("Next month"), PlaceOf("Previous month"));
+    // The arrow of the spin control and one of the calendar, each with a place beside it.
+    std::vector<std::pair<QPoint, QPoint>> Arrows() const {
+        const QPoint middle = PlaceOf("updTime"), half(0, 6);
+        return {{middle - half, middle + half}, {PlaceOf("Next month"), PlaceOf("Previous month")}};
     }
 };
 
 TEST_F(HeldArrowTest, StepsUntilTheReleaseAndPausesOutside) {
-    for (const int which : {0, 1}) {
-        const auto [arrow, beside] = Arrows(which);
-        EXPECT_EQ(After([&] { Press(arrow); }), "step ") << "the first step waits for nothing";
+    SetStep([] {});
+    for (const auto& [arrow, beside] : Arrows()) {
+        log.clear();
+        Press(arrow);
+        EXPECT_EQ(log, "step ") << "the first step waits for nothing";
         PointAt(beside);
         Settle(longerThanAStep);
         EXPECT_EQ(log, "step ");
@@ -212,10 +197,9 @@ TEST_F(HeldArrowTest, HoldingEndsWithWhatAHandlerDoes) {
     };
     const std::function<void()> acts[] = {[&] { ShowBox(answerLate); }, [this] { EnableControls(false); },
                                           [this] { form.Enabled = false; }, [this] { form.Hide(); }};
-    for (const int which : {0, 1})
+    for (const auto& [arrow, beside] : Arrows())
         for (const auto& act : acts) {
             SetStep(act);
-            const QPoint arrow = Arrows(which).first;
             Press(arrow);
             Settle(longerThanAStep);
             EnableControls(true);
@@ -224,6 +208,80 @@ TEST_F(HeldArrowTest, HoldingEndsWithWhatAHandlerDoes) {
             Release(arrow);
             EXPECT_EQ(std::exchange(log, ""), "step ");
         }
+}
+
+// A box whose text the spin control steps, as a section of a time field.
+class SpinTest : public FormTest {
+  protected:
+    SpinTest() {
+        minute.Spin = &spin;
+        spin.SetMax(59);
+        spin.Change = [this] {
+            minute.Text = (spin.Value() < 10 ? u"0" : u"") + DecimalText(spin.Value());
+            minute.GotFocus();
+        };
+        spin.UpClick = Note("up");
+        spin.DownClick = Note("down");
+        // The focus selects the section.
+        minute.GotFocus = [this] {
+            minute.SetSelStart(0);
+            minute.SetSelLength(2);
+        };
+    }
+    QPoint Upper() const { return PlaceOf("updTime") - QPoint(0, 6); }
+    QPoint Lower() const { return PlaceOf("updTime") + QPoint(0, 6); }
+    void ExpectSectionSelected() const {
+        const auto& box = WidgetOf<QLineEdit>("txtMinute");
+        EXPECT_EQ(box.selectedText().toStdU16String(), minute.Text());
+        EXPECT_TRUE(box.hasFocus());
+        EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    }
+};
+
+TEST_F(SpinTest, MouseKeysAndWheelStepTheSectionOfASpinInService) {
+    const Table<const char*, std::function<void()>, const char*> inputs = {
+        {"upper arrow", [this] { Click(Upper()); }, "up "},
+        {"lower arrow", [this] { Click(Lower()); }, "down "},
+        {"right button", [this] { Click(Upper(), Qt::RightButton); }, ""},
+        {"Up", [this] { Key(Qt::Key_Up); }, "up "},
+        {"Down", [this] { Key(Qt::Key_Down, Qt::KeypadModifier); }, "down "},
+        {"Ctrl+Up", [this] { Key(Qt::Key_Up, Qt::ControlModifier); }, ""},
+        {"wheel up", [this] { Wheel("txtMinute", 120); }, "up "},
+        {"wheel down twice", [this] { Wheel("txtMinute", -240); }, "down down "},
+        {"small turns", [this] { Wheel("txtMinute", 90), Wheel("txtMinute", 60); }, "up "},
+        {"rest of the turn", [this] { Wheel("txtMinute", -30); }, ""},
+        {"wheel over the arrows", [this] { Wheel("updTime", -120), Wheel("updTime", 120); }, "down up "},
+        {"wheel elsewhere", [this] { Wheel("cmdButton", 120); }, ""}};
+    WidgetOf("txtMinute").setFocus();
+    for (const bool inService : {true, false}) {
+        spin.Enabled = inService;
+        for (const auto& [name, act, steps] : inputs) {
+            EXPECT_EQ(After(act), inService ? steps : "") << name;
+            ExpectSectionSelected();
+        }
+        EXPECT_EQ(minute.Text(), u"00");
+    }
+    spin.Enabled = true;
+    WidgetOf("updTime").setFocus();
+    EXPECT_EQ(After([this] { Key(Qt::Key_Up), Wheel("txtMinute", 120), Wheel("updTime", -120); }),
+              "up down ");
+}
+
+TEST_F(SpinTest, SectionIsPickedAsAWhole) {
+    const QPoint inside = PlaceOf("txtMinute"), aside = inside - QPoint(5, 0);
+    // The first click brings the focus.
+    const Table<const char*, std::function<void()>> acts = {
+        {"click", [&] { Click(inside); }},
+        {"double click", [&] { QTest::mouseDClick(Handle(), Qt::LeftButton, {}, inside); }},
+        {"drag", [&] { Press(inside), PointAt(aside), Release(aside); }},
+        {"Left", [&] { Key(Qt::Key_Left); }},
+        {"End", [&] { Key(Qt::Key_End, Qt::ShiftModifier); }},
+        {"right click", [&] { Click(inside, Qt::RightButton); }}};
+    for (const auto& [name, act] : acts) {
+        SCOPED_TRACE(name);
+        act();
+        ExpectSectionSelected();
+    }
 }
 
 }  // namespace

@@ -6,8 +6,7 @@
 #include <cmath>
 
 #include "QtFixture.h"
-#include "platform/forms/qt/Look.h"
-#include "platform/forms/qt/Twips.h"
+#include "platform/qt/Look.h"
 
 namespace platform {
 namespace {
@@ -65,12 +64,12 @@ TEST_F(LookTest, CaptionsAreDrawnAsTheyStandAndAreNoKeys) {
 
 TEST_F(LookTest, TextsThatAreReadOut) {
     const Text huge(5'000'000, u'x'), cut = Text(4000, u'x') + u"\u2026";
-    const Text caption = u"Read & set", tip = u" A <b>tip</b> ";
-    const Table<Text, Text, bool, Text, Text> cases = {
-        {caption, tip, false, caption, tip}, {caption, tip, true, tip, tip},
-        {caption, u"", true, caption, u""},  {u" ", u" ", false, u"cmdButton", u" "},
-        {huge, huge, false, cut, cut},
-    };
+    const Text caption = u"Read & set [*]", tip = u" A <b>tip</b> ";
+    const Table<Text, Text, bool, Text, Text> cases = {{caption, tip, false, caption, tip},
+                                                       {caption, tip, true, tip, tip},
+                                                       {caption, u"", true, caption, u""},
+                                                       {u" ", u" ", false, u"cmdButton", u" "},
+                                                       {huge, huge, false, cut, cut}};
     for (const auto& [text, tipText, picture, name, description] : cases) {
         form.Caption = text;
         button.Caption = text;
@@ -83,10 +82,8 @@ TEST_F(LookTest, TextsThatAreReadOut) {
         Qt::mightBeRichText(widget.toolTip()) ? shown.setHtml(widget.toolTip())
                                               : shown.setPlainText(widget.toolTip());
         EXPECT_EQ(FromQt(shown.toPlainText()), description);
-        EXPECT_LE(Handle()->title().size(), 4001);
+        EXPECT_EQ(FromQt(Handle()->title()), text == huge ? cut : text);
     }
-    form.Caption = u"10001 [*]";
-    EXPECT_EQ(Handle()->title().toStdString(), "10001 [*]");
 }
 
 TEST_F(LookTest, WindowsStayLightOnADarkDesktop) {
@@ -113,46 +110,40 @@ TEST_F(LookTest, ButtonShowsItsPictures) {
     EXPECT_EQ(shown(), "#0000ff");
 }
 
-// Whether what is to be read stands out from its ground, as WCAG 2 measures it for level AA.
-constexpr double forText = 4.5, forShapes = 3;
-
-double Linear(double part) {
-    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-}
-
 double Luminance(const QColor& color) {
-    return 0.2126 * Linear(color.redF()) + 0.7152 * Linear(color.greenF()) + 0.0722 * Linear(color.blueF());
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
+// As WCAG 2 measures it.
 double Contrast(const QColor& one, const QColor& other) {
     const auto [dark, light] = std::minmax({Luminance(one), Luminance(other)});
     return (light + 0.05) / (dark + 0.05);
 }
 
-TEST(ContrastTest, InkStandsOutFromEachGround) {
-    const Table<const char*, QRgb, QRgb, double> cases = {
-        {"day of the calendar", look::ink, look::paper, forText},
-        {"name of a day", look::inkSoft, look::paper, forText},
-        {"chosen day", look::paper, look::accent, forText},
-        {"button", look::ink, look::face, forText},
-        {"tick", look::accent, look::paper, forShapes},
-        {"edge of a field", look::lineField, look::paper, forShapes},
-        {"edge of a button", look::line, look::face, forShapes},
-        {"ring of the focus", look::accent, look::face, forShapes}};
-    for (const auto& [what, ink, ground, least] : cases)
-        EXPECT_GE(Contrast(QColor(ink), QColor(ground)), least) << what;
-}
-
-TEST(ContrastTest, LabelsStandOutFromEveryBackground) {
+TEST(ContrastTest, TextAndShapesStandOutFromTheirGrounds) {
+    constexpr double forText = 4.5, forShapes = 3;
+    for (const auto& [ink, ground] : {std::pair(look::ink, look::paper),
+                                      {look::inkSoft, look::paper},
+                                      {look::paper, look::accent},
+                                      {look::ink, look::face}})
+        EXPECT_GE(Contrast(ink, ground), forText) << std::hex << ink << " on " << ground;
+    for (const auto& [line, ground] : {std::pair(look::accent, look::paper),
+                                       {look::lineField, look::paper},
+                                       {look::accent, look::face},
+                                       {look::line, look::face}})
+        EXPECT_GE(Contrast(line, ground), forShapes) << std::hex << line << " on " << ground;
     for (const auto& entry : std::filesystem::directory_iterator(BACKGROUNDS)) {
         QImage image(474, 291, QImage::Format_RGB32);
         QPainter painter(&image);
         QSvgRenderer renderer(QString::fromStdString(entry.path().string()));
         renderer.render(&painter);
         double least = renderer.isValid() ? 21 : 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                least = std::min(least, Contrast(ToQt(windowText), image.pixelColor(x, y)));
+        for (int i = 0; i < image.width() * image.height(); ++i)
+            least = std::min(least,
+                             Contrast(ToQt(windowText), image.pixel(i % image.width(), i / image.width())));
         EXPECT_GE(least, forText) << entry.path();
     }
 }

@@ -14,8 +14,8 @@
 
 #include "../unit/Table.h"
 #include "platform/data/sqlite/SqliteEngine.h"
-#include "platform/desktop/qt/QtDesktop.h"
-#include "platform/desktop/qt/QtText.h"
+#include "platform/qt/QtDesktop.h"
+#include "platform/qt/QtText.h"
 
 namespace platform {
 
@@ -51,8 +51,7 @@ inline QtDesktop& TheDesktop() {
 inline bool Until(const std::function<bool()>& condition, Milliseconds limit = 10s) {
     EventLoop& loop = TheDesktop().Loop();
     bool over = false;
-    const HandleRef end = loop.After(limit, [&] { over = true; });
-    const HandleRef step = loop.Every(5ms, [] {});
+    const HandleRef end = loop.After(limit, [&] { over = true; }), step = loop.Every(5ms, [] {});
     while (!condition() && !over) loop.ServeOnce();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return condition();
@@ -89,6 +88,9 @@ inline void PressKey(const QWidget& window, Qt::Key key, Qt::KeyboardModifiers m
 }
 inline void PressReturn(const QWidget& box) {
     PressKey(box, Qt::Key_Return);
+}
+inline void PressEscape(const QWidget& box) {
+    PressKey(box, Qt::Key_Escape);
 }
 
 // A window of the program that can be seen.
@@ -140,7 +142,7 @@ class FormTest : public ::testing::Test {
     // The log of a step.
     std::string After(const std::function<void()>& step) { return log.clear(), step(), log; }
 
-    // The window of the form, and the widget of a control by its object name.
+    // The window of the form, and a widget by its object name.
     QWidget* Window() const { return WindowCalled("dlgSample"); }
     QWindow* Handle() const { return Window()->windowHandle(); }
     template <class Type = QWidget>
@@ -157,19 +159,19 @@ class FormTest : public ::testing::Test {
     void Press(QPoint place, Qt::MouseButton pressed = Qt::LeftButton) const {
         QTest::mousePress(Handle(), pressed, {}, place);
     }
+    // The form may be away by now.
     void Release(QPoint place, Qt::MouseButton pressed = Qt::LeftButton) const {
-        QTest::mouseRelease(Handle(), pressed, {}, place);
+        if (Window()) QTest::mouseRelease(Handle(), pressed, {}, place);
     }
     void Click(QPoint place, Qt::MouseButton pressed = Qt::LeftButton) const {
         Press(place, pressed);
-        if (Window()) Release(place, pressed);  // the press may have taken it away
+        Release(place, pressed);
     }
     void Click(const char* name) const { Click(PlaceOf(name)); }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const { PressKey(*Window(), key, modifiers); }
     void Wheel(const char* name, int angle) const {
         const QPointF place = PlaceOf(name);
-        QWheelEvent event(place, Window()->mapToGlobal(place), {}, {0, angle}, {}, {}, Qt::NoScrollPhase,
-                          false);
+        QWheelEvent event(place, Window()->mapToGlobal(place), {}, {0, angle}, {}, {}, {}, false);
         QCoreApplication::sendEvent(Handle(), &event);
     }
 

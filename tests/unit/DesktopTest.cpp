@@ -1,16 +1,10 @@
-#include <grp.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <functional>
-
-#include "Table.h"
+#include "Joined.h"
 #include "TemporaryDirectory.h"
 #include "platform/desktop/IniSettings.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Paths.h"
 
 namespace platform {
 namespace {
@@ -58,48 +52,6 @@ TEST_F(PathsTest, LeavesTheKindOfThePath) {
     fs::current_path(before);
 }
 
-// What `call` gives to a user who may list no directory that only its owner may.
-bool AsAnyUser(const std::function<bool()>& call) {
-    const pid_t child = fork();
-    if (child == 0) {
-        const bool isRoot = geteuid() == 0;
-        const bool changed =
-            !isRoot || (setgroups(0, nullptr) == 0 && setgid(65534) == 0 && setuid(65534) == 0);
-        _exit(changed && call() ? 0 : 1);
-    }
-    int status = -1;
-    return waitpid(child, &status, 0) == child && status == 0;
-}
-
-TEST_F(PathsTest, KnownSpellingsLeadThroughDirectoriesThatMayNotBeListed) {
-    directory.Write("Home/Anna/Velmora32/10001/Addins/Database/Horalink.lng");
-    directory.Write("Home/Anna/Velmora32/10001/Backgrnd/Plain.svg");
-    const fs::path root = directory.Path() / "Home/Anna/Velmora32/10001";
-    const Text wanted = UpperCase(PathText(root)) + u"\\ADDINS\\";
-    const Table<Spellings, TextView, fs::path> cases = {
-        {{PathText(root)}, u"DATABASE\\Horalink.lng", root / "Addins/Database/Horalink.lng"},
-        {{u"", PathText(root / "Addins")}, u"..\\BACKGRND\\PLAIN.SVG", root / "Backgrnd/Plain.svg"},
-        {{PathText(root / "gone"), PathText(root) + u"\\"},
-         u"HELP\\None.hlp",
-         root / "Addins/HELP/None.hlp"}};
-    for (const fs::path& closed : {directory.Path(), directory.Path() / "Home"})
-        fs::permissions(closed, fs::perms(0311));
-    for (const auto& [spellings, path, real] : cases)
-        EXPECT_TRUE(AsAnyUser([&, &known = spellings, &below = path, &file = real] {
-            return RealPath(wanted + Text(below), known) == file;
-        })) << real;
-    for (const fs::path& closed : {directory.Path(), directory.Path() / "Home"})
-        fs::permissions(closed, fs::perms(0700));
-}
-
-TEST_F(PathsTest, ASpellingThatLeadsNowhereIsGivenUpForAnother) {
-    directory.Write("home/file");
-    directory.Write("Home/other");
-    EXPECT_EQ(RealPath(Below(u"HOME\\FILE"), {Below(u"Home"), Below(u"hOME"), u"Home"}),
-              directory.Path() / "home/file");
-    EXPECT_EQ(RealPath(Below(u"home\\missing"), {Below(u"Home\\other")}), directory.Path() / "Home/missing");
-}
-
 TEST_F(PathsTest, ManyWaysToOneDirectoryComeToAnEnd) {
     Text way;
     for (const char* link : {"again", "Again", "AGAIN"})
@@ -112,11 +64,10 @@ TEST_F(PathsTest, ManyWaysToOneDirectoryComeToAnEnd) {
 
 TEST_F(PathsTest, DirNamesNormalFilesOnly) {
     directory.Write("Backgrnd/Picture.png");
-    EXPECT_EQ(Dir(Below(u"BACKGRND\\PICTURE.PNG")), u"Picture.png");
-    for (const char16_t* none :
-         {u"BACKGRND\\MISSING.PNG", u"BACKGRND", u"BACKGRND\\", u"BACKGRND\\PICTURE.PNG\\"})
-        EXPECT_EQ(Dir(Below(none)), u"") << ToUtf8(none);
-    EXPECT_EQ(Dir(u""), u"");
+    const auto dir = [this](auto... paths) { return Joined(Dir(Below(paths))...); };
+    EXPECT_EQ(dir(u"BACKGRND\\PICTURE.PNG", u"BACKGRND\\MISSING.PNG", u"BACKGRND", u"BACKGRND\\",
+                  u"BACKGRND\\PICTURE.PNG\\", u""),
+              "Picture.png||||||");
 }
 
 // Each looks for InstallPath in the section VELMORA32/10001.
@@ -127,40 +78,37 @@ TEST(IniSettingsTest, FindsTheFirstEntryOfTheSection) {
         {"\xEF\xBB\xBF[VELMORA32/10001]\r\nInstallPath=/opt/a\r\n", u"/opt/a"},
         {" [ velmora32/10001 ] \n\tinstallpath \t=  /opt/with blank  \n", u"/opt/with blank"},
         {"[VELMORA32/10001]\nInstallPath=\n", u""},
+        {"[VELMORA32/10001x\nInstallPath=a\n", u"NONE"},
+        {"[VELMORA32/10001]\n;InstallPath=a\n#InstallPath=b\n=c\nInstallPath=d=e", u"d=e"},
         {"[VELMORA32/10001]\nInstallPath\nInstallPathX=a\n", u"NONE"},
         {"[VELMORA32/10001]\na=b\n[x/y]\nInstallPath=c\n[VELMORA32/10001]\nInstallPath=d\n", u"d"},
         {"[VELMORA32/10001]\nInstallPath=first\nINSTALLPATH=second\n", u"first"},
         {"[VELMORA32/10001\nInstallPath=a\n[\n]\nInstallPath=b\n", u"NONE"}};
     const TemporaryDirectory directory;
-    const IniSettings settings(directory.Path() / "settings.ini");
+    const IniSettings settings({directory.Path() / "settings.ini"});
     const auto path = [](const IniSettings& from) {
         return ToUtf8(from.Get(u"VELMORA32", u"10001", u"InstallPath", u"NONE"));
     };
     EXPECT_EQ(path(settings), "NONE") << "no file yet, and it is read anew each time";
-    EXPECT_EQ(path(IniSettings(directory.Path())), "NONE") << "a directory";
+    EXPECT_EQ(path(IniSettings({directory.Path()})), "NONE") << "a directory";
     ASSERT_EQ(mkfifo((directory.Path() / "pipe").c_str(), 0600), 0);
-    EXPECT_EQ(path(IniSettings(directory.Path() / "pipe")), "NONE") << "a pipe";
+    EXPECT_EQ(path(IniSettings({directory.Path() / "pipe"})), "NONE") << "a pipe";
     for (const auto& [content, value] : cases) {
         directory.Write("settings.ini", content);
         EXPECT_EQ(path(settings), ToUtf8(value)) << content;
     }
 }
 
-TEST(SettingsFileTest, FollowsTheEnvironment) {
-    const Table<const char*, const char*, fs::path> cases = {
-        {"/c", "/h", "/c/velmora/settings.ini"},
-        {nullptr, "/h", "/h/.config/velmora/settings.ini"},
-        {"", "/h", "/h/.config/velmora/settings.ini"},
-        {"relative", "/h", "/h/.config/velmora/settings.ini"},
-        {nullptr, nullptr, ""}};
-    const auto set = [](const char* name, const char* value) {
-        value ? setenv(name, value, 1) : unsetenv(name);
-    };
-    for (const auto& [configuration, home, file] : cases) {
-        set("XDG_CONFIG_HOME", configuration);
-        set("HOME", home);
-        EXPECT_EQ(SettingsFile(), file);
-    }
+TEST(IniSettingsTest, TheFirstFileThatHasTheValueCounts) {
+    const TemporaryDirectory directory;
+    const IniSettings settings({directory.Path() / "own", directory.Path() / "none",
+                                directory.Write("site", "[a/b]\nx=site\ny=site\nz=site\n"),
+                                directory.Write("far", "[a/b]\nx=far\nw=far\n")});
+    directory.Write("own", "[a/b]\nx=own\ny=\n");
+    std::string values;
+    for (const TextView key : {u"x", u"y", u"z", u"w", u"v"})
+        values += ToUtf8(settings.Get(u"a", u"b", key, u"-")) + "|";
+    EXPECT_EQ(values, "own||site|far|-|");
 }
 
 }  // namespace

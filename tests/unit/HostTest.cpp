@@ -1,16 +1,21 @@
 #include <gtest/gtest.h>
+#include <QDateTime>
 
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <tuple>
 
+#include "ErrorOf.h"
 #include "TemporaryDirectory.h"
+#include "host/Difference.h"
 #include "host/ExchangeObject.h"
 #include "host/HostObject.h"
 #include "host/Options.h"
 #include "host/ResponseObject.h"
 #include "host/SimulatedExchange.h"
 #include "host/Store.h"
+#include "host/ZoneTime.h"
 #include "platform/automation/Introspection.h"
 #include "platform/headless/Timers.h"
 #include "platform/runtime/RuntimeError.h"
@@ -19,27 +24,107 @@ namespace switchdesk {
 namespace {
 
 using namespace platform;
-using Lines = std::vector<std::string>;
 
 TEST(OptionsTest, RefusesWhatCannotBe) {
-    Misbehaviour misbehaviour;
-    const std::pair<const char*, const char*> wrong[] = {
-        {"answer", "late:"}, {"answer", "late:-1"}, {"answer", "soon"},  {"errcode", "7 "},
-        {"item", "1"},       {"item", "1:ED=x"},    {"item", "x:CMD=y"}, {"item", "1=CMD:x"},
-        {"drop-item", "-1"}, {"raise", ""},         {"leave", ""},       {"callback-during", "logout"},
-        {"login", "raise:"}, {"other", "x"}};
-    for (const auto& [name, value] : wrong)
-        EXPECT_FALSE(TakeMisbehaviour(name, value, misbehaviour)) << name << '=' << value;
-    for (const Lines& arguments : {Lines{"A"}, {"--open"}, {"--offset", "x"}, {"--login"}, {"--service=1"}})
-        EXPECT_THROW(ParseOptions(arguments), RuntimeError) << arguments[0];
+    for (const char* wrong : {"A",
+                              "--open",
+                              "--open=nowhere",
+                              "--offset=x",
+                              "--offset=nan",
+                              "--login",
+                              "--service=1",
+                              "--exchange=",
+                              "--exchange==local",
+                              "--exchange=A=",
+                              "--exchange=A=else",
+                              "--exchange=A=local,get",
+                              "--market=",
+                              "--answer=late:",
+                              "--answer=late:-1",
+                              "--answer=soon",
+                              "--item=1",
+                              "--item=1:ED=x",
+                              "--item=x:CMD=y",
+                              "--item=1=CMD:x",
+                              "--drop-item=-1",
+                              "--lack=nomember",
+                              "--logins=x",
+                              "--other=x"})
+        EXPECT_EQ(ErrorOf([&] { ParseOptions({"switchdesk", wrong}); }), 5) << wrong;
+    EXPECT_EQ(ErrorOf([&] { ParseOptions({"switchdesk", "--exchange=A", "--exchange=A=local"}); }), 5);
+}
+
+TEST(OptionsTest, TakesAnAddressThatIsOneWordForSshAndNoOption) {
+    for (const char* address :
+         {"",      "-oProxyCommand=x", "-b@far",   "a@-far", "a b@far", "far x", " far", "a;b",   "a@b;c",
+          "'far'", "\"far\"",          "a$(b)",    "a`b`",   "a|b",     "a&b",   "a\nb", "a@b@c", "@far",
+          "a@",    "far:22",           "f\u00e4r", "a\\b",   "%h",      ".",     "_"})
+        EXPECT_EQ(ErrorOf([&] { ParseExchange(QString("A=ssh:") + address); }), 5) << address;
+    for (const char* address : {"far", "root@10.0.0.7", "_a-b.c@pbx-1.example.org", "A_1@a_b"}) {
+        const ExchangeEntry entry = ParseExchange(QString("A=B =ssh:") + address + ",set");
+        EXPECT_EQ(std::tuple(entry.name, entry.isSimulated, entry.address, entry.maySet),
+                  std::tuple(u"A=B", false, QString(address), true));
+    }
+}
+
+TEST(ExchangesFileTest, HasALineForEach) {
+    const TemporaryDirectory directory;
+    const auto file = directory.Path() / "exchanges.ini";
+    const auto read = [&](const char* lines) {
+        std::ofstream(file) << lines;
+        std::string all;
+        for (const ExchangeEntry& entry : ReadExchanges(file))
+            all += ToUtf8(entry.name) + (entry.isSimulated ? "?" : "") + ">" + entry.address.toStdString() +
+                   (entry.maySet ? "!" : "") + ";";
+        return all;
+    };
+    EXPECT_TRUE(ReadExchanges(file).empty());
+    EXPECT_EQ(
+        read("; of ours\nMain Office = ssh:root@pbx1,set\nB\xc3\xbcro=local, set\nThis PC=local\nB=ssh:b\n"),
+        "B>b;B\xc3\xbcro>!;Main Office>root@pbx1!;This PC>;");
+    EXPECT_EQ(ErrorOf([&] { read("A=ssh:-x\n"); }), 5);
+    EXPECT_EQ(ErrorOf([&] { read("A local\n"); }), 75);
+}
+
+// Each time as the seconds from the beginning of the day in UTC.
+TEST(ZoneTimeTest, KnowsWhatClocksSkipAndWhatTheyShowTwice) {
+    struct Case {
+        const char* zone;
+        DateParts shown;
+        std::vector<std::int64_t> hours;
+    };
+    const Case cases[] = {{"UTC", {2026, 3, 8, 2, 30, 0}, {2}},
+                          {"America/New_York", {2026, 3, 8, 1, 30, 0}, {6}},
+                          {"America/New_York", {2026, 3, 8, 2, 30, 0}, {}},
+                          {"America/New_York", {2026, 3, 8, 3, 30, 0}, {7}},
+                          {"America/New_York", {2026, 11, 1, 1, 30, 0}, {5, 6}},
+                          {"America/New_York", {2026, 11, 1, 2, 30, 0}, {7}},
+                          {"Australia/Lord_Howe", {2026, 10, 4, 2, 29, 0}, {}},
+                          {"Pacific/Apia", {2011, 12, 30, 12, 30, 0}, {}},
+                          {"Asia/Tokyo", {2026, 3, 8, 9, 0, 0}, {0}}};
+    for (const Case& each : cases) {
+        const QTimeZone zone(each.zone);
+        const auto midnight =
+            QDateTime({each.shown.year, each.shown.month, each.shown.day}, {}, QTimeZone::utc());
+        std::vector<std::int64_t> hours;
+        for (const std::int64_t time : TimesShowing(each.shown, zone)) {
+            hours.push_back((time - midnight.toSecsSinceEpoch()) / 3600);
+            EXPECT_EQ(MakeDate(ShownAt(time, zone)), MakeDate(each.shown));
+        }
+        EXPECT_EQ(hours, each.hours) << each.zone << " " << each.shown.hour;
+    }
 }
 
 struct SimulatedExchangeTest : testing::Test {
     // The items of an answer, "SecondData=ExtraData;".
     std::string Perform(const std::vector<Item>& items) {
         std::string answers;
-        for (const Item& item : exchange.Perform(items))
-            answers += ToUtf8(item.second + u"=" + item.extra) + ";";
+        const HandleRef work =
+            exchange.Perform(items, {{}, [&](const Exchange::Outcome& outcome) {
+                                         for (const Item& item : outcome.items)
+                                             answers += ToUtf8(item.second + u"=" + item.extra) + ";";
+                                     }});
+        timers.Pass(0);
         return answers;
     }
     std::string Perform(const Text& year, const Text& day, const Text& time) {
@@ -47,7 +132,7 @@ struct SimulatedExchangeTest : testing::Test {
     }
     headless::Timers<Scheduler> timers;
     headless::Clock pc{timers};
-    SimulatedExchange exchange{pc, 7};
+    SimulatedExchange exchange{timers, pc, 7};
     const std::string before = "2026=OK;11/18 WED=OK;13:09:03=OK;";
 };
 
@@ -68,14 +153,35 @@ TEST_F(SimulatedExchangeTest, ARefusedItemLeavesTheClockAlone) {
     EXPECT_EQ(Perform(u"", u"", u""), before);
 }
 
+TEST(DifferenceTest, IsRightWithinHalfTheRoundTrip) {
+    using std::chrono::microseconds;
+    const auto text = [](double seconds, double within = 0) {
+        const auto exact = [](double s) { return microseconds(static_cast<std::int64_t>(s * 1e6)); };
+        return DifferenceText({exact(seconds), exact(within)}).toStdString();
+    };
+    EXPECT_EQ(text(0), "right");
+    EXPECT_EQ(text(-0.049), "right");
+    EXPECT_EQ(text(0.3, 0.31), "right");
+    EXPECT_EQ(text(-0.31, 0.3), "0.3 s slow");
+    EXPECT_EQ(text(3), "3.0 s fast");
+    EXPECT_EQ(text(119), "119 s fast");
+    EXPECT_EQ(text(-420), "7 min slow");
+    EXPECT_EQ(text(-3 * 3600), "3 h slow");
+    EXPECT_EQ(text(400 * 86400.), "400 days fast");
+}
+
 TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {
     const TemporaryDirectory directory;
     const auto file = directory.Path() / "new/store.ini";
-    const Text kept = u"3150,2295\n[x]=\\";
-    Store store(file), nowhere("/proc/no/store.ini");
-    store.Set(u"A", u"k=[1]", kept);
-    store.Set(u"B", u"k=[1]", u"other");
-    EXPECT_EQ(Store(file).Get(u"A", u"k=[1]"), kept);
+    const Text kept = u" 3150,2295\n[x]=\\@\u00fc%";
+    Store store(file), other(file), nowhere("/proc/no/store.ini");
+    const std::pair<Text, Text> names[] = {
+        {u"A", u"k=[1]"}, {u"a", u"K=[1]"}, {u"A/k", u""}, {u"", u"A/k"}, {u"General", u"%"}};
+    for (const auto& [application, key] : names) store.Set(application, key, application + kept + key);
+    other.Set(u"B", u"k", u"of another host");
+    for (const auto& [application, key] : names)
+        EXPECT_EQ(Store(file).Get(application, key), application + kept + key) << ToUtf8(application);
+    EXPECT_EQ(store.Get(u"B", u"k"), u"of another host");
     EXPECT_EQ(store.Get(u"A", u"MOVE"), std::nullopt);
     EXPECT_THROW(nowhere.Set(u"A", u"K", u"v"), RuntimeError);
     EXPECT_EQ(nowhere.Get(u"A", u"K"), std::nullopt);
@@ -95,24 +201,22 @@ struct NoView : HostView {
     void ShowResults(const Text&, const std::vector<Item>&) override {}
     void ShowCode(const Text&) override {}
     void ShowHelp(const Text&) override {}
-    void ShowFlow(bool) override {}
-    void ShowState(const Text&, bool, const Text&) override {}
+    void ShowState(const Text&, AddInState, const Text&) override {}
 };
 
 // The members of an object as the introspection files write them.
 std::map<std::string, std::string> MembersOf(const Object& object) {
     std::map<std::string, std::string> members;
     for (const Member& member : object.Class().members) {
-        const bool isRead = member.kind == InvokeKind::PropertyGet,
-                   isCall = member.kind == InvokeKind::Method;
-        std::string line = isCall ? "call(" : isRead ? "read(" : "write(";
+        std::string line, type(SignatureOf(member.result));
         for (const Parameter& parameter : member.parameters)
-            line += std::string(line.back() == '(' ? "" : ", ") + std::string(parameter.name) + ": " +
+            line += std::string(line.empty() ? "" : ", ") + std::string(parameter.name) + ": " +
                     std::string(SignatureOf(parameter.type));
-        line += ")";
-        if (member.result != ValueType::None) line += ": " + std::string(SignatureOf(member.result));
+        const char* const kind = member.kind == InvokeKind::Method        ? "call("
+                                 : member.kind == InvokeKind::PropertyGet ? "read("
+                                                                          : "write(";
         std::string& all = members[std::string(member.name)];
-        all += (all.empty() ? "" : "; ") + line;
+        all += (all.empty() ? "" : "; ") + (kind + line) + ")" + (type.empty() ? "" : ": " + type);
     }
     return members;
 }
@@ -125,6 +229,20 @@ std::map<std::string, std::string> MembersInFile(const std::string& name) {
     for (auto i = std::sregex_iterator(xml.begin(), xml.end(), annotation); i != std::sregex_iterator(); ++i)
         members[(*i)[1]] = std::regex_replace((*i)[2].str(), byReference, "");
     return members;
+}
+
+TEST(ExchangeDeskTest, AKeyAloneEndsALogin) {
+    CallLog log;
+    Misbehaviour misbehaviour;
+    NoLoop loop;
+    ExchangeDesk desk(loop, {log, misbehaviour});
+    desk.Add(u"A", nullptr);
+    const Text key = desk.Login(u"A", nullptr);
+    EXPECT_EQ(desk.Login(u"A", nullptr), u"BUSY");
+    EXPECT_TRUE(desk.IsBusy(u"A"));
+    Call(std::make_shared<ExchangeObject>(Observation{log, misbehaviour}, desk), "LogOut", u"B", key);
+    EXPECT_FALSE(desk.IsBusy(u"A"));
+    EXPECT_EQ(desk.Login(u"B", nullptr), u"ERROR");
 }
 
 TEST(IntrospectionFilesTest, NameWhatThisHostServes) {

@@ -1,7 +1,8 @@
-// Many results as one text, so that one assertion sees them all.
+// Tables of cases, and many results as one text, so that one assertion sees them all.
 #pragma once
 
 #include "ErrorOf.h"
+#include "Table.h"
 #include "platform/runtime/Value.h"
 
 namespace platform {

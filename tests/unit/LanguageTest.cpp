@@ -3,12 +3,10 @@
 #include <sstream>
 
 #include "Joined.h"
-#include "Table.h"
 #include "harness/Desk.h"
 #include "harness/SmallTexts.h"
 #include "language/LanguageDatabase.h"
 #include "language/LanguageMsgBox.h"
-#include "language/MsgBoxButtons.h"
 #include "language/TextTokens.h"
 
 using namespace horalink;
@@ -19,25 +17,27 @@ namespace {
 
 TEST(TokensTest, ExpandAsWrittenUpToPositionsOfSixteenBits) {
     desk::Desk computer;
-    // The expansion, and what is left of the arguments.
-    const auto expand = [&](const Text& text, Text args) {
-        const Text result = ExpandTextTokens(computer.boxes, text, args);
-        return ToUtf8(result + u"|" + args + u"|");
-    };
-    EXPECT_EQ(expand(u"", u"a%") + expand(u"Hello & -1", u"") + expand(u"-1 & Hello", u"") +
-                  expand(u"One & %CR & Two", u"") + expand(u"%sp & %AND Chips & %CR.", u"") +
-                  expand(u"Fish&%SP&%AND&%SP4&Chips&", u""),
-              "|a%|-1||-1Hello||One\rTwo||%sp%AND Chips%CR.||Fish &    Chips||");
-    EXPECT_EQ(expand(u"%ST & %SP & %ST", u"left%right") + expand(u"%ST & %ST", u"one") +
-                  expand(u"%ST & %ST", u"%b%c") + expand(u"Text (%ST) here", u"X%") +
-                  expand(u"%ST", u"50% off"),
-              "left right|right|oneone|one|b|c|X||50| off|");
-    const std::string x(32766, 'x'), a(16382, 'a'), far = "head%a" + a + "%";
-    EXPECT_EQ(expand(FromUtf8(x + "&y"), u"") + expand(u"%ST & %ST", FromUtf8(a + "%b%")),
-              x + "y||" + a + "b||");
-    EXPECT_EQ(computer.Boxes(), Notes{});
-    EXPECT_EQ(expand(FromUtf8("head&x" + x + "&y"), u"") + expand(u"%ST & %ST", FromUtf8(far)),
-              "head||head|" + far + "|");
+    const Text x(32766, u'x'), a(16382, u'a'), far = u"head%a" + a + u"%";
+    // A text, its arguments, the expansion, and what is left of the arguments.
+    const Table<Text, Text, Text, Text> cases = {{u"", u"a%", u"", u"a%"},
+                                                 {u"Hello & -1", u"", u"-1", u""},
+                                                 {u"-1 & Hello", u"", u"-1Hello", u""},
+                                                 {u"One & %CR & Two", u"", u"One\rTwo", u""},
+                                                 {u"%sp & %AND Chips & %CR.", u"", u"%sp%AND Chips%CR.", u""},
+                                                 {u"Fish&%SP&%AND&%SP4&Chips&", u"", u"Fish &    Chips", u""},
+                                                 {u"%ST & %SP & %ST", u"left%right", u"left right", u"right"},
+                                                 {u"%ST & %ST", u"one", u"oneone", u"one"},
+                                                 {u"%ST & %ST", u"%b%c", u"b", u"c"},
+                                                 {u"Text (%ST) here", u"X%", u"X", u""},
+                                                 {u"%ST", u"50% off", u"50", u" off"},
+                                                 {x + u"&y", u"", x + u"y", u""},
+                                                 {u"%ST & %ST", a + u"%b%", a + u"b", u""},
+                                                 {u"head&x" + x + u"&y", u"", u"head", u""},
+                                                 {u"%ST & %ST", far, u"head", far}};
+    for (auto [text, args, expanded, left] : cases) {
+        EXPECT_EQ(ExpandTextTokens(computer.boxes, text, args), expanded);
+        EXPECT_EQ(args, left);
+    }
     EXPECT_EQ(computer.Boxes(), (Notes{Long("Overflow", 6), Long("Overflow", 6)}));
 }
 
@@ -101,15 +101,6 @@ struct LanguageTest : testing::Test {
     harness::MemoryDatabases& databases = computer.databases;
     ModuleData data;
 };
-
-TEST_F(LanguageTest, ADatabaseIsOpenedAsAskedOrIsNone) {
-    EXPECT_FALSE(
-        OpenLanguageDatabase(databases, computer.boxes, u"C:\\None.lng", data.AddInLanguageDb, true));
-    EXPECT_EQ(data.AddInLanguageDb, nullptr);
-    EXPECT_EQ(computer.Boxes(), Notes{Short("C:\\None.lng", 3024)});
-    EXPECT_EQ(computer.Calls(), (Notes{"open C:\\B\\Common.LNG read-only", "open C:\\A\\Horalink.lng",
-                                       "open C:\\None.lng read-only"}));
-}
 
 TEST_F(LanguageTest, TheProjectsTextsGoToTheApplicationOneByOne) {
     EXPECT_TRUE(LoadProject(u"Horalink"));
@@ -204,22 +195,18 @@ TEST_F(LanguageTest, MessagesStandByRankAndGiveTheButtonsTheirWords) {
 }
 
 TEST_F(LanguageTest, AMessageTableThatDoesNotAddUpIsRefused) {
-    const std::string columns = "drop table if exists tMessages; create table tMessages (ID, Caption);";
-    const auto load = [&](const std::string& sql) {
+    const std::pair<const char*, std::string> cases[] = {
+        {"drop table tMessages; create table tMessages (ID, Caption)",
+         Long("Subscript out of range: the message table has no rows", 9)},
+        {"insert into tMessages values (0, 'a'), (0, 'a')", Long("There is no current record", 3021)},
+        {"insert into tMessages values (-2, 'text')", Long("Type mismatch", 13)},
+        {"insert into tMessages values (-3, 40000)", Long("Overflow", 6)}};
+    for (const auto& [sql, notice] : cases) {
         databases.Add(u"Horalink.lng", sql);
         EXPECT_FALSE(LoadMessages()) << sql;
+        EXPECT_EQ(computer.Boxes(), Notes{notice});
         EXPECT_EQ(computer.Calls().size(), 2U) << "closed after a failure";
-        return computer.Boxes();
-    };
-    EXPECT_EQ(load(columns), Notes{Long("Subscript out of range: the message table has no rows", 9)});
-    EXPECT_EQ(load("insert into tMessages values (0, 'twice'), (0, 'twice')"),
-              Notes{Long("There is no current record", 3021)});
-    EXPECT_EQ(load("insert into tMessages values (-2, 'text')"), Notes{Long("Type mismatch", 13)});
-    EXPECT_EQ(load("insert into tMessages values (-3, 40000)"), Notes{Long("Overflow", 6)});
-    EXPECT_EQ(load("alter table tMessages add Third"),
-              Notes{Long("The two parts of a union query have different numbers of fields", 3307)});
-    EXPECT_EQ(load("drop table tMessages"),
-              Notes{Long("The table 'tMessages' was not found in Horalink.lng", 3078)});
+    }
 }
 
 }  // namespace

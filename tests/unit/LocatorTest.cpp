@@ -2,7 +2,6 @@
 
 #include "Joined.h"
 #include "harness/Desk.h"
-#include "harness/SmallTexts.h"
 #include "locator/VersionRecord.h"
 #include "locator/comRegMarket.h"
 #include "locator/comRegMora32.h"
@@ -14,17 +13,16 @@ using desk::Notes, desk::Short;
 namespace {
 
 TEST(MarketCodeTest, IsReadOutOfThePath) {
-    const TextView addIns = u"C:\\VELMORA32\\12345\\ADDINS", mora = u"C:\\VELMORA32\\12345\\MORA32";
-    EXPECT_EQ(
-        Joined(GetMarketCode(addIns, u"Addins"), GetMarketCode(addIns, u"MORA32"),
-               GetMarketCode(mora, u"Mora32"), GetMarketCode(u"C:\\X\\VELMORA32X12345XADDINS", u"ADDINS"),
-               GetMarketCode(u"\\opt\\velmora32\\ab1cd\\addins", u"addins"),
-               GetMarketCode(u"C:\\reader\\5432a", u"Reader")),
-        "12345|NONE|12345|12345|AB1CD|5432A|");
-    EXPECT_EQ(Joined(GetMarketCode(u"C:\\XELMORA32\\12345\\ADDINS", u"Addins"),
-                     GetMarketCode(u"VELMORA32\\1234\\ADDINS", u"ADDINS"), GetMarketCode(u"", u"ADDINS"),
-                     GetMarketCode(u"C:\\READER\\5432", u"Reader")),
-              "NONE|NONE|NONE|NONE|");
+    const Table<TextView, TextView, Text> cases = {{u"C:\\VELMORA32\\12345\\ADDINS", u"Addins", u"12345"},
+                                                   {u"C:\\VELMORA32\\12345\\ADDINS", u"MORA32", u"NONE"},
+                                                   {u"C:\\X\\VELMORA32X12345XADDINS", u"ADDINS", u"12345"},
+                                                   {u"\\velmora32\\ab1cd\\addins", u"addins", u"AB1CD"},
+                                                   {u"C:\\reader\\5432a", u"Reader", u"5432A"},
+                                                   {u"C:\\XELMORA32\\12345\\ADDINS", u"Addins", u"NONE"},
+                                                   {u"VELMORA32\\1234\\ADDINS", u"ADDINS", u"NONE"},
+                                                   {u"C:\\READER\\5432", u"Reader", u"NONE"},
+                                                   {u"", u"ADDINS", u"NONE"}};
+    for (const auto& [path, base, code] : cases) EXPECT_EQ(GetMarketCode(path, base), code);
 }
 
 TEST(DirectoryTest, FollowsTheSettingTheKeywordAndThePath) {
@@ -61,39 +59,30 @@ TEST(DirectoryTest, FollowsTheSettingTheKeywordAndThePath) {
               "X\\VELMORA32\\10001\\ADDINS\\|X\\VELMORA32\\10001\\ADDINS\\|");
 }
 
-struct VersionRecordTest : testing::Test {
-    VersionRecordTest() {
-        computer.app.path = u"C:\\Tools";
-        databases.Add(u"Register.mdb",
-                      "create table Registry (AppName, Version, Other);"
-                      "insert into Registry values ('Another.mra', '1', 'a'),"
-                      " ('Horalink.mra', '2', 'b'), ('Horalink.mra', '3', 'c')");
-    }
-    bool Update(TextView name = u"Horalink.mra") {
+TEST(VersionRecordTest, TheFirstRowOfTheNameTakesTheVersionAndEveryFailureClosesTheRegister) {
+    desk::Desk computer;
+    computer.app.path = u"C:\\Tools";
+    computer.databases.Add(u"Register.mdb",
+                           "create table Registry (AppName, Version, Other);"
+                           "insert into Registry values ('Another.mra', '1', 'a'),"
+                           " ('Horalink.mra', '2', 'b'), ('Horalink.mra', '3', 'c')");
+    const auto update = [&](TextView name) {
         computer.Calls();
         return UpdateAddInVersion(computer.services, u"Mora32", name, u"13.0.1");
-    }
-    desk::Desk computer;
-    harness::MemoryDatabases& databases = computer.databases;
-};
-
-TEST_F(VersionRecordTest, TheFirstRowOfTheNameTakesTheVersion) {
-    EXPECT_TRUE(Update());
+    };
+    EXPECT_TRUE(update(u"Horalink.mra"));
     EXPECT_EQ(computer.Calls(), (Notes{"open C:\\TOOLS\\DATABASE\\Register.mdb",
                                        "rows 2 SELECT * FROM Registry WHERE AppName = \"Horalink.mra\"",
                                        "edit", "set Version", "update", "close rows", "close"}));
-    EXPECT_TRUE(Update(u"Nobody.mra"));
+    EXPECT_TRUE(update(u"Nobody.mra"));
     EXPECT_EQ(computer.Calls().size(), 4U) << "opened, asked, and both closed";
-    EXPECT_EQ(
-        databases.Ask(u"Register.mdb", u"select group_concat(AppName || Version || Other) from Registry"),
-        Value(u"Another.mra1a,Horalink.mra13.0.1b,Horalink.mra3c"));
+    EXPECT_EQ(computer.databases.Ask(u"Register.mdb",
+                                     u"select group_concat(AppName || Version || Other) from Registry"),
+              Value(u"Another.mra1a,Horalink.mra13.0.1b,Horalink.mra3c"));
     EXPECT_EQ(computer.Boxes(), Notes{});
-}
-
-TEST_F(VersionRecordTest, EveryFailureIsTheShortNoticeAndClosesTheRegister) {
     for (int call = 1; call <= 8; ++call) {
-        databases.FailAt(call, DataError::DiskError);
-        EXPECT_FALSE(Update()) << call;
+        computer.databases.FailAt(call, DataError::DiskError);
+        EXPECT_FALSE(update(u"Horalink.mra")) << call;
         EXPECT_EQ(computer.Boxes(), Notes{Short("The database file can't be read or written", 3043)}) << call;
         EXPECT_EQ(computer.Calls().back() == "close", call > 1) << call;
     }

@@ -4,7 +4,6 @@
 
 #include "Joined.h"
 #include "exchange/Answers.h"
-#include "exchange/ClockCommands.h"
 #include "platform/headless/Headless.h"
 #include "request/comTools.h"
 
@@ -74,40 +73,29 @@ TEST(AnswerTextTest, Codes) {
               "2|2|83|83|86|89|94|");
 }
 
-// An answer by its items, "FirstData=SecondData" or "FirstData=SecondData~ExtraData", with ";" between them.
-cListRequest& Fill(cListRequest& answer, const std::string& items) {
-    std::istringstream all(items);
-    for (std::string item; std::getline(all, item, ';');) {
-        const auto value = item.find('=') + 1, extra = std::min(item.find('~'), item.size());
-        const auto piece = [&](std::size_t from, std::size_t to) {
-            return FromUtf8(item.substr(from, to - from));
-        };
-        answer.AddToList(u"02", piece(0, value - 1), piece(value, extra),
-                         extra < item.size() ? piece(extra + 1, item.size()) : Text());
-    }
-    return answer;
-}
-
-TEST(UpdateAnswerTest, AnItemIsGoodOrALineInItsPlace) {
-    const auto errors = [](const std::string& items) {
+TEST(UpdateAnswerTest, AnItemIsGoodOrALine) {
+    const auto errors = [](const char16_t* extra) {
         cListRequest answer;
-        return ToUtf8(UpdateErrors(Fill(answer, items), [] { return Text(u"no way"); }));
+        answer.AddToList(u"02", u"1", u"x", extra);
+        return ToUtf8(UpdateErrors(answer, [] { return Text(u"no way"); }));
     };
-    EXPECT_EQ(errors("") + errors("1=x~OK;1=x~LNK_OK;1=x~LNK_STN_ZOLANIP;1=x~LNK_STN_STATION"), "");
-    EXPECT_EQ(errors("1=x~DIGIT ERROR;3=y~COMMAND=;4=z~SEE CM;5=z~NONE"),
-              "\r\nCM = 02, FD = 1, SD = x DIGIT ERROR\r\nCM = 02, FD = 3, SD = y COMMAND="
-              "\r\nCM = 02, FD = 4, SD = z SEE CM\r\nCM = 02, FD = 5, SD = z NONE");
-    EXPECT_EQ(errors("1=x~LNK_TIMEOUT;2=x~LNK_NO_IPPBX;3=x~LNK_NONE;4=x~LNK_PKG;5=1~OK;6=x~gibberish"),
-              "\r\nCM = 02, FD = 1, SD = x no way\r\nCM = 02, FD = 2, SD = x no way\r\nCM = 02, FD = 3, SD = "
-              "x no way"
-              "\r\nCM = 02, FD = 4, SD = x no way\r\nCM = 02, FD = 6, SD = x no way");
+    const std::string line = "\r\nCM = 02, FD = 1, SD = x ";
+    for (const char16_t* good : {u"OK", u"LNK_OK", u"LNK_STN_ZOLANIP", u"LNK_STN_STATION"})
+        EXPECT_EQ(errors(good), "");
+    for (const char16_t* known : {u"DIGIT ERROR", u"COMMAND=", u"SEE CM", u"NONE"})
+        EXPECT_EQ(errors(known), line + ToUtf8(known));
+    for (const char16_t* other : {u"LNK_TIMEOUT", u"LNK_NO_IPPBX", u"LNK_NONE", u"LNK_PKG", u"gibberish"})
+        EXPECT_EQ(errors(other), line + "no way");
 }
 
-// The clock of an answer in the form of a market, or the number of its failure.
+// The clock of an answer, "FirstData=SecondData;...", in the form of a market, or the number of its failure.
 std::string Clock(const std::string& items, TextView market = u"10001") {
     cListRequest answer;
+    std::istringstream all(items);
+    for (std::string first, second; std::getline(all, first, '=') && std::getline(all, second, ';');)
+        answer.AddToList(u"02", FromUtf8(first), FromUtf8(second));
     Text text;
-    const auto error = ErrorOf([&] { text = ClockText(Fill(answer, items), market, headless::Locale()); });
+    const auto error = ErrorOf([&] { text = ClockText(answer, market, headless::Locale()); });
     return error ? "error " + std::to_string(error) : ToUtf8(text);
 }
 
@@ -120,33 +108,8 @@ TEST(LookupAnswerTest, TheMarketDecidesTheFormAndAllItemsHaveToBeThere) {
     EXPECT_EQ(Clock("0=1999;0=2026;7=other;1=11/18"), "2026/11/18 (d4)\r\n00:00:00");
     EXPECT_EQ(Clock("0=2026;1=11/18;2=01:02 and 03"), "2026/11/18 (d4)\r\n01:02:03");
     for (const char* items : {"", "0=2026;2=13:02:03", "1=11/18", "0=2026;1=13/18",
-                              "0=2026;1=11/18;2=", "0=LNK_TIMEOUT;1=11/18", "0=2026;1=11/18;7=DATA ERROR"})
+                              "0=2026;1=11/18;2= ", "0=LNK_TIMEOUT;1=11/18", "0=2026;1=11/18;7=DATA ERROR"})
         EXPECT_EQ(Clock(items), "error 13") << items;
-}
-
-TEST(CommandTest, TheUpdateCarriesDateAndTimeInTwentyFourHours) {
-    headless::Headless computer;
-    forms::Form form(u"form", computer.timers, computer.toolkit);
-    const DialogControls controls = LayOut(form);
-    const auto update = [&](const DateParts& date, std::array<const char16_t*, 4> time) {
-        controls.Calendar->SetDay(static_cast<std::int16_t>(date.day));
-        controls.Calendar->SetMonth(static_cast<std::int16_t>(date.month));
-        controls.Calendar->SetYear(static_cast<std::int16_t>(date.year));
-        for (std::size_t i = 0; i < 4; ++i) controls.txtTime[i]->Text = time[i];
-        return UpdateClockRequest(controls, headless::Locale());
-    };
-    const std::string fields = "0||False|1|||True|True||UPDATE_CLOCK|||20|3|0| -1:|||||||| ";
-    EXPECT_EQ(Content(update({2026, 11, 18}, {u"01", u"02", u"03", u"PM"})),
-              fields + "0:02|0|2026|||||| 1:02|1|111803|||||| 2:02|2|130203|||||| 3:||||||||");
-    EXPECT_EQ(Content(update({2026, 11, 15}, {u"12", u"00", u"00", u"AM"})),
-              fields + "0:02|0|2026|||||| 1:02|1|111500|||||| 2:02|2|000000|||||| 3:||||||||");
-    EXPECT_EQ(Faults([&] { update({2026, 2, 0}, {u"01", u"02", u"03", u"PM"}); },
-                     [&] { update({2026, 2, 28}, {u"", u"02", u"03", u"PM"}); }),
-              "13 Type mismatch: no day is chosen|13 Type mismatch: :02:03 PM|");
-    EXPECT_EQ(Content(LookupClockRequest()),
-              "0||False|1|||True|True||LOOKUP_CLOCK|||20|3|0| -1:|||||||| 0:02|0||||||| 1:02|1||||||| "
-              "2:02|2||||||| "
-              "3:||||||||");
 }
 
 }  // namespace

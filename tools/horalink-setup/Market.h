@@ -1,20 +1,19 @@
-// Market codes, and the names that hold one.
+// The market whose add-in hosts get.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace setup {
 
-// The market that programs work for where nothing tells another one.
-inline constexpr const char* defaultMarket = "10001";
+// The directory of the family that this tool is installed with, …/lib/VELMORA32.
+std::filesystem::path FamilyDirectory();
 
-// The code as programs read it out of their path, in upper case. Five letters, digits, "_" or "-": it is a
-// directory, a section of the settings store and a part of a name on the bus. Raises WrongCall for any other.
-std::string CheckedMarket(const std::string& code);
+// Five letters, digits, "_" or "-", in upper case. Raises std::invalid_argument for anything else.
+std::string CheckedMarket(std::string code);
 
-// The class of the exchange object of a market's host.
-std::string ExchangeClass(const std::string& market);
-
-inline constexpr const char* addInClass = "Horalink10013.cOLELayer";
+// Lets the programs be started in a market, and the session bus start them there: for everybody where root
+// does it, else for the user. Returns what has been done in a sentence. Raises Fault.
+std::string ChooseMarket(const std::string& market);
 
 }  // namespace setup

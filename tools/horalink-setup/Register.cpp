@@ -1,21 +1,128 @@
 #include "horalink-setup/Register.h"
 
-#include "platform/desktop/Paths.h"
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <fstream>
+#include <system_error>
+
+#include "horalink-setup/Services.h"
 
 namespace setup {
 
-RegisterUse UseOfRegister(platform::DatabaseEngine& engine, const std::filesystem::path& file) {
-    try {
-        const auto database = engine.OpenDatabase(platform::PathText(file), true);
-        const auto entries =
-            database->OpenRecordset(u"SELECT AppName FROM Registry", platform::RecordsetType::ForwardOnly);
-        for (; !entries->EndOfFile(); entries->MoveNext())
-            if (!platform::EqualsIgnoringCase(entries->Field(u"AppName").ToTextOrEmpty(), addInEntry))
-                return RegisterUse::Shared;
-        return RegisterUse::AddInAlone;
-    } catch (const platform::RuntimeError&) {
-        return RegisterUse::Unreadable;
+namespace fs = std::filesystem;
+
+namespace {
+
+bool Exists(const fs::path& file) {
+    std::error_code error;
+    return fs::exists(file, error);
+}
+
+bool IsMine(const fs::path& file) {
+    struct stat status{};
+    return stat(file.c_str(), &status) == 0 && status.st_uid == geteuid();
+}
+
+// A process that has locked a file, or 0. "1: POSIX  ADVISORY  WRITE 4711 fd:00:1234 0 EOF"
+int LockHolder(const fs::path& file) {
+    struct stat status{};
+    if (stat(file.c_str(), &status) != 0) return 0;
+    std::ifstream locks("/proc/locks");
+    for (std::string line; std::getline(locks, line);) {
+        int process = 0;
+        unsigned major = 0, minor = 0;
+        unsigned long inode = 0;
+        if (std::sscanf(line.c_str(), "%*s %*s %*s %*s %d %x:%x:%lu", &process, &major, &minor, &inode) ==
+                4 &&
+            inode == status.st_ino && makedev(major, minor) == status.st_dev)
+            return process;
     }
+    return 0;
+}
+
+std::string NameOf(int process) {
+    std::string name;
+    std::getline(std::ifstream("/proc/" + std::to_string(process) + "/comm"), name);
+    return name;
+}
+
+// The file itself or, where it isn't there yet, the directory that it will be made in.
+fs::path Nearest(fs::path place) {
+    while (!Exists(place) && place.has_relative_path()) place = place.parent_path();
+    return place;
+}
+
+// A link on the way to a file that leads nowhere.
+fs::path DeadLink(fs::path place) {
+    std::error_code error;
+    for (; place.has_relative_path(); place = place.parent_path())
+        if (fs::is_symlink(place, error) && fs::status(place, error).type() == fs::file_type::not_found)
+            return place;
+    return {};
+}
+
+// For a register, and for what undoes a change of it.
+bool IsFull(const fs::path& place) {
+    constexpr std::uintmax_t needed = 1 << 15;
+    std::error_code error;
+    const fs::space_info space = fs::space(place, error);
+    return !error && space.capacity > 0 && space.available < needed;
+}
+
+Problem ProblemOfPermission(const fs::path& place) {
+    if (access(place.c_str(), fs::is_directory(place) ? W_OK | X_OK : R_OK | W_OK) == 0) return {};
+    Problem problem{"the register can't be written, since " + place.native() + " can't be", {}, true};
+    const std::string name = Quoted(place.native());
+    if (IsMine(place) && errno != EROFS)
+        problem.remedy = "chmod u+rwX " + name;
+    else if (!fs::is_directory(place) && !Exists(place.native() + "-journal") &&
+             access(place.parent_path().c_str(), W_OK) == 0)
+        problem.remedy =
+            MoveAway(place) + " && cp --no-preserve=mode " + Quoted(place.native() + ".old") + " " + name;
+    else
+        return {problem.what, "Ask whoever looks after this computer to let you write there.", false};
+    return problem;
+}
+
+}  // namespace
+
+std::string MoveAway(const fs::path& file) {
+    std::string commands;
+    // What is left to be undone in a database goes with it.
+    for (const char* companion : {"-journal", "-wal", ""})
+        if (Exists(file.native() + companion) || !*companion)
+            commands += (commands.empty() ? "" : " && ") + std::string("mv --backup=numbered ") +
+                        Quoted(file.native() + companion) + " " + Quoted(file.native() + ".old" + companion);
+    return commands;
+}
+
+Problem ProblemOfWriting(const fs::path& ownPlace) {
+    if (const fs::path link = DeadLink(ownPlace); !link.empty())
+        return {"the register can't be written, since the link " + link.native() + " leads nowhere",
+                "rm " + Quoted(link.native()), true};
+    if (!Exists(ownPlace))
+        for (const char* companion : {"-journal", "-wal"})
+            if (const std::string remains = ownPlace.native() + companion; Exists(remains))
+                return {remains + " belongs to a register that is missing", "rm " + Quoted(remains), true};
+    if (const int process = LockHolder(ownPlace))
+        return {"the register is locked by " + NameOf(process) + ", process " + std::to_string(process),
+                "kill " + std::to_string(process), true};
+    const fs::path place = Nearest(ownPlace);
+    if (place != ownPlace && !fs::is_directory(place))
+        return {"the register can't be written, since " + place.native() + " is no folder", MoveAway(place),
+                true};
+    Problem problem = ProblemOfPermission(place);
+    // Changes go through a second file beside it.
+    if (problem.what.empty() && place == ownPlace) problem = ProblemOfPermission(place.parent_path());
+    if (problem.what.empty() && IsFull(place))
+        return {"the register can't be written, since there is no room in " + ownPlace.parent_path().native(),
+                "Delete on that disk what nobody needs.", false};
+    return problem;
 }
 
 }  // namespace setup

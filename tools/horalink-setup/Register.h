@@ -1,20 +1,24 @@
-// The register of a family's add-ins, looked at from outside.
+// Whether the add-in can write its version into the register.
 #pragma once
 
 #include <filesystem>
+#include <string>
 
-#include "platform/data/Database.h"
+#include "platform/runtime/Layers.h"
 
 namespace setup {
 
-inline constexpr platform::TextView addInEntry = u"Horalink.mra";
-
-enum class RegisterUse {
-    AddInAlone,
-    Shared,      // there are entries of other add-ins
-    Unreadable,  // so that nobody knows
+// Something that is wrong, and what to do about it: commands of the shell where `isCommand`, else a sentence.
+struct Problem {
+    std::string what, remedy;
+    bool isCommand = false;
 };
 
-RegisterUse UseOfRegister(platform::DatabaseEngine& engine, const std::filesystem::path& file);
+// What keeps `file` from being written; nothing wrong where that is empty. `ownPlace` is where it's copied to
+// first.
+Problem ProblemOfWriting(const std::filesystem::path& ownPlace);
+
+// Moves a file of the user's own away, so that the shared one counts.
+std::string MoveAway(const std::filesystem::path& file);
 
 }  // namespace setup

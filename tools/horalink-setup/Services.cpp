@@ -1,10 +1,13 @@
 #include "horalink-setup/Services.h"
 
+#include <algorithm>
+#include <fstream>
+#include <sstream>
 #include <system_error>
 
-#include "common/Fault.h"
-#include "horalink-setup/Files.h"
-#include "platform/desktop/IniText.h"
+#include "platform/desktop/BaseDirectories.h"
+#include "platform/desktop/IniSettings.h"
+#include "platform/runtime/Paths.h"
 
 namespace setup {
 
@@ -12,76 +15,80 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* mark = "# Made by horalink-setup, which also takes it away.\n";
+constexpr const char* folder = "dbus-1/services";
+// Earlier versions went on otherwise.
+constexpr const char* mark = "# Made by horalink-setup";
 
-// A word of a command line, as the bus reads it.
+std::string ContentOf(const fs::path& file) {
+    std::ostringstream content;
+    content << platform::OpenToRead(file).rdbuf();
+    return content.str();
+}
+
+void Write(const fs::path& file, const std::string& content) {
+    const fs::path draft = file.native() + ".new";  // no service file by its name
+    std::error_code error;
+    fs::create_directories(file.parent_path(), error);
+    if (!(std::ofstream(draft) << content << std::flush)) throw Fault(file.native() + " can't be written");
+    fs::rename(draft, file);
+}
+
+}  // namespace
+
+fs::path OwnServices() {
+    const fs::path data = platform::UserDirectory("XDG_DATA_HOME", ".local/share");
+    return data.empty() ? data : data / folder;
+}
+
+std::vector<fs::path> ServiceDirectories() {
+    std::vector<fs::path> directories;
+    if (const fs::path session = platform::Variable("XDG_RUNTIME_DIR"); session.is_absolute())
+        directories.push_back(session / folder);
+    if (const fs::path own = OwnServices(); !own.empty()) directories.push_back(own);
+    for (const fs::path& data : platform::SiteDirectories("XDG_DATA_DIRS", "/usr/local/share:/usr/share"))
+        directories.push_back((data / folder).lexically_normal());
+    return directories;
+}
+
+fs::path Service::Program() const {
+    if (command.starts_with('"')) return command.substr(1, command.find('"', 1) - 1);
+    return command.substr(0, command.find(' '));
+}
+
+bool Service::IsMadeHere() const {
+    return ContentOf(file).starts_with(mark);
+}
+
+std::optional<Service> FindService(const std::string& name, const std::vector<fs::path>& directories) {
+    for (const fs::path& directory : directories) {
+        const fs::path file = directory / (name + ".service");
+        if (const auto command = platform::IniValue(ContentOf(file), u"D-BUS Service", u"Exec"))
+            return Service{file, platform::ToUtf8(*command)};
+    }
+    return std::nullopt;
+}
+
+void SetService(const std::string& name, const std::string& command, const fs::path& directory) {
+    std::vector<fs::path> later = ServiceDirectories();
+    later.erase(later.begin(), std::next(std::find(later.begin(), later.end(), directory)));
+    const auto here = FindService(name, {directory}), after = FindService(name, later);
+    if (here && here->command != command && !here->IsMadeHere())
+        throw Fault(here->file.native() + " starts another program for the class; delete it first");
+    const bool isNeeded = !after || after->command != command;
+    if (here && !isNeeded && here->IsMadeHere()) fs::remove(here->file);
+    if (isNeeded && (!here || here->command != command))
+        Write(directory / (name + ".service"),
+              mark + std::string(" market.\n[D-BUS Service]\nName=") + name + "\nExec=" + command + "\n");
+}
+
 std::string Quoted(const std::string& word) {
-    if (word.find_first_of(" \t\"'\\$`#") == std::string::npos) return word;
+    if (word.find_first_of(" \t\"'\\$`#&;|<>()*?[]~!") == std::string::npos) return word;
     std::string quoted = "\"";
     for (const char c : word) {
         if (c == '"' || c == '\\' || c == '$' || c == '`') quoted += '\\';
         quoted += c;
     }
     return quoted + '"';
-}
-
-bool IsOurs(const fs::path& file) {
-    return ReadFile(file).value_or("").starts_with(mark);
-}
-
-}  // namespace
-
-fs::path Services::OwnFile(const std::string& name) const {
-    return places_.ownServices / (name + ".service");
-}
-
-std::string Services::Command(const std::string& arguments) const {
-    return Quoted(places_.program.string()) + " " + arguments;
-}
-
-std::optional<fs::path> Services::FileOf(const std::string& name) const {
-    for (const fs::path& directory : places_.services) {
-        std::error_code error;
-        const fs::path file = directory / (name + ".service");
-        if (fs::exists(file, error)) return file;
-    }
-    return std::nullopt;
-}
-
-std::string Services::CommandOf(const fs::path& file) const {
-    const platform::IniText text(ReadFile(file).value_or(""));
-    return platform::ToUtf8(text.Value(u"D-BUS Service", u"Exec").value_or(u""));
-}
-
-bool Services::IsEntered(const std::string& name, const std::string& arguments) const {
-    const auto file = FileOf(name);
-    return file && CommandOf(*file) == Command(arguments);
-}
-
-void Services::RequireFree(const std::string& name, const std::string& arguments) const {
-    std::error_code error;
-    const fs::path file = OwnFile(name);
-    if (fs::exists(file, error) && !IsOurs(file) && !IsEntered(name, arguments))
-        throw tools::Fault(file.string() +
-                           ": this file starts another program for the class; --force replaces it");
-}
-
-bool Services::Enter(const std::string& name, const std::string& arguments) const {
-    if (IsEntered(name, arguments)) return false;
-    MakeDirectories(places_.ownServices);
-    ReplaceFile(OwnFile(name),
-                std::string(mark) + "[D-BUS Service]\nName=" + name + "\nExec=" + Command(arguments) + "\n");
-    return true;
-}
-
-bool Services::Remove(const std::string& name) const {
-    std::error_code error;
-    const fs::path file = OwnFile(name);
-    if (!fs::exists(file, error) || !IsOurs(file)) return false;
-    fs::remove(file, error);
-    RemoveIfEmpty(file.parent_path());
-    RemoveIfEmpty(file.parent_path().parent_path());
-    return true;
 }
 
 }  // namespace setup

@@ -2,253 +2,274 @@
 
 #include <unistd.h>
 
-#include <functional>
+#include <algorithm>
+#include <fstream>
 #include <initializer_list>
+#include <set>
+#include <sstream>
+#include <string_view>
 #include <system_error>
 
-#include "common/Fault.h"
 #include "horalink-setup/Market.h"
-#include "horalink-setup/Package.h"
 #include "horalink-setup/Register.h"
 #include "horalink-setup/Services.h"
-#include "horalink-setup/SettingsStore.h"
-#include "horalink-setup/UserTree.h"
-#include "platform/desktop/Paths.h"
+#include "locator/comRegMora32.h"
+#include "platform/automation/dbus/SessionBusNames.h"
+#include "platform/data/sqlite/SqliteEngine.h"
+#include "platform/desktop/IniSettings.h"
+#include "platform/desktop/Installation.h"
+#include "platform/runtime/Paths.h"
+#include "platform/runtime/ProgramFile.h"
 
 namespace setup {
 
 namespace fs = std::filesystem;
-using platform::RecordsetType;
+using platform::EqualsIgnoringCase, platform::PathText, platform::RecordsetType, platform::Text,
+    platform::TextView, platform::ToUtf8;
 
 namespace {
 
 constexpr const char* reinstall = "Install the package 'horalink' again.";
 
-std::string AddCommand(const std::string& market, const char* more = "") {
-    return "'horalink-setup add --market " + market + more + "'";
-}
-
-bool IsDangling(const fs::path& file) {
-    std::error_code error;
-    return fs::is_symlink(file, error) && !fs::exists(file, error);
-}
-
-bool Exists(const fs::path& file) {
-    std::error_code error;
-    return fs::exists(file, error);
-}
-
-// What keeps a file from being found, or nothing.
-std::string FaultOfFile(const fs::path& file) {
-    if (IsDangling(file))
-        return "its link leads to " + fs::read_symlink(file).string() + ", which isn't there";
-    return Exists(file) ? "" : "it is missing";
-}
-
+// A database as the add-in opens it, with the tables that it reads.
 struct Wanted {
     const char* what;
-    const char* place;
-    std::initializer_list<platform::TextView> tables;
+    TextView directory, file;
+    bool readOnly;
+    std::initializer_list<TextView> tables;
 };
-
 const Wanted databases[] = {
-    {"texts of the add-in",
-     place::addInTexts,
+    {"common texts", u"RegDBofMora32", u"Common.LNG", true, {u"PictureFileName"}},
+    {"texts",
+     u"Database",
+     u"Horalink.lng",
+     false,
      {u"tProject", u"tForms", u"tControls", u"tMsgBox", u"tMessages"}},
-    {"common texts", place::commonTexts, {u"PictureFileName"}},
-    {"help", place::help, {u"tTopics"}},
-    {"register", place::registry, {u"Registry"}},
+    {"help", u"Help", u"Horalink.hlp", true, {u"tTopics"}},
+    {"register", u"RegDBofMora32", u"Register.mdb", false, {u"Registry"}},
 };
+constexpr const Wanted &commonTexts = databases[0], &registerFile = databases[3];
 
-std::string FaultOfTables(platform::Database& database, const Wanted& wanted) {
-    for (const platform::TextView table : wanted.tables)
-        database.OpenRecordset(u"SELECT * FROM " + platform::Text(table), RecordsetType::ForwardOnly);
-    return {};
+std::string Padded(std::string text, std::size_t width) {
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
 }
 
-// The add-in ends where it can't write its version. Opens the row for a change and makes none.
-std::string FaultOfRegister(platform::Database& database, const fs::path& file) {
-    const auto rows = database.OpenRecordset(
-        u"SELECT * FROM Registry WHERE AppName = \"" + platform::Text(addInEntry) + u"\"",
-        RecordsetType::Dynaset);
-    if (rows->RecordCount() > 0) rows->Edit();
-    // Changes go through a second file beside it.
-    return access(file.parent_path().c_str(), W_OK) == 0 ? "" : "its directory can't be written";
+fs::path DefaultProgram() {
+    return FamilyDirectory() / "10001/ADDINS/horalink";
 }
 
-std::string FaultOfDatabase(platform::DatabaseEngine& engine, const fs::path& file, const Wanted& wanted) {
-    if (std::string fault = FaultOfFile(file); !fault.empty()) return fault;
-    try {
-        const auto database = engine.OpenDatabase(platform::PathText(file));
-        if (std::string fault = FaultOfTables(*database, wanted); !fault.empty()) return fault;
-        return wanted.place == place::registry ? FaultOfRegister(*database, file) : "";
-    } catch (const platform::RuntimeError& error) {
-        return platform::ToUtf8(error.Description());
-    }
+// As it was called where that tells the market, and not where the links of a market lead.
+fs::path ProgramOf(int process) {
+    const std::string folder = "/proc/" + std::to_string(process);
+    std::string called;
+    std::getline(std::ifstream(folder + "/cmdline"), called, '\0');
+    std::error_code error;
+    return called.starts_with('/') ? fs::path(called) : fs::read_symlink(folder + "/exe", error);
 }
 
-// One installation, with what is wrong in it.
-class Inspection {
+// By its beginning, as `horalink-lng check` tells pictures.
+bool IsPicture(const fs::path& file) {
+    using namespace std::string_view_literals;
+    std::string start(1024, '\0');
+    std::ifstream stream = platform::OpenToRead(file);
+    start.resize(static_cast<std::size_t>(stream.read(start.data(), 1024).gcount()));
+    const auto begins = [&](std::string_view signature) { return start.starts_with(signature); };
+    const auto signatures = {"\x89PNG"sv, "\xff\xd8\xff"sv, "GIF8"sv, "BM"sv, "\0\0\1\0"sv};
+    return start.find("<svg") != std::string::npos ||
+           std::any_of(signatures.begin(), signatures.end(), begins);
+}
+
+class Look {
   public:
-    Inspection(const Context& context, const SettingsStore& store, std::string market,
-               std::vector<Problem>& problems)
-        : context_(context),
-          store_(store),
-          market_(std::move(market)),
-          tree_(*store.Root(market_)),
-          problems_(problems) {}
-
-    InstallationReport Run() {
-        InstallationReport report{
-            market_, tree_.Root().string(), tree_.Language(), store_.MarketInUse() == market_, {}};
-        if (!tree_.Exists()) {
-            Complain("there is no directory " + tree_.Root().string(),
-                     AddCommand(market_) + " makes it anew.");
-            return report;
-        }
-        LookAtPath();
+    std::string Run(bool& isWell) {
+        text_ << "Horalink " HORALINK_VERSION "\n";
         LookAtProgram();
-        for (const Wanted& wanted : databases) report.databases.push_back(LookAt(wanted));
-        if (const auto fault = FaultOfFile(tree_.Root() / place::backgrounds); !fault.empty())
-            Complain("the backgrounds can't be shown: " + fault, Remedy(place::backgrounds));
-        return report;
+        text_ << "\nFiles\n";
+        for (const Wanted& wanted : databases) LookAtDatabase(wanted);
+        LookAtPictures();
+        LookAtBus();
+        isWell = problems_.empty();
+        return text_.str() + ProblemsInWords();
     }
 
   private:
-    void Complain(const std::string& what, const std::string& remedy) {
-        problems_.push_back({"Market " + market_ + ": " + what + ".", remedy});
+    void Complain(const std::string& what, const std::string& remedy, bool isCommand = false) {
+        problems_.push_back({what, remedy, isCommand});
+    }
+    void Line(const std::string& what, const std::string& value) {
+        text_ << "  " << Padded(what, 19) << value << "\n";
     }
 
-    // A link that the package can satisfy is laid anew.
-    std::string Remedy(const fs::path& piece) const {
-        const bool installed = Exists(context_.places.package / place::addIn);
-        if (piece == place::registry)
-            return AddCommand(market_, " --force") + " puts a new one in its place.";
-        return installed ? AddCommand(market_) +
-                               " makes it anew; if that doesn't help, install the package 'horalink' again."
-                         : reinstall;
-    }
-
-    void LookAtPath() {
-        const platform::Text written = *store_.InstallPath(market_);
-        if (written.empty() || written.back() != u'\\')
-            Complain("InstallPath in " + context_.places.settings.string() + " doesn't end in a backslash",
-                     "Put one at its end.");
-        const platform::Text tail = u"VELMORA32\\" + platform::FromUtf8(market_);
-        const platform::Text path = platform::PathText(tree_.Root());
-        if (!platform::EqualsIgnoringCase(platform::Right(path, tail.size()), tail))
-            Complain("its directory doesn't end in VELMORA32/" + market_ +
-                         ", so programs take it for another market",
-                     AddCommand(market_, " --root DIRECTORY --force") + " enters it in a place that does.");
-    }
-
+    // The program that the bus would start, or the installed one where that is none.
     void LookAtProgram() {
-        const fs::path program = tree_.Root() / place::addIn;
-        std::string fault = FaultOfFile(program);
-        if (fault.empty() && access(program.c_str(), X_OK) != 0) fault = "it may not be run";
-        if (!fault.empty()) Complain("the add-in's program can't start: " + fault, Remedy(place::addIn));
+        const auto service = FindService(addInClass, ServiceDirectories());
+        program_ = service ? service->Program() : DefaultProgram();
+        if (service && program_.filename() == "horalink-setup")
+            Complain(service->file.native() + " is of an earlier version and starts nothing any more",
+                     "rm " + Quoted(service->file.native()), true);
+        else if (access(program_.c_str(), X_OK) != 0 && service && program_ != DefaultProgram())
+            Complain("for the class " + std::string(addInClass) + " the bus would start " +
+                         program_.native() + ", which isn't there",
+                     Removal(*service), true);
+        else if (access(program_.c_str(), X_OK) != 0)
+            Complain("there is no program " + program_.native(), reinstall);
+        if (access(program_.c_str(), X_OK) != 0 || program_.filename() == "horalink-setup")
+            program_ = DefaultProgram();
+        program_ = platform::ProgramFile(program_);
+        installation_ = platform::FindInstallation(program_, settings_);
+        engine_ = platform::MakeSqliteEngine(installation_.layers);
+        Line("program", program_.native());
+        if (service) Line("", "by " + service->file.native());
+        Line("market", ToUtf8(installation_.market));
+        Line("your files", OwnTree().native());
+        languages_ =
+            platform::WantedLanguages(settings_.Get(u"VELMORA32", installation_.market, u"Language", u""));
+        std::string languages;
+        for (const Text& language : languages_)
+            languages += (languages.empty() ? "" : ", ") + ToUtf8(language);
+        Line("languages", languages);
     }
 
-    DatabaseReport LookAt(const Wanted& wanted) {
-        const fs::path file = tree_.Root() / wanted.place;
-        DatabaseReport report{wanted.what, file.string(), FaultOfDatabase(context_.engine, file, wanted)};
-        if (!report.fault.empty())
-            Complain(std::string(wanted.what) + " (" + file.filename().string() + "): " + report.fault,
-                     Remedy(wanted.place));
-        return report;
+    // A file that others have made is kept, by a name that means nothing to the bus.
+    static std::string Removal(const Service& service) {
+        const bool isAllowed = access(service.file.parent_path().c_str(), W_OK) == 0;
+        return (isAllowed ? "" : "sudo ") +
+               (service.IsMadeHere() ? "rm " + Quoted(service.file.native()) : MoveAway(service.file));
     }
 
-    const Context& context_;
-    const SettingsStore& store_;
-    std::string market_;
-    UserTree tree_;
-    std::vector<Problem>& problems_;
+    const fs::path& OwnTree() const { return installation_.layers.Trees().front(); }
+
+    Text PathOf(TextView directory, TextView file) const {
+        return horalink::ResolveDirectory(PathText(program_.parent_path()), settings_, u"Addins", directory) +
+               Text(file);
+    }
+
+    // Where the first of them lies in the folder of a language: " (de)".
+    std::string LanguageOf(const std::vector<fs::path>& files) const {
+        const std::string folder = files.empty() ? "" : files.front().parent_path().filename();
+        const auto isIt = [&](const Text& each) {
+            return EqualsIgnoringCase(each, platform::FromUtf8(folder));
+        };
+        return std::any_of(languages_.begin(), languages_.end(), isIt) ? " (" + folder + ")" : "";
+    }
+
+    void ShowFile(const std::string& what, const Text& path) {
+        const auto files = installation_.layers.FindAll(path);
+        Line(what + LanguageOf(files), files.empty() ? "missing" : files.front().native());
+        for (std::size_t i = 1; i < files.size(); ++i) Line("", "  hides " + files[i].native());
+    }
+
+    // A file of the user's own is moved away; one of the package is the package's to mend.
+    void ComplainAbout(const char* kind, const fs::path& file, const std::string& why) {
+        const bool isOwn = platform::Below(PathText(file), OwnTree()).has_value(),
+                   isNamed = why.find(file.native()) != std::string::npos;
+        const std::string what = std::string(kind) + ": " + why + (isNamed ? "" : " (" + file.native() + ")");
+        if (isOwn && fs::exists(fs::symlink_status(file)))
+            Complain(what, MoveAway(file), true);
+        else
+            Complain(what, RemedyOfPath().value_or(reinstall));
+    }
+
+    std::optional<std::string> RemedyOfPath() const {
+        const Text path = settings_.Get(u"VELMORA32", installation_.market, u"InstallPath", u"\\");
+        if (path.ends_with(u'\\')) return std::nullopt;
+        return "Put a backslash at the end of the InstallPath " + ToUtf8(path) + " in velmora/settings.ini.";
+    }
+
+    void LookAtDatabase(const Wanted& wanted) {
+        const Text path = PathOf(wanted.directory, wanted.file);
+        ShowFile(wanted.what, path);
+        const fs::path file = installation_.layers.Find(path), own = installation_.layers.OwnPlace(file);
+        const bool isWritten = &wanted == &registerFile;
+        Problem writing = isWritten && fs::exists(file) ? ProblemOfWriting(own) : Problem();
+        if (!writing.what.empty()) problems_.push_back(writing);
+        try {
+            const auto database = engine_->OpenDatabase(path, wanted.readOnly);
+            for (const TextView table : wanted.tables)
+                database->OpenRecordset(u"SELECT * FROM " + Text(table), RecordsetType::ForwardOnly);
+        } catch (const platform::RuntimeError& error) {
+            if (writing.what.empty()) ComplainAbout(wanted.what, file, error.what());
+            return;
+        }
+        if (isWritten && writing.what.empty())
+            Line("",
+                 file == own ? "  can be written" : "  copied to " + own.native() + " by the first start");
+    }
+
+    void LookAtPictures() {
+        std::set<Text> names;
+        try {
+            const auto texts = engine_->OpenDatabase(PathOf(commonTexts.directory, commonTexts.file), true);
+            const auto rows = texts->OpenRecordset(u"SELECT DefaultName, FileName FROM PictureFileName",
+                                                   RecordsetType::ForwardOnly);
+            for (; !rows->EndOfFile(); rows->MoveNext())
+                for (const TextView field : {u"DefaultName", u"FileName"})
+                    names.insert(rows->Field(field).ToTextOrEmpty());
+        } catch (const platform::RuntimeError&) {
+            return;  // a problem by now
+        }
+        for (const Text& name : names) {
+            const Text path = PathOf(u"BackGrnd", name);
+            ShowFile("picture", path);
+            const auto files = installation_.layers.FindAll(path);
+            if (files.empty())
+                Complain("the picture " + ToUtf8(name) + " is missing", reinstall);
+            else if (!IsPicture(files.front()))
+                ComplainAbout("picture", files.front(), "this is no picture, or it can't be read");
+        }
+    }
+
+    void LookAtBus() {
+        const std::string exchange = "SwitchDeskProj" + ToUtf8(installation_.market) + ".cPBXOle";
+        const auto bus = platform::MakeSessionBusNames();
+        try {
+            const auto startable = bus->Startable();
+            text_ << "\nClasses on the session bus\n";
+            for (const std::string& name : {std::string(addInClass), exchange})
+                text_ << "  " << Padded(name, 30) << Server(*bus, startable, name) << "\n";
+            if (startable.contains(addInClass)) return;
+            if (FindService(addInClass, ServiceDirectories()))
+                Complain("the session bus hasn't read the service file of the class yet",
+                         "busctl --user call org.freedesktop.DBus / org.freedesktop.DBus ReloadConfig", true);
+            else
+                Complain("the session bus doesn't know the class " + std::string(addInClass),
+                         "horalink-setup market 10001", true);
+        } catch (const platform::RuntimeError&) {
+            Complain("there is no session bus here", "dbus-run-session horalink-setup status", true);
+        }
+    }
+
+    static std::string Server(platform::BusNames& bus, const std::set<std::string>& startable,
+                              const std::string& name) {
+        if (const int process = bus.ProcessOf(name))
+            return "served by process " + std::to_string(process) + ", " + ProgramOf(process).native();
+        if (!startable.contains(name)) return "unknown";
+        const auto service = FindService(name, ServiceDirectories());
+        return service ? "starts " + service->command : "starts a program";
+    }
+
+    std::string ProblemsInWords() const {
+        if (problems_.empty()) return "\nNothing is wrong.\n";
+        std::string words = "\nWrong, and what to do about it\n";
+        for (const Problem& problem : problems_)
+            words += "  " + problem.what + "\n    " + (problem.isCommand ? "$ " : "") + problem.remedy + "\n";
+        return words;
+    }
+
+    const platform::IniSettings settings_{platform::SettingsFiles()};
+    fs::path program_;
+    platform::Installation installation_;
+    std::vector<Text> languages_;
+    std::unique_ptr<platform::DatabaseEngine> engine_;
+    std::ostringstream text_;
+    std::vector<Problem> problems_;
 };
-
-std::string StateOf(const std::string& name, platform::BusNames& bus) {
-    if (bus.Running().contains(name)) return "running";
-    return bus.Startable().contains(name) ? "startable" : "unknown";
-}
-
-// The program at the start of a command.
-std::string ProgramOf(const std::string& command) {
-    if (command.starts_with('"')) return command.substr(1, command.find('"', 1) - 1);
-    return command.substr(0, command.find(' '));
-}
-
-class ClassInspection {
-  public:
-    ClassInspection(const Context& context, Report& report)
-        : context_(context), report_(report), services_(context.places) {}
-
-    void LookAt(const std::string& name, bool needed) {
-        ClassReport one{name, StateOf(name, context_.bus), services_.FileOf(name).value_or("").string()};
-        if (!one.file.empty()) LookAtCommand(one);
-        if (needed && one.state == "unknown")
-            report_.problems.push_back(
-                {"The session bus doesn't know the class " + name + ", so no host can create the add-in.",
-                 one.file.empty() ? "'horalink-setup add' tells the bus of it."
-                                  : "Log out and in again, so that the bus reads " + one.file + "."});
-        report_.classes.push_back(std::move(one));
-    }
-
-  private:
-    void LookAtCommand(const ClassReport& one) {
-        const std::string program = ProgramOf(services_.CommandOf(one.file));
-        if (!Exists(program))
-            report_.problems.push_back(
-                {"For the class " + one.name + " the bus would start '" + program + "', which isn't there.",
-                 "Correct or delete " + one.file + "."});
-    }
-
-    const Context& context_;
-    Report& report_;
-    Services services_;
-};
-
-void LookAtPackage(const Context& context, Report& report) {
-    try {
-        report.languages = Package(context.places.package).Languages();
-    } catch (const tools::Fault& fault) {
-        report.problems.push_back({fault.what() + std::string("."),
-                                   "Install the package 'horalink'; in a checkout, './run bus COMMAND' runs "
-                                   "a command inside an installation."});
-    }
-}
-
-void LookAtClasses(const Context& context, Report& report) {
-    try {
-        ClassInspection inspection(context, report);
-        inspection.LookAt(addInClass, true);
-        if (report.installations.empty()) inspection.LookAt(ExchangeClass(defaultMarket), false);
-        for (const auto& installation : report.installations)
-            inspection.LookAt(ExchangeClass(installation.market), false);
-    } catch (const platform::RuntimeError& error) {
-        report.problems.push_back({"The session bus can't be asked, since none answers here (" +
-                                       platform::ToUtf8(error.Description()) + ").",
-                                   "Run this inside a desktop session, or below 'dbus-run-session'."});
-    }
-}
 
 }  // namespace
 
-Report Inspect(const Context& context) {
-    Report report;
-    report.version = HORALINK_VERSION;
-    report.package = context.places.package.string();
-    LookAtPackage(context, report);
-    try {
-        const SettingsStore store(context.places.settings);
-        for (const std::string& market : store.Markets()) {
-            const UserTree tree(*store.Root(market));
-            if (tree.Exists() && !tree.HoldsAddIn()) continue;
-            report.installations.push_back(Inspection(context, store, market, report.problems).Run());
-        }
-    } catch (const tools::Fault& fault) {
-        report.problems.push_back({fault.what() + std::string("."), "Correct the settings store."});
-    }
-    LookAtClasses(context, report);
-    return report;
+std::string Status(bool& isWell) {
+    return Look().Run(isWell);
 }
 
 }  // namespace setup

@@ -1,12 +1,11 @@
-// Looks at what is installed, as the programs will find it.
+// What a start of the add-in would use, and what is wrong with it.
 #pragma once
 
-#include "horalink-setup/Commands.h"
-#include "horalink-setup/Report.h"
+#include <string>
 
 namespace setup {
 
-// Never raises for what it looks at: whatever is wrong stands in the report, in plain words.
-Report Inspect(const Context& context);
+// In plain words, with a remedy for each fault. `isWell` becomes false where there is one.
+std::string Status(bool& isWell);
 
 }  // namespace setup

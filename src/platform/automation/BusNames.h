@@ -14,6 +14,8 @@ class BusNames {
     virtual std::set<std::string> Running() = 0;
     // Names that the bus starts a program for.
     virtual std::set<std::string> Startable() = 0;
+    // The process that owns a name, or 0.
+    virtual int ProcessOf(const std::string& name) = 0;
     // Has the bus read its service files anew.
     virtual void Reload() = 0;
     // All of them raise 462 where there is no session bus, or it doesn't answer.

@@ -91,7 +91,7 @@ std::string TypedInterfaceXml(const ClassDescription& description) {
     std::string xml = "  <interface name=\"" + TypedInterfaceName(description) + "\">\n";
     for (const Member& member : description.members) xml += MemberXml(description.members, member);
     xml += ClassAnnotations(description);
-    // Nothing tells of changes, so no client may rely on a value that it has read before.
+    // There are no change signals, so clients must not cache values.
     xml += Annotation("org.freedesktop.DBus.Property.EmitsChangedSignal", "false");
     return xml + "  </interface>\n";
 }

@@ -27,7 +27,7 @@ std::string_view Wording(DataError number) {
         case DataError::UnionColumns:
             return "The two parts of a union query have different numbers of fields";
         case DataError::Locked:
-            return "The database is locked by another user; try again in a moment";
+            return "The database is locked by another program; try again in a moment";
         case DataError::NotADatabase:
             return "The file is not a database, or it is damaged";
         case DataError::DiskError:

@@ -44,11 +44,11 @@ class Recordset {
     virtual bool EndOfFile() const = 0;
     virtual Value Field(TextView name) const = 0;
     virtual void MoveNext() = 0;
-    // A dynaset knows 0 or more here once it is open; above 0 tells no more than that there are rows.
+    // A dynaset knows 0 or more here once it is open; above 0 means only that there are rows.
     virtual std::int32_t RecordCount() const = 0;
     // Change the current row: Edit, then SetField, then Update, which writes the fields that were set and
     // no others. Moving on drops what was set. Raise 3021 without a current row, 3027 where the set can't
-    // be edited, 3020 out of order, 3265 for a field that isn't there, 3167 for a row that is gone.
+    // be edited, 3020 out of order, 3265 for a field that isn't there, 3167 for a deleted row.
     virtual void Edit() = 0;
     virtual void SetField(TextView name, const Value& value) = 0;
     virtual void Update() = 0;

@@ -19,7 +19,7 @@ bool IsWordCharacter(char16_t c) {
            c == u'$' || c >= 0x80;
 }
 
-// The length of what begins with a quote; inside it the closing quote stands for itself when it is
+// The length of what begins with a quote; inside it the closing quote means itself when it is
 // doubled. What is never closed reaches to the end.
 std::size_t QuotedLength(TextView rest, char16_t close) {
     for (std::size_t i = 1; i < rest.size(); ++i) {

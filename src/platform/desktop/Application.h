@@ -1,15 +1,15 @@
-// The application object: what the process knows of itself.
+// The application object.
 #pragma once
 
 #include <cstdint>
 
 #include "platform/automation/Automation.h"
-#include "platform/desktop/Paths.h"
+#include "platform/runtime/Layers.h"
 #include "platform/runtime/Text.h"
 
 namespace platform {
 
-// The words on the buttons of boxes; English until those of the user's language are known.
+// The words on the buttons of boxes, English until the user's language is loaded.
 struct ButtonTexts {
     Text ok = u"OK", cancel = u"Cancel", abort = u"Abort", retry = u"Retry", ignore = u"Ignore", yes = u"Yes",
          no = u"No", help = u"Help", keepWaiting = u"Keep waiting", giveUp = u"Give up";
@@ -18,10 +18,10 @@ struct ButtonTexts {
 struct Application {
     Text title;
     Text helpFile;
-    Spellings spellings;         // of the directories that its files lie in
-    Text path;                   // directory of the executable, with backslashes, without one at the end
-    Text command;                // the command line behind the program's name
-    std::int16_t startMode = 0;  // 1 where automation started the process
+    Layers layers;               // where its files are found
+    Text path;                   // directory of the executable, with backslashes, but no trailing one
+    Text command;                // the command line after the program's name
+    std::int16_t startMode = 0;  // 1 if automation started the process
     std::int16_t major = 0, minor = 0, revision = 0;
     WaitSettings waits;
     ButtonTexts buttons;

@@ -1,4 +1,4 @@
-// What the add-in asks of the desktop it runs on.
+// What the add-in needs of its desktop.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace platform {
 struct MessageBox {
     Text prompt;
     std::int32_t buttons = 0;
-    std::optional<Text> title;  // without one, the application's title
+    std::optional<Text> title;  // the application's title by default
     std::optional<Text> helpFile;
     std::int32_t helpContext = 0;
 };
@@ -37,7 +37,7 @@ class Screen {
     virtual float Height() const = 0;
 };
 
-// Values stored for the user under three names, which compare without regard to case.
+// The user's stored values, each under three names in any case.
 class Settings {
   public:
     virtual ~Settings() = default;

@@ -13,8 +13,7 @@ struct HelpTopic {
     Text body;  // simple HTML
 };
 
-// The topic of a number, or nothing where the file has none. Raises what opening and reading a database
-// raise.
+// The topic with this number, if the file has it. Raises what opening and reading a database raise.
 std::optional<HelpTopic> FindTopic(DatabaseEngine& engine, TextView file, std::int32_t id);
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-// The constants that add up to the buttons value of a message box.
+// The constants whose sum is the buttons value of a message box.
 #pragma once
 
 #include <cstdint>

@@ -8,9 +8,9 @@ namespace platform {
 class PictureFiles {
   public:
     virtual ~PictureFiles() = default;
-    // The name of the normal file at `path`, or an empty text where there is none.
+    // The name of the regular file at `path`, or an empty text if there is none.
     virtual Text Dir(TextView path) const = 0;
-    // The picture in a file. Raises 53 where there is no file, 481 where it holds no picture.
+    // Raises 53 if the file can't be opened, 481 if it isn't a picture.
     virtual forms::PictureRef LoadPicture(TextView path) const = 0;
 };
 

@@ -37,7 +37,7 @@ void Calendar::SetYear(std::int16_t year) {
     Show(InRange(year, firstYear, lastYear, "year"), month_, day_);
 }
 
-// All three stand before the first event is raised, so that a handler never sees a mixture of two dates.
+// Sets all three before the first event, so that no handler sees a mixture of two dates.
 void Calendar::Show(std::int16_t year, std::int16_t month, std::int16_t day) {
     const bool otherYear = year != year_, otherMonth = month != month_;
     day_ = day;

@@ -20,7 +20,7 @@ inline constexpr Color windowText = 0x000000;
 
 enum class MouseButton : std::int16_t { Left = 1, Right = 2, Middle = 4 };
 
-// `Index` is the place in a control array, −1 for a control that stands alone.
+// `Index` is the place in a control array, −1 for a control that isn't in one.
 class Control : public Object, public Watched {
   public:
     Control(Form& form, Text name, std::int16_t index) : form_(form), name_(std::move(name)), index_(index) {}
@@ -36,11 +36,11 @@ class Control : public Object, public Watched {
     Property<bool> Visible{*this, true};
     Property<bool> Enabled{*this, true};
     Property<Text> ToolTipText{*this};
-    std::int16_t TabIndex = -1;  // −1 stands outside the tab order
+    std::int16_t TabIndex = -1;  // −1 for none
     std::int32_t WhatsThisHelpID = 0;
 
     // Events. X and y are twips from the control's corner.
-    std::function<void(MouseButton button, std::int16_t shift, float x, float y)> MouseUp;
+    std::function<void(MouseButton button)> MouseUp;
     std::function<void()> GotFocus, LostFocus;
 
   protected:
@@ -52,7 +52,7 @@ class Control : public Object, public Watched {
     std::int16_t index_;
 };
 
-// A control with a font of its own.
+// A control with a font.
 class FontControl : public Control {
   public:
     FontControl(Form& form, Text name, std::int16_t index)

@@ -32,10 +32,10 @@ class TextBox : public FontControl {
     Property<Alignment> Align{*this, Alignment::Left};
     // The spin control that the Up and Down keys and the mouse wheel step while this box has the focus.
     UpDown* Spin = nullptr;
-    // Selection in characters from 0; cut to the text.
+    // The selection in characters from 0, limited to the text.
     std::int32_t SelStart() const { return selStart_; }
     std::int32_t SelLength() const { return selLength_; }
-    void SetSelStart(std::int32_t start);  // the selection becomes empty
+    void SetSelStart(std::int32_t start);  // empties the selection
     void SetSelLength(std::int32_t length);
 
   private:
@@ -62,11 +62,11 @@ class CheckBox : public FontControl {
 
     Property<Text> Caption{*this};
     Property<Color> BackColor{*this, 0xC0C0C0};
-    // The label beside it that shows its text, where the box itself has no room for a caption.
+    // The label beside the box that shows its text, if the box has no room for a caption.
     const Label* TextLabel = nullptr;
 
     std::int16_t Value() const { return value_; }
-    // 1 for on, 0 for off; a change raises Click, also when the program makes it.
+    // 1 for on, 0 for off. A change raises Click, even if the program makes it.
     void SetValue(std::int16_t value);
 
     std::function<void()> Click;
@@ -75,8 +75,8 @@ class CheckBox : public FontControl {
     Property<std::int16_t> value_{*this};
 };
 
-// The spin control: a value in a range, stepped by two arrows, from each end of the range to the other.
-// Its arrows leave the focus where it is.
+// The spin control: a value in a range, stepped by two arrows. It wraps around at both ends of the range.
+// Clicking an arrow doesn't move the focus.
 class UpDown : public Control {
   public:
     using Control::Control;
@@ -85,13 +85,13 @@ class UpDown : public Control {
     std::int32_t Min() const { return min_; }
     std::int32_t Max() const { return max_; }
     std::int32_t Value() const { return value_; }
-    // A new bound takes the value along where it would lie outside.
+    // A value outside the new range becomes the new bound.
     void SetMin(std::int32_t min);
     void SetMax(std::int32_t max);
     // Raises 380 outside the range.
     void SetValue(std::int32_t value);
 
-    // The operator's steps. The click comes also where the value can't move.
+    // The operator's steps. They raise the click even if the value can't change.
     void StepUp();
     void StepDown();
 
@@ -109,32 +109,32 @@ class Calendar : public Control {
     Calendar(Form& form, Text name, std::int16_t index);
     const ClassDescription& Class() const override;
 
-    // The program sets the three parts one after the other and may pass through days that don't exist; no
-    // day is lost on the way. The month and year events come where these change.
-    std::int16_t Day() const { return day_; }  // 0 where no day is chosen
+    // The program sets the parts one by one, if need be through a date that doesn't exist; the day is kept.
+    // A change of month or year raises its event.
+    std::int16_t Day() const { return day_; }  // 0 if no day is chosen
     std::int16_t Month() const { return month_; }
     std::int16_t Year() const { return year_; }
     void SetDay(std::int16_t day);
     void SetMonth(std::int16_t month);
     void SetYear(std::int16_t year);
 
-    // The chosen date. Raises 13 where no day is chosen, or the month doesn't have it.
+    // Raises 13 if no day is chosen, or the month doesn't have it.
     Date CalendarValue() const;
 
-    // The operator's choices; BeforeUpdate can refuse each. Choosing takes a whole date. Turning to another
-    // month or year leaves no day chosen.
+    // The operator chooses a date, or turns to another month, where no day is chosen yet. BeforeUpdate can
+    // refuse both.
     void ChooseDate(const DateParts& date);
     void TurnTo(std::int16_t year, std::int16_t month);
 
-    // 1 where the operator chooses and sees the selectors of month and year, 2 where they are taken away.
+    // 1 shows the selectors of month and year and marks the day under the mouse, 2 does neither.
     Property<std::int16_t> showdateselectors{*this, 1};
-    // 1 names the month ahead of the year, 2 the year ahead of the month.
+    // 1 puts the month before the year, 2 the year before the month.
     Property<std::int16_t> MarketStyle{*this, 1};
     // 2 draws the days as cells of a grid.
     Property<std::int32_t> gridcelleffect{*this, 2};
     // Marks today.
     Property<bool> ShowOption{*this};
-    // Of the names of the days, of the grid, and of the title.
+    // Fonts of the weekday names, the days and the title.
     const std::shared_ptr<Font> dayfont, gridfont, titlefont;
 
     std::function<void(bool& cancel)> BeforeUpdate;
@@ -147,7 +147,7 @@ class Calendar : public Control {
     Property<std::int16_t> day_{*this, 8}, month_{*this, 10}, year_{*this, 2003};
 };
 
-// An interval that calls again and again while it is enabled and its form is loaded.
+// Raises Tick after each interval, while it is enabled and its form is loaded.
 class Timer : public Control {
   public:
     using Control::Control;
@@ -158,7 +158,7 @@ class Timer : public Control {
 
     std::function<void()> Tick;
 
-    // Starts anew, or stops, by Enabled, Interval and the form's state.
+    // Restarts, or stops if it is disabled, has no interval, or its form isn't loaded.
     void Arm();
 
   private:

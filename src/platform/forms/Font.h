@@ -1,4 +1,4 @@
-// The font object that a form or a control gives out.
+// The font object of a form or control.
 #pragma once
 
 #include "platform/forms/Property.h"
@@ -16,10 +16,10 @@ class Font : public Object {
 
     Property<Text> Name;
     Property<float> Size;  // points
-    // Raises 380 for a size that no font has.
+    // Raises 380 unless the size is above 0 and at most `largestSize`.
     void SetSize(float points);
     Property<bool> Bold;
-    Property<std::int16_t> Charset;  // kept and read back; the view needs none
+    Property<std::int16_t> Charset;  // only stored; views ignore it
 };
 
 }  // namespace platform::forms

@@ -1,4 +1,4 @@
-// A form: its properties, its controls and its life. The screen is a view's matter.
+// A form: properties, controls, loading and unloading. Its view puts it on the screen.
 #pragma once
 
 #include <functional>
@@ -11,27 +11,29 @@
 
 namespace platform::forms {
 
-// The widgets of one form. It reads the model when told to, and turns input into the model's events. It
-// may be dropped from inside an event that it raised.
+// The widgets of one form. Reads the model when notified, and turns input into the model's events, any of
+// which may destroy the view.
 class View {
   public:
     virtual ~View() = default;
     virtual void FormChanged() = 0;
     virtual void ControlChanged(Control& control) = 0;
-    // Gives the window the focus, where it is shown; without effect where it isn't.
+    // Gives the window the focus, if it is shown.
     virtual void SetFocus() = 0;
-    // Offers the items of a menu beside the pointer; the one that is chosen raises its Click.
+    // Opens a menu beside the pointer. The chosen item raises its Click.
     virtual void PopupMenu(Menu& menu) = 0;
     // Shows the help topic of a control beside it.
     virtual void ShowWhatsThis(Control& control) = 0;
 };
 
-// Makes views. A toolkit without a screen gives views that do nothing.
+// Creates views. Without a screen they do nothing.
 class Toolkit {
   public:
     virtual ~Toolkit() = default;
     virtual std::unique_ptr<View> MakeView(Form& form) = 0;
 };
+
+inline constexpr std::int16_t keyF1 = 112;
 
 class Form : public Object, public Watched {
   public:
@@ -62,43 +64,43 @@ class Form : public Object, public Watched {
     // Adds a control that was made for this form.
     void Adopt(std::shared_ptr<Control> control);
     const std::vector<std::shared_ptr<Control>>& Controls() const { return controls_; }
-    // The control of a name, compared without regard to case. Raises 340 or 730 as the forms runtime does.
+    // The control with this name, in any case. Raises 730 for an unknown name, 340 for an unknown index.
     std::shared_ptr<Control> Item(TextView name, std::int16_t index = -1) const;
 
-    // Events. Load runs when the form is loaded, Unloading before it goes; True in `cancel` keeps it.
+    // Events. Loading runs while the form loads, Unloading before it unloads; `cancel` keeps it loaded.
     std::function<void()> Loading;
     std::function<void(bool& cancel)> Unloading;
-    std::function<void(std::int16_t keyCode, std::int16_t shift)> KeyDown;  // before the controls see it
-    // For the owner of the process: the form has gone.
+    std::function<void(std::int16_t keyCode)> KeyDown;  // for F1 alone, before the controls see it
+    // For the owner of the process.
     std::function<void()> Unloaded;
 
     bool IsLoaded() const { return loaded_; }
     bool Visible() const { return visible_; }
-    // False where the operator's input is refused.
+    // False if the form refuses the operator's input.
     bool TakesInput() const { return visible_ && Enabled; }
-    // True while a close that the form has accepted waits for a call to be over.
+    // True while an accepted close waits for a call to end.
     bool IsCloseWaiting() const { return !waitingClose_.expired(); }
 
-    // Loads without showing. A form that is loaded already is not loaded again.
+    // Loads without showing. Does nothing if the form is loaded already.
     void Load();
-    // Shows, loading first where needed. Raises 364 where the form unloaded itself while loading.
+    // Shows, loading first if needed. Raises 364 if the form unloaded itself while loading.
     void Show();
     void Hide();
     void SetVisible(bool visible) { visible ? Show() : Hide(); }
-    // Takes the form away unless Unloading refuses. One that isn't loaded stays as it is.
+    // Unloads and closes the form, unless Unloading cancels that. Does nothing if it isn't loaded.
     void Unload();
-    // Positions in twips.
+    // In twips.
     void Move(float left, float top);
     void SetFocus();
     void Refresh();
-    // Without effect while the form isn't shown.
+    // Does nothing while the form isn't shown.
     void PopupMenu(Menu& menu);
     // Shows the topic of the control's WhatsThisHelpID in the application's help file.
     void ShowWhatsThis(Control& control);
 
-    // What the view tells of the window.
+    // For the view.
     void MovedByOperator(float left, float top);
-    // A close waits for as long as `mark` is there.
+    // For the view: a close waits as long as `mark` exists.
     void CloseWaits(std::weak_ptr<const void> mark) { waitingClose_ = std::move(mark); }
 
   private:

@@ -27,8 +27,7 @@ Verdict FormInput::Continue(const Fate& fate, CarryOut carryOut) {
         {WhileAlive([this, fate] { return *fate = *fate || IsRefused(); }), std::move(carryOut)});
 }
 
-// A form that has been disabled since the press takes the release: the window has to know that the button is
-// up.
+// A form disabled since the press takes the release all the same: the window must know that the button is up.
 Verdict FormInput::Release(Stroke stroke, CarryOut carryOut) {
     const auto ended = strokes_.extract(stroke);
     if (ended.empty()) return Admit(std::move(carryOut));
@@ -45,7 +44,7 @@ void FormInput::Act(const Control& control, CarryOut act) {
 }
 
 void FormInput::Close() {
-    auto waiting = std::make_shared<char>();  // lives for as long as the gate keeps the close
+    auto waiting = std::make_shared<char>();  // exists while the close waits at the gate
     const std::weak_ptr<const void> mark = waiting;
     const Verdict verdict = gate_.Take(
         {WhileAlive([this] { return IsRefused(); }), [&form = form_, waiting = std::move(waiting)]() mutable {

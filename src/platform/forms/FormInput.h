@@ -1,4 +1,4 @@
-// What the operator gives one form.
+// The operator's input for one form.
 #pragma once
 
 #include <map>
@@ -8,8 +8,8 @@
 
 namespace platform::forms {
 
-// Judges input by the form: one that isn't enabled, or that a box covers, refuses it. Belongs to the form's
-// view; what still waits when it goes is lost.
+// Refuses input while the form is hidden, disabled or covered by a box. Belongs to the form's view; when that
+// is destroyed, waiting input is lost.
 class FormInput {
   public:
     // A mouse button or a key, by a number of the view's choice.
@@ -19,27 +19,27 @@ class FormInput {
     FormInput(Form& form, InputGate& gate, std::function<bool()> isCovered);
     Form& Owner() const { return form_; }
 
-    // Input that the caller carries out where it is accepted; `carryOut` is for what waits. A press on a
-    // control is judged by the control as well.
+    // The caller carries out accepted input itself; `carryOut` is called for input that had to wait. A press
+    // on a disabled control is refused.
     Verdict Press(Stroke stroke, CarryOut carryOut, const Control* target = nullptr);
-    // A key that is held. Once one of its repeats is refused, so is the rest.
+    // For a held key. After one refused repeat the others are refused too.
     Verdict Repeat(Stroke stroke, CarryOut carryOut);
-    // Shares the fate of its press, so that a click is taken or refused as a whole.
+    // Refused if its press was, so that a click is taken or refused as a whole.
     Verdict Release(Stroke stroke, CarryOut carryOut);
     Verdict Admit(CarryOut carryOut);
-    // For what can't wait, such as moves of the mouse.
+    // For input that can't wait, such as mouse moves.
     bool TakesNow() const { return !IsRefused() && gate_.IsOpen(); }
 
-    // What an assistive program does to a control; judged by the control as well.
+    // An assistive program's action on a control; refused if the control is disabled.
     void Act(const Control& control, CarryOut act);
     // Unloads the form.
     void Close();
 
   private:
-    using Fate = std::shared_ptr<bool>;  // true for a stroke that has been refused
+    using Fate = std::shared_ptr<bool>;  // true once the stroke is refused
 
     bool IsRefused() const { return !form_.TakesInput() || isCovered_(); }
-    // Guards a judgement against being asked after this object has gone.
+    // Refuses once this object is destroyed.
     std::function<bool()> WhileAlive(std::function<bool()> isRefused) const;
     Verdict Continue(const Fate& fate, CarryOut carryOut);
 

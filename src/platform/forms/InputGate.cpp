@@ -23,7 +23,7 @@ void InputGate::DropHold() {
     if (--holds_ == 0 && !waiting_.empty()) DeliverLater();
 }
 
-// What arrives out of a piece that is being delivered is part of it, and doesn't queue up behind the rest.
+// Input that arises while a piece is being delivered is part of that piece, and doesn't queue after the rest.
 bool InputGate::IsOpen() const {
     return holds_ == 0 && (waiting_.empty() || isDelivering_);
 }

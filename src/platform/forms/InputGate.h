@@ -1,4 +1,4 @@
-// The gate that all input of a process passes on its way to the forms.
+// The gate between all input of a process and the forms.
 #pragma once
 
 #include <deque>
@@ -8,7 +8,7 @@
 
 namespace platform::forms {
 
-// One piece of input: a press, a turn of the wheel, a close, an act of an assistive program.
+// One piece of input: a press, a turn of the wheel, a close, an action of an assistive program.
 struct Input {
     std::function<bool()> isRefused;
     std::function<void()> carryOut;
@@ -16,9 +16,9 @@ struct Input {
 
 enum class Verdict { Refused, Accepted, Waits };
 
-// Input is judged when it arrives. What is refused then is lost for good. What is accepted while a call is
-// out waits, and is carried out after the call in its order: one piece a turn of the scheduler, so that what
-// the first starts (a box, another call) counts for the next. Each is judged again before it is carried out.
+// Judges input when it arrives; refused input is lost. Input accepted during a call waits until the call has
+// ended. Then it is judged again and carried out in order, one piece per turn of the scheduler, so that what
+// one piece starts (a box, another call) counts for the next.
 class InputGate {
   public:
     explicit InputGate(Scheduler& scheduler) : scheduler_(scheduler) {}
@@ -28,11 +28,11 @@ class InputGate {
     // Makes input wait until every hold is dropped. The gate must outlive the result.
     HandleRef Hold();
 
-    // True where accepted input needs no waiting.
+    // True if accepted input needn't wait.
     bool IsOpen() const;
-    // Judges what has arrived and keeps what has to wait. What is accepted is for the caller to carry out.
+    // Judges input, and queues it if it must wait. The caller carries out accepted input.
     Verdict Admit(Input input);
-    // Judges what has arrived, and carries it out where it is accepted.
+    // The same, but carries out accepted input.
     Verdict Take(const Input& input);
 
   private:

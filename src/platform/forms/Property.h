@@ -1,11 +1,11 @@
-// Properties of the forms model: a value that tells its owner when it changes.
+// Properties of the forms model: values that notify their owner of changes.
 #pragma once
 
 #include <utility>
 
 namespace platform::forms {
 
-// Whoever has properties. Changed is called after a value became another one, never for the same value.
+// An owner of properties. Changed is called after a value has changed, never for an equal value.
 class Watched {
   public:
     virtual ~Watched() = default;
@@ -31,7 +31,7 @@ class Property {
     }
     Property& operator=(const Property&) = delete;
 
-    // Takes over what the operator did on the screen, which shows it already.
+    // Takes the operator's change without notifying: the screen shows it already.
     void Follow(T value) { value_ = std::move(value); }
 
   private:

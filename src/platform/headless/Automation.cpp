@@ -25,8 +25,8 @@ class FarObject : public Object {
         static const ClassDescription description{"FarObject", {}};
         return description;
     }
-    std::shared_ptr<void> WhenOwnerGone(std::function<void()> gone) override {
-        auto watch = std::make_shared<std::function<void()>>(std::move(gone));
+    std::shared_ptr<void> WhenOwnerGone(std::function<void()> left) override {
+        auto watch = std::make_shared<std::function<void()>>(std::move(left));
         peer_->watches_.push_back(watch);
         return watch;
     }
@@ -52,7 +52,7 @@ class FarObject : public Object {
             }
         }
     }
-    // As it reaches its owner.
+    // The call, in the owner's process.
     Value Receive(std::string_view member, InvokeKind kind, Arguments& arguments) {
         if (!peer_->IsAlive()) throw RuntimeError(ErrorNumber::ServerGone, "the other process has ended");
         std::vector<ObjectRef> given;
@@ -90,10 +90,10 @@ class FarObject : public Object {
     Automation& bus_;
     ObjectRef object_;
     std::shared_ptr<Peer> peer_;
-    std::shared_ptr<Patience> patience_;  // for each call one of its own, where there is none
+    std::shared_ptr<Patience> patience_;  // if null, each call gets its own
 };
 
-// What waits for a process refers to it.
+// Processes may outlive the bus, and their waiting messages refer to it.
 Automation::~Automation() {
     for (const auto& peer : peers_) peer->waiting_.clear();
 }
@@ -143,7 +143,7 @@ void Automation::Post(const ObjectRef& object, std::string_view member, InvokeKi
                       std::function<void(const Value&)> answered) {
     if (!object) throw RuntimeError(ErrorNumber::ObjectNotSet);
     const auto far = std::dynamic_pointer_cast<FarObject>(object);
-    if (!far) throw RuntimeError(ErrorNumber::ObjectRequired, "a call to this process is posted");
+    if (!far) throw RuntimeError(ErrorNumber::ObjectRequired, "can't post a call to this process");
     Send(far->Owner(), [=, this, name = std::string(member)]() mutable {
         const Value result = [&] {
             callers_.push_back(nullptr);

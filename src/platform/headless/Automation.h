@@ -1,4 +1,4 @@
-// A bus in the hand of a test: other processes are objects of this one, and act when they are called.
+// A bus without other processes: objects of this one act for them when called.
 #pragma once
 
 #include <map>
@@ -9,12 +9,11 @@
 
 namespace platform::headless {
 
-// Another process. One that is stuck takes no calls that aren't waited for, and gives no late answers,
-// until it wakes.
+// Another process. While stuck, it takes no posted calls and sends no late answers.
 class Peer {
   public:
     bool IsAlive() const { return isAlive_; }
-    // Everybody who watches hears of it.
+    // Notifies everybody who watches.
     void Die();
     bool IsStuck() const { return isStuck_; }
     void SetStuck(bool isStuck) { isStuck_ = isStuck; }
@@ -34,18 +33,18 @@ class Automation : public platform::Automation {
         : scheduler_(scheduler), boxes_(boxes), settings_(settings), gate_(gate) {}
     ~Automation() override;
 
-    // An object of another process as the add-in reaches it. While a call is out input waits; one that is
-    // given up meanwhile fails at once for the add-in, and its answer is late.
+    // An object of another process, as the add-in sees it. During a call input waits. A call given up
+    // meanwhile fails for the add-in, and its answer is late.
     ObjectRef Far(const ObjectRef& object, const std::shared_ptr<Peer>& peer);
-    // What the innermost call of the add-in is: one that it doesn't wait for any more, or never did.
+    // Whether the add-in has given up its innermost call, or posted it.
     bool IsCallGivenUp() const { return IsCallOut() && callers_.back() && callers_.back()->IsGivenUp(); }
     bool IsCallPosted() const { return IsCallOut() && !callers_.back(); }
     bool IsCallOut() const { return !callers_.empty(); }
-    // How many calls are out, each made from inside the one before.
+    // The number of nested calls under way.
     std::size_t CallDepth() const { return callers_.size(); }
 
-    // What another process does: creates an object of the served class, and lets go of it. Raises 429 where
-    // the class isn't served: a daemon would start another process.
+    // For another process: creates an object of the served class, and releases it. Raises 429 if the class
+    // isn't served; a real bus would start another server.
     ObjectRef Create();
     void Release(ObjectRef& object);
 
@@ -59,13 +58,13 @@ class Automation : public platform::Automation {
     void Leave() override { StopServing(); }
     void WhenInUse(std::function<void(bool)> changed) override { useChanged_ = std::move(changed); }
 
-    // Carries out what is under way to processes that aren't stuck.
+    // Delivers the messages that wait for processes that aren't stuck.
     void Deliver();
 
-    std::map<Text, ObjectRef> others;  // what CreateObject gives, by the name of the class
-    std::vector<Text> created;         // the classes that were asked for
-    std::string served;                // the name of the class that is served
-    std::function<ObjectRef()> grant;  // as a creation that was asked for before the name was given back
+    std::map<Text, ObjectRef> others;  // what CreateObject returns, by class name
+    std::vector<Text> created;         // the classes given to CreateObject
+    std::string served;                // the name of the served class
+    std::function<ObjectRef()> grant;  // creates objects, even after StopServing: a request may be on its way
     int clients = 0;                   // objects that other processes hold
     std::function<void(int)> wait;     // lets milliseconds pass while a callee is busy
 
@@ -79,7 +78,7 @@ class Automation : public platform::Automation {
     const WaitSettings& settings_;
     forms::InputGate& gate_;
     std::function<void(bool)> useChanged_;
-    std::vector<std::shared_ptr<Patience>> callers_;  // of the calls that are out; null for posted ones
+    std::vector<std::shared_ptr<Patience>> callers_;  // of the calls under way; null for posted ones
     std::vector<std::shared_ptr<Peer>> peers_;
     HandleRef delivery_;
     int refusals_ = 0;

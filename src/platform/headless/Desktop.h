@@ -1,4 +1,4 @@
-// A desktop without a screen: what would be shown is kept for whoever looks at it.
+// A desktop without a screen, which records what it would show.
 #pragma once
 
 #include <map>
@@ -15,17 +15,17 @@ namespace platform::headless {
 struct Boxes : MessageBoxes {
     std::int16_t Show(const MessageBox& box) override;
     bool IsOpen() const { return open > 0; }
-    // The boxes since the last call.
+    // Returns and forgets the boxes shown since the last call.
     std::vector<MessageBox> Take() { return std::exchange(shown, {}); }
     std::string LastPrompt() const { return shown.empty() ? "" : ToUtf8(shown.back().prompt); }
 
     std::vector<MessageBox> shown;
     int open = 0;
-    std::function<void()> whileOpen;  // runs inside each box
+    std::function<void()> whileOpen;  // called while each box is open
     std::int16_t answer = 1;
 };
 
-// Boxes of a wait, which stay open until they are answered.
+// Wait boxes, which stay open until answered.
 class WaitBoxes : public platform::WaitBoxes {
   public:
     std::unique_ptr<WaitBox> Open(TextView title, TextView text, std::function<void(bool)> answered) override;
@@ -35,12 +35,12 @@ class WaitBoxes : public platform::WaitBoxes {
 
     struct Opened {
         Text title, text;
-        std::function<void(bool)> answered;  // null once it has been
+        std::function<void(bool)> answered;  // null once called
         std::weak_ptr<void> box;
         bool IsOpen() const { return answered && !box.expired(); }
     };
     std::vector<Opened> opened;
-    std::function<bool()> decide;  // answers each box as it opens, where set
+    std::function<bool()> decide;  // if set, answers each box as it opens
 
   private:
     struct Box;
@@ -72,8 +72,8 @@ struct PictureFiles : platform::PictureFiles {
     Text Dir(TextView path) const override;
     forms::PictureRef LoadPicture(TextView path) const override;
 
-    std::map<Text, std::string> files;  // content by path; an empty one is no picture
-    bool hasAll = false;                // any other path is a picture as well
+    std::map<Text, std::string> files;  // content by path; empty for an invalid picture
+    bool hasAll = false;                // any other path is a picture too
 };
 
 }  // namespace platform::headless

@@ -1,5 +1,5 @@
-// All that the add-in stands on, but for databases, without a machine: time passes when its owner says so,
-// and what is shown or asked for is kept for whoever looks at it.
+// The add-in's platform without a machine, except for databases: time passes only on request, and all that
+// the add-in shows or asks for is recorded.
 #pragma once
 
 #include "platform/desktop/Application.h"

@@ -1,4 +1,4 @@
-// Time in the hand of whoever runs the add-in without a machine.
+// Time that passes only on request.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 
 namespace platform::headless {
 
-// Sources of events, each of which lives as long as its handle.
+// Event sources, each of which lives as long as its handle.
 template <class Source>
 struct Sources : std::vector<std::weak_ptr<Source>> {
     HandleRef Add(Source source) {
@@ -27,7 +27,7 @@ struct Sources : std::vector<std::weak_ptr<Source>> {
     };
 };
 
-// The timers of a scheduler or an event loop, which run while time is made to pass.
+// The timers of a scheduler or event loop. They run inside Pass.
 template <class Base>
 class Timers : public Base {
   public:
@@ -38,14 +38,14 @@ class Timers : public Base {
         return timers_.Add({now_ + interval, interval, std::move(call)});
     }
     Milliseconds Now() const { return now_; }
-    // Lets time pass, also from inside a timer's call.
+    // Lets time pass. May be called from a timer's call.
     void Pass(int milliseconds) {
         const Milliseconds end = now_ + Milliseconds(milliseconds);
         for (auto next = First(); next && next->due <= end; next = First()) {
             now_ = std::max(now_, next->due);
             next->due = next->interval.count() > 0 ? now_ + next->interval : Milliseconds::max();
             next->call();
-            next.reset();  // it may have been dropped inside its call
+            next.reset();  // its call may have dropped it: First must not find it again
         }
         now_ = std::max(now_, end);
     }
@@ -66,7 +66,7 @@ class Timers : public Base {
     Sources<Timer> timers_;
 };
 
-// The computer's clock: goes on with the timers from where it was set.
+// The computer's clock. It runs with the timers.
 class Clock : public platform::Clock {
   public:
     explicit Clock(const Timers<Scheduler>& timers) : timers_(timers) { Set({2026, 11, 18, 13, 2, 3}); }

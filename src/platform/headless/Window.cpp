@@ -52,7 +52,7 @@ void Window::Turn(Calendar& calendar, std::int16_t year, std::int16_t month) {
 
 void Window::RightClick(Control& control) {
     Give(control, [&control] {
-        if (control.MouseUp) control.MouseUp(MouseButton::Right, 0, 0, 0);
+        if (control.MouseUp) control.MouseUp(MouseButton::Right);
     });
 }
 
@@ -64,7 +64,7 @@ void Window::ChooseFromMenu(std::size_t item) {
 void Window::Key(std::int16_t code) {
     Form& form = input_.Owner();
     const auto press = [&form, code] {
-        if (form.KeyDown) Guard([&] { form.KeyDown(code, 0); });
+        if (form.KeyDown) Guard([&] { form.KeyDown(code); });
     };
     if (input_.Press(code, press) == Verdict::Accepted) press();
     input_.Release(code, [] {});

@@ -1,4 +1,4 @@
-// The one window of a toolkit without a screen, and the operator in front of it.
+// The one window of a toolkit without a screen, with the operator's actions.
 #pragma once
 
 #include <optional>
@@ -7,13 +7,12 @@
 
 namespace platform::headless {
 
-// What the operator does is judged by FormInput, as the input of a real window is.
+// FormInput judges the actions, as it does for a real window.
 class Window : public forms::View {
   public:
     Window(forms::Form& form, forms::InputGate& gate, std::function<bool()> isCovered);
 
-    // Each carries out at once what the form takes now, and later what has to wait. A control that is off or
-    // hidden does nothing.
+    // Each acts at once, or later if input has to wait. A disabled or hidden control does nothing.
     void Click(forms::CommandButton& button);
     void Toggle(forms::CheckBox& box);
     void Enter(forms::TextBox& box);
@@ -31,12 +30,12 @@ class Window : public forms::View {
     void PopupMenu(forms::Menu& menu) override { popped = &menu; }
     void ShowWhatsThis(forms::Control& control) override { topic = control.WhatsThisHelpID; }
 
-    int focused = 0;                    // times that the window was given the focus
-    forms::Menu* popped = nullptr;      // the menu that was offered last
-    std::optional<std::int32_t> topic;  // of the help that was shown last
+    int focused = 0;                    // how often the window got the focus
+    forms::Menu* popped = nullptr;      // the menu opened last
+    std::optional<std::int32_t> topic;  // the help topic shown last
 
   private:
-    // `act` may take the window away.
+    // `act` may destroy the window.
     void Give(forms::Control& control, std::function<void()> act);
 
     forms::FormInput input_;
@@ -45,12 +44,12 @@ class Window : public forms::View {
 
 class Toolkit : public forms::Toolkit {
   public:
-    // `isCovered` says whether a box lies over the window.
+    // `isCovered`: whether a box covers the window.
     Toolkit(Scheduler& scheduler, std::function<bool()> isCovered)
         : gate(scheduler), isCovered_(std::move(isCovered)) {}
     std::unique_ptr<forms::View> MakeView(forms::Form& form) override;
 
-    // The window that was made last, or null where it has been dropped.
+    // The newest window, or null once it is destroyed.
     Window* Open() const { return open_.expired() ? nullptr : *open_.lock(); }
 
     forms::InputGate gate;

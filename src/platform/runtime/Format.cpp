@@ -21,7 +21,7 @@ struct Code {
     Text (*text)(Date, const LocaleTexts&);
 };
 
-// Longer codes stand ahead of their prefixes.
+// Longer codes come before their prefixes.
 const Code codes[] = {
     {u"yyyy", [](Date d, const LocaleTexts&) { return Padded(PartsOf(d).year, 4); }},
     {u"aaaa", [](Date d, const LocaleTexts& locale) { return locale.DayName(Weekday(d)); }},

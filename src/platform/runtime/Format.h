@@ -20,7 +20,7 @@ class LocaleTexts {
 };
 
 // A date by "Long Date", "Long Time" or a pattern of the codes yyyy, mm, dd, ddd, aaaa, hh, nn, ss;
-// "mm" directly behind "hh" is the minute. Every other character stands for itself.
+// "mm" directly after "hh" is the minute. Every other character means itself.
 Text FormatDate(Date date, TextView pattern, const LocaleTexts& locale);
 
 // A whole number with at least two digits.

@@ -66,6 +66,11 @@ void GiveBack(const Type& variable, const Member& member, Arguments& arguments, 
     }
 }
 
+inline Parameter Typed(Parameter parameter, ValueType type) {
+    parameter.type = type;
+    return parameter;
+}
+
 // A slot by its signature. A parameter that is a reference to a variable goes by reference, others by value.
 template <class Class, class Result, class... Declared>
 struct Signature {
@@ -95,13 +100,9 @@ struct Signature {
     template <auto Function, class... Names>
     static Member Slot(InvokeKind kind, std::string_view name, const Names&... parameters) {
         static_assert(sizeof...(Names) == sizeof...(Declared), "each parameter has a name");
-        constexpr auto typed = [](Parameter parameter, ValueType type) {
-            parameter.type = type;
-            return parameter;
-        };
         return {name,
                 kind,
-                {typed({parameters}, TypeOf<std::remove_cvref_t<Declared>>())...},
+                {Typed({parameters}, TypeOf<std::remove_cvref_t<Declared>>())...},
                 TypeOf<std::remove_cvref_t<Result>>(),
                 &Invoke<Function>};
     }

@@ -12,7 +12,7 @@
 
 namespace platform {
 
-// What a caller wants of a member; the values go over the bus as they stand.
+// What a caller wants of a member; the values go over the bus as they are.
 enum class InvokeKind : std::uint16_t { Method = 1, PropertyGet = 2, PropertyPut = 4, PropertyPutObject = 8 };
 
 // Arguments in the order of declaration. A write has the new value last, an indexed property its index
@@ -79,13 +79,13 @@ class Object : public std::enable_shared_from_this<Object> {
     virtual Value Invoke(std::string_view name, InvokeKind kind, Arguments& arguments);
 
     // Run when the last client of an object that lives in this process lets go of it: ahead of the answer to
-    // its release, and behind it. The first makes no calls.
+    // its release, and after it. The first makes no calls.
     virtual void LastClientLeaves() {}
     virtual void LastClientGone() {}
 
-    // Calls `gone` once if the process that owns the object leaves. Keep the result for as long as the
+    // Calls `left` once if the process that owns the object leaves. Keep the result for as long as the
     // call is wanted. An object of this process never leaves, and gives nothing.
-    virtual std::shared_ptr<void> WhenOwnerGone(std::function<void()> gone);
+    virtual std::shared_ptr<void> WhenOwnerGone(std::function<void()> left);
 };
 
 // Calls one slot as Invoke does, once it is found.

@@ -33,7 +33,7 @@ enum class ErrorNumber : std::int32_t {
 
 class RuntimeError : public std::exception {
   public:
-    // With the platform's own wording for `number`; `detail`, where given, tells what it concerns.
+    // With the platform's own wording for `number`; `detail`, if given, says what it concerns.
     explicit RuntimeError(ErrorNumber number, std::string_view detail = {});
     RuntimeError(std::int32_t number, Text description);
 

@@ -23,7 +23,7 @@ bool EqualsIgnoringCase(TextView left, TextView right);
 Text Left(TextView text, std::size_t count);
 Text Right(TextView text, std::size_t count);
 
-// `count` characters from position `start`, counted from 1; what lies behind the end is left out.
+// `count` characters from position `start`, counted from 1; what is after the end is left out.
 Text Mid(TextView text, std::size_t start, std::size_t count = std::u16string::npos);
 
 // Without the blanks (character 32 only) at both ends.

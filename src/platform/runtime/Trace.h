@@ -1,4 +1,4 @@
-// What the program passes over in silence, told to those who want to know.
+// Reports what the program ignores, for those who want to know.
 #pragma once
 
 #include <string_view>

@@ -25,7 +25,7 @@ BusError UnknownProperty(std::string_view member);
 BusError ReadOnlyProperty(std::string_view member);
 BusError InvalidArguments(std::string_view detail);
 
-// Raises 462 where `result` of the bus library tells of a lost connection, 440 for another failure.
+// Raises 462 if `result` of the bus library means a lost connection, 440 for another failure.
 void RequireSuccess(int result);
 
 // The answer to `call` that carries `error`. A text that can't travel is mended.

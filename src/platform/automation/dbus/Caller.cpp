@@ -44,12 +44,12 @@ class Caller::Outgoing : public std::enable_shared_from_this<Outgoing> {
             }
         });
     }
-    // Answers may come after those who wanted them have gone.
+    // Answers may arrive after those who wanted them have left.
     static void Give(const Caller::Answered& taker, sd_bus_message* answer) {
         try {
             taker(answer);
         } catch (const RuntimeError&) {
-            // Nobody is left who could be told that the answer made no sense.
+            // Nobody is left to whom this could be reported.
             return;
         }
     }
@@ -82,7 +82,7 @@ class Caller::Awaited : public Outgoing {
         retry_.reset();
         patience_->CallEnded();
     }
-    // Raises 462 where there is none, and what the answer tells of.
+    // Raises 462 if there is none, and the error that the answer carries.
     MessageRef Answer() const {
         if (!isAnswered_) patience_->RequireOngoing();
         if (!answer_) throw RuntimeError(ErrorNumber::ServerGone, "the connection to the bus was lost");

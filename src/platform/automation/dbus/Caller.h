@@ -21,7 +21,7 @@ class Caller {
     // Sends a call and serves the process's other events until it is answered. A busy callee is tried again
     // for as long as `patience` lasts; without one the call has a patience of its own. `kept` lives until the
     // answer comes, which may be after the operator gave up; `tooLate` gets such an answer. Raises 462 where
-    // the operator gave up or the connection was lost, and what the answer tells of.
+    // the operator gave up or the connection was lost, and the error that the answer carries.
     MessageRef Call(const MessageRef& call, std::shared_ptr<Patience> patience, std::shared_ptr<void> kept,
                     Answered tooLate);
 

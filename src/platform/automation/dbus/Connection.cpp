@@ -134,7 +134,7 @@ int Connection::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) no
 int Connection::OnAnswer(sd_bus_message* message, void* context, sd_bus_error*) noexcept {
     auto* outgoing = static_cast<OutgoingCall*>(context);
     Connection* connection = outgoing->connection;
-    // Tells Lose that this call has its answer.
+    // Lets Lose know that this call has its answer.
     outgoing->slot.reset();
     connection->due_.push_back(
         [connection, outgoing, answer = Shared(message)] { connection->Answer(*outgoing, answer); });
@@ -195,7 +195,7 @@ void Connection::Continue() {
     });
 }
 
-// The descriptor tells nothing of messages that the library has read already.
+// The descriptor doesn't show messages that the library has read already.
 void Connection::ContinueIfHolding() {
     std::uint64_t held = 0;
     if (!lost_) sd_bus_get_n_queued_read(bus_.get(), &held);

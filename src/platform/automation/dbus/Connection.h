@@ -48,14 +48,14 @@ class Connection {
     // Gives the names that it owns back. The bus knows of it ahead of all that is sent later.
     void GiveNamesBack();
 
-    // Gives the names back, refuses as busy the calls that came before they were gone, and sends what is
+    // Gives the names back, refuses as busy the calls that came before that, and sends what is
     // held. Takes a second at most for the names, and for the sending.
     void Leave();
 
     // Has messages by a match rule given to `handler`, which may only note them. Raises as NewCall.
     SlotRef AddMatch(const std::string& rule, sd_bus_message_handler_t handler, void* context);
 
-    // Runs `call` in a step of its own, behind what was received before.
+    // Runs `call` in a step of its own, after what was received before.
     void Defer(std::function<void()> call);
 
     // Serves the loop until `done` is true, with the operator's input held back.

@@ -32,10 +32,10 @@ class Exports {
 
     void WhenInUse(std::function<void(bool)> changed) { inUseChanged_ = std::move(changed); }
 
-    // True where objects wait for Settle to hear that their last client is gone.
+    // True where objects wait for Settle to hear that their last client has left.
     bool HasDepartures() const { return !departed_.empty(); }
-    // Tells those objects, and tells whether there still are clients. Apart from Release, so that its answer
-    // can leave first.
+    // Lets those objects know; returns whether there still are clients. Apart from Release, so that its
+    // answer can leave first.
     void Settle();
 
   private:

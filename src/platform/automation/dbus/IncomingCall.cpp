@@ -118,7 +118,7 @@ void IncomingCall::Fail(const char* name, const RuntimeError& error) {
     answer_ = ErrorAnswer(message_.get(), name, error);
 }
 
-// By now the arguments that were made of the message are gone, and so are those of the member: who else
+// By now the arguments that were made of the message are released, and so are those of the member: who else
 // refers to a borrowed object wants to keep it.
 void IncomingCall::RetainBorrowed() {
     for (const auto& object : borrowed_)
@@ -137,7 +137,7 @@ void IncomingCall::SendAnswer() {
             connection.Send(answer_.get());
         }
     }
-    // Counted for a caller that is gone, the objects go the way of all that it held.
+    // Counted for a caller that has left, the objects are released with all that it held.
     if (returned_) returned_->GrantTo(sender_);
 }
 

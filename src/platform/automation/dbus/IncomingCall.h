@@ -41,7 +41,7 @@ class IncomingCall {
     sd_bus_message* Answer();
     void ReturnVariant(const Value& value);
     void ReturnTyped(const Value& value, ValueType type);
-    // An object that begins with the call. Where the caller can't be given it, its last client has gone.
+    // An object that begins with the call. If it can't be sent to the caller, its last client has left.
     void ReturnCreated(const ObjectRef& object);
     void ReturnGiven(const Value& value);
 

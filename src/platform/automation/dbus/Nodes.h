@@ -1,4 +1,4 @@
-// The tree of object paths, and what introspection tells of each.
+// The tree of object paths, and the introspection data of each.
 #pragma once
 
 #include <string>

@@ -25,7 +25,7 @@ bool SaysNobody(sd_bus_message* answer) {
 // One caller's interest; it keeps the peer's match alive.
 struct Peers::Subscription {
     std::shared_ptr<Peer> peer;
-    std::function<void()> gone;
+    std::function<void()> left;
 };
 
 struct Peers::Peer {
@@ -33,9 +33,9 @@ struct Peers::Peer {
     std::vector<std::weak_ptr<Subscription>> subscriptions;
 };
 
-std::shared_ptr<void> Peers::Watch(const std::string& name, std::function<void()> gone) {
+std::shared_ptr<void> Peers::Watch(const std::string& name, std::function<void()> left) {
     const auto peer = PeerOf(name);
-    auto subscription = std::make_shared<Subscription>(Subscription{peer, std::move(gone)});
+    auto subscription = std::make_shared<Subscription>(Subscription{peer, std::move(left)});
     std::erase_if(peer->subscriptions, [](const auto& entry) { return entry.expired(); });
     peer->subscriptions.push_back(subscription);
     return subscription;
@@ -57,7 +57,7 @@ std::shared_ptr<Peers::Peer> Peers::PeerOf(const std::string& name) {
 
 void Peers::Subscribe(const std::string& name, const std::shared_ptr<Peer>& peer) {
     peer->match = connection_.AddMatch(RuleFor(name), OnNameChange, this);
-    // Whoever left before the match was installed isn't told of by it.
+    // The match doesn't report those who left before it was installed.
     const MessageRef question =
         connection_.NewCall(bus::daemonName, bus::daemonPath, bus::daemonName, "NameHasOwner");
     sd_bus_message_append_basic(question.get(), 's', name.c_str());
@@ -84,7 +84,7 @@ void Peers::Left(const std::string& name) {
     peers_.erase(found);
     if (!peer) return;
     for (const auto& entry : std::exchange(peer->subscriptions, {}))
-        if (const auto subscription = entry.lock()) Guard(subscription->gone);
+        if (const auto subscription = entry.lock()) Guard(subscription->left);
 }
 
 void Peers::LoseAll() {

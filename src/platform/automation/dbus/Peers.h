@@ -15,9 +15,9 @@ class Peers {
   public:
     explicit Peers(Connection& connection) : connection_(connection) {}
 
-    // Calls `gone` once when the owner of the name leaves, or has left already. The bus is asked to tell of
+    // Calls `left` once when the owner of the name leaves, or has left already. The bus is asked to report
     // it for as long as a result lives.
-    std::shared_ptr<void> Watch(const std::string& name, std::function<void()> gone);
+    std::shared_ptr<void> Watch(const std::string& name, std::function<void()> left);
 
     // As if all had left.
     void LoseAll();

@@ -110,7 +110,7 @@ void RemoteObject::Retain() {
     owns_ = true;
 }
 
-// Nobody waits for the answer: where the owner is gone, there is nothing left to count.
+// Nobody waits for the answer: if the owner has left, there is nothing to count.
 void RemoteObject::Notify(const char* method) noexcept {
     const auto session = session_.lock();
     if (!session) return;
@@ -164,9 +164,9 @@ std::shared_ptr<RemoteObject> RemoteObject::Within(std::shared_ptr<Patience> pat
     return same;
 }
 
-std::shared_ptr<void> RemoteObject::WhenOwnerGone(std::function<void()> gone) {
+std::shared_ptr<void> RemoteObject::WhenOwnerGone(std::function<void()> left) {
     const auto session = session_.lock();
-    return session ? session->Others().Watch(address_.owner, std::move(gone)) : nullptr;
+    return session ? session->Others().Watch(address_.owner, std::move(left)) : nullptr;
 }
 
 }  // namespace platform

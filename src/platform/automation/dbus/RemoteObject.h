@@ -34,9 +34,9 @@ class RemoteObject : public Object {
 
     // It has no members of its own; all are its owner's.
     const ClassDescription& Class() const override;
-    // Raises 462 where the owner or the connection is gone, and what the call raises there.
+    // Raises 462 if the owner has left or the connection is lost, and what the call raises there.
     Value Invoke(std::string_view member, InvokeKind kind, Arguments& arguments) override;
-    std::shared_ptr<void> WhenOwnerGone(std::function<void()> gone) override;
+    std::shared_ptr<void> WhenOwnerGone(std::function<void()> left) override;
 
   private:
     void Notify(const char* method) noexcept;

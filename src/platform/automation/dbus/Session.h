@@ -32,7 +32,7 @@ class Session : public std::enable_shared_from_this<Session> {
     // The object of a reference that came with an answer and is owned from now on.
     ObjectRef Received(const Address& address, const std::string& sender);
 
-    // Sends what is waiting, then tells objects whose last client is gone.
+    // Sends what is waiting, then lets objects know whose last client has left.
     void Settle();
 
   private:

@@ -25,6 +25,15 @@ class SessionBusNames : public BusNames {
   public:
     std::set<std::string> Running() override { return List("ListNames"); }
     std::set<std::string> Startable() override { return List("ListActivatableNames"); }
+    int ProcessOf(const std::string& name) override {
+        sd_bus_creds* found = nullptr;
+        pid_t process = 0;
+        if (!bus_) bus_ = Connected();
+        if (sd_bus_get_name_creds(bus_.get(), name.c_str(), SD_BUS_CREDS_PID, &found) < 0) return 0;
+        const std::unique_ptr<sd_bus_creds, decltype(&sd_bus_creds_unref)> credentials(found,
+                                                                                       sd_bus_creds_unref);
+        return sd_bus_creds_get_pid(found, &process) < 0 ? 0 : process;
+    }
     void Reload() override { Ask("ReloadConfig"); }
 
   private:

@@ -10,7 +10,7 @@ namespace platform {
 
 namespace {
 
-// The byte that stands for a value without content.
+// The byte for a value without content.
 constexpr std::uint8_t emptyMark = 0, nullMark = 1, missingMark = 10;
 
 void RequireRead(int result) {

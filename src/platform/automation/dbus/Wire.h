@@ -20,7 +20,7 @@ using AddressOfObject = std::function<Address(const ObjectRef&)>;
 using ObjectAtAddress = std::function<ObjectRef(const Address&)>;
 
 // True where the unit at `index` makes a text that receivers can't take: U+0000, or the end of one of the
-// code points that stand for no character.
+// code points that are no character.
 bool IsUnfit(TextView text, std::size_t index);
 
 // Each raises 5 for a text that can't travel.

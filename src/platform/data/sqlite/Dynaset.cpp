@@ -109,7 +109,8 @@ std::int32_t Dynaset::RecordCount() const {
 
 void Dynaset::Edit() {
     RequireRow();
-    if (table_.empty() || connection_->IsReadOnly()) throw MakeDataError(DataError::ReadOnly);
+    if (table_.empty()) throw MakeDataError(DataError::ReadOnly);
+    connection_->PrepareToWrite();
     changes_.emplace();
 }
 

@@ -35,7 +35,7 @@ class Dynaset : public Recordset {
     using Change = std::pair<std::size_t, Value>;
 
     std::unique_ptr<Statement> NumberedStatement(TextView query);
-    // Reads a row whose fields begin at `first`; its number, where there is one, stands before them.
+    // Reads a row whose fields begin at `first`; its number, if any, is before them.
     Row ReadRow(const Statement& statement, std::size_t first) const;
     void ReadRows(Statement& statement, std::size_t first);
     void RequireOpen() const;

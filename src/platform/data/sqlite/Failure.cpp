@@ -9,7 +9,7 @@ namespace platform {
 
 namespace {
 
-std::optional<std::string> Behind(std::string_view start, std::string_view message) {
+std::optional<std::string> After(std::string_view start, std::string_view message) {
     if (!message.starts_with(start)) return std::nullopt;
     return std::string(message.substr(start.size()));
 }
@@ -18,17 +18,16 @@ std::string WithMessage(std::string_view what, std::string_view message) {
     return std::string(what).append(": ").append(message);
 }
 
-// SQLite has one code for all that is wrong with a query; only its message tells what it is.
-RuntimeError QueryFailure(std::string_view message, std::string_view file) {
-    if (const auto table = Behind("no such table: ", message))
-        return MakeDataError(DataError::NoSuchTable,
-                             "The table '" + *table + "' was not found in " + std::string(file));
-    if (const auto field = Behind("no such column: ", message))
+// SQLite has one code for all that is wrong with a query; only its message says what it is.
+RuntimeError QueryFailure(std::string_view message, const std::string& file) {
+    if (const auto table = After("no such table: ", message))
+        return MakeDataError(DataError::NoSuchTable, "The table '" + *table + "' was not found in " + file);
+    if (const auto field = After("no such column: ", message))
         return MakeDataError(DataError::NoSuchQueryField,
-                             "The field '" + *field + "' was not found in " + std::string(file));
+                             "The field '" + *field + "' was not found in " + file);
     if (message.ends_with("ORDER BY term does not match any column in the result set"))
         return MakeDataError(DataError::NoSuchQueryField,
-                             "The query is sorted by a field that was not found in " + std::string(file));
+                             "The query is sorted by a field that was not found in " + file);
     if (message.ends_with("do not have the same number of result columns"))
         return MakeDataError(DataError::UnionColumns);
     return MakeDataError(DataError::QuerySyntax, WithMessage("The query is not well formed", message));
@@ -36,15 +35,15 @@ RuntimeError QueryFailure(std::string_view message, std::string_view file) {
 
 }  // namespace
 
-RuntimeError SqliteFailure(int code, std::string_view message, std::string_view file) {
-    const std::string name(file);
+RuntimeError SqliteFailure(int code, std::string_view message, const std::filesystem::path& file) {
+    const std::string name = file.filename(), place = "'" + file.native() + "'";
     switch (code & 0xFF) {
         case SQLITE_ERROR:
-            return QueryFailure(message, file);
+            return QueryFailure(message, name);
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
             return MakeDataError(DataError::Locked,
-                                 name + " is locked by another user; try again in a moment");
+                                 place + " is locked by another program; try again in a moment");
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:
             return MakeDataError(DataError::NotADatabase, name + " is not a database, or it is damaged");
@@ -52,7 +51,7 @@ RuntimeError SqliteFailure(int code, std::string_view message, std::string_view 
         case SQLITE_CANTOPEN:
         case SQLITE_PERM:
         case SQLITE_READONLY:
-            return MakeDataError(DataError::ReadOnly, name + " can't be changed: it is read-only");
+            return MakeDataError(DataError::ReadOnly, place + " can't be changed: it is read-only");
         case SQLITE_CONSTRAINT:
         case SQLITE_MISMATCH:
             return MakeDataError(DataError::ValueRefused,

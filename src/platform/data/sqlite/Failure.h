@@ -1,13 +1,14 @@
 // SQLite's failures as those of the data interface.
 #pragma once
 
+#include <filesystem>
 #include <string_view>
 
 #include "platform/data/Database.h"
 
 namespace platform {
 
-// The failure for a result code. `message` is SQLite's own wording, `file` the name of the database file.
-RuntimeError SqliteFailure(int code, std::string_view message, std::string_view file);
+// The failure for a result code. `message` is SQLite's own wording, `file` the database file.
+RuntimeError SqliteFailure(int code, std::string_view message, const std::filesystem::path& file);
 
 }  // namespace platform

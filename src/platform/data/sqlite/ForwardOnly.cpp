@@ -15,7 +15,7 @@ void ForwardOnly::RequireOpen() const {
 }
 
 void ForwardOnly::Advance() {
-    // Behind a step that fails there is no row to read either.
+    // After a step that fails there is no row to read either.
     atEnd_ = true;
     if (!statement_->Step()) return;
     atEnd_ = false;

@@ -13,20 +13,22 @@ namespace platform {
 
 class Statement;
 
-// Shared by the database object and its record sets. Once it is closed, its statements are gone, and
+// Shared by the database object and its record sets. Once it is closed, its statements are finalized, and
 // whoever uses them or it gets 3420.
 class SqliteConnection {
   public:
-    // Opens the normal file `file` and reads it, so that what is no database is found out here. Raises
-    // 3343, 3260, 3051.
-    SqliteConnection(const std::filesystem::path& file, bool readOnly);
+    // Opens the normal file `file` and reads it, so that what is no database is found out here. `ownPlace` is
+    // where it has to lie to be written. Raises 3343, 3260, 3051.
+    SqliteConnection(const std::filesystem::path& file, const std::filesystem::path& ownPlace, bool readOnly);
     ~SqliteConnection();
     SqliteConnection(const SqliteConnection&) = delete;
     SqliteConnection& operator=(const SqliteConnection&) = delete;
 
     // Raises 3420 once it is closed.
     sqlite3* Handle() const;
-    bool IsReadOnly() const;
+    // To be called before a change. Goes on with the file in its own place, where it is copied to if there is
+    // none. Raises 3027 and 3043 where it can't be written, and what the constructor raises.
+    void PrepareToWrite();
     void Close();
 
     // Raises the failure of the last call.
@@ -38,10 +40,13 @@ class SqliteConnection {
     void Remove(Statement& statement);
 
   private:
-    void Open(const std::filesystem::path& file, bool readOnly);
+    void Open();
     void ReadSchema() const;
+    void CopyToOwnPlace() const;
 
-    std::string name_;
+    std::filesystem::path file_;  // absolute
+    const std::filesystem::path ownPlace_;
+    const bool readOnly_;
     sqlite3* handle_ = nullptr;
     std::vector<Statement*> statements_;
 };

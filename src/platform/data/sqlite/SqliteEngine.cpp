@@ -13,8 +13,8 @@ namespace fs = std::filesystem;
 
 class SqliteDatabase : public Database {
   public:
-    SqliteDatabase(const fs::path& file, bool readOnly)
-        : connection_(std::make_shared<SqliteConnection>(file, readOnly)) {}
+    SqliteDatabase(const fs::path& file, const fs::path& ownPlace, bool readOnly)
+        : connection_(std::make_shared<SqliteConnection>(file, ownPlace, readOnly)) {}
 
     std::unique_ptr<Recordset> OpenRecordset(TextView query, RecordsetType type) override {
         connection_->Handle();
@@ -32,7 +32,7 @@ class SqliteDatabase : public Database {
     std::shared_ptr<SqliteConnection> connection_;
 };
 
-// Tells apart what SQLite reports as one: a file that isn't there, one that the user may not reach, and one
+// Distinguishes what SQLite reports as one: a file that isn't there, one that the user may not reach, and one
 // that is empty, which SQLite would take for a new database.
 void RequireDatabaseFile(const fs::path& file) {
     std::error_code error;
@@ -48,26 +48,26 @@ void RequireDatabaseFile(const fs::path& file) {
 
 class SqliteEngine : public DatabaseEngine {
   public:
-    explicit SqliteEngine(Spellings spellings) : spellings_(std::move(spellings)) {}
+    explicit SqliteEngine(Layers layers) : layers_(std::move(layers)) {}
 
     DatabaseRef OpenDatabase(TextView path, bool readOnly) override {
-        const fs::path file = RealPath(path, spellings_);
+        const fs::path file = layers_.Find(path);
         RequireDatabaseFile(file);
-        return OpenSqliteDatabase(file, readOnly);
+        return std::make_shared<SqliteDatabase>(file, layers_.OwnPlace(file), readOnly);
     }
 
   private:
-    const Spellings spellings_;
+    const Layers layers_;
 };
 
 }  // namespace
 
 DatabaseRef OpenSqliteDatabase(const fs::path& file, bool readOnly) {
-    return std::make_shared<SqliteDatabase>(file, readOnly);
+    return std::make_shared<SqliteDatabase>(file, file, readOnly);
 }
 
-std::unique_ptr<DatabaseEngine> MakeSqliteEngine(Spellings spellings) {
-    return std::make_unique<SqliteEngine>(std::move(spellings));
+std::unique_ptr<DatabaseEngine> MakeSqliteEngine(Layers layers) {
+    return std::make_unique<SqliteEngine>(std::move(layers));
 }
 
 }  // namespace platform

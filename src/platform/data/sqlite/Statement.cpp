@@ -77,7 +77,7 @@ Statement::Statement(std::shared_ptr<SqliteConnection> connection, TextView quer
     if (!statement_) connection_->FailQuery("it is empty");
     if (!IsWhole(std::string_view(utf8).substr(used))) {
         Finalize();
-        connection_->FailQuery("there is more behind its end");
+        connection_->FailQuery("there is more after its end");
     }
     connection_->Add(*this);
 }

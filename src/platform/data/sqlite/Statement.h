@@ -20,7 +20,7 @@ class Statement {
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
 
-    // Goes on to the next row; false behind the last one.
+    // Goes on to the next row; false after the last one.
     bool Step();
 
     bool OnlyReads() const;

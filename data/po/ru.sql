@@ -1,0 +1,1 @@
+UPDATE tForms SET FontName = 'Liberation Sans';

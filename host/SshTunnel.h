@@ -1,0 +1,36 @@
+// The system bus of another machine, through the operator's own ssh.
+#pragma once
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <functional>
+#include <memory>
+
+#include "host/Failure.h"
+
+namespace switchdesk {
+
+class SshTunnel {
+    Q_DECLARE_TR_FUNCTIONS(SshTunnel)
+
+  public:
+    // Starts ssh, which never asks anything and accepts known host keys only. `ended` is called once, unless
+    // the tunnel is destroyed first, and may destroy it. `address` is [user@]host.
+    SshTunnel(const QString& address, std::function<void(const Failure& why)> ended);
+
+    // The near end, of which the first caller becomes the owner. -1 if there is none.
+    int TakeSocket();
+
+  private:
+    struct Ender {
+        void operator()(QProcess* ssh) const;
+    };
+
+    Failure WhyEnded() const;
+
+    const QString address_;
+    int socket_ = -1;
+    std::unique_ptr<QProcess, Ender> ssh_;
+};
+
+}  // namespace switchdesk

@@ -1,0 +1,65 @@
+// The clock service of a machine, org.freedesktop.timedate1 on its system bus.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "host/Failure.h"
+#include "host/SshTunnel.h"
+#include "platform/automation/dbus/Handles.h"
+#include "platform/runtime/EventLoop.h"
+
+namespace switchdesk {
+
+// Carries one call at a time. Opens its connection for the first call, and keeps it.
+class TimedateLink {
+    Q_DECLARE_TR_FUNCTIONS(TimedateLink)
+
+  public:
+    // `address` is [user@]host, or empty for this PC. `failed` ends a call that can't be answered; it may
+    // start another. `loop` must outlive the link.
+    TimedateLink(platform::EventLoop& loop, QString address, std::function<void(const Failure& why)> failed);
+
+    bool IsOpen() const { return bus_ != nullptr; }
+
+    // The values of properties.
+    void ReadText(const char* property, std::function<void(std::string value)> then);
+    void ReadNumber(const char* property, std::function<void(std::uint64_t value)> then);
+    // Sets the clock to microseconds since 1970, UTC. Asks nobody for a password.
+    void SetTime(std::int64_t time, std::function<void()> then);
+
+    // Forgets the call that is under way. A write may take effect all the same.
+    void Forget();
+    // Forgets it, and closes the connection.
+    void Close();
+
+  private:
+    using Then = std::function<void(sd_bus_message* answer)>;
+
+    static int OnAnswer(sd_bus_message* answer, void* self, sd_bus_error*) noexcept;
+
+    bool Open();
+    int OpenTunnel(sd_bus*& bus);
+    void Read(const char* property, Then then);
+    void Send(const char* interface, const char* member, const std::function<int(sd_bus_message*)>& fill,
+              Then then);
+    void Serve();
+    void Act(const platform::MessageRef& answer);
+    void EndOfBus();
+    void Fail(const Failure& why);
+
+    platform::EventLoop& loop_;
+    const QString address_;
+    std::function<void(const Failure& why)> failed_;
+    std::unique_ptr<SshTunnel> tunnel_;
+    platform::BusRef bus_;
+    platform::SlotRef slot_;
+    Then then_;
+    platform::MessageRef answer_;  // has come, and is still to be acted on
+    platform::HandleRef readable_, writable_, soon_;
+    bool answered_ = false;  // the connection has carried an answer
+};
+
+}  // namespace switchdesk

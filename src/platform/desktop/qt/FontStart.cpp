@@ -1,9 +1,0 @@
-#include "platform/desktop/qt/FontStart.h"
-
-#include <fontconfig/fontconfig.h>
-
-namespace platform {
-
-FontStart::FontStart() : reading_([] { FcInit(); }) {}
-
-}  // namespace platform

@@ -1,0 +1,181 @@
+"""Exchanges whose clock is real: through ssh, set by Debian's own clock service, by clicks in the add-in."""
+import os
+import re
+import signal
+import time
+from datetime import date, datetime, timedelta, timezone
+from zoneinfo import ZoneInfo
+
+import end_to_end
+import stage
+from driver import LIMIT, Role
+from end_to_end import BUILD, Host, run
+from far_side import FarSide
+from stage import ADD_IN, CLOCK_READ, LOOKUP, SWITCHDESK, UPDATE
+
+AHEAD, LONG = 1000, 40  # seconds: the far clock until it is set; the link has limits of 12 and 6
+UPDATED, FAILED, NOT_READ = "The date and time of the PBX have been updated.", "Update Failed", "Reading Failed"
+NO_ANSWER, NOT_ALLOWED = "(no valid answer from the PBX)", "CODE NOT ALLOWED"
+NEW_YORK = ZoneInfo("America/New_York")
+far = None
+
+
+def setUpModule():
+    global far
+    end_to_end.open_stage()
+    far = FarSide(stage.arrangement, run, BUILD / "tests/e2e/libown_clock.so")
+
+
+def lose_before():
+    far.signal_connections(signal.SIGKILL)
+    far.kill_service()
+
+
+def lose_after():
+    far.signal_connections(signal.SIGKILL)
+    os.kill(far.service(), signal.SIGCONT)
+
+
+# Where the exchange is and what is wrong there; what is done while the clock service stands still in the middle of a
+# write; what the operator sees and the host says; whether the clock has been set.
+FAILURES = {
+    "no route": ("ssh:closed,set", "", None, NO_ANSWER, "It can't be reached: .*Connection refused", False),
+    "key refused": ("ssh:keyless,set", "", None, NO_ANSWER, "It refused this user's ssh keys", False),
+    "host key unknown": ("ssh:stranger,set", "", None, NO_ANSWER, "Its host key is unknown. Run .*ssh stranger", False),
+    "host key changed": ("ssh:changed,set", "", None, NO_ANSWER, "Its host key isn't the known one", False),
+    "no bridge": ("ssh:far,set", "bridgeless", None, NO_ANSWER, "It has no systemd-stdio-bridge", False),
+    "no clock service": ("ssh:far,set", "absent", None, NO_ANSWER, "It has no clock service", False),
+    "refused by polkit": ("ssh:far,set", "refusing", None, NOT_ALLOWED, "Its rules .polkit. don't let", False),
+    "kept by NTP": ("ssh:far,set", "ntp", None, NOT_ALLOWED, "It keeps its clock by NTP", False),
+    "only to be read": ("local", "", None, NOT_ALLOWED, "Its clock may only be read", False),
+    "lost before it was set": ("ssh:far,set", "stop-before", lose_before, NO_ANSWER,
+                               "The connection was lost. The clock was not set.", False),
+    "lost after it was set": ("ssh:far,set", "stop-after", lose_after, UPDATED,
+                              "The connection was lost. The clock has been set.", True),
+    "clock service killed": ("local,set", "stop-before", lambda: far.kill_service(), NO_ANSWER,
+                             "Its clock service ended without an answer. The clock was not set.", False),
+    "answer after the limit": ("ssh:far,set", "stop-before", lambda: None, NO_ANSWER,
+                               "It didn't answer in time. Whether the clock was set isn't known: read it.", False),
+}
+
+
+def next_change():
+    """The day on which the clocks are put forward next over there, from two to three."""
+    days = (date.today() + timedelta(days=ahead) for ahead in range(1, 400))
+    return next(day for day in days if datetime(day.year, day.month, day.day, 2, 30, tzinfo=NEW_YORK).astimezone(
+        timezone.utc).astimezone(NEW_YORK).hour != 2)
+
+
+class Exchanges(stage.EndToEndTest):
+    def open(self, place, *faults):
+        """The dialog for an exchange there."""
+        far.reset(AHEAD, *faults)
+        self.host = Host(self, "--exchange", f"far={place}", exchange="far", environment=far.environment).open()
+        stage.driver.raise_window(stage.dialog_title("far"))
+
+    def assert_host_says(self, sentence):
+        said = [line for line in self.host.lines() if line.startswith("ShowMessage(")]
+        self.assertRegex(said[-1], rf'ShowMessage\("far: {sentence}')
+
+    def assert_shown(self):
+        """A lookup succeeds, and its box shows what the far clock shows where that is."""
+        text = self.look_up()
+        shown = datetime(*map(int, re.findall(r"\d+", text)), tzinfo=NEW_YORK).timestamp()
+        clock, took = far.clock()
+        self.assertLess(abs(shown - clock), 10 + took)  # the box was closed meanwhile
+
+    def update(self, text, title=CLOCK_READ):
+        self.press(UPDATE)
+        self.assertIn(text, self.close_box(title, seconds=LONG))
+        self.wait_until_enabled(UPDATE)
+
+    # --- setting by hand --------------------------------------------------------------------------
+
+    def choose_day(self, day):
+        for name in ("Follow the time of this PC", "Follow the date of this PC"):
+            stage.driver.untick(stage.driver.find(ADD_IN, name, Role.CHECK_BOX))
+        self.choose("Hour")
+        months = (day.year - date.today().year) * 12 + day.month - date.today().month
+        stage.driver.press("Tab", "Tab", "Tab", *["Next"] * months, "Return", *["Right"] * (day.day - 1))
+
+    def choose(self, name, wanted=None):
+        """A part of the time, and what it is to show."""
+        part = stage.driver.find(ADD_IN, name, Role.TEXT)
+        stage.driver.click(part)
+        self.wait_for(lambda: stage.driver.is_focused(part), f"'{name}' to be chosen")
+        while wanted not in (None, before := stage.driver.value(part)):
+            stage.driver.press("Up")
+            self.wait_for(lambda before=before: stage.driver.value(part) != before, f"'{name}' to change")
+        return before
+
+    def test_it_is_right_to_the_second_in_another_time_zone_and_over_a_change_of_its_clocks(self):
+        self.open("ssh:far,set", "slow")
+        self.assert_shown()
+        self.assertEqual((far.folder / "asked").read_text().split(), [
+            "-xaT", "-oBatchMode=yes", "-oStrictHostKeyChecking=yes", "-oConnectTimeout=10", "-oClearAllForwardings=yes",
+            "-oRemoteCommand=none", "--", "far", "systemd-stdio-bridge"])
+        connection = far.connections()
+        self.update(UPDATED)
+        clock, took = far.clock()
+        shown = datetime.fromtimestamp(clock, NEW_YORK).replace(tzinfo=None)
+        self.assertLess(abs(datetime.now() - shown), timedelta(seconds=took + 0.25))
+        self.assert_host_says("clock set")
+        change = next_change()
+        self.choose_day(change)
+        self.choose("AM or PM", "AM")
+        self.choose("Hour", "02")
+        self.update("DATA ERROR", FAILED)
+        self.assert_host_says("Its clocks skip that time")
+        minute, second, hour = (int(self.choose(*part)) for part in (["Minute"], ["Second"], ["Hour", "03"]))
+        sent = time.monotonic()
+        self.update(UPDATED)
+        clock, _ = far.clock()
+        since = clock - datetime(change.year, change.month, change.day, hour, minute, second, tzinfo=NEW_YORK).timestamp()
+        self.assertTrue(0 < since < time.monotonic() - sent, since)
+        self.assert_shown()
+        self.assertEqual(far.connections(), connection)
+
+    def test_failures(self):
+        for name, (place, fault, act, box, sentence, is_set) in FAILURES.items():
+            with self.case(name):
+                self.open(place, *fault.split())
+                self.press(UPDATE)
+                if act:
+                    far.wait_until_service_stands_still()
+                    act()
+                self.assertIn(box, self.close_box(CLOCK_READ if is_set else FAILED, seconds=LONG))
+                self.assert_host_says(sentence)
+                self.assertEqual(round(far.ahead()) != AHEAD, is_set)
+                self.wait_until_enabled(UPDATE)
+                self.go_on(place)
+
+    def go_on(self, place):
+        """The dialog reads the clock when what was wrong there is mended, or says again that it can't."""
+        far.mend()
+        if pid := far.service():
+            os.kill(pid, signal.SIGCONT)
+        if place.startswith(("ssh:far", "local")):
+            return self.assert_shown()
+        self.press(LOOKUP)
+        self.close_box(NOT_READ)
+        return self.wait_until_enabled()
+
+    def test_a_connection_that_stands_still_is_given_up_and_opened_again(self):
+        self.open("ssh:far,set")
+        self.assert_shown()
+        far.signal_connections(signal.SIGSTOP)
+        self.press(LOOKUP)
+        self.close_box(NOT_READ, seconds=LONG)
+        self.assert_host_says("It didn't answer in time.")
+        self.wait_until_enabled()
+        self.assert_shown()
+
+    def test_the_host_says_what_became_of_a_write_whose_add_in_ends(self):
+        self.open("ssh:far,set", "stop-before")
+        self.press(UPDATE)
+        far.wait_until_service_stands_still()
+        os.kill(stage.pids(ADD_IN)[0], signal.SIGKILL)
+        self.host.wait_for_line("# client of L1 has left")
+        os.kill(far.service(), signal.SIGCONT)
+        messages = stage.driver.find(SWITCHDESK, "Messages", Role.TEXT)
+        self.wait_for(lambda: "far: clock set" in stage.driver.value(messages), "the host's message", LIMIT)

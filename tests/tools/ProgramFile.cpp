@@ -1,7 +1,0 @@
-#include "platform/desktop/ProgramFile.h"
-
-#include <iostream>
-
-int main() {
-    std::cout << platform::ProgramFile().string() << "\n";
-}

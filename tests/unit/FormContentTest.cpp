@@ -1,0 +1,264 @@
+// What the tables say of a form goes to its controls: their texts and fonts, and their pictures.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "Joined.h"
+#include "harness/Desk.h"
+#include "language/FormTexts.h"
+#include "pictures/comPicture.h"
+
+using namespace horalink;
+using namespace platform;
+using desk::Notes, desk::Short;
+
+namespace {
+
+// A control of any type, which notes what is done to it and to whatever it gives out.
+struct NotedControl : forms::Control {
+    NotedControl(forms::Form& form, std::string_view typeName, Notes& toWrite, std::string path,
+                 Text name = {}, std::int16_t index = -1)
+        : Control(form, std::move(name), index),
+          type{typeName, {}},
+          notes(toWrite),
+          prefix(std::move(path)) {}
+    const ClassDescription& Class() const override { return type; }
+    Value Invoke(std::string_view member, InvokeKind kind, Arguments& arguments) override {
+        if (member == "Width") return Width();
+        if (member == "Height") return Height();
+        if (member == "Count") return 2;
+        std::string given;
+        for (const Value& argument : arguments) given += (given.empty() ? "" : ",") + Described(argument);
+        const std::string name = prefix + std::string(member);
+        if (kind == InvokeKind::PropertyGet)
+            return std::make_shared<NotedControl>(Owner(), "", notes, name + given + ".");
+        return notes.push_back(name + "=" + given), Value();
+    }
+    static std::string Described(const Value& value) {
+        if (!value.IsObject()) return ToUtf8(value.ToText());
+        const auto picture = std::dynamic_pointer_cast<forms::Picture>(value.ToObject());
+        return picture ? picture->Content() : "object";
+    }
+
+    const ClassDescription type;
+    Notes& notes;
+    const std::string prefix;
+};
+
+// A form of either kind that is painted anew by a note.
+struct NotedForm : forms::Form, forms::Toolkit {
+    NotedForm(Scheduler& scheduler, Notes& toWrite) : Form(u"form", scheduler, *this), notes(toWrite) {
+        Show();
+    }
+    const ClassDescription& Class() const override { return isMdi ? mdi : Form::Class(); }
+    std::unique_ptr<forms::View> MakeView(forms::Form&) override { return std::make_unique<View>(*this); }
+    struct View : headless::Window {
+        explicit View(NotedForm& form) : Window(form, form.gate, [] { return false; }), noted(form) {}
+        void FormChanged() override { noted.notes.push_back("Refresh"); }
+        NotedForm& noted;
+    };
+    forms::InputGate gate{Timers()};
+    const ClassDescription mdi{"MDIForm", Form::Class().members};
+    bool isMdi = false;
+    Notes& notes;
+};
+
+struct FormContentTest : testing::Test {
+    FormContentTest() {
+        databases.Add(u"a", R"(
+            create table tForms (ObjectName, Caption, FontName, FontSize);
+            create table tControls (ObjectName, [Index], Caption, FontName, FontSize, ToolTipText, FormName);
+            create table tPicture (ObjectName, [Index], FileName, BasePanel, BasePanelIndex, FormName))");
+        databases.Add(u"common", R"(
+            create table PictureFileName (ID, DefaultName, FileName);
+            insert into PictureFileName values (0, 'one', 'two'), (3, 'ONE', 'two'), (3, 'one', 'bad'),
+                (4, 'one', 'missing'), (5, 'two', 'one'), (5, null, 'x'), (5, 'one', 'two'), (-7, 'one', 'two'))");
+        computer.pictures.files = {{u"D\\one", "1"}, {u"D\\two", "2"}, {u"D\\bad", ""}, {u"D\\-1", "no"}};
+        computer.boxes.whileOpen = [this] { notes.push_back("notice"); };
+    }
+    void Add(const char16_t* name, const char* type, const std::string& path, std::int16_t index = -1,
+             float width = 0) {
+        const auto control = std::make_shared<NotedControl>(*form, type, notes, path, name, index);
+        control->Place(1, 2, width, width / 2);
+        form->Adopt(control);
+    }
+    void AddPanels() {
+        form->Width = 7110;
+        form->Height = 4365;
+        Add(u"image", "Image", "image."), Add(u"image", "Image", "image2.", 2);
+        Add(u"tree", "SSTree", "tree."), Add(u"list", "SSListBar", "list.");
+        Add(u"panel", "SSPanel", "panel.", -1, 30), Add(u"panel", "PictureBox", "panel1.", 1, 31);
+        Add(u"frame", "Frame", "frame.", -1, 32);
+    }
+    // Puts rows of the form in place of those of a table, after one of another form, and forgets the notes.
+    void Fill(const std::string& table, const std::string& rows) {
+        databases.Add(u"a", "delete from " + table + "; insert into " + table +
+                                " select *, 'other' from (values " + rows + ") limit 1; insert into " +
+                                table + " select *, 'form' from (values " + rows + ")");
+        notes.clear(), computer.Calls();
+    }
+    bool LoadForm(const std::string& sql) {
+        databases.Add(u"a", sql);
+        computer.Calls();
+        return LoadFormText(computer.boxes, *form, *databases.OpenDatabase(u"a", true));
+    }
+    bool LoadControls(const std::string& rows) {
+        Fill("tControls", rows);
+        return LoadControlsText(computer.boxes, *form, *databases.OpenDatabase(u"a", true));
+    }
+    // What was done to the controls, in order.
+    std::string LoadPictures(bool succeeds, int set, const std::string& rows) {
+        const auto addIn = databases.OpenDatabase(u"a", false),
+                   common = databases.OpenDatabase(u"common", true);
+        Fill("tPicture", rows);
+        EXPECT_EQ(succeeds, LoadFormPictures(computer.services, *form, addIn.get(), common.get(),
+                                             static_cast<std::int16_t>(set), u"D\\"));
+        std::string done;
+        for (const std::string& note : notes) done += note + " ";
+        return done;
+    }
+    Notes notes;
+    desk::Desk computer;
+    harness::MemoryDatabases& databases = computer.databases;
+    std::shared_ptr<NotedForm> form = std::make_shared<NotedForm>(computer.timers, notes);
+};
+
+TEST_F(FormContentTest, EachTypeTakesItsFontInItsOwnWay) {
+    // Fonts by their paths, then a character set.
+    const Table<std::string, std::string, const char*> cases = {
+        {"ComboBox ListBox FileListBox DriveListBox DirListBox", "Font", ""},
+        {"CommandButton Label MSFlexGrid Frame OptionButton vsFlexArray TextBox", "Font", "204"},
+        {"SSCommand SSCheck SSOption SSFrame SSRibbon SSPanel", "Font", "128"},
+        {"SSTree ListView TreeView SSDBDropDown SSTab", "Font.", "128"},
+        {"CheckBox PDQComm StatusBar RichTextBox Menu Calendar label List SSP", "Font.", ""},
+        {"SSListBar", "CaptionFont.", ""},
+        {"SSDBGrid", "HeadFont. PageFooterFont. PageHeaderFont. Font. StyleSets0.Font. StyleSets1.Font.",
+         "204"},
+        {"SSDBCombo", "Font. HeadFont. StyleSets0.Font. StyleSets1.Font.", "128"}};
+    for (const auto& [types, fonts, charset] : cases) {
+        std::istringstream words(types);
+        for (std::string type; words >> type;) {
+            form = std::make_shared<NotedForm>(computer.timers, notes);
+            Add(u"control", type.c_str(), "", 3);
+            EXPECT_TRUE(LoadControls("('Control', 3, 'C & %CR', 'F', 9, 'T')"));
+            Notes expected{"Caption=C & %CR"};
+            std::istringstream paths(fonts);
+            for (std::string path; paths >> path;) {
+                expected.insert(expected.end(), {path + "Name=F", path + "Size=9"});
+                if (*charset) expected.push_back((path == "Font" ? "Font." : path) + "Charset=" + charset);
+            }
+            if (type == "SSTab") expected.push_back("Refresh");
+            expected.push_back("ToolTipText=T");
+            EXPECT_EQ(notes, expected) << type;
+        }
+    }
+    EXPECT_EQ(computer.Calls(),
+              (Notes{"open a read-only",
+                     "rows 8 select ObjectName,Index,Caption,FontName,FontSize,ToolTipText from "
+                     "tControls where FormName = 'form'",
+                     "close rows"}));
+    Add(u"left", "Label", "left."), Add(u"emptied", "Label", "emptied.");
+    EXPECT_TRUE(LoadControls("('left', -1, '-1', '-1', 9, '-1'), ('emptied', -1, null, null, 9, null)"));
+    EXPECT_EQ(notes, (Notes{"emptied.Caption=", "emptied.ToolTipText="})) << "minus one leaves the text";
+}
+
+TEST_F(FormContentTest, AFailureInTheTextsIsOneShortNoticeAndEndsTheRows) {
+    auto& label = form->Add<forms::Label>(u"label");
+    const std::string size = Short("Invalid property value: Size", 380);
+    const Table<const char*, std::string, const char*> cases = {
+        {"('label', -1, 'early', 'F', null, '-1')", Short("Invalid use of Null", 94), "early|F||"},
+        {"('label', -1, 'early', 'F', 0, 'tip')", size, "early|F||"},
+        {"('label', 0, 'early', 'F', 9, 'tip')", Short("Control array element 'label(0)' doesn't exist", 340),
+         "|||"},
+        {"('none', -1, '-1', '-1', 9, '-1')", Short("Control 'none' not found", 730), "|||"},
+        {"('label', 40000, '-1', '-1', 9, '-1')", Short("Overflow", 6), "|||"}};
+    for (const auto& [row, notice, texts] : cases) {
+        label.Caption = u"";
+        label.Font->Name = u"";
+        EXPECT_FALSE(LoadControls(row + std::string(", ('label', -1, 'late', '-1', 9, 'late')")));
+        EXPECT_EQ(computer.Boxes(), Notes{notice});
+        EXPECT_EQ(Joined(label.Caption(), label.Font->Name(), label.ToolTipText()), texts) << row;
+        EXPECT_EQ(computer.Calls().size(), 2U) << "closed after a failure";
+    }
+}
+
+TEST_F(FormContentTest, TheFormsCaptionIsExpandedAndTheLastRowStands) {
+    const auto texts = [&] { return Joined(form->Caption(), form->Font->Name(), form->Font->Size()); };
+    EXPECT_TRUE(LoadForm("")) << "no row";
+    EXPECT_EQ(texts(), "|MS Sans Serif|8.25|");
+    EXPECT_TRUE(
+        LoadForm("insert into tForms values ('other', 'other', 'O', 7), ('form', 'first', 'A', 8),"
+                 " ('form', 'One & %CR & %ST & Two', 'B', 9.75)"));
+    EXPECT_EQ(texts(), "One\rTwo|B|9.75|");
+    EXPECT_EQ(computer.Calls(),
+              (Notes{"open a read-only",
+                     "rows 8 select Caption,FontName,FontSize from tForms where ObjectName = 'form'",
+                     "close rows"}));
+    form->isMdi = true;
+    EXPECT_TRUE(LoadForm("update tForms set Caption = '-1', FontName = 'C', FontSize = 10"));
+    EXPECT_EQ(texts(), "-1|B|9.75|") << "a form of forms takes the caption alone";
+    EXPECT_FALSE(LoadForm("update tForms set Caption = null"));
+    EXPECT_EQ(computer.Boxes(), Notes{Short("Invalid use of Null", 94)});
+}
+
+TEST_F(FormContentTest, ASetReplacesDefaultNamesAndZeroNever) {
+    AddPanels();
+    const auto load = [this](int set) { return LoadPictures(true, set, "('image', -1, 'one', 'me', -1)"); };
+    const std::string one = "image.Move=0,0,7110,4365 image.Picture=1 ",
+                      two = "image.Move=0,0,7110,4365 image.Picture=2 ";
+    EXPECT_EQ(load(0), one);
+    EXPECT_EQ(load(3), two) << "the first row of a key wins";
+    EXPECT_EQ(load(-7), two);
+    EXPECT_EQ(computer.Calls(),
+              (Notes{"rows 8 Select * From PictureFileName Where  ID = -7", "close rows",
+                     "rows 8 select ObjectName,Index,FileName,BasePanel,BasePanelIndex from "
+                     "tPicture where FormName = 'form'",
+                     "close rows"}));
+    EXPECT_EQ(load(4), "") << "no file is tried in place of another";
+    EXPECT_EQ(load(5) + load(6), one + one) << "what can't be read falls back";
+    databases.Add(u"common", "drop table PictureFileName");
+    EXPECT_EQ(load(3), one);
+    EXPECT_EQ(computer.Boxes(), Notes{});
+}
+
+TEST_F(FormContentTest, EachControlTakesThePictureInItsOwnWay) {
+    AddPanels();
+    const std::pair<const char*, const char*> cases[] = {
+        {"('image', -1, '-1', 'none', -1), ('image', -1, 'none', 'none', -1)", ""},
+        {"('IMAGE', 2, 'two', 'me', -1), ('image', -1, 'one', 'frame', -1)",
+         "image2.Move=0,0,7110,4365 image2.Picture=2 image.Move=0,0,32,16 image.Picture=1 "},
+        {"('image', -1, 'one', 'panel', -1)",
+         "panel.Visible=False image.Move=0,0,30,15 image.Picture=1 panel.Visible=True "},
+        {"('image', -1, 'one', 'Panel', 1), ('image', 2, 'two', 'me', -1)",
+         "panel1.Visible=False image.Move=0,0,31,15.5 image.Picture=1 panel1.Visible=True "
+         "image2.Move=0,0,7110,4365 image2.Picture=2 "},
+        {"('tree', -1, 'one', 'none', -1), ('list', -1, 'two', 'none', -1)",
+         "tree.PictureBackground=1 list.PictureBackground=2 "}};
+    for (const auto& [rows, done] : cases) EXPECT_EQ(LoadPictures(true, 0, rows), done);
+}
+
+TEST_F(FormContentTest, AFailureInThePicturesIsOneShortNoticeAndEndsTheRows) {
+    AddPanels();
+    const std::string moved = "image.Move=0,0,32,16 ",
+                      covered = "panel1.Visible=False image.Move=0,0,31,15.5 ",
+                      invalid = Short("Invalid picture", 481);
+    const Table<const char*, std::string, std::string> cases = {
+        {"('none', -1, '-1', 'me', -1)", "notice ", Short("Control 'none' not found", 730)},
+        {"('image', 1, '-1', 'me', -1)", "notice ",
+         Short("Control array element 'image(1)' doesn't exist", 340)},
+        {"('image', -1, 'one', 'me', 2)", "notice ", Short("Control 'me' not found", 730)},
+        {"('image', -1, 'one', 'Me', -1)", "notice ", Short("Control 'Me' not found", 730)},
+        {"('image', -1, null, 'me', -1)", "notice ", Short("Invalid use of Null", 94)},
+        {"('tree', -1, 'bad', 'me', -1)", "notice ", invalid},
+        {"('image', -1, 'bad', 'frame', -1)", moved + "notice ", invalid},
+        {"('image', -1, 'bad', 'panel', 1)", covered + "notice panel1.Visible=True ", invalid}};
+    for (const auto& [row, done, notice] : cases) {
+        EXPECT_EQ(LoadPictures(false, 0, row + std::string(", ('image', -1, 'one', 'me', -1)")), done);
+        EXPECT_EQ(computer.Boxes(), Notes{notice});
+        EXPECT_EQ(computer.Calls().size(), 3U) << "closed after a failure";
+    }
+    EXPECT_FALSE(LoadFormPictures(computer.services, *form, nullptr, nullptr, 0, u"D\\"));
+    EXPECT_EQ(computer.Boxes(), Notes{Short("Object variable is not set", 91)});
+}
+
+}  // namespace

@@ -1,0 +1,260 @@
+// The register through a whole computer: its copy, its write, and what can be in their way.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <stdarg.h>
+#include <stdlib.h>
+#include <sys/ptrace.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <set>
+
+#include "AnyUser.h"
+#include "ErrorOf.h"
+#include "TemporaryDirectory.h"
+#include "locator/VersionRecord.h"
+#include "platform/data/sqlite/SqliteEngine.h"
+#include "platform/headless/Headless.h"
+#include "platform/runtime/Paths.h"
+
+namespace {
+bool hasNamelessFiles = true;
+}
+
+// Some file systems have no files without a name.
+extern "C" int open(const char* name, int flags, ...) {
+    va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) ? va_arg(rest, mode_t) : 0;
+    va_end(rest);
+    if (!hasNamelessFiles && (flags & O_TMPFILE) == O_TMPFILE) return errno = EOPNOTSUPP, -1;
+    return static_cast<int>(syscall(SYS_openat, AT_FDCWD, name, flags, mode));
+}
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The register that everybody shares, written by the add-in's own routine.
+struct SharedRegisterTest : testing::Test {
+    SharedRegisterTest() {
+        umask(022);
+        fs::create_directories(all.parent_path());
+        std::string rows;
+        for (int i = 0; i < 200; ++i)
+            rows +=
+                ",('A" + std::to_string(i) + ".mra', '" + std::string(100, 'x') + std::to_string(i) + "')";
+        Run(all,
+            "create table Registry (AppName, Version);"
+            "insert into Registry values ('Horalink.mra', '0.0.0')" +
+                rows);
+        content = Content(all);
+        computer.app.path = PathText(At("all/ADDINS"));
+    }
+    ~SharedRegisterTest() override { hasNamelessFiles = true; }
+    fs::path At(const char* place) const { return directory.Path() / place; }
+    static void Run(const fs::path& file, const std::string& sql) {
+        sqlite3* database = nullptr;
+        sqlite3_open(file.c_str(), &database);
+        EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+        sqlite3_close(database);
+    }
+    static std::string Ask(const fs::path& file, const std::string& query) {
+        const auto rows =
+            OpenSqliteDatabase(file, false)->OpenRecordset(FromUtf8(query), RecordsetType::ForwardOnly);
+        return ToUtf8(rows->Field(u"Result").ToText());
+    }
+    static std::string Content(const fs::path& file) {
+        std::ifstream bytes(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(bytes), {}};
+    }
+    std::unique_ptr<DatabaseEngine> Engine() const {
+        return MakeSqliteEngine(Layers({At("own"), At("all")}, {}));
+    }
+    bool Update(TextView name = u"Horalink.mra") {
+        const auto engine = Engine();
+        const horalink::Services services{computer.app,      computer.clock,    computer.locale,
+                                          computer.settings, *engine,           computer.automation,
+                                          computer.timers,   computer.boxes,    computer.screen,
+                                          computer.toolkit,  computer.pictures, [] {}};
+        return UpdateAddInVersion(services, u"Addins", name, u"13.0.1");
+    }
+    // The version of ours, how many rows of others are as they were, and what SQLite finds of the file.
+    static std::string State(const fs::path& file) {
+        return Ask(file,
+                   "select Version || ' ' || (select count(*) from Registry where length(Version) > 100 and "
+                   "Version like '%' || substr(AppName, 2, length(AppName) - 5)) || ' ' || (select "
+                   "integrity_check from pragma_integrity_check) as Result from Registry where AppName = "
+                   "'Horalink.mra'");
+    }
+    std::vector<std::string> OwnFiles() const {
+        std::vector<std::string> files;
+        if (fs::exists(own.parent_path()))
+            for (const auto& entry : fs::directory_iterator(own.parent_path()))
+                files.push_back(entry.path().filename());
+        return files;
+    }
+
+    headless::Headless computer;
+    TemporaryDirectory directory;
+    const fs::path all = At("all/MORA32/DATABASE/Register.mdb"), own = At("own/MORA32/DATABASE/Register.mdb");
+    std::string content;
+};
+
+TEST_F(SharedRegisterTest, BecomesTheUsersOwnWhenItIsWritten) {
+    for (const bool named : {false, true}) {
+        hasNamelessFiles = !named;
+        fs::remove_all(At("own"));
+        EXPECT_TRUE(Update(u"Nobody.mra"));
+        EXPECT_FALSE(fs::exists(At("own"))) << "nothing was written";
+        EXPECT_TRUE(Update());
+        EXPECT_EQ(OwnFiles(), std::vector<std::string>{"Register.mdb"});
+        EXPECT_EQ(fs::status(own).permissions(), fs::perms(0644));
+        EXPECT_EQ(State(own), "13.0.1 200 ok");
+        EXPECT_EQ(Content(all), content);
+        EXPECT_EQ(State(all), "0.0.0 200 ok");
+    }
+    Run(own, "update Registry set Version = 'mine' where AppName = 'Horalink.mra';");
+    EXPECT_TRUE(Update());
+    EXPECT_EQ(State(own), "13.0.1 200 ok");
+}
+
+TEST_F(SharedRegisterTest, WhatIsOnlyReadStaysShared) {
+    const auto database = Engine()->OpenDatabase(UpperCase(PathText(all)));
+    for (const auto type : {RecordsetType::ForwardOnly, RecordsetType::Dynaset})
+        EXPECT_EQ(database->OpenRecordset(u"select * from Registry", type)->Field(u"Version"),
+                  Value(u"0.0.0"));
+    EXPECT_FALSE(fs::exists(At("own")));
+    const auto readOnly = Engine()->OpenDatabase(UpperCase(PathText(all)), true);
+    EXPECT_EQ(
+        FaultOf([&] { readOnly->OpenRecordset(u"select * from Registry", RecordsetType::Dynaset)->Edit(); }),
+        "3027 '" + all.string() + "' can't be changed: it is read-only");
+    EXPECT_FALSE(fs::exists(At("own")));
+}
+
+TEST_F(SharedRegisterTest, AnotherWhoWasFasterIsNotReplaced) {
+    const auto rows =
+        Engine()
+            ->OpenDatabase(UpperCase(PathText(all)))
+            ->OpenRecordset(u"select * from Registry where AppName = 'A7.mra'", RecordsetType::Dynaset);
+    ASSERT_TRUE(Update());
+    rows->Edit(), rows->SetField(u"Version", u"7"), rows->Update();
+    EXPECT_EQ(State(own), "13.0.1 199 ok");
+}
+
+TEST_F(SharedRegisterTest, IsNotCopiedWhileAnotherWritesIt) {
+    const auto rows = Engine()
+                          ->OpenDatabase(UpperCase(PathText(all)))
+                          ->OpenRecordset(u"select * from Registry", RecordsetType::Dynaset);
+    sqlite3* other = nullptr;
+    sqlite3_open(all.c_str(), &other);
+    sqlite3_exec(other, "begin exclusive", nullptr, nullptr, nullptr);
+    EXPECT_EQ(FaultOf([&] { rows->Edit(); }),
+              "3260 '" + all.string() + "' is locked by another program; try again in a moment");
+    EXPECT_FALSE(fs::exists(own));
+    sqlite3_close(other);
+    rows->Edit(), rows->SetField(u"Version", u"1"), rows->Update();
+    EXPECT_EQ(State(own), "1 200 ok");
+}
+
+TEST_F(SharedRegisterTest, FailuresSayWhatCannotBeWrittenAndLeaveNothing) {
+    const auto notice = [&] {
+        EXPECT_FALSE(Update());
+        const auto boxes = computer.boxes.Take();
+        return boxes.size() == 1 ? ToUtf8(boxes[0].prompt) : "";
+    };
+    directory.Write("own", "no directory");
+    EXPECT_EQ(notice(), "'" + own.string() + "' can't be written: Not a directory [3043]");
+    fs::remove(At("own"));
+    directory.Write("own/MORA32/DATABASE/Register.mdb-journal");
+    EXPECT_EQ(notice(),
+              "'" + own.string() + "-journal' belongs to a database that is missing; delete it [3343]");
+    fs::remove(own.string() + "-journal");
+    fs::permissions(directory.Path(), fs::perms(0711));
+    fs::permissions(own.parent_path(), fs::perms(0555));
+    {
+        const AnyUser user;
+        EXPECT_EQ(notice(), "'" + own.string() + "' can't be written: Permission denied [3027]");
+    }
+    fs::permissions(own.parent_path(), fs::perms(0755));
+    for (const std::string& foreign : {std::string("no database at all"), std::string()}) {
+        directory.Write("own/MORA32/DATABASE/Register.mdb", foreign);
+        EXPECT_NE(notice(), "");
+        EXPECT_EQ(Content(own), foreign) << "it is never replaced";
+    }
+    EXPECT_EQ(OwnFiles(), std::vector<std::string>{"Register.mdb"});
+}
+
+// Lets a process run up to its n-th system call, counted twice: ahead of it and after it. False where it
+// ended before.
+bool KilledAt(int n, const std::function<void()>& act) {
+    const pid_t child = fork();
+    if (child == 0) {
+        ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+        raise(SIGSTOP);
+        act();
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    for (int i = 0; i < n && WIFSTOPPED(status); ++i) {
+        ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
+        waitpid(child, &status, 0);
+    }
+    const bool lives = WIFSTOPPED(status);
+    if (lives) kill(child, SIGKILL), waitpid(child, &status, 0);
+    return lives;
+}
+
+// At system calls of the copy and of the write, each ninth of them; at every one with HORALINK_KILLS, which
+// is how many kills there are at least.
+TEST_F(SharedRegisterTest, AKillAtAnyMomentLeavesItWhole) {
+    const char* wanted = getenv("HORALINK_KILLS");
+    int kills = 0, copied = 0;
+    do {
+        for (const bool named : {false, true}) {
+            hasNamelessFiles = !named;
+            for (int n = 1, isUnderWay = true; isUnderWay; n += wanted ? 1 : 9, ++kills) {
+                fs::remove_all(At("own"));
+                isUnderWay = KilledAt(n, [&] { Update(); });
+                copied += fs::exists(own);
+                // The next add-in has to find the journal, if there is one: a copy is looked at.
+                const auto copy = fs::copy_options::recursive | fs::copy_options::overwrite_existing;
+                if (fs::exists(own)) {
+                    fs::copy(own.parent_path(), At("copy"), copy);
+                    EXPECT_TRUE((std::set<std::string>{"0.0.0 200 ok", "13.0.1 200 ok"}.contains(
+                        State(At("copy/Register.mdb")))))
+                        << n;
+                    fs::remove_all(At("copy"));
+                }
+                EXPECT_TRUE(Update()) << n;
+                EXPECT_EQ(State(own), "13.0.1 200 ok") << n;
+            }
+        }
+    } while (wanted && kills < atoi(wanted));
+    EXPECT_EQ(Content(all), content);
+    EXPECT_GT(copied, 15);
+    EXPECT_GT(kills, copied + 15) << "some before the copy is there";
+    if (wanted) printf("%d kills, %d of them after the copy\n", kills, copied);
+}
+
+TEST_F(SharedRegisterTest, ManyAtOnceMakeOneCopy) {
+    for (int round = 0; round < 4; ++round) {
+        fs::remove_all(At("own"));
+        for (int i = 0; i < 8; ++i)
+            if (fork() == 0) _exit(Update(FromUtf8("A" + std::to_string(i) + ".mra")) ? 0 : 1);
+        for (int i = 0, status = 0; i < 8; ++i) {
+            wait(&status);
+            EXPECT_EQ(status, 0);
+        }
+        EXPECT_EQ(State(own), "0.0.0 192 ok") << "no row that was written is lost";
+        EXPECT_EQ(OwnFiles(), std::vector<std::string>{"Register.mdb"});
+    }
+}
+
+}  // namespace
+}  // namespace platform
