@@ -38,12 +38,12 @@ void AddIn::Open(const Text& exchange, const platform::ObjectRef& host) {
 }
 
 void AddIn::Show(const Text& exchange, const platform::ObjectRef& host) {
+    patience_ = automation_.NewPatience();
     if (!layer_) {
         log_.Note("creates " + ToUtf8(className));
-        layer_ = automation_.CreateObject(className);
+        layer_ = automation_.CreateObject(className, patience_);
         watch_ = layer_->WhenOwnerGone([this] { OwnerGone(); });
     }
-    patience_ = automation_.NewPatience();
     const platform::ObjectRef held = layer_, layer = Within();
     ++childId_;
     const bool failed = platform::Call(layer, "RegisterPBX", exchange, host, childId_).ToBoolean();

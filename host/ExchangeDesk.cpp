@@ -1,8 +1,11 @@
 #include "host/ExchangeDesk.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/ResponseObject.h"
+#include "platform/qt/QtText.h"
+#include "platform/runtime/ScopeExit.h"
 
 namespace switchdesk {
 
@@ -48,6 +51,12 @@ bool ExchangeDesk::IsBusy(const Text& name) const {
                        [&](const Session& session) { return session.isLogin && session.exchange == name; });
 }
 
+const Text* ExchangeDesk::BusyBesides(const Text& name) const {
+    for (const Session& session : sessions_)
+        if (session.isLogin && session.exchange != name) return &session.exchange;
+    return nullptr;
+}
+
 Text ExchangeDesk::Open(Text key, const Text& name, bool isLogin, const ObjectRef& client) {
     Session& session = sessions_.emplace_back(Session{key, name, isLogin, client, nullptr, nullptr});
     // The login of a client that dies must not block the exchange for ever.
@@ -71,9 +80,17 @@ Text ExchangeDesk::Connect(const Text& name, const ObjectRef& client) {
 Text ExchangeDesk::Login(const Text& name, const ObjectRef& client) {
     const std::optional<Text>& forced = observation_.misbehaviour.login;
     if (forced && IsRefusal(*forced)) return *forced;
-    if (!Find(name)) return Text(error);
-    if (IsBusy(name)) return Text(busy);
+    Named* named = Find(name);
+    if (!named) return Text(error);
+    if (IsBusy(name)) return RefuseAsBusy(*named);
     return Open(forced ? *forced : Key(u"L", lastLogin_), name, true, client);
+}
+
+Text ExchangeDesk::RefuseAsBusy(Named& exchange) {
+    exchange.problem = platform::FromQt(tr("busy with another request"));
+    watcher_.changed();
+    watcher_.report(exchange.name, exchange.problem);
+    return Text(busy);
 }
 
 Text ExchangeDesk::Send(const ObjectRef& record) {
@@ -112,10 +129,13 @@ void ExchangeDesk::Deliver(const Request& request, Exchange::Outcome outcome) {
     const Session* session = FindLogin(request.loginId);
     if (!session) return watcher_.report(request.exchange, outcome.message);
     const ObjectRef client = session->client;
-    CallBack(client, {std::move(outcome.items), 0, request.tag, request.loginId, std::move(outcome.message)});
+    CallBack(request.exchange, client,
+             {std::move(outcome.items), 0, request.tag, request.loginId, std::move(outcome.message)});
 }
 
-void ExchangeDesk::CallBack(const ObjectRef& client, Answer answer) {
+void ExchangeDesk::CallBack(const Text& exchange, const ObjectRef& client, Answer answer) {
+    const platform::ScopeExit restore(
+        [this, outer = std::exchange(answering_, exchange)] { answering_ = outer; });
     observation_.misbehaviour.Spoil(answer);
     ObjectRef response = std::make_shared<ResponseObject>(observation_, answer);
     observation_.log.Note("CallBack");

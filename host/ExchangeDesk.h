@@ -1,6 +1,7 @@
 // The exchanges, their logins and the requests to them.
 #pragma once
 
+#include <QCoreApplication>
 #include <list>
 #include <memory>
 #include <vector>
@@ -12,6 +13,8 @@
 namespace switchdesk {
 
 class ExchangeDesk {
+    Q_DECLARE_TR_FUNCTIONS(ExchangeDesk)
+
   public:
     // `loop` and what `observation` refers to must outlive the desk.
     ExchangeDesk(platform::EventLoop& loop, const Observation& observation);
@@ -19,7 +22,7 @@ class ExchangeDesk {
     // Names are compared exactly.
     void Add(platform::Text name, std::unique_ptr<Exchange> exchange);
     struct Watcher {
-        // The steps of requests, and the outcomes of those that were given up.
+        // The steps of requests, refusals of others, and the outcomes of those that were given up.
         std::function<void(const platform::Text& exchange, const platform::Text& text)> report;
         std::function<void()> changed;  // the state of an exchange
     };
@@ -44,8 +47,10 @@ class ExchangeDesk {
     // Ends a login or connection. Its request, if any, gets no answer. The key is enough: an add-in that has
     // meanwhile registered another exchange passes that one's name.
     void LogOut(const platform::Text& key);
-    // Whether somebody is logged in at an exchange.
-    bool IsBusy(const platform::Text& name) const;
+    // An exchange other than this one at which somebody is logged in, or null.
+    const platform::Text* BusyBesides(const platform::Text& name) const;
+    // The exchange whose answer a client is receiving, or an empty text.
+    const platform::Text& Answering() const { return answering_; }
 
   private:
     struct Session {
@@ -58,18 +63,21 @@ class ExchangeDesk {
 
     Named* Find(const platform::Text& name);
     Session* FindLogin(const platform::Text& key);
+    bool IsBusy(const platform::Text& name) const;
     platform::Text Open(platform::Text key, const platform::Text& name, bool isLogin,
                         const platform::ObjectRef& client);
+    platform::Text RefuseAsBusy(Named& exchange);
     void Close(const platform::Text& key);
     void Perform(const Request& request);
     void Deliver(const Request& request, Exchange::Outcome outcome);
-    void CallBack(const platform::ObjectRef& client, Answer answer);
+    void CallBack(const platform::Text& exchange, const platform::ObjectRef& client, Answer answer);
 
     platform::EventLoop& loop_;
     Observation observation_;
     Watcher watcher_{[](const platform::Text&, const platform::Text&) {}, [] {}};
     std::vector<Named> exchanges_;
     std::list<Session> sessions_;
+    platform::Text answering_;
     int lastLogin_ = 0, lastConnection_ = 0, lastRequest_ = 0;
 };
 

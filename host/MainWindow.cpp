@@ -14,6 +14,7 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTableWidget>
+#include <algorithm>
 
 #include "host/Difference.h"
 #include "host/HelpPage.h"
@@ -30,14 +31,13 @@ namespace {
 enum ExchangeColumn { nameColumn, clockColumn, timeColumn, problemColumn };
 constexpr int commandColumn = 0, answerColumn = 3;
 // With its frame, it has to fit a screen of 1080 lines at twice the size.
-constexpr int initialWidth = 940, initialHeight = 480;
+constexpr int initialWidth = 940, initialHeight = 480, exchangePaneWidth = 500, widestNames = 150;
 constexpr QColor failureColor(0xb0, 0x1c, 0x1c);
 constexpr const char16_t* good = u"OK";
 
-QString TimeText(std::chrono::system_clock::time_point time) {
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(time.time_since_epoch());
-    const QDateTime moment = QDateTime::fromSecsSinceEpoch(seconds.count());
-    return QLocale().toString(moment.time(), QLocale::ShortFormat);
+QDateTime MomentOf(std::chrono::system_clock::time_point time) {
+    return QDateTime::fromSecsSinceEpoch(
+        std::chrono::floor<std::chrono::seconds>(time.time_since_epoch()).count());
 }
 
 // With the whole text at hand where the cell is too small for it.
@@ -63,6 +63,7 @@ MainWindow::MainWindow(const ExchangeDesk& desk, const Family& family, Actions a
     panes->setHandleWidth(18);
     panes->addWidget(MakeExchangePane());
     panes->addWidget(MakeAnswerPane());
+    panes->setSizes({exchangePaneWidth, initialWidth - exchangePaneWidth});
     panes->setContentsMargins(18, 14, 18, 10);
     setCentralWidget(panes);
     backgrounds_ = menuBar()->addMenu(tr("&View"))->addMenu(tr("&Background of the add-in"));
@@ -84,8 +85,7 @@ QWidget* MainWindow::MakeExchangePane() {
     exchanges_ =
         MakeTable("exchanges", tr("Exchanges"), {tr("Name"), tr("Clock"), tr("Read at"), tr("Last problem")});
     exchanges_->setSelectionMode(QAbstractItemView::SingleSelection);
-    exchanges_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    exchanges_->horizontalHeader()->setStretchLastSection(true);
+    exchanges_->horizontalHeader()->setSectionResizeMode(nameColumn, QHeaderView::Interactive);
     open_ = MakeButton("openAddIn", tr("&Open clock add-in"));
     open_->setDefault(true);
     close_ = MakeButton("closeAddIn", tr("&Close add-in"));
@@ -113,7 +113,6 @@ QWidget* MainWindow::MakeAnswerPane() {
     messages_->setMaximumBlockCount(1000);
     results_ = MakeTable("results", tr("Results"), {tr("Command"), tr("Item"), tr("Value"), tr("Answer")});
     results_->setSelectionMode(QAbstractItemView::NoSelection);
-    results_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     caption_ = MakeNote("caption", tr("Caption of the results"));
     code_ = MakeNote("code", tr("Code of the last answer"));
     rows->addWidget(MakeHeading(tr("Messages")));
@@ -149,6 +148,10 @@ void MainWindow::FillExchanges() {
     for (int row = 0; row < exchanges_->rowCount(); ++row) AddRow(*exchanges_, row);
     exchanges_->selectRow(0);
     ShowExchanges();
+    // With room for a name in bold.
+    exchanges_->resizeColumnToContents(nameColumn);
+    exchanges_->setColumnWidth(nameColumn,
+                               std::min(exchanges_->columnWidth(nameColumn) * 9 / 8, widestNames));
 }
 
 void MainWindow::ShowExchanges() {
@@ -162,7 +165,11 @@ void MainWindow::ShowExchange(int row, const ExchangeDesk::Named& exchange) {
     const QString name = platform::ToQt(exchange.name);
     SetCell(*exchanges_, row, nameColumn, name);
     SetCell(*exchanges_, row, clockColumn, exchange.clock ? DifferenceText(*exchange.clock) : QString());
-    SetCell(*exchanges_, row, timeColumn, exchange.clock ? TimeText(exchange.readAt) : QString());
+    if (exchange.clock) {
+        const QDateTime readAt = MomentOf(exchange.readAt);
+        SetCell(*exchanges_, row, timeColumn, QLocale().toString(readAt.time(), QLocale::ShortFormat));
+        exchanges_->item(row, timeColumn)->setToolTip(QLocale().toString(readAt, QLocale::LongFormat));
+    }
     SetCell(*exchanges_, row, problemColumn, platform::ToQt(exchange.problem));
     exchanges_->item(row, problemColumn)->setForeground(failureColor);
     QTableWidgetItem& cell = *exchanges_->item(row, nameColumn);
@@ -176,20 +183,21 @@ void MainWindow::OpenSelected() {
     const int row = exchanges_->currentRow();
     if (row < 0 || !open_->isEnabled()) return;
     const Text exchange = desk_.Exchanges()[static_cast<std::size_t>(row)].name;
-    if (!openFor_.empty() && exchange != openFor_ && desk_.IsBusy(openFor_))
-        AskThenOpen(exchange);
+    const Text* awaited = openFor_.empty() || exchange == openFor_ ? nullptr : desk_.BusyBesides(exchange);
+    if (awaited)
+        AskThenOpen(exchange, *awaited);
     else
         platform::Guard([&] { actions_.open(exchange); });
 }
 
 // The add-in shows the answer to a request under the name that it has by then.
-void MainWindow::AskThenOpen(const Text& exchange) {
+void MainWindow::AskThenOpen(const Text& exchange, const Text& awaited) {
     const QString name = platform::ToQt(exchange);
     auto* box =
         new QMessageBox(QMessageBox::Question, windowTitle(),
                         tr("%1 hasn't answered yet. If you open %2 now, the answer of %1 will appear in the "
                            "window of %2.")
-                            .arg(platform::ToQt(openFor_), name),
+                            .arg(platform::ToQt(awaited), name),
                         QMessageBox::NoButton, this);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setTextFormat(Qt::PlainText);
@@ -205,8 +213,12 @@ void MainWindow::Select(const Text& exchange) {
     if (!shown.isEmpty()) exchanges_->setCurrentItem(shown.front());
 }
 
+const Text& MainWindow::Concerned() const {
+    return desk_.Answering().empty() ? openFor_ : desk_.Answering();
+}
+
 void MainWindow::ShowMessage(const Text& message) {
-    ShowMessageOf(openFor_, message);
+    ShowMessageOf(Concerned(), message);
 }
 
 void MainWindow::ShowMessageOf(const Text& exchange, const Text& message) {
@@ -215,7 +227,8 @@ void MainWindow::ShowMessageOf(const Text& exchange, const Text& message) {
 }
 
 void MainWindow::ShowResults(const Text& caption, const std::vector<Item>& items) {
-    caption_->setText(platform::ToQt(caption));
+    // The add-in's caption has the name of the exchange that it is open for.
+    caption_->setText(platform::ToQt(Concerned() == openFor_ ? caption : Concerned()));
     results_->setRowCount(static_cast<int>(items.size()));
     int row = 0;
     for (const Item& item : items) {

@@ -38,7 +38,7 @@ class MainWindow : public QMainWindow, public HostView {
 
     // Shows what is known of the exchanges now.
     void ShowExchanges();
-    // A message on an exchange; others are on the one that the add-in is open for.
+    // A message on an exchange. Others are on the one that is answering, or that the add-in is open for.
     void ShowMessageOf(const platform::Text& exchange, const platform::Text& message);
 
     void ShowMessage(const platform::Text& message) override;
@@ -57,7 +57,8 @@ class MainWindow : public QMainWindow, public HostView {
     void FillExchanges();
     void ShowExchange(int row, const ExchangeDesk::Named& exchange);
     void OpenSelected();
-    void AskThenOpen(const platform::Text& exchange);
+    void AskThenOpen(const platform::Text& exchange, const platform::Text& awaited);
+    const platform::Text& Concerned() const;
     void Select(const platform::Text& exchange);
 
     const ExchangeDesk& desk_;

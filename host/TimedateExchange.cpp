@@ -190,7 +190,7 @@ void TimedateExchange::Judge(const Sample& sample) {
     const auto off = std::chrono::abs(sample.clock - work.Target(sample.at));
     const bool isSet = off <= sameTime + sample.within;
     const QString message =
-        work.trouble + u' ' + (isSet ? tr("The clock has been set.") : tr("The clock was not set."));
+        work.trouble + u' ' + (isSet ? tr("The clock shows the new time.") : tr("The clock was not set."));
     Finish({isSet ? work.answer.items : RefuseItems(work.request, writeFailed), FromQt(message), !isSet,
             ReadingOf(sample)});
 }

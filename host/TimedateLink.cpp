@@ -190,7 +190,6 @@ void TimedateLink::Close() {
     writable_.reset();
     bus_.reset();
     tunnel_.reset();
-    answered_ = false;
 }
 
 }  // namespace switchdesk

@@ -68,6 +68,9 @@ QTableWidget* MakeTable(const QString& name, const QString& accessibleName, cons
     table->setHorizontalHeaderLabels(columns);
     table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     table->horizontalHeader()->setHighlightSections(false);
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table->horizontalHeader()->setStretchLastSection(true);
+    table->horizontalHeader()->setMinimumSectionSize(64);
     table->verticalHeader()->hide();
     table->verticalHeader()->setDefaultSectionSize(30);
     table->setShowGrid(false);

@@ -16,7 +16,7 @@ QLabel* MakeHeading(const QString& text);
 // A text beside a heading; a dash until it is set.
 QLabel* MakeNote(const QString& name, const QString& description);
 QHBoxLayout* MakeHeadingLine(const QString& heading, QLabel* note);
-// A read-only table of whole rows.
+// A read-only table of whole rows, with columns as wide as what is in them.
 QTableWidget* MakeTable(const QString& name, const QString& accessibleName, const QStringList& columns);
 QPushButton* MakeButton(const QString& name, const QString& text);
 

@@ -162,7 +162,7 @@ class Arrangement:
 
     @staticmethod
     def ask_to_end(process):
-        """A program and all that it started; what stands still goes only when it is told to go on."""
+        """A program and all that it started; a stopped process ends only once it is continued."""
         with contextlib.suppress(ProcessLookupError):
             os.killpg(process.pid, signal.SIGTERM)
             os.killpg(process.pid, signal.SIGCONT)

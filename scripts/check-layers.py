@@ -45,7 +45,7 @@ def includes():
 def fault(folder, name, target):
     """Why an include is wrong, or None."""
     if folder in RANK and folder != "src" and folder not in ON_A_LIBRARY and LIBRARY.match(name):
-        return "a library, outside the folders that stand on one"
+        return "a library, outside the folders that may use one"
     if target in (None, folder):
         return None
     if folder == "host":

@@ -49,7 +49,7 @@ class Demonstration:
         year, month, number, *time = map(int, found.groups()) if found else [0] * 6
         good = (year, month, number) == (day.year, day.month, day.day) and \
             (self.seconds(*time) - seconds) % DAY < 90
-        return self.tell(good, f"the lookup shows {what}")
+        return self.report(good, f"the lookup shows {what}")
 
     def set_by_hand(self):
         """Steps every part of the time, and chooses the first day of the next month; returns that day."""
@@ -60,7 +60,7 @@ class Demonstration:
             before = self.driver.value(section)
             self.driver.click(self.control(Role.SPIN_BUTTON, "updTime"), UPPER)
             wait_for(lambda: self.driver.value(section) != before, LIMIT, f"part {part} of the time to change")
-        # Behind this part of the time come the two boxes and the calendar.
+        # After this part of the time come the two boxes and the calendar.
         self.choose_part(0)
         self.driver.press("Tab", "Tab", "Tab", "Next", "Return")
         self.driver.wait_until_enabled("horalink", self.texts.update)
@@ -107,12 +107,12 @@ class Demonstration:
         self.open()
         wait_for(lambda: self.driver.place(self.window()) == moved, LIMIT, f"the dialog to be at {moved} again")
         wait_for(lambda: self.corner() == ground, LIMIT, "the background to be as it was chosen")
-        return self.tell(True, f"the dialog is at {moved[0]}, {moved[1]} again, where it was closed")
+        return self.report(True, f"the dialog is at {moved[0]}, {moved[1]} again, where it was closed")
 
     # --- means ------------------------------------------------------------------------------------
 
     @staticmethod
-    def tell(good, what):
+    def report(good, what):
         print(f"--- {what}" if good else f"--- NOT SO: {what}", flush=True)
         return good
 

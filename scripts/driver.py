@@ -54,7 +54,7 @@ class Driver:
 
     @staticmethod
     def _runs(application, program):
-        """By its command, without asking it: a program that stands still would not answer. It may be run by another
+        """By its command, without asking it: a stopped program would not answer. It may be run by another
         one, which then has it as an argument."""
         try:
             command = Path(f"/proc/{application.get_process_id()}/cmdline").read_bytes().decode(errors="replace")
@@ -79,7 +79,7 @@ class Driver:
 
     @staticmethod
     def is_showing(window):
-        """False for one that is listed but gone, which must not hide those behind it."""
+        """False for one that is listed but has left, which must not hide those after it."""
         try:
             return window.get_state_set().contains(Atspi.StateType.SHOWING)
         except GLib.Error:
@@ -119,7 +119,7 @@ class Driver:
         return title in self.titles(program)
 
     def texts(self, window):
-        """All texts of a window that stand on labels."""
+        """All texts of labels of a window."""
         return [node.get_name() for node in self.nodes(window) if node.get_role() == Role.LABEL]
 
     def buttons(self, window):
@@ -201,13 +201,13 @@ class Driver:
     def _under_pointer(self):
         """Place and size of the window that a click would go to, with its frame."""
         window = re.search(r"WINDOW=(\d+)", self._ask_xdotool("getmouselocation", "--shell"))[1]
-        told = self._ask_xdotool("getwindowgeometry", "--shell", window)
-        values = dict(re.findall(r"^(X|Y|WIDTH|HEIGHT)=(-?\d+)$", told, re.M))
+        shown = self._ask_xdotool("getwindowgeometry", "--shell", window)
+        values = dict(re.findall(r"^(X|Y|WIDTH|HEIGHT)=(-?\d+)$", shown, re.M))
         return tuple(int(values.get(name, 0)) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
     @staticmethod
     def _ask_xdotool(*arguments):
-        """What it says; nothing where a window has gone meanwhile."""
+        """What it says; nothing where a window has closed meanwhile."""
         return subprocess.run(["xdotool", *arguments], check=False, stdout=subprocess.PIPE,
                               stderr=subprocess.DEVNULL, text=True).stdout
 

@@ -1,5 +1,5 @@
-"""Takes the pictures of the manuals: the dialog and the answer to a lookup in three languages, and the host that
-was told of it."""
+"""Takes the pictures of the manuals: the dialog and the answer to a lookup in three languages, and the host with
+its messages."""
 import subprocess
 import sys
 from pathlib import Path

@@ -17,7 +17,7 @@ def _part(page, command):
 
 
 def written(page, command):
-    """What stands there now."""
+    """What is there now."""
     return _part(page, command)[1][0].strip()
 
 

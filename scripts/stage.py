@@ -1,5 +1,5 @@
 """Where whole programs are played with: display, bus and installation of this process, and the tools of a test that
-starts programs there, works the dialog, and is certain that none of them is left behind.
+starts programs there, works the dialog, and is certain that none of them is left.
 """
 import contextlib
 import os

@@ -95,7 +95,7 @@ TEST_F(ConnectionTest, LossEndsAWait) {
 }
 
 TEST_F(ConnectionTest, ACallThatArrivesWhileANameIsAskedForIsServed) {
-    // The library takes it in along with the daemon's answer, and the descriptor tells nothing of it.
+    // The library takes it in along with the daemon's answer, and the descriptor doesn't show it.
     Poke(CreateForStranger(Scripted({Method("Poke", 0, [&](Arguments&) { Note("called"); })})));
     stranger.RoundTrip();
     server->ServeClass("Test.cLater", nothing);

@@ -84,7 +84,7 @@ TEST_F(WaitTest, ALoopOnTopOfAnAnsweredWaitIsServed) {
 }
 
 TEST_F(WaitTest, InnerAndOuterWaitEndEachWithItsOwnAnswer) {
-    // The stranger holds the outer call, calls the client, and answers the inner call behind the outer one.
+    // The stranger holds the outer call, calls the client, and answers the inner call after the outer one.
     MessageRef outer;
     const auto mine =
         Scripted({Method("Poke", 0, [&](Arguments&) { Note(ToUtf8(Call(host, "Inner").ToText())); })});

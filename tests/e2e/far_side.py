@@ -1,7 +1,7 @@
 """A machine at the far end of ssh: a real sshd on the loopback, Debian's clock service, and a bus for it.
 
 This machine's clock is safe: the service has one of its own (OwnClock.cpp), and runs without the capability to set
-another; where it would have that, it doesn't start. As a program this stands in for what Debian's can't be brought to do.
+another; where it would have that, it doesn't start. As a program this replaces what Debian's can't be brought to do.
 """
 import contextlib
 import getpass
@@ -32,7 +32,7 @@ FILES = {
     "service": """cd {folder} || exit 1
 capabilities=$(sed -n 's/^CapEff:\\t//p' /proc/self/status)
 [ $((0x$capabilities >> 25 & 1)) = 0 ] || {{ echo "this could set the machine's clock" >&2; exit 1; }}
-[ ! -e absent ] || exit 1
+[ -e {clock} ] && [ ! -e absent ] || exit 1
 [ ! -e refusing ] || exec {python} {here} {timedate}
 [ ! -e ntp ] || ntp=far-ntp.service
 export OWN_CLOCK={folder} SYSTEMD_TIMEDATED_NTP_SERVICES="$ntp" DBUS_SYSTEM_BUS_ADDRESS="$DBUS_STARTER_ADDRESS"
@@ -147,7 +147,7 @@ class FarSide:
 
     def wait_until_service_stands_still(self):
         wait_for(lambda: (pid := self.service()) and ") T " in Path(f"/proc/{pid}/stat").read_text(), 20,
-                 "the clock service to stand still")
+                 "the clock service to be stopped")
 
     def connections(self):
         """The processes that serve those who have come by ssh."""

@@ -1,4 +1,4 @@
-"""A host that is written against the contract alone and shares no code with the programs. It misbehaves as it is told.
+"""A host that is written against the contract alone and shares no code with the programs. It misbehaves on request.
 
 As a program it is a process that can be killed and stopped: `host.py MEMBER SIGNAL ANSWERS` opens the add-in, prints
 each call that it gets, and sends itself the signal before it answers the first call of the member. Without ANSWERS it
@@ -45,7 +45,7 @@ def good(key):
 
 
 def clock(key):
-    """The time that the box of an answer shows, by which it tells whose answer it is."""
+    """The time that the box of an answer shows, which says whose answer it is."""
     return f"09:02:{int(key[1:]) % 60:02}"
 
 

@@ -49,26 +49,32 @@ class Companion(EndToEndTest):
         host = Host(self, "--answer=late:10000", "--logins=1").open()
         self.press(LOOKUP)
         host.wait_for_line('ShowMessage("PBX clock request: R1"')
-        open_exchange("Main Office", "Branch 3", "Wait")
         open_exchange("Main Office", "Branch 3", "Open Branch 3")
+        open_exchange("Branch 3", "Warehouse", "Wait")
         self.close_box("PBX Clock")
         host.wait_for_line('LogOut("Branch 3", "L1")')
+        messages = stage.driver.value(stage.driver.find(SWITCHDESK, "Messages", Role.TEXT))
+        self.assertRegex(messages, r"Main Office: clock read$")
         opened = [line for line in host.lines() if line.startswith("# RegisterPBX")]
         self.assertEqual(opened, [f'# RegisterPBX("{name}") returned False' for name in ("Main Office", "Branch 3")])
         open_exchange("Branch 3", "Main Office")
         self.assert_usable()
 
     def test_closes_at_once_though_the_add_in_is_frozen(self):
-        Host(self).open()
-        add_in, *_ = pids(ADD_IN)
-        os.kill(add_in, signal.SIGSTOP)
-        self.addCleanup(os.kill, add_in, signal.SIGKILL)
-        stage.driver.raise_window("Switchdesk \u2013 Main Office")
-        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
-        self.wait_for(lambda: not stage.driver.is_enabled(
-            stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON)), "the button to be disabled")
-        stage.driver.press("alt+F4")
-        self.wait_until_gone(SWITCHDESK)
+        for buttons in (["Open clock add-in"], ["Close add-in", "Open clock add-in"]):
+            with self.case(buttons):
+                Host(self).open()
+                add_in, *_ = pids(ADD_IN)
+                os.kill(add_in, signal.SIGSTOP)
+                stage.driver.raise_window("Switchdesk \u2013 Main Office")
+                for button in buttons:
+                    stage.driver.click(stage.driver.find(SWITCHDESK, button, Role.PUSH_BUTTON))
+                    self.wait_for(lambda pressed=button: not stage.driver.is_enabled(
+                        stage.driver.find(SWITCHDESK, pressed, Role.PUSH_BUTTON)), "the button to be disabled")
+                stage.driver.press("alt+F4")
+                self.wait_until_gone(SWITCHDESK)
+                self.assertEqual(pids(ADD_IN), [add_in])
+                os.kill(add_in, signal.SIGKILL)
 
     def test_last_of_two_hosts_ends_the_process(self):
         first, second = Host(self).open(), Host(self, exchange="Warehouse").open()

@@ -8,7 +8,7 @@ from zoneinfo import ZoneInfo
 
 import end_to_end
 import stage
-from driver import LIMIT, Role
+from driver import Role
 from end_to_end import BUILD, Host, run
 from far_side import FarSide
 from stage import ADD_IN, CLOCK_READ, LOOKUP, SWITCHDESK, UPDATE
@@ -36,7 +36,7 @@ def lose_after():
     os.kill(far.service(), signal.SIGCONT)
 
 
-# Where the exchange is and what is wrong there; what is done while the clock service stands still in the middle of a
+# Where the exchange is and what is wrong there; what is done while the clock service is stopped in the middle of a
 # write; what the operator sees and the host says; whether the clock has been set.
 FAILURES = {
     "no route": ("ssh:closed,set", "", None, NO_ANSWER, "It can't be reached: .*Connection refused", False),
@@ -51,7 +51,7 @@ FAILURES = {
     "lost before it was set": ("ssh:far,set", "stop-before", lose_before, NO_ANSWER,
                                "The connection was lost. The clock was not set.", False),
     "lost after it was set": ("ssh:far,set", "stop-after", lose_after, UPDATED,
-                              "The connection was lost. The clock has been set.", True),
+                              "The connection was lost. The clock shows the new time.", True),
     "clock service killed": ("local,set", "stop-before", lambda: far.kill_service(), NO_ANSWER,
                              "Its clock service ended without an answer. The clock was not set.", False),
     "answer after the limit": ("ssh:far,set", "stop-before", lambda: None, NO_ANSWER,
@@ -75,7 +75,7 @@ class Exchanges(stage.EndToEndTest):
 
     def assert_host_says(self, sentence):
         said = [line for line in self.host.lines() if line.startswith("ShowMessage(")]
-        self.assertRegex(said[-1], rf'ShowMessage\("far: {sentence}')
+        self.assertRegex(said[-1], rf'ShowMessage\("{sentence}')
 
     def assert_shown(self):
         """A lookup succeeds, and its box shows what the far clock shows where that is."""
@@ -170,12 +170,29 @@ class Exchanges(stage.EndToEndTest):
         self.wait_until_enabled()
         self.assert_shown()
 
-    def test_the_host_says_what_became_of_a_write_whose_add_in_ends(self):
-        self.open("ssh:far,set", "stop-before")
+    def test_a_read_whose_add_in_ends_is_forgotten_and_a_write_is_reported(self):
+        self.open("ssh:far,set")
+        self.assert_shown()
+        far.signal_connections(signal.SIGSTOP)
+        self.press(LOOKUP)
+        self.wait_for_message("far: reading the clock")
+        self.kill_add_in("L2")
+        far.signal_connections(signal.SIGCONT)
+        stage.driver.raise_window("Switchdesk")
+        stage.driver.click(stage.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
+        stage.driver.raise_window(stage.dialog_title("far"))
+        self.assert_shown()
+        (far.folder / "stop-before").touch()
         self.press(UPDATE)
         far.wait_until_service_stands_still()
-        os.kill(stage.pids(ADD_IN)[0], signal.SIGKILL)
-        self.host.wait_for_line("# client of L1 has left")
+        self.kill_add_in("L4")
         os.kill(far.service(), signal.SIGCONT)
+        self.wait_for_message("far: clock set")
+
+    def wait_for_message(self, text):
         messages = stage.driver.find(SWITCHDESK, "Messages", Role.TEXT)
-        self.wait_for(lambda: "far: clock set" in stage.driver.value(messages), "the host's message", LIMIT)
+        self.wait_for(lambda: text in stage.driver.value(messages), text)
+
+    def kill_add_in(self, key):
+        os.kill(stage.pids(ADD_IN)[0], signal.SIGKILL)
+        self.host.wait_for_line(f"# client of {key} has left")

@@ -1,4 +1,4 @@
-"""Hosts that are killed, stand still for a moment, or stand still for ever, in each state of a request.
+"""Hosts that are killed, stopped for a moment, or stopped for ever, in each state of a request.
 
 The operator then sees these boxes and no other, the next lookup of another host succeeds in the same process, nothing
 is left of what either side held, and the process ends well with its last client.
@@ -60,10 +60,10 @@ class Hosts(OwnHostTest):
 
     def wait_until_still(self, process):
         stat = Path(f"/proc/{process.pid}/stat")
-        self.wait_for(lambda: stat.read_text().rpartition(")")[2].split()[0] in "TZ", "the process to stand still")
+        self.wait_for(lambda: stat.read_text().rpartition(")")[2].split()[0] in "TZ", "the process to be stopped")
 
     def enter(self, state):
-        if state == "armed":  # for a tenth of a second: the add-in stands still until the harm is done
+        if state == "armed":  # for a tenth of a second: the add-in is stopped until the harm is done
             stage.driver.aim(stage.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON))
             self.add_in.send_signal(signal.SIGSTOP)
             self.wait_until_still(self.add_in)

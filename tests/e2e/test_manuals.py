@@ -1,6 +1,6 @@
 """The commands of the manuals do what they are there for, and what the manuals name is there.
 
-What stands in a block of shell commands runs as it stands, a block at a time, in a checkout and a home of its own;
+A block of shell commands runs as it is, a block at a time, in a checkout and a home of its own;
 what can't is named here with the reason, so that a new command has to be thought of.
 """
 import re
@@ -28,7 +28,7 @@ OTHERS = [
 AS_IS = (r"horalink-(lng|setup) |msginit |PATH=|cmake -S examples|busctl |examples/host.py &|xdotool search|exit$|"
          r"\./run bus (bash$|switchdesk --help)")
 FOLDERS = "docs|scripts|examples|tests|data|src|tools|bench|packaging"
-# What a shell that nobody types into does in place of what stands there.
+# What a shell that nobody types into does in place of what is there.
 INSTEAD = [
     (r"^\./run bus bash$", "trap 'kill $!' EXIT"),
     (r"^\./run bus ", ""),

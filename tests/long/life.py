@@ -100,7 +100,7 @@ class Life:
         return None if failed else answer
 
     def press(self, step, place):
-        """Up to the box of the request, or to where none comes any more. A disabled dialog is not told from another one."""
+        """Up to the box of the request, or to where none comes any more. A disabled dialog looks like any other."""
         self.before(step)
         button = self.wait(lambda: next(filter(stage.driver.is_enabled, self.nodes(Role.PUSH_BUTTON)[place:place + 1]), None),
                            "the button to be enabled")

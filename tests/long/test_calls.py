@@ -56,14 +56,14 @@ class Calls(stage.EndToEndTest):
         if difference and life.family == "bus":
             self.judge_bus(life, good, difference)
         elif difference and not life.has_notice:
-            # Without the names of a set, the pictures are those of the first set: nobody is told.
+            # Without the names of a set, the pictures are those of the first set, without a message.
             self.assertIn(life.number, range(good.marks["background"] + 1, good.marks["press 0"] + 1), difference)
 
     def judge_bus(self, life, good, difference):
         self.assertTrue(life.failed, difference)
         self.assertRegex(life.errors, r"^(\S*horalink: [^\n]+\n)?$")
         if life.ended_early:
-            # Without the bus there is nobody left to be told.
+            # Without the bus nobody is left to hear of it.
             self.assertTrue(life.errors or life.number > good.marks["create"] or "sd_bus_process" in life.failed, difference)
         elif any(step.startswith("press") for step in life.steps):
             is_last = life.number > life.marks.get("press 1", life.number)

@@ -60,9 +60,9 @@ class LongLife(OwnHostTest):
 
     def measure(self):
         """Memory, open files, and rules on the bus."""
-        told = Path(f"/proc/{self.process.pid}/smaps_rollup").read_text(encoding="utf-8")
+        rollup = Path(f"/proc/{self.process.pid}/smaps_rollup").read_text(encoding="utf-8")
         about = self.host.ask(BUS, "/org/freedesktop/DBus", f"{BUS}.Debug.Stats", "GetConnectionStats", self.layer[0])
-        return (sum(map(int, re.findall(r"^(?:Private_Dirty|Swap): +(\d+) kB", told, re.M))),
+        return (sum(map(int, re.findall(r"^(?:Private_Dirty|Swap): +(\d+) kB", rollup, re.M))),
                 len(os.listdir(f"/proc/{self.process.pid}/fd")), about["MatchRules"])
 
     def test_long_life(self):

@@ -19,7 +19,7 @@ from register import NEW, Register
 
 OTHER = "A000.mra"  # the row that another add-in writes
 CREATIONS = 200 if SHARE else 20
-# Leaves the register free for as long as it has held it: an add-in that finds it locked for two seconds tells its user.
+# Leaves the register free for as long as it has held it: an add-in that finds it locked for two seconds shows a notice.
 WRITER = """import itertools, select, sqlite3, sys, time
 database = sqlite3.connect(sys.argv[1], timeout=30, isolation_level=None)
 for number in itertools.count(1):

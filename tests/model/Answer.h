@@ -66,7 +66,7 @@ class Answer : public platform::Object {
     platform::Value ErrCode() const { return errCode_; }
     Text Message() const { return message_; }
     Text Login() const { return login_; }
-    // What `Message` has to be by the time the host is told of the answer.
+    // What `Message` has to be by the time the host hears of the answer.
     Text MessageToShow() const;
 
     // What the add-in has read: the items as far as it got, and the tag where it came to that.

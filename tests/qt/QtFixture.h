@@ -21,7 +21,7 @@ namespace platform {
 
 using namespace std::chrono_literals;
 
-// Opens the desktop ahead of all tests, and closes it while the libraries that it stands on are still there.
+// Opens the desktop ahead of all tests, and closes it while the libraries that it uses are still there.
 struct Surroundings : ::testing::Environment {
     void SetUp() override {
         setenv("QT_QPA_PLATFORM", "offscreen", 0);

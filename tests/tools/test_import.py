@@ -1,4 +1,4 @@
-"""import-databases, with a program that stands in for those of mdbtools."""
+"""import-databases, with a program in place of those of mdbtools."""
 import contextlib
 import os
 import sqlite3

@@ -237,11 +237,16 @@ TEST(ExchangeDeskTest, AKeyAloneEndsALogin) {
     NoLoop loop;
     ExchangeDesk desk(loop, {log, misbehaviour});
     desk.Add(u"A", nullptr);
+    Text reported;
+    desk.ReportTo({[&](const Text& name, const Text& text) { reported += name + u": " + text; }, [] {}});
     const Text key = desk.Login(u"A", nullptr);
+    EXPECT_EQ(reported, u"");
     EXPECT_EQ(desk.Login(u"A", nullptr), u"BUSY");
-    EXPECT_TRUE(desk.IsBusy(u"A"));
+    EXPECT_EQ(reported, u"A: busy with another request");
+    EXPECT_EQ(desk.BusyBesides(u"A"), nullptr);
+    EXPECT_EQ(*desk.BusyBesides(u"B"), u"A");
     Call(std::make_shared<ExchangeObject>(Observation{log, misbehaviour}, desk), "LogOut", u"B", key);
-    EXPECT_FALSE(desk.IsBusy(u"A"));
+    EXPECT_EQ(desk.BusyBesides(u"B"), nullptr);
     EXPECT_EQ(desk.Login(u"B", nullptr), u"ERROR");
 }
 

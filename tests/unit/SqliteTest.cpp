@@ -53,7 +53,7 @@ struct SqliteTest : testing::Test {
     static std::string Change(Recordset& rows, TextView field, const Value& value) {
         return FaultOf([&] { rows.Edit(), rows.SetField(field, value), rows.Update(); });
     }
-    // The descriptors of this process that stand for the file.
+    // The descriptors of this process for the file.
     std::ptrdiff_t OpenDescriptors() {
         return std::count_if(fs::directory_iterator("/proc/self/fd"), {}, [&](const auto& entry) {
             std::error_code error;
@@ -136,7 +136,7 @@ TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
         {u"select * from Kinds where Name = 'it's'",
          "3075 The query is not well formed: near \"s\": syntax error"},
         {u"select * from Kinds where", "3075 The query is not well formed: incomplete input"},
-        {u"select * from Kinds; select 1", "3075 The query is not well formed: there is more behind its end"},
+        {u"select * from Kinds; select 1", "3075 The query is not well formed: there is more after its end"},
         {u"", "3075 The query is not well formed: it is empty"},
         {u"vacuum", "3075 The query is not well formed: it selects no rows"},
         {u"delete from Kinds returning Name",

@@ -59,7 +59,7 @@ fs::path DefaultProgram() {
     return FamilyDirectory() / "10001/ADDINS/horalink";
 }
 
-// As it was called where that tells the market, and not where the links of a market lead.
+// As it was called where that names the market, and not where the links of a market lead.
 fs::path ProgramOf(int process) {
     const std::string folder = "/proc/" + std::to_string(process);
     std::string called;
@@ -68,7 +68,7 @@ fs::path ProgramOf(int process) {
     return called.starts_with('/') ? fs::path(called) : fs::read_symlink(folder + "/exe", error);
 }
 
-// By its beginning, as `horalink-lng check` tells pictures.
+// By its beginning, as `horalink-lng check` does.
 bool IsPicture(const fs::path& file) {
     using namespace std::string_view_literals;
     std::string start(1024, '\0');

@@ -41,7 +41,7 @@ int Run(const std::vector<std::string>& words) {
     return Show(status, isWell ? 0 : 1);
 }
 
-int Tell(const std::string& why, int status) {
+int Complain(const std::string& why, int status) {
     std::fprintf(stderr, "horalink-setup: %s\n", why.c_str());
     return status;
 }
@@ -52,8 +52,8 @@ int main(int argc, char** argv) {
     try {
         return Run({argv + 1, argv + argc});
     } catch (const std::invalid_argument& error) {
-        return Tell(error.what() + std::string("; see horalink-setup --help"), 2);
+        return Complain(error.what() + std::string("; see horalink-setup --help"), 2);
     } catch (const std::exception& error) {
-        return Tell(error.what(), 1);
+        return Complain(error.what(), 1);
     }
 }

@@ -45,8 +45,9 @@ class Automation {
     virtual ~Automation() = default;
 
     // A new object of a class by its name; the process that serves the class is started on demand.
-    // Raises 429 where that fails for whatever reason.
-    virtual ObjectRef CreateObject(TextView className) = 0;
+    // The creation may belong to a piece of work. Raises 429 where it fails for whatever reason.
+    virtual ObjectRef CreateObject(TextView className,
+                                   const std::shared_ptr<Patience>& patience = nullptr) = 0;
 
     // For a piece of work that is about to begin.
     virtual std::shared_ptr<Patience> NewPatience() = 0;

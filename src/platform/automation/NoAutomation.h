@@ -11,7 +11,7 @@ class NoAutomation : public Automation {
     NoAutomation(Scheduler& scheduler, WaitBoxes& boxes, const WaitSettings& settings)
         : scheduler_(scheduler), boxes_(boxes), settings_(settings) {}
 
-    ObjectRef CreateObject(TextView className) override {
+    ObjectRef CreateObject(TextView className, const std::shared_ptr<Patience>&) override {
         throw RuntimeError(ErrorNumber::CannotCreateObject, ToUtf8(className));
     }
     std::shared_ptr<Patience> NewPatience() override {

@@ -123,7 +123,7 @@ void Automation::Release(ObjectRef& object) {
     if (clients == 0) useChanged_(false);
 }
 
-ObjectRef Automation::CreateObject(TextView className) {
+ObjectRef Automation::CreateObject(TextView className, const std::shared_ptr<Patience>&) {
     created.push_back(Text(className));
     const auto found = others.find(Text(className));
     if (found == others.end()) throw RuntimeError(ErrorNumber::CannotCreateObject, ToUtf8(className));

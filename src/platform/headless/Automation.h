@@ -48,7 +48,7 @@ class Automation : public platform::Automation {
     ObjectRef Create();
     void Release(ObjectRef& object);
 
-    ObjectRef CreateObject(TextView className) override;
+    ObjectRef CreateObject(TextView className, const std::shared_ptr<Patience>& patience) override;
     std::shared_ptr<Patience> NewPatience() override;
     ObjectRef Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) override;
     void Post(const ObjectRef& object, std::string_view member, InvokeKind kind, Arguments arguments,

@@ -1,7 +1,6 @@
 #include "platform/qt/QtDesktop.h"
 
 #include <fontconfig/fontconfig.h>
-#include <malloc.h>
 #include <unistd.h>
 #include <QApplication>
 #include <QFileInfo>
@@ -41,11 +40,6 @@ void RequireDisplay() {
         if (!qEnvironmentVariableIsEmpty(variable)) return;
     throw RuntimeError(ErrorNumber::AutomationError,
                        "there is no display to open the dialog on (DISPLAY and WAYLAND_DISPLAY are not set)");
-}
-
-// Saves memory: the threads of toolkit, display and bus do little, but each would get its own heap.
-void ShareOneHeap() {
-    mallopt(M_ARENA_MAX, 1);
 }
 
 // The program looks the same on every desktop, so that no theme needs to be found and loaded.
@@ -104,7 +98,6 @@ std::unique_ptr<QtDesktop> OpenDesktop(int& argc, char** argv, const Application
                                        DatabaseEngine& engine) {
     RequireDisplay();
     programName = argc > 0 ? argv[0] : "";
-    ShareOneHeap();
     PrepareApplication();
     const QtMessageHandler previous = qInstallMessageHandler(ReportDisplayFailure);
     auto desktop = std::make_unique<Desktop>(argv[0], application, engine);

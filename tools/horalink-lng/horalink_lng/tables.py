@@ -7,7 +7,7 @@ REGISTER_FILE = "Register.mdb"
 
 @dataclass(frozen=True)
 class Table:
-    key: tuple        # the fields that tell the rows apart
+    key: tuple        # the fields that distinguish the rows
     texts: tuple = ()
 
 

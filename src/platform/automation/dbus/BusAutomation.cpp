@@ -25,7 +25,7 @@ class BusAutomation : public Automation {
     BusAutomation(EventLoop& loop, WaitBoxes& boxes, const WaitSettings& settings)
         : session_(std::make_shared<Session>(loop, boxes, settings)), dispatcher_(*session_) {}
 
-    ObjectRef CreateObject(TextView className) override;
+    ObjectRef CreateObject(TextView className, const std::shared_ptr<Patience>& patience) override;
     std::shared_ptr<Patience> NewPatience() override { return session_->Calls().NewPatience(); }
     ObjectRef Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) override;
     void Post(const ObjectRef& object, std::string_view member, InvokeKind kind, Arguments arguments,
@@ -41,31 +41,31 @@ class BusAutomation : public Automation {
     }
 
   private:
-    ObjectRef Create(const std::string& className);
+    ObjectRef Create(const std::string& className, const std::shared_ptr<Patience>& patience);
 
     std::shared_ptr<Session> session_;
     Dispatcher dispatcher_;
 };
 
-ObjectRef BusAutomation::CreateObject(TextView className) {
+ObjectRef BusAutomation::CreateObject(TextView className, const std::shared_ptr<Patience>& patience) {
     const std::string name = ToUtf8(className);
     const bool isName =
         name.find('\0') == std::string::npos && sd_bus_service_name_is_valid(name.c_str()) > 0;
     if (!isName) throw CannotCreate(className, u"not the name of a class");
     try {
-        if (ObjectRef object = Create(name)) return object;
+        if (ObjectRef object = Create(name, patience)) return object;
     } catch (const RuntimeError& error) {
         throw CannotCreate(className, error.Description());
     }
     throw CannotCreate(className, u"the factory gave nothing");
 }
 
-ObjectRef BusAutomation::Create(const std::string& className) {
+ObjectRef BusAutomation::Create(const std::string& className, const std::shared_ptr<Patience>& patience) {
     const MessageRef call =
         session_->Bus().NewCall(className, bus::factoryPath, bus::factoryInterface, "CreateInstance");
     Session& session = *session_;
     const MessageRef answer = session.Calls().Call(
-        call, nullptr, nullptr, [&session](sd_bus_message* late) { CreatedObject(session, late); });
+        call, patience, nullptr, [&session](sd_bus_message* late) { CreatedObject(session, late); });
     return CreatedObject(session, answer.get());
 }
 
