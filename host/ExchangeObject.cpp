@@ -1,44 +1,19 @@
 #include "host/ExchangeObject.h"
 
+#include "platform/runtime/MemberTable.h"
+
 namespace switchdesk {
 
-using platform::Arguments;
-using platform::InvokeKind;
-using platform::ValueType;
+using platform::Method;
 
 const platform::ClassDescription& ExchangeObject::Description() {
-    constexpr auto bind = [](auto callable) { return platform::Bind<ExchangeObject>(callable); };
     static const platform::ClassDescription description{
         "cPBXOle",
         {
-            {"ConnectToPbx",
-             InvokeKind::Method,
-             {{"PBXName", ValueType::String}, {"Client", ValueType::Object}},
-             ValueType::String,
-             bind([](ExchangeObject& self, Arguments& arguments) {
-                 return self.Desk().Connect(arguments[0].ToText(), arguments[1].ToObject());
-             })},
-            {"Login",
-             InvokeKind::Method,
-             {{"PBXName", ValueType::String}, {"Client", ValueType::Object}},
-             ValueType::String,
-             bind([](ExchangeObject& self, Arguments& arguments) {
-                 return self.Desk().Login(arguments[0].ToText(), arguments[1].ToObject());
-             })},
-            {"SendRequest",
-             InvokeKind::Method,
-             {{"Request", ValueType::Object}},
-             ValueType::String,
-             bind([](ExchangeObject& self, Arguments& arguments) {
-                 return self.Desk().Send(arguments[0].ToObject());
-             })},
-            {"LogOut",
-             InvokeKind::Method,
-             {{"PBXName", ValueType::String}, {"LoginID", ValueType::String}},
-             ValueType::None,
-             bind([](ExchangeObject& self, Arguments& arguments) {
-                 self.Desk().LogOut(arguments[1].ToText());
-             })},
+            Method<&ExchangeObject::ConnectToPbx>("ConnectToPbx", "PBXName", "Client"),
+            Method<&ExchangeObject::Login>("Login", "PBXName", "Client"),
+            Method<&ExchangeObject::SendRequest>("SendRequest", "Request"),
+            Method<&ExchangeObject::LogOut>("LogOut", "PBXName", "LoginID"),
         }};
     return description;
 }

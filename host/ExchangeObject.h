@@ -6,7 +6,10 @@
 
 namespace switchdesk {
 
-// Members: ConnectToPbx, Login, SendRequest, LogOut. All objects of this class share one desk.
+using platform::ObjectRef;
+using platform::Text;
+
+// All objects of this class share one desk.
 class ExchangeObject : public ObservedObject {
   public:
     ExchangeObject(const Observation& observation, ExchangeDesk& desk)
@@ -14,9 +17,12 @@ class ExchangeObject : public ObservedObject {
     static const platform::ClassDescription& Description();
     const platform::ClassDescription& Class() const override { return Description(); }
 
-    ExchangeDesk& Desk() { return desk_; }
-
   private:
+    Text ConnectToPbx(const Text& pbx, const ObjectRef& client) { return desk_.Connect(pbx, client); }
+    Text Login(const Text& pbx, const ObjectRef& client) { return desk_.Login(pbx, client); }
+    Text SendRequest(const ObjectRef& request) { return desk_.Send(request); }
+    void LogOut(const Text&, const Text& loginId) { desk_.LogOut(loginId); }
+
     ExchangeDesk& desk_;
 };
 

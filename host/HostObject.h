@@ -11,6 +11,8 @@
 
 namespace switchdesk {
 
+using platform::Text;
+
 class HostView {
   public:
     virtual ~HostView() = default;
@@ -23,8 +25,6 @@ class HostView {
     virtual void ShowState(const platform::Text& words, AddInState state, const platform::Text& exchange) = 0;
 };
 
-// Members: oPBX, ShowMessage, ShowResults, ShowCode, DisplayHelp, UnloadChild, TurnOnFlow, TurnOffFlow,
-// REGComData, GetComData.
 class HostObject : public ObservedObject {
   public:
     struct Parts {
@@ -38,9 +38,19 @@ class HostObject : public ObservedObject {
     static const platform::ClassDescription& Description();
     const platform::ClassDescription& Class() const override { return Description(); }
 
-    Parts& Content() { return parts_; }
-
   private:
+    platform::ObjectRef oPBX() const { return parts_.exchange; }
+    void ShowMessage(const platform::Value& text) { parts_.view.ShowMessage(text.ToTextOrEmpty()); }
+    void ShowResults(const Text& caption, const platform::ObjectRef& response);
+    void ShowCode(const platform::Value& code) { parts_.view.ShowCode(code.ToTextOrEmpty()); }
+    void DisplayHelp(const Text& file) { parts_.view.ShowHelp(file); }
+    void UnloadChild(std::int16_t id) { parts_.unloadChild(id); }
+    // Nothing here depends on the flow.
+    void TurnOnFlow() {}
+    void TurnOffFlow() {}
+    void REGComData(const Text& application, const Text& key, const Text& value);
+    void GetComData(const Text& application, const Text& key, Text& value) const;
+
     Parts parts_;
 };
 

@@ -1,82 +1,32 @@
 #include "host/ResponseObject.h"
 
+#include "platform/runtime/MemberTable.h"
+
 namespace switchdesk {
 
-using platform::Arguments;
-using platform::InvokeKind;
-using platform::Member;
-using platform::Text;
-using platform::ValueType;
+using platform::Read;
 
-namespace {
-
-template <class Callable>
-std::function<platform::Value(platform::Object&, Arguments&)> Bind(Callable callable) {
-    return platform::Bind<ResponseObject>(callable);
+template <platform::Text Item::* Field>
+platform::Text ResponseObject::ItemText(std::int16_t index) const {
+    const auto i = static_cast<std::size_t>(index);
+    return index >= 0 && i < answer_.items.size() ? answer_.items[i].*Field : platform::Text();
 }
-
-Text Indexed(ResponseObject& self, const platform::Value& index, Text Item::* field) {
-    const std::vector<Item>& items = self.Content().items;
-    const std::int16_t i = index.ToInteger();
-    return i >= 0 && static_cast<std::size_t>(i) < items.size() ? items[static_cast<std::size_t>(i)].*field
-                                                                : Text();
-}
-
-Member ListMember(std::string_view name, Text Item::* field) {
-    return {name,
-            InvokeKind::PropertyGet,
-            {{"Index", ValueType::Integer}},
-            ValueType::String,
-            Bind([field](ResponseObject& self, Arguments& arguments) {
-                return Indexed(self, arguments[0], field);
-            })};
-}
-
-Member TextMember(std::string_view name, Text Answer::* field) {
-    return {
-        name, InvokeKind::PropertyGet, {}, ValueType::String, Bind([field](ResponseObject& self, Arguments&) {
-            return self.Content().*field;
-        })};
-}
-
-Member MessageWriter() {
-    return {"Message",
-            InvokeKind::PropertyPut,
-            {{"Value", ValueType::String}},
-            ValueType::None,
-            Bind([](ResponseObject& self, Arguments& arguments) {
-                self.Content().message = arguments[0].ToText();
-            })};
-}
-
-std::int16_t CountOf(ResponseObject& self) {
-    return static_cast<std::int16_t>(self.Content().items.size());
-}
-
-}  // namespace
 
 const platform::ClassDescription& ResponseObject::Description() {
+    using Response = ResponseObject;
     static const platform::ClassDescription description{
         "Response",
         {
-            {"Count",
-             InvokeKind::PropertyGet,
-             {},
-             ValueType::Integer,
-             Bind([](ResponseObject& self, Arguments&) { return CountOf(self); })},
-            ListMember("CMD", &Item::command),
-            ListMember("FirstData", &Item::first),
-            ListMember("SecondData", &Item::second),
-            ListMember("ExtraData", &Item::extra),
-            {"ErrCode",
-             InvokeKind::PropertyGet,
-             {},
-             ValueType::Long,
-             Bind([](ResponseObject& self, Arguments&) { return self.Content().errCode; })},
-            TextMember("Tag", &Answer::tag),
-            TextMember("LoginID", &Answer::loginId),
-            TextMember("Message", &Answer::message),
-            MessageWriter(),
+            Read<&Response::Count>("Count"),
+            Read<&Response::ItemText<&Item::command>>("CMD", "Index"),
+            Read<&Response::ItemText<&Item::first>>("FirstData", "Index"),
+            Read<&Response::ItemText<&Item::second>>("SecondData", "Index"),
+            Read<&Response::ItemText<&Item::extra>>("ExtraData", "Index"),
+            Read<&Response::Content<&Answer::errCode>>("ErrCode"),
+            Read<&Response::Content<&Answer::tag>>("Tag"),
+            Read<&Response::Content<&Answer::loginId>>("LoginID"),
+            Read<&Response::Content<&Answer::message>>("Message"),
+            platform::Write<&Response::SetMessage>("Message"),
         }};
     return description;
 }

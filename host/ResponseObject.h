@@ -6,8 +6,7 @@
 
 namespace switchdesk {
 
-// Members: Count, CMD(i), FirstData(i), SecondData(i), ExtraData(i), ErrCode, Tag, LoginID, and Message,
-// which is also writable. An index outside the items reads as an empty text.
+// An index outside the items reads as an empty text.
 class ResponseObject : public ObservedObject {
   public:
     ResponseObject(const Observation& observation, Answer answer)
@@ -15,9 +14,18 @@ class ResponseObject : public ObservedObject {
     static const platform::ClassDescription& Description();
     const platform::ClassDescription& Class() const override { return Description(); }
 
-    Answer& Content() { return answer_; }
+    const std::vector<Item>& Items() const { return answer_.items; }
 
   private:
+    template <platform::Text Item::* Field>
+    platform::Text ItemText(std::int16_t index) const;
+    template <auto Field>
+    const auto& Content() const {
+        return answer_.*Field;
+    }
+    std::int16_t Count() const { return static_cast<std::int16_t>(answer_.items.size()); }
+    void SetMessage(const platform::Text& message) { answer_.message = message; }
+
     Answer answer_;
 };
 

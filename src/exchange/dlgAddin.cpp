@@ -7,65 +7,11 @@
 #include "language/LanguageMsgBox.h"
 #include "locator/comRegMora32.h"
 #include "pictures/comPicture.h"
+#include "platform/runtime/MemberTable.h"
 
 namespace horalink {
 
 using namespace platform;
-
-namespace {
-
-ClassDescription Describe() {
-    const Parameter object{"oResponse", ValueType::Object}, parent{"Parent", ValueType::Object},
-        text{"PBX", ValueType::String}, id{"ID", ValueType::Integer}, index{"Index", ValueType::Integer},
-        value{"Value", ValueType::Boolean};
-    const auto put = InvokeKind::PropertyPut;
-    const auto method = InvokeKind::Method;
-    return {
-        "dlgAddin",
-        {
-            {"IncrementCount", method, {}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments&) {
-                 self.IncrementCount();
-             })},
-            {"DecrementCount", method, {}, ValueType::Integer, Bind<dlgAddin>([](dlgAddin& self, Arguments&) {
-                 return self.DecrementCount();
-             })},
-            {"PBXName", put, {text}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
-                 self.PutPBXName(a[0].ToText());
-             })},
-            {"FrmMove", method, {parent}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
-                 self.FrmMove(a[0].ToObject());
-             })},
-            {"FrmPositionSave", method, {}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments&) {
-                 self.FrmPositionSave();
-             })},
-            {"Parent",
-             InvokeKind::PropertyPutObject,
-             {parent},
-             ValueType::None,
-             Bind<dlgAddin>([](dlgAddin& self, Arguments& a) { self.PutParent(a[0].ToObject()); })},
-            {"ID", put, {id}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
-                 self.PutID(a[0].ToInteger());
-             })},
-            {"CheckLoadError",
-             InvokeKind::PropertyGet,
-             {},
-             ValueType::Boolean,
-             Bind<dlgAddin>([](dlgAddin& self, Arguments&) { return self.CheckLoadError(); })},
-            {"CallBack", method, {object}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
-                 ObjectRef response = a[0].ToObject();
-                 self.CallBack(response);
-                 a[0] = response;
-             })},
-            {"BackGround", method, {index}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
-                 self.BackGround(a[0].ToInteger());
-             })},
-            {"TurnFlow", method, {value}, ValueType::None, Bind<dlgAddin>([](dlgAddin& self, Arguments& a) {
-                 self.TurnFlow(a[0].ToBoolean());
-             })},
-        }};
-}
-
-}  // namespace
 
 dlgAddin::dlgAddin(const Services& services, ModuleData& data)
     : services_(services),
@@ -87,7 +33,20 @@ dlgAddin::dlgAddin(const Services& services, ModuleData& data)
 dlgAddin::~dlgAddin() = default;
 
 const ClassDescription& dlgAddin::Class() const {
-    static const ClassDescription description = Describe();
+    static const ClassDescription description{"dlgAddin",
+                                              {
+                                                  Method<&dlgAddin::IncrementCount>("IncrementCount"),
+                                                  Method<&dlgAddin::DecrementCount>("DecrementCount"),
+                                                  Write<&dlgAddin::PutPBXName>("PBXName"),
+                                                  Method<&dlgAddin::FrmMove>("FrmMove", "Parent"),
+                                                  Method<&dlgAddin::FrmPositionSave>("FrmPositionSave"),
+                                                  Write<&dlgAddin::PutParent>("Parent"),
+                                                  Write<&dlgAddin::PutID>("ID"),
+                                                  Read<&dlgAddin::CheckLoadError>("CheckLoadError"),
+                                                  Method<&dlgAddin::CallBack>("CallBack", "oResponse"),
+                                                  Method<&dlgAddin::BackGround>("BackGround", "Index"),
+                                                  Method<&dlgAddin::TurnFlow>("TurnFlow", "Value"),
+                                              }};
     return description;
 }
 

@@ -3,126 +3,60 @@
 #include <limits>
 
 #include "common/TypeLibrary.h"
+#include "platform/runtime/MemberTable.h"
 
 namespace horalink {
 
-namespace {
-
-using platform::Arguments;
-using platform::Bind;
-using platform::InvokeKind;
-using platform::Member;
+using platform::Method;
+using platform::Optional;
 using platform::Read;
-using platform::ValueType;
+using platform::ReadWrite;
 using platform::Write;
 
 template <cListRequest::List List>
-Member ReadItem(std::string_view name) {
-    return {name,
-            InvokeKind::PropertyGet,
-            {{"Value", ValueType::Integer}},
-            ValueType::String,
-            Bind<cListRequest>([](cListRequest& record, Arguments& arguments) {
-                return record.Item(List, arguments[0].ToInteger());
-            })};
-}
-
-template <cListRequest::List List>
-Member WriteItem(std::string_view name) {
-    return {name,
-            InvokeKind::PropertyPut,
-            {{"Value", ValueType::Integer}, {"sValue", ValueType::String}},
-            ValueType::None,
-            Bind<cListRequest>([](cListRequest& record, Arguments& arguments) {
-                record.SetItem(List, arguments[0].ToInteger(), arguments[1].ToText());
-            })};
-}
-
-Text TextOrNothing(const platform::Value& argument) {
-    return argument.IsMissing() ? Text() : argument.ToText();
-}
-
-void AddToListLate(cListRequest& record, Arguments& arguments) {
-    record.AddToList(arguments[0].ToText(), TextOrNothing(arguments[1]), TextOrNothing(arguments[2]),
-                     TextOrNothing(arguments[3]), TextOrNothing(arguments[4]));
+platform::Slots cListRequest::ItemSlots(std::string_view name) {
+    return {Read<&cListRequest::ItemOf<List>>(name, "Value"),
+            Write<&cListRequest::SetItemOf<List>>(name, "Value", "sValue")};
 }
 
 // The order of the slots is part of the interface, even where a write form comes before its read form.
-std::vector<Member> Slots() {
-    using Record = cListRequest;
-    const platform::Parameter cmd{"CMD", ValueType::String}, fd{"FD", ValueType::String, true},
-        sd{"SD", ValueType::String, true}, ed{"ED", ValueType::String, true},
-        desc{"Desc", ValueType::String, true};
-    return {
-        Read<&Record::Mode>("Mode"),
-        Write<&Record::Mode>("Mode"),
-        Read<&Record::Key>("Key"),
-        Write<&Record::Key>("Key"),
-        Read<&Record::CompIndication>("CompIndication"),
-        Write<&Record::CompIndication>("CompIndication"),
-        {"ObjectID",
-         InvokeKind::PropertyGet,
-         {},
-         ValueType::String,
-         Bind<Record>([](Record& record, Arguments&) { return record.ObjectID(); })},
-        Read<&Record::PBXName>("PBXName"),
-        Write<&Record::PBXName>("PBXName"),
-        Write<&Record::PBXNumber>("PBXNumber"),
-        Read<&Record::PBXNumber>("PBXNumber"),
-        Read<&Record::ShowBusy>("ShowBusy"),
-        Write<&Record::ShowBusy>("ShowBusy"),
-        Read<&Record::WaitFlag>("WaitFlag"),
-        Write<&Record::WaitFlag>("WaitFlag"),
-        Read<&Record::LoginID>("LoginID"),
-        Write<&Record::LoginID>("LoginID"),
-        Write<&Record::Tag>("Tag"),
-        Read<&Record::Tag>("Tag"),
-        Write<&Record::RequestID>("RequestID"),
-        Read<&Record::RequestID>("RequestID"),
-        Write<&Record::TimeTag>("TimeTag"),
-        Read<&Record::TimeTag>("TimeTag"),
-        {"AddToList",
-         InvokeKind::Method,
-         {cmd, fd, sd, ed, desc},
-         ValueType::None,
-         Bind<Record>(AddToListLate)},
-        Read<&Record::CommandType>("CommandType"),
-        Write<&Record::CommandType>("CommandType"),
-        {"Count",
-         InvokeKind::PropertyGet,
-         {},
-         ValueType::Integer,
-         Bind<Record>([](Record& record, Arguments&) { return record.Count(); })},
-        {"Clear", InvokeKind::Method, {}, ValueType::None, Bind<Record>([](Record& record, Arguments&) {
-             record.Clear();
-         })},
-        Read<&Record::ErrCode>("ErrCode"),
-        Write<&Record::ErrCode>("ErrCode"),
-        ReadItem<Record::FirstData>("FirstData"),
-        WriteItem<Record::FirstData>("FirstData"),
-        ReadItem<Record::ExtraData>("ExtraData"),
-        WriteItem<Record::ExtraData>("ExtraData"),
-        ReadItem<Record::SecondData>("SecondData"),
-        WriteItem<Record::SecondData>("SecondData"),
-        ReadItem<Record::DescriptionData>("DescriptionData"),
-        WriteItem<Record::DescriptionData>("DescriptionData"),
-        ReadItem<Record::CMD>("CMD"),
-        WriteItem<Record::CMD>("CMD"),
-        ReadItem<Record::CK>("CK"),
-        WriteItem<Record::CK>("CK"),
-        ReadItem<Record::ERMFP>("ERMFP"),
-        WriteItem<Record::ERMFP>("ERMFP"),
-        ReadItem<Record::MSGFP>("MSGFP"),
-        WriteItem<Record::MSGFP>("MSGFP"),
-    };
-}
-
-}  // namespace
-
 const platform::ClassDescription& cListRequest::Class() const {
-    static const platform::ClassDescription description{"cListRequest", Slots(), &typeLibrary,
-                                                        "{7791E13E-1D0C-4062-8FD2-7F70BCB0AF50}",
-                                                        "{903139A7-1682-4546-A54A-9F4AB42FEED5}"};
+    using Record = cListRequest;
+    static const platform::ClassDescription description{
+        "cListRequest",
+        platform::Slots{
+            ReadWrite<&Record::Mode>("Mode"),
+            ReadWrite<&Record::Key>("Key"),
+            ReadWrite<&Record::CompIndication>("CompIndication"),
+            Read<&Record::ObjectID>("ObjectID"),
+            ReadWrite<&Record::PBXName>("PBXName"),
+            Write<&Record::PBXNumber>("PBXNumber"),
+            Read<&Record::PBXNumber>("PBXNumber"),
+            ReadWrite<&Record::ShowBusy>("ShowBusy"),
+            ReadWrite<&Record::WaitFlag>("WaitFlag"),
+            ReadWrite<&Record::LoginID>("LoginID"),
+            Write<&Record::Tag>("Tag"),
+            Read<&Record::Tag>("Tag"),
+            Write<&Record::RequestID>("RequestID"),
+            Read<&Record::RequestID>("RequestID"),
+            Write<&Record::TimeTag>("TimeTag"),
+            Read<&Record::TimeTag>("TimeTag"),
+            Method<&Record::AddToList>("AddToList", "CMD", Optional("FD"), Optional("SD"), Optional("ED"),
+                                       Optional("Desc")),
+            ReadWrite<&Record::CommandType>("CommandType"),
+            Read<&Record::Count>("Count"),
+            Method<&Record::Clear>("Clear"),
+            ReadWrite<&Record::ErrCode>("ErrCode"),
+            ItemSlots<FirstData>("FirstData"),
+            ItemSlots<ExtraData>("ExtraData"),
+            ItemSlots<SecondData>("SecondData"),
+            ItemSlots<DescriptionData>("DescriptionData"),
+            ItemSlots<CMD>("CMD"),
+            ItemSlots<CK>("CK"),
+            ItemSlots<ERMFP>("ERMFP"),
+            ItemSlots<MSGFP>("MSGFP"),
+        },
+        &typeLibrary, "{7791E13E-1D0C-4062-8FD2-7F70BCB0AF50}", "{903139A7-1682-4546-A54A-9F4AB42FEED5}"};
     return description;
 }
 

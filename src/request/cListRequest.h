@@ -39,6 +39,16 @@ class cListRequest : public platform::Object {
     void Clear();
 
   private:
+    template <List List>
+    Text ItemOf(std::int16_t index) const {
+        return Item(List, index);
+    }
+    template <List List>
+    void SetItemOf(std::int16_t index, const Text& content) {
+        SetItem(List, index, content);
+    }
+    template <List List>
+    static platform::Slots ItemSlots(std::string_view name);
     bool IsItem(std::int16_t index) const { return index >= 0 && index < count_; }
 
     Text objectID_ = u"1";

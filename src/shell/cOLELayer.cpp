@@ -2,47 +2,13 @@
 
 #include "common/TypeLibrary.h"
 #include "exchange/dlgAddin.h"
+#include "platform/runtime/MemberTable.h"
 
 namespace horalink {
 
 using namespace platform;
 
 namespace {
-
-ClassDescription Describe() {
-    const Parameter pbx{"PBX", ValueType::String}, parent{"Parent", ValueType::Object},
-        id{"ID", ValueType::Integer}, visible{"Visible", ValueType::Boolean},
-        index{"Index", ValueType::Integer};
-    return {
-        "cOLELayer",
-        {
-            {"RegisterPBX",
-             InvokeKind::Method,
-             {pbx, parent, id},
-             ValueType::Boolean,
-             Bind<cOLELayer>([](cOLELayer& layer, Arguments& a) {
-                 return layer.RegisterPBX(a[0].ToText(), a[1].ToObject(), a[2].ToInteger());
-             })},
-            {"Visible",
-             InvokeKind::PropertyPut,
-             {visible},
-             ValueType::None,
-             Bind<cOLELayer>([](cOLELayer& layer, Arguments& a) { layer.PutVisible(a[0].ToBoolean()); })},
-            {"Visible",
-             InvokeKind::PropertyGet,
-             {},
-             ValueType::Boolean,
-             Bind<cOLELayer>([](cOLELayer& layer, Arguments&) { return layer.Visible(); })},
-            {"SetBackGround",
-             InvokeKind::Method,
-             {index},
-             ValueType::None,
-             Bind<cOLELayer>([](cOLELayer& layer, Arguments& a) { layer.SetBackGround(a[0].ToInteger()); })},
-        },
-        &typeLibrary,
-        "{21A5C7B5-2A66-41D0-8298-C64D75E00ED2}",
-        "{99B2190B-7900-4057-8B17-977CCB7DA003}"};
-}
 
 // Adds the name of each exchange to the application's title, once.
 void MarkTitle(Text& title, const Text& pbx) {
@@ -53,7 +19,17 @@ void MarkTitle(Text& title, const Text& pbx) {
 }  // namespace
 
 const ClassDescription& cOLELayer::Class() const {
-    static const ClassDescription description = Describe();
+    static const ClassDescription description{
+        "cOLELayer",
+        {
+            Method<&cOLELayer::RegisterPBX>("RegisterPBX", "PBX", "Parent", "ID"),
+            Write<&cOLELayer::PutVisible>("Visible", "Visible"),
+            Read<&cOLELayer::Visible>("Visible"),
+            Method<&cOLELayer::SetBackGround>("SetBackGround", "Index"),
+        },
+        &typeLibrary,
+        "{21A5C7B5-2A66-41D0-8298-C64D75E00ED2}",
+        "{99B2190B-7900-4057-8B17-977CCB7DA003}"};
     return description;
 }
 

@@ -31,12 +31,13 @@ inline std::shared_ptr<ScriptedObject> Scripted(std::vector<Member> members = {}
     return std::make_shared<ScriptedObject>(ClassDescription{"Scripted", std::move(members)});
 }
 
-// A method with so many arguments of any kind; `call` takes them and gives a result or nothing.
+// A method with at most so many arguments of any kind; `call` takes those that came and gives a result or
+// nothing.
 template <class Function>
 Member Method(std::string_view name, std::size_t arguments, Function call) {
     return {name, InvokeKind::Method,
             std::vector<Parameter>(arguments, {"Argument", ValueType::Variant, true}), ValueType::Variant,
-            [call](Object&, Arguments& given) {
+            [call](Object&, const Member&, Arguments& given) {
                 if constexpr (std::is_void_v<std::invoke_result_t<Function, Arguments&>>)
                     return call(given), Value();
                 else

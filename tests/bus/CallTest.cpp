@@ -3,6 +3,7 @@
 #include <regex>
 
 #include "BusTest.h"
+#include "platform/runtime/MemberTable.h"
 
 namespace platform::test {
 namespace {
@@ -92,26 +93,30 @@ TEST_F(CallTest, WhatStrangersPassIsConvertedOrRefused) {
     for (const auto& [answer, expected] : cases) EXPECT_EQ(answer, expected);
 }
 
-struct TypedInterfaceTest : BusTest {
-    std::vector<Member> Members() {
-        const auto get = InvokeKind::PropertyGet, put = InvokeKind::PropertyPut;
-        const auto none = ValueType::None, string = ValueType::String;
-        const Parameter content{"Content", string}, index{"Index", ValueType::Integer};
-        const auto write = [this](Object&, Arguments& a) { return tag = a.back().ToText(), Value(); };
-        const auto fail = [](Object&, Arguments&) -> Value {
-            throw RuntimeError(9, u"out of r\u00E4nge\uFFFF");
-        };
-        const auto join = [](Object&, Arguments& a) {
-            if (a[0].ToText().empty()) throw std::runtime_error("broken");
-            return a[0].ToText() + a[1].ToText();
-        };
-        return {{"Tag", put, {content}, none, write},
-                {"Tag", get, {}, string, [this](Object&, Arguments&) { return tag; }},
-                {"Item", get, {index}, string, fail},
-                {"Item", put, {index, content}, none, write},
-                {"ErrCode", get, {}, ValueType::Long, [](Object&, Arguments&) { return -5; }},
-                {"Both", InvokeKind::Method, {content, index}, string, join}};
+// A public class with a member of each shape.
+struct Typed : Object {
+    const ClassDescription& Class() const override {
+        static const ClassDescription description{
+            "cTyped",
+            {Write<&Typed::tag>("Tag"), Read<&Typed::tag>("Tag"), Read<&Typed::Item>("Item", "Index"),
+             Write<&Typed::SetItem>("Item", "Index", "Content"), Read<&Typed::errCode>("ErrCode"),
+             platform::Method<&Typed::Both>("Both", "Content", "Index")},
+            &library,
+            "{class}",
+            "{interface}"};
+        return description;
     }
+    Text Item(std::int16_t) { throw RuntimeError(9, u"out of r\u00E4nge\uFFFF"); }
+    void SetItem(std::int16_t, Text content) { tag = std::move(content); }
+    Text Both(const Text& content, std::int16_t index) {
+        if (content.empty()) throw std::runtime_error("broken");
+        return content + DecimalText(index);
+    }
+    Text tag = u"tag";
+    std::int32_t errCode = -5;
+};
+
+struct TypedInterfaceTest : BusTest {
     template <class... Parts>
     std::string Ask(Parts... parts) {
         return stranger.Call(reference, parts...);
@@ -126,9 +131,7 @@ struct TypedInterfaceTest : BusTest {
         return std::regex_replace(xml, std::regex("<node name=\"([^\"]*)\""), "$1 ",
                                   std::regex_constants::format_no_copy);
     }
-    Text tag = u"tag";
-    Reference reference = CreateForStranger(std::make_shared<ScriptedObject>(
-        ClassDescription{"cTyped", Members(), &library, "{class}", "{interface}"}));
+    Reference reference = CreateForStranger(std::make_shared<Typed>());
 };
 
 TEST_F(TypedInterfaceTest, CallsAreRoutedByPathInterfaceNameAndKind) {

@@ -5,7 +5,7 @@
 
 #include "Joined.h"
 #include "platform/headless/Desktop.h"
-#include "platform/runtime/Object.h"
+#include "platform/runtime/MemberTable.h"
 #include "platform/runtime/Trace.h"
 
 using namespace platform;
@@ -146,19 +146,14 @@ struct Sample : platform::Object {
     const ClassDescription& Class() const override {
         static const ClassDescription description{
             "Sample",
-            {Read<&Sample::number>("Number"),
-             Write<&Sample::number>("Number"),
-             Read<&Sample::number>("Fixed"),
-             {"Join",
-              InvokeKind::Method,
-              {{"A", String}, {"B", String, true}},
-              String,
-              Bind<Sample>([](Sample&, Arguments& a) {
-                  const Text joined = a[0].ToText() + (a[1].IsMissing() ? Text(u"-") : a[1].ToText());
-                  if (!a[1].IsMissing()) a[1] = u"given back";
-                  return joined;
-              })}}};
+            {Read<&Sample::number>("Number"), Write<&Sample::number>("Number"),
+             Read<&Sample::number>("Fixed"), Method<&Sample::Join>("Join", "A", Optional("B"))}};
         return description;
+    }
+    Text Join(const Text& a, Value& b) {
+        const Text joined = a + (b.IsMissing() ? Text(u"-") : b.ToText());
+        if (!b.IsMissing()) b = u"given back";
+        return joined;
     }
     std::int16_t number = 5;
 };

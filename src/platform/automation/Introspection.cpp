@@ -6,16 +6,6 @@ namespace platform {
 
 namespace {
 
-bool IsWrite(const Member& member) {
-    return member.kind == InvokeKind::PropertyPut || member.kind == InvokeKind::PropertyPutObject;
-}
-
-// A property without index has no parameter to read and one to write.
-bool IsPlainProperty(const Member& member) {
-    if (member.kind == InvokeKind::PropertyGet) return member.parameters.empty();
-    return IsWrite(member) && member.parameters.size() == 1;
-}
-
 std::string Annotation(std::string_view name, std::string_view value) {
     return "    <annotation name=\"" + std::string(name) + "\" value=\"" + std::string(value) + "\"/>\n";
 }
@@ -27,7 +17,7 @@ std::string Argument(std::string_view name, std::string_view signature, std::str
 
 std::string MethodXml(const Member& member) {
     std::string xml = "    <method name=\"";
-    xml.append(IsWrite(member) ? "Put_" : "").append(member.name).append("\">\n");
+    xml.append(member.IsWrite() ? "Put_" : "").append(member.name).append("\">\n");
     for (const Parameter& parameter : member.parameters)
         xml += Argument(parameter.name, SignatureOf(parameter.type), "in");
     if (member.result != ValueType::None) xml += Argument("Result", SignatureOf(member.result), "out");
@@ -37,20 +27,19 @@ std::string MethodXml(const Member& member) {
 // The other form of a plain property, or null.
 const Member* OtherForm(const std::vector<Member>& members, const Member& member) {
     for (const Member& other : members)
-        if (&other != &member && IsPlainProperty(other) && SameMemberName(other.name, member.name))
-            return &other;
+        if (&other != &member && !other.IsMethod() && SameMemberName(other.name, member.name)) return &other;
     return nullptr;
 }
 
 std::string PropertyXml(const Member& member, const Member* otherForm) {
-    const std::string_view access = otherForm ? "readwrite" : IsWrite(member) ? "write" : "read";
-    const ValueType type = IsWrite(member) ? member.parameters[0].type : member.result;
+    const std::string_view access = otherForm ? "readwrite" : member.IsWrite() ? "write" : "read";
+    const ValueType type = member.IsWrite() ? member.parameters[0].type : member.result;
     return "    <property name=\"" + std::string(member.name) + "\" type=\"" +
            std::string(SignatureOf(type)) + "\" access=\"" + std::string(access) + "\"/>\n";
 }
 
 std::string MemberXml(const std::vector<Member>& members, const Member& member) {
-    if (!IsPlainProperty(member)) return MethodXml(member);
+    if (member.IsMethod()) return MethodXml(member);
     const Member* otherForm = OtherForm(members, member);
     if (otherForm && otherForm < &member) return {};
     return PropertyXml(member, otherForm);

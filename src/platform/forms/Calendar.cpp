@@ -1,4 +1,5 @@
 #include "platform/forms/Controls.h"
+#include "platform/runtime/MemberTable.h"
 
 namespace platform::forms {
 
@@ -11,30 +12,6 @@ std::int16_t InRange(std::int16_t value, std::int16_t first, std::int16_t last, 
     return value;
 }
 
-template <auto Getter, auto Setter>
-void AddPart(std::vector<Member>& members, std::string_view name) {
-    members.push_back({name,
-                       InvokeKind::PropertyGet,
-                       {},
-                       ValueType::Integer,
-                       Bind<Calendar>([](Calendar& control, Arguments&) { return (control.*Getter)(); })});
-    members.push_back(
-        {name,
-         InvokeKind::PropertyPut,
-         {{"Value", ValueType::Integer}},
-         ValueType::None,
-         Bind<Calendar>([](Calendar& control, Arguments& a) { (control.*Setter)(a[0].ToInteger()); })});
-}
-
-template <auto Field>
-void AddFont(std::vector<Member>& members, std::string_view name) {
-    members.push_back({name,
-                       InvokeKind::PropertyGet,
-                       {},
-                       ValueType::Object,
-                       Bind<Calendar>([](Calendar& control, Arguments&) { return control.*Field; })});
-}
-
 }  // namespace
 
 Calendar::Calendar(Form& form, Text name, std::int16_t index)
@@ -44,26 +21,7 @@ Calendar::Calendar(Form& form, Text name, std::int16_t index)
       titlefont(std::make_shared<Font>(*this, u"MS Sans Serif", 12.0F, true)) {}
 
 const ClassDescription& Calendar::Class() const {
-    static const ClassDescription description = [] {
-        std::vector<Member> members = CommonMembers();
-        AddPart<&Calendar::Day, &Calendar::SetDay>(members, "day");
-        AddPart<&Calendar::Month, &Calendar::SetMonth>(members, "month");
-        AddPart<&Calendar::Year, &Calendar::SetYear>(members, "year");
-        members.push_back(
-            {"CalendarValue",
-             InvokeKind::PropertyGet,
-             {},
-             ValueType::Date,
-             Bind<Calendar>([](Calendar& calendar, Arguments&) { return calendar.CalendarValue(); })});
-        AddProperty<&Calendar::showdateselectors>(members, "showdateselectors");
-        AddProperty<&Calendar::MarketStyle>(members, "MarketStyle");
-        AddProperty<&Calendar::gridcelleffect>(members, "gridcelleffect");
-        AddProperty<&Calendar::ShowOption>(members, "ShowOption");
-        AddFont<&Calendar::dayfont>(members, "dayfont");
-        AddFont<&Calendar::gridfont>(members, "gridfont");
-        AddFont<&Calendar::titlefont>(members, "titlefont");
-        return ClassDescription{"Calendar", std::move(members)};
-    }();
+    static const ClassDescription description{"Calendar", CommonMembers()};
     return description;
 }
 

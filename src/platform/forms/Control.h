@@ -8,6 +8,7 @@
 #include "platform/forms/Font.h"
 #include "platform/forms/Picture.h"
 #include "platform/forms/Property.h"
+#include "platform/runtime/Object.h"
 
 namespace platform::forms {
 
@@ -43,7 +44,7 @@ class Control : public Object, public Watched {
     std::function<void()> GotFocus, LostFocus;
 
   protected:
-    static std::vector<Member> CommonMembers();
+    static Slots CommonMembers();
 
   private:
     Form& form_;
@@ -58,9 +59,11 @@ class FontControl : public Control {
         : Control(form, std::move(name), index), Font(std::make_shared<forms::Font>(*this)) {}
 
     const std::shared_ptr<forms::Font> Font;
+    void SetFontName(const Text& name) { Font->Name = name; }
+    void SetFontSize(float points) { Font->SetSize(points); }
 
   protected:
-    static std::vector<Member> FontMembers();
+    static Slots FontMembers();
 };
 
 }  // namespace platform::forms

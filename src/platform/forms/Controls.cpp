@@ -3,35 +3,19 @@
 #include <algorithm>
 
 #include "platform/forms/Form.h"
+#include "platform/runtime/MemberTable.h"
 
 namespace platform::forms {
 
-namespace {
-
-ClassDescription Described(std::string_view name, std::vector<Member> members,
-                           void (*add)(std::vector<Member>&)) {
-    add(members);
-    return {name, std::move(members)};
-}
-
-}  // namespace
-
 const ClassDescription& CommandButton::Class() const {
-    static const ClassDescription description =
-        Described("CommandButton", FontMembers(), [](std::vector<Member>& members) {
-            AddProperty<&CommandButton::Caption>(members, "Caption");
-            AddProperty<&CommandButton::Picture>(members, "Picture");
-            AddProperty<&CommandButton::DisabledPicture>(members, "DisabledPicture");
-        });
+    static const ClassDescription description{
+        "CommandButton", Slots{FontMembers(), ReadWrite<&CommandButton::Caption>("Caption"),
+                               ReadWrite<&CommandButton::Picture>("Picture")}};
     return description;
 }
 
 const ClassDescription& TextBox::Class() const {
-    static const ClassDescription description =
-        Described("TextBox", FontMembers(), [](std::vector<Member>& members) {
-            AddProperty<&TextBox::Text>(members, "Text");
-            AddProperty<&TextBox::Locked>(members, "Locked");
-        });
+    static const ClassDescription description{"TextBox", FontMembers()};
     return description;
 }
 
@@ -47,33 +31,14 @@ void TextBox::SetSelLength(std::int32_t length) {
 }
 
 const ClassDescription& Label::Class() const {
-    static const ClassDescription description =
-        Described("Label", FontMembers(), [](std::vector<Member>& members) {
-            AddProperty<&Label::Caption>(members, "Caption");
-            AddProperty<&Label::BackColor>(members, "BackColor");
-            AddProperty<&Label::ForeColor>(members, "ForeColor");
-        });
+    static const ClassDescription description{"Label",
+                                              Slots{FontMembers(), ReadWrite<&Label::Caption>("Caption")}};
     return description;
 }
 
 const ClassDescription& CheckBox::Class() const {
-    static const ClassDescription description =
-        Described("CheckBox", FontMembers(), [](std::vector<Member>& members) {
-            AddProperty<&CheckBox::Caption>(members, "Caption");
-            AddProperty<&CheckBox::BackColor>(members, "BackColor");
-            members.push_back({"Value",
-                               InvokeKind::PropertyGet,
-                               {},
-                               ValueType::Integer,
-                               Bind<CheckBox>([](CheckBox& box, Arguments&) { return box.Value(); })});
-            members.push_back({"Value",
-                               InvokeKind::PropertyPut,
-                               {{"Value", ValueType::Integer}},
-                               ValueType::None,
-                               Bind<CheckBox>([](CheckBox& box, Arguments& arguments) {
-                                   box.SetValue(arguments[0].ToInteger());
-                               })});
-        });
+    static const ClassDescription description{"CheckBox",
+                                              Slots{FontMembers(), ReadWrite<&CheckBox::Caption>("Caption")}};
     return description;
 }
 
@@ -85,10 +50,7 @@ void CheckBox::SetValue(std::int16_t value) {
 }
 
 const ClassDescription& Timer::Class() const {
-    static const ClassDescription description = Described("Timer", {}, [](std::vector<Member>& members) {
-        AddProperty<&Timer::Interval>(members, "Interval");
-        AddProperty<&Control::Enabled>(members, "Enabled");
-    });
+    static const ClassDescription description{"Timer", {}};
     return description;
 }
 
@@ -101,20 +63,14 @@ void Timer::Arm() {
 }
 
 const ClassDescription& Image::Class() const {
-    static const ClassDescription description =
-        Described("Image", CommonMembers(), [](std::vector<Member>& members) {
-            AddProperty<&Image::Picture>(members, "Picture");
-            AddProperty<&Image::Stretch>(members, "Stretch");
-        });
+    static const ClassDescription description{"Image",
+                                              Slots{CommonMembers(), ReadWrite<&Image::Picture>("Picture")}};
     return description;
 }
 
 const ClassDescription& Menu::Class() const {
-    static const ClassDescription description = Described("Menu", {}, [](std::vector<Member>& members) {
-        AddProperty<&Menu::Caption>(members, "Caption");
-        AddProperty<&Control::Visible>(members, "Visible");
-        AddProperty<&Control::Enabled>(members, "Enabled");
-    });
+    static const ClassDescription description{
+        "Menu", Slots{ReadWrite<&Menu::Caption>("Caption"), ReadWrite<&Menu::Visible>("Visible")}};
     return description;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/forms/Property.h"
+#include "platform/runtime/Object.h"
 
 namespace platform::forms {
 

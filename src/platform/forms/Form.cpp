@@ -1,4 +1,5 @@
 #include "platform/forms/Form.h"
+#include "platform/runtime/MemberTable.h"
 
 namespace platform::forms {
 
@@ -22,24 +23,9 @@ Form::Form(Text name, Scheduler& scheduler, Toolkit& toolkit)
 Form::~Form() = default;
 
 const ClassDescription& Form::Class() const {
-    static const ClassDescription description = [] {
-        ClassDescription form{"Form", {}};
-        form.members.push_back(
-            {"Name", InvokeKind::PropertyGet, {}, ValueType::String, Bind<Form>([](Form& self, Arguments&) {
-                 return self.Name();
-             })});
-        AddProperty<&Form::Caption>(form.members, "Caption");
-        AddProperty<&Form::Left>(form.members, "Left");
-        AddProperty<&Form::Top>(form.members, "Top");
-        AddProperty<&Form::Width>(form.members, "Width");
-        AddProperty<&Form::Height>(form.members, "Height");
-        AddProperty<&Form::Enabled>(form.members, "Enabled");
-        form.members.push_back(
-            {"Font", InvokeKind::PropertyGet, {}, ValueType::Object, Bind<Form>([](Form& self, Arguments&) {
-                 return self.Font;
-             })});
-        return form;
-    }();
+    static const ClassDescription description{
+        "Form", Slots{ReadWrite<&Form::Caption>("Caption"), Read<&Form::Width>("Width"),
+                      Read<&Form::Height>("Height"), Read<&Form::Font>("Font")}};
     return description;
 }
 

@@ -2,9 +2,6 @@
 #pragma once
 
 #include <utility>
-#include <vector>
-
-#include "platform/runtime/Object.h"
 
 namespace platform::forms {
 
@@ -18,6 +15,8 @@ class Watched {
 template <class T>
 class Property {
   public:
+    using Content = T;
+
     Property(Watched& owner, T initial = T()) : owner_(owner), value_(std::move(initial)) {}
     Property(const Property&) = delete;
 
@@ -39,32 +38,5 @@ class Property {
     Watched& owner_;
     T value_;
 };
-
-namespace detail {
-template <class Class, class Type>
-Type ValueTypeOf(Property<Type> Class::*);
-template <class Class, class Type>
-Class* OwnerOf(Property<Type> Class::*);
-}  // namespace detail
-
-// Adds the read and the write form of a property to a member table.
-template <auto Field>
-void AddProperty(std::vector<Member>& members, std::string_view name) {
-    using Class = std::remove_pointer_t<decltype(detail::OwnerOf(Field))>;
-    using Type = decltype(detail::ValueTypeOf(Field));
-    members.push_back({name, InvokeKind::PropertyGet, {}, TypeOf<Type>(), [](Object& self, Arguments&) {
-                           return Value((dynamic_cast<Class&>(self).*Field)());
-                       }});
-    members.push_back({name,
-                       InvokeKind::PropertyPut,
-                       {{"Value", TypeOf<Type>()}},
-                       ValueType::None,
-                       [](Object& self, Arguments& arguments) {
-                           Type value{};
-                           platform::detail::Assign(value, arguments[0]);
-                           dynamic_cast<Class&>(self).*Field = std::move(value);
-                           return Value();
-                       }});
-}
 
 }  // namespace platform::forms

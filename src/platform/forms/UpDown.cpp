@@ -1,33 +1,10 @@
 #include "platform/forms/Controls.h"
+#include "platform/runtime/MemberTable.h"
 
 namespace platform::forms {
 
-namespace {
-
-template <auto Getter, auto Setter>
-void AddNumber(std::vector<Member>& members, std::string_view name) {
-    members.push_back(
-        {name, InvokeKind::PropertyGet, {}, ValueType::Long, Bind<UpDown>([](UpDown& control, Arguments&) {
-             return (control.*Getter)();
-         })});
-    members.push_back(
-        {name,
-         InvokeKind::PropertyPut,
-         {{"Value", ValueType::Long}},
-         ValueType::None,
-         Bind<UpDown>([](UpDown& control, Arguments& a) { (control.*Setter)(a[0].ToLong()); })});
-}
-
-}  // namespace
-
 const ClassDescription& UpDown::Class() const {
-    static const ClassDescription description = [] {
-        std::vector<Member> members = CommonMembers();
-        AddNumber<&UpDown::Min, &UpDown::SetMin>(members, "Min");
-        AddNumber<&UpDown::Max, &UpDown::SetMax>(members, "Max");
-        AddNumber<&UpDown::Value, &UpDown::SetValue>(members, "Value");
-        return ClassDescription{"UpDown", std::move(members)};
-    }();
+    static const ClassDescription description{"UpDown", CommonMembers()};
     return description;
 }
 

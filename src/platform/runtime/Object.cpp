@@ -15,22 +15,15 @@ bool IsWrite(InvokeKind kind) {
     return kind == InvokeKind::PropertyPut || kind == InvokeKind::PropertyPutObject;
 }
 
-// Fills in the optional arguments at the end, and converts all to the declared types.
-Arguments Prepared(const Member& member, const Arguments& given) {
-    const auto& parameters = member.parameters;
-    if (given.size() > parameters.size()) throw RuntimeError(ErrorNumber::WrongArgumentCount, member.name);
-    const Value missing(Missing{});
-    Arguments prepared(parameters.size());
-    for (std::size_t i = 0; i < parameters.size(); ++i) {
-        const Value& argument = i < given.size() ? given[i] : missing;
-        if (argument.IsMissing() && !parameters[i].optional)
-            throw RuntimeError(ErrorNumber::WrongArgumentCount, member.name);
-        prepared[i] = Converted(argument, parameters[i].type);
-    }
-    return prepared;
+}  // namespace
+
+bool Member::IsWrite() const {
+    return platform::IsWrite(kind);
 }
 
-}  // namespace
+bool Member::IsMethod() const {
+    return kind == InvokeKind::Method || parameters.size() > (IsWrite() ? 1U : 0U);
+}
 
 bool SameMemberName(std::string_view left, std::string_view right) {
     return left.size() == right.size() && std::equal(left.begin(), left.end(), right.begin(),
@@ -39,7 +32,7 @@ bool SameMemberName(std::string_view left, std::string_view right) {
 
 const Member* FindMember(const ClassDescription& description, std::string_view name, InvokeKind kind) {
     for (const Member& member : description.members)
-        if (IsWrite(member.kind) == IsWrite(kind) && SameMemberName(member.name, name)) return &member;
+        if (member.IsWrite() == IsWrite(kind) && SameMemberName(member.name, name)) return &member;
     return nullptr;
 }
 
@@ -70,13 +63,9 @@ Value Converted(const Value& value, ValueType type) {
 }
 
 Value InvokeMember(Object& object, const Member& member, Arguments& arguments) {
-    Arguments prepared = Prepared(member, arguments);
-    const Arguments before = prepared;
-    Value result = member.invoke(object, prepared);
-    // What the member left alone goes back as it came, not as it was converted.
-    for (std::size_t i = 0; i < arguments.size(); ++i)
-        if (!(prepared[i] == before[i])) arguments[i] = prepared[i];
-    return result;
+    if (arguments.size() > member.parameters.size())
+        throw RuntimeError(ErrorNumber::WrongArgumentCount, member.name);
+    return member.invoke(object, member, arguments);
 }
 
 Value Object::Invoke(std::string_view name, InvokeKind kind, Arguments& arguments) {

@@ -1,4 +1,4 @@
-// What is reached by name: members with kind and arguments, described once in a table.
+// What is reached by name: members with kind and arguments, described once in a table (MemberTable.h).
 #pragma once
 
 #include <cstdint>
@@ -27,19 +27,24 @@ struct Parameter {
     bool optional = false;  // left out, it arrives as Missing
 };
 
-// One slot of a class. `invoke` gets exactly as many arguments as there are parameters, each converted
-// to its type.
+// One slot of a class. `invoke` converts the arguments, of which there are never more than parameters.
 struct Member {
     std::string_view name;
     InvokeKind kind = InvokeKind::Method;
     std::vector<Parameter> parameters;
     ValueType result = ValueType::None;
-    std::function<Value(Object&, Arguments&)> invoke;
+    std::function<Value(Object&, const Member&, Arguments&)> invoke;
+
+    bool IsWrite() const;
+    // False for a property without an index.
+    bool IsMethod() const;
 };
 
 struct TypeLibrary {
     std::string_view name, guid, version;
 };
+
+struct Slots;  // for tables that are put together, see MemberTable.h
 
 // A class: its type name and its members in the order of their slots. A public class has a library and
 // GUIDs, and shows an interface of its own on the bus.
@@ -121,6 +126,12 @@ inline void Assign(std::int32_t& variable, const Value& value) {
 inline void Assign(float& variable, const Value& value) {
     variable = value.ToSingle();
 }
+inline void Assign(double& variable, const Value& value) {
+    variable = value.ToDouble();
+}
+inline void Assign(Date& variable, const Value& value) {
+    variable = value.ToDate();
+}
 inline void Assign(bool& variable, const Value& value) {
     variable = value.ToBoolean();
 }
@@ -180,71 +191,6 @@ Value Get(const ObjectRef& object, std::string_view property, const Parameters&.
 template <class... Parameters>
 void Put(const ObjectRef& object, std::string_view property, const Parameters&... indexAndValue) {
     detail::InvokeLate(object, property, InvokeKind::PropertyPut, indexAndValue...);
-}
-
-// --- pieces of member tables ------------------------------------------------------------------------
-
-template <class T>
-constexpr ValueType TypeOf() {
-    if constexpr (std::is_same_v<T, Text>)
-        return ValueType::String;
-    else if constexpr (std::is_same_v<T, std::int16_t>)
-        return ValueType::Integer;
-    else if constexpr (std::is_same_v<T, std::int32_t>)
-        return ValueType::Long;
-    else if constexpr (std::is_same_v<T, bool>)
-        return ValueType::Boolean;
-    else if constexpr (std::is_same_v<T, float>)
-        return ValueType::Single;
-    else if constexpr (std::is_same_v<T, double>)
-        return ValueType::Double;
-    else if constexpr (std::is_same_v<T, Date>)
-        return ValueType::Date;
-    else
-        return ValueType::Object;
-}
-
-namespace detail {
-template <class Class, class Type>
-Class* ClassOf(Type Class::*);
-template <class Class, class Type>
-Type FieldTypeOf(Type Class::*);
-}  // namespace detail
-
-// The read and the write form of a plain field of a class: Read<&cListRequest::Tag>("Tag").
-template <auto Field>
-Member Read(std::string_view name) {
-    using Class = std::remove_pointer_t<decltype(detail::ClassOf(Field))>;
-    using Type = decltype(detail::FieldTypeOf(Field));
-    return {name, InvokeKind::PropertyGet, {}, TypeOf<Type>(), [](Object& self, Arguments&) {
-                return Value(static_cast<Class&>(self).*Field);
-            }};
-}
-template <auto Field>
-Member Write(std::string_view name) {
-    using Class = std::remove_pointer_t<decltype(detail::ClassOf(Field))>;
-    using Type = decltype(detail::FieldTypeOf(Field));
-    return {name,
-            InvokeKind::PropertyPut,
-            {{"Value", TypeOf<Type>()}},
-            ValueType::None,
-            [](Object& self, Arguments& arguments) {
-                detail::Assign(static_cast<Class&>(self).*Field, arguments[0]);
-                return Value();
-            }};
-}
-
-// A member of a class by a callable of (Class&, Arguments&) with or without a result.
-template <class Class, class Callable>
-std::function<Value(Object&, Arguments&)> Bind(Callable callable) {
-    return [callable](Object& self, Arguments& arguments) -> Value {
-        if constexpr (std::is_void_v<std::invoke_result_t<Callable, Class&, Arguments&>>) {
-            callable(static_cast<Class&>(self), arguments);
-            return Value();
-        } else {
-            return Value(callable(static_cast<Class&>(self), arguments));
-        }
-    };
 }
 
 }  // namespace platform

@@ -11,20 +11,6 @@ namespace {
 
 constexpr std::string_view writePrefix = "Put_";
 
-bool IsWrite(const Member& member) {
-    return member.kind == InvokeKind::PropertyPut || member.kind == InvokeKind::PropertyPutObject;
-}
-
-bool IsRead(const Member& member) {
-    return member.kind == InvokeKind::PropertyGet;
-}
-
-// Methods, and both forms of properties with an index.
-bool IsMethod(const Member& member) {
-    if (member.kind == InvokeKind::Method) return true;
-    return member.parameters.size() > (IsWrite(member) ? 1U : 0U);
-}
-
 template <class Condition>
 const Member* Find(const ClassDescription& description, Condition condition) {
     const auto& members = description.members;
@@ -34,15 +20,15 @@ const Member* Find(const ClassDescription& description, Condition condition) {
 
 const Member* FindMethod(const ClassDescription& description, std::string_view name) {
     return Find(description, [&](const Member& member) {
-        if (!IsMethod(member)) return false;
-        if (!IsWrite(member)) return member.name == name;
+        if (!member.IsMethod()) return false;
+        if (!member.IsWrite()) return member.name == name;
         return name.starts_with(writePrefix) && member.name == name.substr(writePrefix.size());
     });
 }
 
 const Member* FindProperty(const ClassDescription& description, std::string_view name, bool isWrite) {
     return Find(description, [&](const Member& member) {
-        return !IsMethod(member) && IsWrite(member) == isWrite && member.name == name;
+        return !member.IsMethod() && member.IsWrite() == isWrite && member.name == name;
     });
 }
 
@@ -74,7 +60,7 @@ void GetAllProperties(IncomingCall& call, Object& object) {
     sd_bus_message* answer = call.Answer();
     RequireSuccess(sd_bus_message_open_container(answer, 'a', "{sv}"));
     for (const Member& member : object.Class().members) {
-        if (!IsRead(member) || IsMethod(member)) continue;
+        if (member.IsWrite() || member.IsMethod()) continue;
         RequireSuccess(sd_bus_message_open_container(answer, 'e', "sv"));
         AppendText(answer, FromUtf8(member.name));
         ReturnProperty(call, object, member);
