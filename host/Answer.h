@@ -1,4 +1,4 @@
-// An exchange's answer to a request.
+// An exchange's answer to a request, or why there is none.
 #pragma once
 
 #include <cstdint>
@@ -21,6 +21,13 @@ struct Answer {
     std::int32_t errCode = 0;
     platform::Text tag, loginId;  // both copied from the request
     platform::Text message;
+};
+
+// Why an exchange couldn't do what was asked.
+struct Failure {
+    platform::TextView answer;  // the answer text of the items
+    platform::Text sentence;    // for the operator
+    bool uncertain = false;     // what was asked may have been done
 };
 
 }  // namespace switchdesk

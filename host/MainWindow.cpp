@@ -20,7 +20,7 @@
 #include "host/HelpPage.h"
 #include "host/WindowParts.h"
 #include "platform/qt/QtText.h"
-#include "platform/runtime/Guard.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace switchdesk {
 

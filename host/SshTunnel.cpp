@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "platform/qt/QtText.h"
-#include "platform/runtime/Guard.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace switchdesk {
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <memory>
 
-#include "host/Failure.h"
+#include "host/Answer.h"
 
 namespace switchdesk {
 

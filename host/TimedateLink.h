@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "host/Failure.h"
+#include "host/Answer.h"
 #include "host/SshTunnel.h"
 #include "platform/automation/dbus/Handles.h"
 #include "platform/runtime/EventLoop.h"

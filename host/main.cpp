@@ -19,9 +19,9 @@
 #include "platform/desktop/Installation.h"
 #include "platform/qt/QtDesktop.h"
 #include "platform/qt/QtText.h"
-#include "platform/runtime/Guard.h"
 #include "platform/runtime/Paths.h"
 #include "platform/runtime/ProgramFile.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace switchdesk {
 

@@ -1,6 +1,6 @@
 #include "common/FatalNotice.h"
 
-#include "platform/desktop/MessageBoxButtons.h"
+#include "platform/desktop/Desktop.h"
 
 namespace horalink {
 

@@ -8,12 +8,15 @@
 #include "platform/data/Database.h"
 #include "platform/desktop/Application.h"
 #include "platform/desktop/Desktop.h"
-#include "platform/desktop/PictureFiles.h"
 #include "platform/forms/Form.h"
 #include "platform/runtime/EventLoop.h"
 #include "platform/runtime/Format.h"
 
 namespace horalink {
+
+// The identity of the public classes.
+inline constexpr platform::TypeLibrary typeLibrary{"Horalink10013", "{3213E8C5-0679-49E0-83FC-808506AA9FEB}",
+                                                   "1.0"};
 
 // The platform's services.
 struct Services {

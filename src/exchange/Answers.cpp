@@ -2,7 +2,7 @@
 
 #include "exchange/ClockCommands.h"
 #include "language/LanguageMsgBox.h"
-#include "platform/runtime/Trace.h"
+#include "platform/runtime/RuntimeError.h"
 #include "request/comTools.h"
 
 namespace horalink {

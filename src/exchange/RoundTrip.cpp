@@ -5,8 +5,8 @@
 #include "exchange/Answers.h"
 #include "exchange/ClockCommands.h"
 #include "platform/automation/Patience.h"
-#include "platform/desktop/MessageBoxButtons.h"
-#include "platform/runtime/Trace.h"
+#include "platform/desktop/Desktop.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace horalink {
 

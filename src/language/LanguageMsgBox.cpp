@@ -6,7 +6,7 @@
 
 #include "common/FatalNotice.h"
 #include "language/TextTokens.h"
-#include "platform/desktop/MessageBoxButtons.h"
+#include "platform/desktop/Desktop.h"
 #include "platform/runtime/RuntimeError.h"
 
 namespace horalink {

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "common/TypeLibrary.h"
+#include "common/ModuleData.h"
 #include "platform/runtime/MemberTable.h"
 
 namespace horalink {

@@ -1,6 +1,6 @@
 #include "shell/cOLELayer.h"
 
-#include "common/TypeLibrary.h"
+#include "common/ModuleData.h"
 #include "exchange/dlgAddin.h"
 #include "platform/runtime/MemberTable.h"
 

@@ -3,7 +3,7 @@
 
 #include "../unit/ErrorOf.h"
 #include "QtFixture.h"
-#include "platform/desktop/MessageBoxButtons.h"
+#include "platform/desktop/Desktop.h"
 
 namespace platform {
 namespace {

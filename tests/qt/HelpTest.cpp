@@ -5,7 +5,7 @@
 
 #include "../unit/TemporaryDirectory.h"
 #include "QtFixture.h"
-#include "platform/desktop/MessageBoxButtons.h"
+#include "platform/desktop/Desktop.h"
 #include "platform/runtime/Paths.h"
 
 namespace platform {

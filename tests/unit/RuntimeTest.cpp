@@ -6,7 +6,7 @@
 #include "Joined.h"
 #include "platform/headless/Desktop.h"
 #include "platform/runtime/MemberTable.h"
-#include "platform/runtime/Trace.h"
+#include "platform/runtime/RuntimeError.h"
 
 using namespace platform;
 using enum ValueType;

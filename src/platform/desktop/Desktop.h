@@ -4,11 +4,23 @@
 #include <cstdint>
 #include <optional>
 
+#include "platform/forms/Picture.h"
 #include "platform/runtime/Text.h"
 
 namespace platform {
 
-// A message box. `buttons` is the sum of the constants of MessageBoxButtons.h.
+// The constants whose sum is the buttons of a message box.
+namespace buttons {
+inline constexpr std::int32_t okOnly = 0, okCancel = 1, abortRetryIgnore = 2, yesNoCancel = 3, yesNo = 4,
+                              retryCancel = 5;
+inline constexpr std::int32_t critical = 16, question = 32, exclamation = 48, information = 64;
+inline constexpr std::int32_t defaultButton1 = 0, defaultButton2 = 256, defaultButton3 = 512,
+                              defaultButton4 = 768;
+inline constexpr std::int32_t applicationModal = 0, systemModal = 4096, helpButton = 16384,
+                              setForeground = 65536, right = 524288, rightToLeft = 1048576;
+
+}  // namespace buttons
+
 struct MessageBox {
     Text prompt;
     std::int32_t buttons = 0;
@@ -42,6 +54,16 @@ class Settings {
   public:
     virtual ~Settings() = default;
     virtual Text Get(TextView application, TextView section, TextView key, TextView fallback) const = 0;
+};
+
+// Picture files by their paths.
+class PictureFiles {
+  public:
+    virtual ~PictureFiles() = default;
+    // The name of the regular file at `path`, or an empty text if there is none.
+    virtual Text Dir(TextView path) const = 0;
+    // Raises 53 if the file can't be opened, 481 if it isn't a picture.
+    virtual forms::PictureRef LoadPicture(TextView path) const = 0;
 };
 
 }  // namespace platform

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/runtime/Guard.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace platform::forms {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/runtime/Guard.h"
+#include "platform/runtime/RuntimeError.h"
 #include "platform/runtime/ScopeExit.h"
 
 namespace platform::headless {

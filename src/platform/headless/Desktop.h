@@ -7,7 +7,6 @@
 
 #include "platform/automation/Automation.h"
 #include "platform/desktop/Desktop.h"
-#include "platform/desktop/PictureFiles.h"
 #include "platform/runtime/Format.h"
 
 namespace platform::headless {

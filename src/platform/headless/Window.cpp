@@ -1,6 +1,6 @@
 #include "platform/headless/Window.h"
 
-#include "platform/runtime/Guard.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace platform::headless {
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "platform/forms/FormInput.h"
-#include "platform/runtime/Guard.h"
+#include "platform/runtime/RuntimeError.h"
 
 class QMouseEvent;
 

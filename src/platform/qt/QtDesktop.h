@@ -7,7 +7,6 @@
 #include "platform/data/Database.h"
 #include "platform/desktop/Application.h"
 #include "platform/desktop/Desktop.h"
-#include "platform/desktop/PictureFiles.h"
 #include "platform/forms/Form.h"
 #include "platform/runtime/EventLoop.h"
 #include "platform/runtime/Format.h"

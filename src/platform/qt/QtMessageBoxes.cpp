@@ -1,8 +1,7 @@
 #include "platform/qt/QtMessageBoxes.h"
 
-#include "platform/desktop/MessageBoxButtons.h"
+#include "platform/desktop/Desktop.h"
 #include "platform/qt/BoxDialog.h"
-#include "platform/runtime/Guard.h"
 #include "platform/runtime/RuntimeError.h"
 
 namespace platform {

@@ -1,7 +1,7 @@
 // Picture files of every format that Qt decodes.
 #pragma once
 
-#include "platform/desktop/PictureFiles.h"
+#include "platform/desktop/Desktop.h"
 #include "platform/runtime/Layers.h"
 
 namespace platform {

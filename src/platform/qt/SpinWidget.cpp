@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "platform/qt/Look.h"
-#include "platform/runtime/Guard.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace platform::forms {
 

@@ -11,9 +11,16 @@ namespace platform {
 class Collection {
   public:
     // Raises 457 for a key that is there already.
-    void Add(Value item, TextView key);
+    void Add(Value item, TextView key) {
+        if (!items_.emplace(UpperCase(key), std::move(item)).second)
+            throw RuntimeError(ErrorNumber::DuplicateKey);
+    }
     // Raises 5 for a key that isn't there.
-    const Value& Item(TextView key) const;
+    const Value& Item(TextView key) const {
+        const auto found = items_.find(UpperCase(key));
+        if (found == items_.end()) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+        return found->second;
+    }
 
   private:
     std::unordered_map<Text, Value> items_;  // by key in upper case

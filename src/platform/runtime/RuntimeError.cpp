@@ -1,5 +1,8 @@
 #include "platform/runtime/RuntimeError.h"
 
+#include <cstdio>
+#include <cstdlib>
+
 namespace platform {
 
 namespace {
@@ -52,6 +55,11 @@ Text Describe(ErrorNumber number, std::string_view detail) {
     return FromUtf8(description);
 }
 
+bool IsTraceWanted() {
+    const char* value = std::getenv("HORALINK_TRACE");
+    return value && std::string_view(value) == "1";
+}
+
 }  // namespace
 
 RuntimeError::RuntimeError(ErrorNumber number, std::string_view detail)
@@ -68,6 +76,19 @@ void ErrorState::Set(const RuntimeError& error) {
 void ErrorState::Clear() {
     number_ = 0;
     description_.clear();
+}
+
+void Trace(std::string_view line) {
+    static const bool isWanted = IsTraceWanted();
+    if (isWanted) std::fprintf(stderr, "horalink: %.*s\n", static_cast<int>(line.size()), line.data());
+}
+
+void TraceSkipped(std::string_view statement, const RuntimeError& error) {
+    Trace(std::string(statement) + " skipped: error " + std::to_string(error.Number()) + ", " + error.what());
+}
+
+void ReportUnhandled(const RuntimeError& error) {
+    std::fprintf(stderr, "unhandled run-time error %d: %s\n", static_cast<int>(error.Number()), error.what());
 }
 
 }  // namespace platform

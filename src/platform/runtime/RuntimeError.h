@@ -1,4 +1,4 @@
-// Run-time errors: the one exception that carries a failure, and the state that a skipped one leaves.
+// Run-time errors: the one exception that carries a failure, and what is done with one that goes no further.
 #pragma once
 
 #include <cstdint>
@@ -61,7 +61,9 @@ class ErrorState {
     Text description_;
 };
 
-// Traces a statement that was abandoned, see Trace.h.
+// Writes a line on what the program passes over to standard error, where the environment has
+// HORALINK_TRACE=1.
+void Trace(std::string_view line);
 void TraceSkipped(std::string_view statement, const RuntimeError& error);
 
 // Runs one statement. A run-time error abandons it, is noted in `state` and traced under `name`, and the
@@ -73,6 +75,20 @@ void Skip(ErrorState& state, std::string_view name, Statement&& statement) {
     } catch (const RuntimeError& error) {
         state.Set(error);
         TraceSkipped(name, error);
+    }
+}
+
+// Writes a failure that no routine has met to standard error.
+void ReportUnhandled(const RuntimeError& error);
+
+// Where a call from outside enters: runs an event. A run-time error that no routine has met ends the event
+// and is reported; the process goes on. `End` is no run-time error and passes.
+template <class Event>
+void Guard(Event&& event) {
+    try {
+        event();
+    } catch (const RuntimeError& error) {
+        ReportUnhandled(error);
     }
 }
 

@@ -4,7 +4,7 @@
 #include "platform/automation/dbus/BusErrors.h"
 #include "platform/automation/dbus/Dispatcher.h"
 #include "platform/automation/dbus/Session.h"
-#include "platform/runtime/Guard.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace platform {
 

@@ -1,7 +1,7 @@
 #include "platform/automation/dbus/Exports.h"
 
 #include "platform/automation/dbus/Nodes.h"
-#include "platform/runtime/Guard.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace platform {
 

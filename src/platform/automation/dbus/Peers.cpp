@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "platform/automation/Names.h"
-#include "platform/runtime/Guard.h"
+#include "platform/runtime/RuntimeError.h"
 
 namespace platform {
 
