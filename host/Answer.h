@@ -8,6 +8,11 @@
 
 namespace switchdesk {
 
+// What an exchange says of an item, or in place of an answer.
+namespace answer {
+inline constexpr platform::TextView accepted = u"OK", dataError = u"DATA ERROR", error = u"ERROR";
+}
+
 struct Item {
     platform::Text command;
     platform::Text first;   // number of the data item

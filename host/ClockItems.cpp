@@ -13,7 +13,6 @@ using platform::TextView;
 namespace {
 
 constexpr TextView clockCommand = u"02", yearItem = u"0", dayItem = u"1", timeItem = u"2";
-constexpr TextView accepted = u"OK", dataError = u"DATA ERROR";
 constexpr int firstYear = 1901, lastYear = 2099;
 
 // The number in `count` digits from `start`; the text has only digits.
@@ -87,7 +86,7 @@ TextView Unknown(const Item& item) {
 void Read(Item& item, platform::Date now) {
     const TextView unknown = Unknown(item);
     item.second = unknown.empty() ? ReadValue(item.first, now) : Text(unknown);
-    item.extra = unknown.empty() ? accepted : unknown;
+    item.extra = unknown.empty() ? answer::accepted : unknown;
 }
 
 void Take(Item& item, Change& change) {
@@ -95,7 +94,7 @@ void Take(Item& item, Change& change) {
     if (!unknown.empty())
         item.extra = unknown;
     else
-        item.extra = TakeValue(item, change) ? accepted : dataError;
+        item.extra = TakeValue(item, change) ? answer::accepted : answer::dataError;
 }
 
 bool DateIsGood(const Change& change) {
@@ -108,7 +107,7 @@ bool DateIsGood(const Change& change) {
 template <class Names>
 std::vector<Item> RefuseWritten(std::vector<Item> items, Names names) {
     for (Item& item : items)
-        if (!item.second.empty() && names(item.first)) item.extra = dataError;
+        if (!item.second.empty() && names(item.first)) item.extra = answer::dataError;
     return items;
 }
 
@@ -122,8 +121,8 @@ AnsweredItems AnswerItems(std::vector<Item> items, platform::Date now) {
     const bool writes = Writes(items);
     Change change{platform::PartsOf(now), {}};
     for (Item& item : items) item.second.empty() ? Read(item, now) : Take(item, change);
-    const bool good =
-        std::all_of(items.begin(), items.end(), [](const Item& item) { return item.extra == accepted; });
+    const bool good = std::all_of(items.begin(), items.end(),
+                                  [](const Item& item) { return item.extra == answer::accepted; });
     if (!good || !writes) return {std::move(items), good, {}};
     if (!DateIsGood(change)) return {RefuseDate(std::move(items)), false, {}};
     return {std::move(items), true, change.parts};

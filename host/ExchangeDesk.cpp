@@ -14,10 +14,10 @@ using platform::Text;
 
 namespace {
 
-constexpr platform::TextView busy = u"BUSY", error = u"ERROR";
+constexpr platform::TextView busy = u"BUSY";
 
 bool IsRefusal(const Text& result) {
-    return result.empty() || result == busy || result == error;
+    return result.empty() || result == busy || result == answer::error;
 }
 
 Text Key(const char16_t* prefix, int& last) {
@@ -81,7 +81,7 @@ Text ExchangeDesk::Login(const Text& name, const ObjectRef& client) {
     const std::optional<Text>& forced = observation_.misbehaviour.login;
     if (forced && IsRefusal(*forced)) return *forced;
     Named* named = Find(name);
-    if (!named) return Text(error);
+    if (!named) return Text(answer::error);
     if (IsBusy(name)) return RefuseAsBusy(*named);
     return Open(forced ? *forced : Key(u"L", lastLogin_), name, true, client);
 }
@@ -96,7 +96,7 @@ Text ExchangeDesk::RefuseAsBusy(Named& exchange) {
 Text ExchangeDesk::Send(const ObjectRef& record) {
     const Request request = ReadRequest(record);
     Session* session = FindLogin(request.loginId);
-    if (!session || session->exchange != request.exchange || session->answer) return Text(error);
+    if (!session || session->exchange != request.exchange || session->answer) return Text(answer::error);
     // Never at once: clients rely on SendRequest returning before CallBack arrives.
     if (observation_.misbehaviour.answers)
         session->answer =

@@ -11,7 +11,7 @@ namespace switchdesk {
 
 namespace {
 
-constexpr int initialWidth = 420, initialHeight = 400;
+constexpr int pageWidth = 420, pageHeight = 400;
 
 }  // namespace
 
@@ -29,7 +29,7 @@ HelpPage::HelpPage(QWidget& host)
     rows->setSpacing(6);
     rows->addWidget(title_);
     rows->addWidget(body_, 1);
-    resize(initialWidth, initialHeight);
+    resize(pageWidth, pageHeight);
 }
 
 void HelpPage::Show(const platform::HelpTopic& topic) {

@@ -33,7 +33,6 @@ constexpr int commandColumn = 0, answerColumn = 3;
 // With its frame, it has to fit a screen of 1080 lines at twice the size.
 constexpr int initialWidth = 940, initialHeight = 480, exchangePaneWidth = 500, widestNames = 150;
 constexpr QColor failureColor(0xb0, 0x1c, 0x1c);
-constexpr const char16_t* good = u"OK";
 
 QDateTime MomentOf(std::chrono::system_clock::time_point time) {
     return QDateTime::fromSecsSinceEpoch(
@@ -236,7 +235,7 @@ void MainWindow::ShowResults(const Text& caption, const std::vector<Item>& items
         int column = commandColumn;
         for (const Text* text : {&item.command, &item.first, &item.second, &item.extra})
             SetCell(*results_, row, column++, platform::ToShow(*text));
-        if (item.extra != good) results_->item(row, answerColumn)->setForeground(failureColor);
+        if (item.extra != answer::accepted) results_->item(row, answerColumn)->setForeground(failureColor);
         ++row;
     }
 }

@@ -19,7 +19,7 @@ namespace {
 constexpr TextView noWay = u"LNK_NO_IPPBX", linkTrouble = u"LNK_PORT TROUBLES", farTrouble = u"LNK_SYSERROR";
 constexpr int errorOfSsh = 255, cannotRun = 126, notFound = 127;
 constexpr qsizetype longestDetail = 200;
-constexpr int longestFarewell = 100;  // milliseconds; a killed process needs less
+constexpr int killLimit = 100;  // milliseconds; a killed process needs less
 
 // The rest of the operator's ssh_config holds. What it may forward or run there is of no use here.
 QStringList SshArguments(const QString& address) {
@@ -64,7 +64,7 @@ Failure FailureOfSsh(const QByteArray& output, const QString& address) {
 void SshTunnel::Ender::operator()(QProcess* ssh) const {
     ssh->disconnect();
     ssh->kill();
-    ssh->waitForFinished(longestFarewell);
+    ssh->waitForFinished(killLimit);
     ssh->deleteLater();
 }
 

@@ -20,8 +20,8 @@ namespace {
 
 constexpr char service[] = "org.freedesktop.timedate1", path[] = "/org/freedesktop/timedate1",
                properties[] = "org.freedesktop.DBus.Properties";
-constexpr TextView notAllowed = u"CODE NOT ALLOWED", dataError = u"DATA ERROR", error = u"ERROR",
-                   systemError = u"LNK_SYSERROR", linkLost = u"LNK_CMD RERR";
+constexpr TextView notAllowed = u"CODE NOT ALLOWED", systemError = u"LNK_SYSERROR",
+                   linkLost = u"LNK_CMD RERR";
 constexpr std::uint64_t noLimit = UINT64_MAX;  // who calls has one
 constexpr int stepsPerRound = 64;              // then timers and painting have their turn
 
@@ -46,7 +46,7 @@ Failure FailureOf(const sd_bus_error& answer) {
                 {"ServiceUnknown", "NameHasNoOwner", "UnknownObject", "UnknownInterface", "UnknownMethod"}))
         return {systemError, FromQt(TimedateLink::tr("It has no clock service (systemd-timedated)."))};
     const QString text = QString::fromUtf8(answer.message).simplified();
-    return {last == "InvalidArgs" ? dataError : error,
+    return {last == "InvalidArgs" ? answer::dataError : answer::error,
             FromQt(TimedateLink::tr("Its clock service refused: %1").arg(text))};
 }
 

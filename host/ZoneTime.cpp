@@ -26,11 +26,11 @@ platform::DateParts ShownAt(std::int64_t time, const QTimeZone& zone) {
 std::vector<std::int64_t> TimesShowing(const platform::DateParts& shown, const QTimeZone& zone) {
     const QDateTime asUtc({shown.year, shown.month, shown.day}, {shown.hour, shown.minute, shown.second},
                           QTimeZone::utc());
-    const std::int64_t seconds = asUtc.toSecsSinceEpoch();
+    const std::int64_t zoneless = asUtc.toSecsSinceEpoch();
     std::vector<std::int64_t> times;
-    for (const std::int64_t near : {seconds - day, seconds + day}) {
-        const std::int64_t time = seconds - Offset(near, zone);
-        if (Offset(time, zone) == seconds - time) times.push_back(time);
+    for (const std::int64_t near : {zoneless - day, zoneless + day}) {
+        const std::int64_t time = zoneless - Offset(near, zone);
+        if (Offset(time, zone) == zoneless - time) times.push_back(time);
     }
     std::sort(times.begin(), times.end());
     times.erase(std::unique(times.begin(), times.end()), times.end());

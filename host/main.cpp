@@ -34,7 +34,7 @@ constexpr platform::Milliseconds unusedLimit{60000};
 // The host's own values in the store.
 const Text storeSection = u"Switchdesk", backgroundKey = u"BACKGROUND";
 
-constexpr TextView family = u"VELMORA32";
+constexpr TextView familySection = u"VELMORA32";
 
 // Loads the host's texts in the first of the languages that it has. The source is in English.
 void LoadTexts(QTranslator& texts, const std::vector<Text>& languages) {
@@ -206,7 +206,8 @@ int Run(int argc, char** argv) {
     const auto engine = platform::MakeSqliteEngine(installation.layers);
     const auto desktop = platform::OpenDesktop(argc, argv, application, *engine);
     QTranslator texts;
-    LoadTexts(texts, platform::WantedLanguages(settings.Get(family, installation.market, u"Language", u"")));
+    LoadTexts(texts,
+              platform::WantedLanguages(settings.Get(familySection, installation.market, u"Language", u"")));
     PutTexts(application);
     const auto automation =
         platform::ConnectToSessionBus(desktop->Loop(), desktop->Waits(), application.waits);

@@ -7,7 +7,7 @@ run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-at
 # The far side of a real exchange, for the tests: sshd, and Debian's clock service.
 test_packages=(openssh-server openssh-client systemd)
 # Each version of clang-format lays some lines out otherwise; this one is in Debian 12 and in 13.
-check_packages=(clang-format-19)
+check_packages=(clang-format-19 clang-tidy-19)
 long_packages=(valgrind)
 fuzz_packages=(clang libclang-rt-dev)
 bench_packages=(libxcb1-dev libxcb-damage0-dev libxcb-xtest0-dev)

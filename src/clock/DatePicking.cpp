@@ -8,9 +8,7 @@ using namespace platform;
 
 namespace {
 
-constexpr std::int16_t updateButtonAlone = 1;
 constexpr std::int16_t firstYear = 1901, lastYear = 2099;
-constexpr std::int16_t shiftJis = 128;
 
 }  // namespace
 
@@ -35,7 +33,7 @@ void DatePicking::SetFonts(const forms::Font& font) {
     for (const auto& own : {calendar.dayfont, calendar.gridfont, calendar.titlefont}) {
         own->Name = font.Name();
         own->SetSize(size);
-        own->Charset = shiftJis;
+        own->Charset = forms::shiftJis;
     }
 }
 
@@ -44,7 +42,8 @@ void DatePicking::Calendar_BeforeUpdate(bool& cancel) {
 }
 
 void DatePicking::Calendar_AfterUpdate() {
-    if (links_.HasPBXName()) links_.EnableButtons(updateButtonAlone, controls_.Calendar->Day() != 0);
+    if (links_.HasPBXName())
+        links_.EnableButtons(DialogLinks::updateButtonAlone, controls_.Calendar->Day() != 0);
 }
 
 void DatePicking::Calendar_NewMonth() {
@@ -64,7 +63,7 @@ void DatePicking::KeepYear(std::int16_t refused, std::int16_t nearest) {
 }
 
 void DatePicking::SwitchOffWithoutDay() {
-    if (controls_.Calendar->Day() == 0) links_.EnableButtons(updateButtonAlone, false);
+    if (controls_.Calendar->Day() == 0) links_.EnableButtons(DialogLinks::updateButtonAlone, false);
 }
 
 }  // namespace horalink

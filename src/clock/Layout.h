@@ -45,6 +45,7 @@ DialogControls LayOut(platform::forms::Form& form);
 // What the dialog does for its pieces.
 struct DialogLinks {
     // See dlgAddin::EnableButtons.
+    static constexpr std::int16_t updateButtonAlone = 1;
     std::function<void(std::int16_t which, bool enabled)> EnableButtons;
     std::function<bool()> HasPBXName;
     // Shows which years can be set, and waits until the operator closes the box.

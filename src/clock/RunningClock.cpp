@@ -37,12 +37,6 @@ void RunningClock::FollowTime() {
     boxes[3]->Text = Now().hour < 12 ? u"AM" : u"PM";
 }
 
-namespace {
-
-constexpr std::int16_t updateButtonAlone = 1;
-
-}  // namespace
-
 void Tracking::chkTrack_Click() {
     controls_.updTime->Enabled = controls_.chkTrack->Value() != 1;
 }
@@ -50,7 +44,7 @@ void Tracking::chkTrack_Click() {
 void Tracking::chkTrackDate_Click() {
     const bool tracked = controls_.chkTrackDate->Value() == 1;
     if (tracked) {
-        if (links_.HasPBXName()) links_.EnableButtons(updateButtonAlone, true);
+        if (links_.HasPBXName()) links_.EnableButtons(DialogLinks::updateButtonAlone, true);
         clock_.SetToday();
     }
     controls_.Calendar->showdateselectors = tracked ? selectors::hidden : selectors::shown;

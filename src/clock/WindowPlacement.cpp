@@ -8,7 +8,7 @@ namespace {
 
 using namespace platform;
 
-constexpr const char16_t* appName = u"Horalink";
+constexpr const char16_t* ownName = u"Horalink";
 
 struct StoredPlace {
     Text left, top;
@@ -17,7 +17,7 @@ struct StoredPlace {
 StoredPlace LoadPlace(const ObjectRef& host) {
     ErrorState error;
     Text key = u"MOVE", value;
-    Skip(error, "GetComData", [&] { Call(host, "GetComData", appName, ByRef(key), ByRef(value)); });
+    Skip(error, "GetComData", [&] { Call(host, "GetComData", ownName, ByRef(key), ByRef(value)); });
     const auto comma = value.find(u',');
     if (comma == Text::npos) return {value, {}};
     const auto end = value.find(u',', comma + 1);
@@ -43,7 +43,7 @@ void SavePlace(const forms::Form& form, const ObjectRef& host) {
     ErrorState error;
     Text key = u"MOVE";
     Text value = Value(form.Left()).ToText() + u"," + Value(form.Top()).ToText();
-    Skip(error, "REGComData", [&] { Call(host, "REGComData", appName, ByRef(key), ByRef(value)); });
+    Skip(error, "REGComData", [&] { Call(host, "REGComData", ownName, ByRef(key), ByRef(value)); });
 }
 
 }  // namespace horalink

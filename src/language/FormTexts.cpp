@@ -12,7 +12,6 @@ namespace {
 
 using namespace platform;
 
-constexpr TextView noValue = u"-1";
 constexpr std::int32_t noIndex = -1;
 
 bool IsNoValue(const Value& value) {
@@ -85,29 +84,31 @@ namespace {
 
 using namespace platform;
 
-enum class Place { OwnProperties, FontObject, CaptionFont, FontList };
+enum class FontHolder { OwnProperties, FontObject, CaptionFont, FontList };
 
 using Charset = std::optional<std::int16_t>;
-constexpr std::int16_t cyrillic = 204, shiftJis = 128;
 
 struct Rule {
     std::string_view types;  // with a blank around each
-    Place place;
+    FontHolder holder;
     Charset charset;
     std::vector<std::string_view> fonts = {};
 };
 
 const Rule rules[] = {
-    {" ComboBox ListBox FileListBox DriveListBox DirListBox ", Place::OwnProperties, std::nullopt},
-    {" CommandButton Label MSFlexGrid Frame OptionButton vsFlexArray TextBox ", Place::OwnProperties,
-     cyrillic},
-    {" SSCommand SSCheck SSOption SSFrame SSRibbon SSPanel ", Place::OwnProperties, shiftJis},
-    {" SSTree ListView TreeView SSDBDropDown SSTab ", Place::FontObject, shiftJis},
-    {" SSListBar ", Place::CaptionFont, std::nullopt},
-    {" SSDBGrid ", Place::FontList, cyrillic, {"HeadFont", "PageFooterFont", "PageHeaderFont", "Font"}},
-    {" SSDBCombo ", Place::FontList, shiftJis, {"Font", "HeadFont"}},
+    {" ComboBox ListBox FileListBox DriveListBox DirListBox ", FontHolder::OwnProperties, std::nullopt},
+    {" CommandButton Label MSFlexGrid Frame OptionButton vsFlexArray TextBox ", FontHolder::OwnProperties,
+     forms::cyrillic},
+    {" SSCommand SSCheck SSOption SSFrame SSRibbon SSPanel ", FontHolder::OwnProperties, forms::shiftJis},
+    {" SSTree ListView TreeView SSDBDropDown SSTab ", FontHolder::FontObject, forms::shiftJis},
+    {" SSListBar ", FontHolder::CaptionFont, std::nullopt},
+    {" SSDBGrid ",
+     FontHolder::FontList,
+     forms::cyrillic,
+     {"HeadFont", "PageFooterFont", "PageHeaderFont", "Font"}},
+    {" SSDBCombo ", FontHolder::FontList, forms::shiftJis, {"Font", "HeadFont"}},
 };
-const Rule anyOther{"", Place::FontObject, std::nullopt};
+const Rule anyOther{"", FontHolder::FontObject, std::nullopt};
 
 const Rule& RuleOf(std::string_view type) {
     const std::string word = " " + std::string(type) + " ";
@@ -152,17 +153,17 @@ void SetControlFont(forms::Form& form, const ObjectRef& control, const Value& na
     const std::string_view type = control->Class().name;
     const Rule& rule = RuleOf(type);
     const FontValues values{name, size, rule.charset};
-    switch (rule.place) {
-        case Place::OwnProperties:
+    switch (rule.holder) {
+        case FontHolder::OwnProperties:
             SetOwnProperties(control, values);
             break;
-        case Place::FontObject:
+        case FontHolder::FontObject:
             SetFont(Get(control, "Font").ToObject(), values);
             break;
-        case Place::CaptionFont:
+        case FontHolder::CaptionFont:
             SetFont(Get(control, "CaptionFont").ToObject(), values);
             break;
-        case Place::FontList:
+        case FontHolder::FontList:
             SetFontList(control, rule, values);
             break;
     }

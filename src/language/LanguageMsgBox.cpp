@@ -15,7 +15,6 @@ namespace {
 
 using namespace platform;
 
-constexpr TextView noValue = u"-1";
 constexpr std::int16_t refused = 6;
 constexpr TextView defaultHelpFile = u"..\\Mora32\\Help\\error.hlp";
 

@@ -6,6 +6,9 @@
 
 namespace horalink {
 
+// In place of a text: there is none.
+inline constexpr platform::TextView noValue = u"-1";
+
 // Expands a text: pieces separated by "&", each trimmed, with %CR, %AND, %SP, %SP4, and %ST for the next
 // value of `args`, where each value ends in "%". Removes the used values from `args`. On failure shows the
 // notice, returns what was expanded so far, and leaves `args` alone.

@@ -10,7 +10,7 @@ namespace {
 
 using namespace platform;
 
-constexpr std::int32_t noIndex = -1;
+constexpr std::int32_t noPanelIndex = -1;
 
 std::string_view TypeName(const ObjectRef& control) {
     return control->Class().name;
@@ -74,8 +74,8 @@ class Painter {
     }
 
     ObjectRef BaseOf(const Recordset& row) const {
-        const bool isForm =
-            row.Field(u"BasePanelIndex").ToLong() == noIndex && row.Field(u"BasePanel").ToText() == u"me";
+        const bool isForm = row.Field(u"BasePanelIndex").ToLong() == noPanelIndex &&
+                            row.Field(u"BasePanel").ToText() == u"me";
         return isForm ? form_.shared_from_this() : ControlOf(row, u"BasePanel", u"BasePanelIndex");
     }
 

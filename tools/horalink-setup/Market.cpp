@@ -10,6 +10,7 @@
 #include "horalink-setup/Services.h"
 #include "platform/automation/dbus/SessionBusNames.h"
 #include "platform/desktop/BaseDirectories.h"
+#include "platform/runtime/Paths.h"
 #include "platform/runtime/RuntimeError.h"
 
 namespace setup {
@@ -19,11 +20,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char *addIn = "ADDINS/horalink", *host = "MORA32/switchdesk";
-
-bool Exists(const fs::path& file) {
-    std::error_code error;
-    return fs::exists(file, error);
-}
 
 fs::path InstalledTree() {
     return FamilyDirectory() / "10001";
@@ -40,16 +36,16 @@ void MakeLink(const fs::path& link, const fs::path& target) {
 // For everybody, the market is a link to the installed tree.
 fs::path SharedTree(const std::string& market) {
     const fs::path tree = FamilyDirectory() / market;
-    if (!Exists(tree)) MakeLink(tree, InstalledTree().filename());
+    if (!platform::Exists(tree)) MakeLink(tree, InstalledTree().filename());
     return tree;
 }
 
 // For a user, only the programs are links: the directory takes the files of the user's own.
 fs::path OwnTree(const std::string& market) {
-    if (const fs::path shared = FamilyDirectory() / market; Exists(shared / addIn)) return shared;
+    if (const fs::path shared = FamilyDirectory() / market; platform::Exists(shared / addIn)) return shared;
     const fs::path tree = platform::UserDirectory("XDG_DATA_HOME", ".local/share") / "VELMORA32" / market;
     for (const char* program : {addIn, host})
-        if (Exists(InstalledTree() / program) && !Exists(tree / program))
+        if (platform::Exists(InstalledTree() / program) && !platform::Exists(tree / program))
             MakeLink(tree / program, InstalledTree() / program);
     return tree;
 }
@@ -88,14 +84,14 @@ std::string CheckedMarket(std::string code) {
 
 std::string ChooseMarket(const std::string& market) {
     const bool isRoot = geteuid() == 0;
-    if (!Exists(InstalledTree() / addIn))
+    if (!platform::Exists(InstalledTree() / addIn))
         throw Fault((InstalledTree() / addIn).native() + " is missing: install the package 'horalink'");
     if (!isRoot && OwnServices().empty()) throw Fault("there is no home directory, since HOME isn't set");
     const fs::path services = isRoot ? SharedServices() : OwnServices();
     const fs::path tree = isRoot ? SharedTree(market) : OwnTree(market);
     const std::string command = Quoted((tree / addIn).native()) + " -Embedding";
     SetService(addInClass, command, services);
-    if (Exists(tree / host))
+    if (platform::Exists(tree / host))
         SetService("SwitchDeskProj" + market + ".cPBXOle", Quoted((tree / host).native()) + " --service",
                    services);
     if (!isRoot) RequireFirst(command);

@@ -11,17 +11,13 @@
 #include <system_error>
 
 #include "horalink-setup/Services.h"
+#include "platform/runtime/Paths.h"
 
 namespace setup {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-bool Exists(const fs::path& file) {
-    std::error_code error;
-    return fs::exists(file, error);
-}
 
 bool IsMine(const fs::path& file) {
     struct stat status{};
@@ -53,7 +49,7 @@ std::string NameOf(int process) {
 
 // The file itself or, where it isn't there yet, the directory that it will be made in.
 fs::path Nearest(fs::path place) {
-    while (!Exists(place) && place.has_relative_path()) place = place.parent_path();
+    while (!platform::Exists(place) && place.has_relative_path()) place = place.parent_path();
     return place;
 }
 
@@ -80,7 +76,7 @@ Problem ProblemOfPermission(const fs::path& place) {
     const std::string name = Quoted(place.native());
     if (IsMine(place) && errno != EROFS)
         problem.remedy = "chmod u+rwX " + name;
-    else if (!fs::is_directory(place) && !Exists(place.native() + "-journal") &&
+    else if (!fs::is_directory(place) && !platform::Exists(place.native() + "-journal") &&
              access(place.parent_path().c_str(), W_OK) == 0)
         problem.remedy =
             MoveAway(place) + " && cp --no-preserve=mode " + Quoted(place.native() + ".old") + " " + name;
@@ -95,7 +91,7 @@ std::string MoveAway(const fs::path& file) {
     std::string commands;
     // What is left to be undone in a database goes with it.
     for (const char* companion : {"-journal", "-wal", ""})
-        if (Exists(file.native() + companion) || !*companion)
+        if (platform::Exists(file.native() + companion) || !*companion)
             commands += (commands.empty() ? "" : " && ") + std::string("mv --backup=numbered ") +
                         Quoted(file.native() + companion) + " " + Quoted(file.native() + ".old" + companion);
     return commands;
@@ -105,9 +101,9 @@ Problem ProblemOfWriting(const fs::path& ownPlace) {
     if (const fs::path link = DeadLink(ownPlace); !link.empty())
         return {"the register can't be written, since the link " + link.native() + " leads nowhere",
                 "rm " + Quoted(link.native()), true};
-    if (!Exists(ownPlace))
+    if (!platform::Exists(ownPlace))
         for (const char* companion : {"-journal", "-wal"})
-            if (const std::string remains = ownPlace.native() + companion; Exists(remains))
+            if (const std::string remains = ownPlace.native() + companion; platform::Exists(remains))
                 return {remains + " belongs to a register that is missing", "rm " + Quoted(remains), true};
     if (const int process = LockHolder(ownPlace))
         return {"the register is locked by " + NameOf(process) + ", process " + std::to_string(process),

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* folder = "dbus-1/services";
+constexpr const char* servicesFolder = "dbus-1/services";
 // Earlier versions went on otherwise.
 constexpr const char* mark = "# Made by horalink-setup";
 
@@ -37,16 +37,16 @@ void Write(const fs::path& file, const std::string& content) {
 
 fs::path OwnServices() {
     const fs::path data = platform::UserDirectory("XDG_DATA_HOME", ".local/share");
-    return data.empty() ? data : data / folder;
+    return data.empty() ? data : data / servicesFolder;
 }
 
 std::vector<fs::path> ServiceDirectories() {
     std::vector<fs::path> directories;
     if (const fs::path session = platform::Variable("XDG_RUNTIME_DIR"); session.is_absolute())
-        directories.push_back(session / folder);
+        directories.push_back(session / servicesFolder);
     if (const fs::path own = OwnServices(); !own.empty()) directories.push_back(own);
     for (const fs::path& data : platform::SiteDirectories("XDG_DATA_DIRS", "/usr/local/share:/usr/share"))
-        directories.push_back((data / folder).lexically_normal());
+        directories.push_back((data / servicesFolder).lexically_normal());
     return directories;
 }
 

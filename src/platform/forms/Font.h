@@ -6,6 +6,9 @@
 
 namespace platform::forms {
 
+// Numbers of character sets.
+inline constexpr std::int16_t cyrillic = 204, shiftJis = 128;
+
 class Font : public Object {
   public:
     static constexpr float largestSize = 2160;

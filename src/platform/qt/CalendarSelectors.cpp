@@ -9,7 +9,7 @@ namespace platform::forms {
 
 namespace {
 
-constexpr int arrowWidth = 20, monthsAYear = 12;
+constexpr int arrowWidth = 20;
 constexpr double monthsShare = 0.6;  // of the width; names are longer than numbers
 
 struct Selector {

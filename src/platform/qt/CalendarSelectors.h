@@ -11,6 +11,8 @@ namespace platform::forms {
 
 class ArrowButton;
 
+inline constexpr int monthsAYear = 12;
+
 // Each of the two has an arrow back, its text and an arrow forth.
 class CalendarSelectors {
   public:

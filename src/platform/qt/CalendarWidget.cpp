@@ -13,7 +13,7 @@ namespace platform::forms {
 namespace {
 
 constexpr int weekdayRow = 0, rows = MonthPage::weeks + 1;
-constexpr int margin = 6, titleHeight = 30, monthsAYear = 12;
+constexpr int edge = 6, titleHeight = 30;
 constexpr std::int16_t selectorsShown = 1, yearAheadOfMonth = 2;
 constexpr std::int32_t cellsOfGrid = 2;
 
@@ -244,11 +244,11 @@ QString CalendarWidget::TitleOf(const QDate& month) const {
 }
 
 QRect CalendarWidget::TitleRect() const {
-    return {margin, 0, width() - 2 * margin, titleHeight};
+    return {edge, 0, width() - 2 * edge, titleHeight};
 }
 
 QRect CalendarWidget::GridRect() const {
-    return rect().adjusted(margin, titleHeight, -margin, -margin);
+    return rect().adjusted(edge, titleHeight, -edge, -edge);
 }
 
 // Cells fill the grid without gaps, whatever its size.

@@ -12,7 +12,7 @@ namespace platform::forms {
 
 namespace {
 
-constexpr int margin = 2, largestIcon = 32;
+constexpr int iconMargin = 2, largestIcon = 32;
 constexpr qreal fadedOpacity = 0.35;
 
 QColor FaceOf(const QPushButton& button) {
@@ -65,7 +65,7 @@ void PushWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     PaintFace(painter);
     Drawing& drawing = Shown();
-    const QRect inside = rect().adjusted(margin, margin, -margin, -margin);
+    const QRect inside = rect().adjusted(iconMargin, iconMargin, -iconMargin, -iconMargin);
     if (drawing.IsEmpty()) {
         style()->drawItemText(&painter, inside, Qt::AlignCenter, palette(), isEnabled(), caption_,
                               QPalette::ButtonText);

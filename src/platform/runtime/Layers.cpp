@@ -12,11 +12,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool Exists(const fs::path& file) {
-    std::error_code error;
-    return fs::exists(file, error);
-}
-
 bool IsSame(const fs::path& file, const fs::path& other) {
     std::error_code error;
     return fs::equivalent(file, other, error);

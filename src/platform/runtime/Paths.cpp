@@ -46,11 +46,6 @@ Route RouteOf(TextView path) {
     return route;
 }
 
-bool Exists(const fs::path& path) {
-    std::error_code error;
-    return fs::exists(path, error);
-}
-
 bool IsNormalFile(const fs::path& path) {
     std::error_code error;
     return fs::is_regular_file(path, error);
@@ -121,6 +116,11 @@ class Walk {
 };
 
 }  // namespace
+
+bool Exists(const fs::path& path) {
+    std::error_code error;
+    return fs::exists(path, error);
+}
 
 fs::path RealPath(TextView path, const fs::path& from) {
     const Route route = RouteOf(path);

@@ -19,6 +19,9 @@ std::filesystem::path RealPath(TextView path, const std::filesystem::path& from 
 // where it doesn't lead below it.
 std::optional<Text> Below(TextView path, const std::filesystem::path& directory);
 
+// Whether there is a file or a directory, as far as can be seen.
+bool Exists(const std::filesystem::path& path);
+
 // A real path as the system writes it: absolute, with backslashes.
 Text PathText(const std::filesystem::path& path);
 
