@@ -4,13 +4,8 @@
 //   zone
 // A file `stop-before` or `stop-after` there stops the program before or after it sets the clock, once.
 #include <dlfcn.h>
-#include <sys/ioctl.h>
-#include <sys/time.h>
-#include <sys/timex.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -37,63 +32,27 @@ long long MachineTime() {
     return now.tv_sec * second + now.tv_nsec;
 }
 
-timespec OwnTime() {
+}  // namespace
+
+extern "C" int clock_gettime(clockid_t id, timespec* now) noexcept {
+    if (id != CLOCK_REALTIME && id != CLOCK_REALTIME_COARSE)
+        return Next(clock_gettime, "clock_gettime")(id, now);
     long long ahead = 0;
     if (!(std::ifstream(File("ahead")) >> ahead)) std::abort();
     const long long time = MachineTime() + ahead;
-    return {time / second, time % second};
+    *now = {time / second, time % second};
+    return 0;
 }
 
-int SetTo(long long time) {
+extern "C" int clock_settime(clockid_t, const timespec* time) noexcept {
     if (unlink(File("stop-before").c_str()) == 0) std::raise(SIGSTOP);
-    if (!(std::ofstream(File("ahead")) << time - MachineTime() << std::flush)) std::abort();
+    const long long ahead = time->tv_sec * second + time->tv_nsec - MachineTime();
+    if (!(std::ofstream(File("ahead")) << ahead << std::flush)) std::abort();
     if (unlink(File("stop-after").c_str()) == 0) std::raise(SIGSTOP);
     return 0;
 }
 
-int Refuse() {
-    errno = EPERM;
-    return -1;
-}
-
-}  // namespace
-
-extern "C" {
-
-int clock_gettime(clockid_t id, timespec* now) noexcept {
-    if (id != CLOCK_REALTIME && id != CLOCK_REALTIME_COARSE)
-        return Next(clock_gettime, "clock_gettime")(id, now);
-    *now = OwnTime();
-    return 0;
-}
-int gettimeofday(timeval* __restrict now, void* __restrict) noexcept {
-    const timespec time = OwnTime();
-    *now = {time.tv_sec, time.tv_nsec / 1000};
-    return 0;
-}
-time_t time(time_t* now) noexcept {
-    const time_t time = OwnTime().tv_sec;
-    return now ? *now = time : time;
-}
-
-int clock_settime(clockid_t, const timespec* time) noexcept {
-    return SetTo(time->tv_sec * second + time->tv_nsec);
-}
-int settimeofday(const timeval* time, const struct timezone*) noexcept {
-    return time ? SetTo(time->tv_sec * second + time->tv_usec * 1000) : 0;
-}
-int adjtimex(timex* change) noexcept {
-    return change->modes ? Refuse() : TIME_ERROR;
-}
-int clock_adjtime(clockid_t, timex* change) noexcept {
-    return adjtimex(change);
-}
-// Sets a clock of the hardware, or nothing that is needed here.
-int ioctl(int, unsigned long, ...) noexcept {
-    return Refuse();
-}
-
-ssize_t readlinkat(int directory, const char* path, char* target, size_t size) noexcept {
+extern "C" ssize_t readlinkat(int directory, const char* path, char* target, size_t size) noexcept {
     if (std::strcmp(path, "/etc/localtime") != 0)
         return Next(readlinkat, "readlinkat")(directory, path, target, size);
     std::string zone;
@@ -101,5 +60,3 @@ ssize_t readlinkat(int directory, const char* path, char* target, size_t size) n
     zone.insert(0, "/usr/share/zoneinfo/");
     return static_cast<ssize_t>(zone.copy(target, size));
 }
-
-}  // extern "C"
