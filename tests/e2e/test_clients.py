@@ -14,25 +14,27 @@ from testbed import set_up as setUpModule  # noqa: F401
 
 EXAMPLES = [(sys.executable, SOURCES / "examples/host.py"), (BUILD / "examples/example-host",),
             (sys.executable, SOURCES / "examples/minimal_host.py")]
+OPEN, CLOSE = "Open clock add-in", "Close add-in"
 
 
 class Companion(EndToEndTest):
-    def test_the_trace_says_what_was_passed_over_and_why_an_answer_was_judged_so(self):
-        Host(self, "--trace", "--item=0:SecondData=MMXXVI", "--lack=ShowCode").open()
+    def test_what_was_passed_over_is_traced_and_the_login_of_one_that_dies_is_given_back(self):
+        host = Host(self, "--trace", "--item=0:SecondData=MMXXVI", "--lack=ShowCode").open()
         self.press(LOOKUP)
         self.close_box("Reading Failed")
         log = (testbed.sandbox.folder / "bus.log").read_text(encoding="utf-8")
         self.assertEqual(re.findall(r"^horalink: ([^,\n]*)", log, re.M), [
             "ShowCode skipped: error 438", 'item 0: SecondData "MMXXVI" and item 1: SecondData '
             f'"{date.today():%m/%d}" aren\'t a date: reading failed'])
-
-    def test_the_login_of_an_add_in_that_dies_is_given_back(self):
+        host.wait_for_line("LogOut")
+        os.kill(pids(SWITCHDESK)[0], signal.SIGKILL)
+        self.wait_until_gone()
         host = Host(self, "--answer=never", "--logins=1").open()
         self.press(LOOKUP)
         host.wait_for_line('ShowMessage("PBX clock request: R1"')
         os.kill(*pids(ADD_IN), signal.SIGKILL)
         host.wait_for_line("# add-in has left")
-        testbed.driver.click(testbed.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
+        self.press(OPEN, SWITCHDESK)
         self.press(LOOKUP)
         host.wait_for_line('Login("Main Office", <object>) -> "L2"')
 
@@ -41,10 +43,9 @@ class Companion(EndToEndTest):
             window = f"Switchdesk \u2013 {window}"
             testbed.driver.raise_window(window)
             testbed.driver.click(testbed.driver.find(SWITCHDESK, name, Role.TABLE_CELL, window=window))
-            testbed.driver.click(testbed.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
-            if answer:
-                testbed.driver.click(testbed.driver.find(SWITCHDESK, answer, Role.PUSH_BUTTON))
-        host = Host(self, "--answer=late:10000", "--logins=1").open()
+            for button in filter(None, (OPEN, answer)):
+                self.press(button, SWITCHDESK)
+        host = Host(self, "--answer=late:5000", "--logins=1").open()
         self.press(LOOKUP)
         host.wait_for_line('ShowMessage("PBX clock request: R1"')
         open_exchange("Main Office", "Branch 3", "Open Branch 3")
@@ -53,43 +54,24 @@ class Companion(EndToEndTest):
         host.wait_for_line('LogOut("Branch 3", "L1")')
         messages = testbed.driver.value(testbed.driver.find(SWITCHDESK, "Messages", Role.TEXT))
         self.assertRegex(messages, r"Main Office: clock read$")
-        opened = [line for line in host.lines() if line.startswith("# RegisterPBX")]
-        self.assertEqual(opened, [f'# RegisterPBX("{name}") returned False' for name in ("Main Office", "Branch 3")])
+        self.assertEqual(host.lines("# RegisterPBX"),
+                         [f'# RegisterPBX("{name}") returned False' for name in ("Main Office", "Branch 3")])
         open_exchange("Branch 3", "Main Office")
         self.assert_usable()
 
     def test_closes_at_once_though_the_add_in_is_frozen(self):
-        for buttons in (["Open clock add-in"], ["Close add-in", "Open clock add-in"]):
+        for buttons in ([OPEN], [CLOSE, OPEN]):
             with self.case(buttons):
-                Host(self).open()
+                host = Host(self).open()
                 add_in, *_ = pids(ADD_IN)
                 os.kill(add_in, signal.SIGSTOP)
-                testbed.driver.raise_window("Switchdesk \u2013 Main Office")
                 for button in buttons:
-                    testbed.driver.click(testbed.driver.find(SWITCHDESK, button, Role.PUSH_BUTTON))
-                    self.wait_for(lambda pressed=button: not testbed.driver.is_enabled(
-                        testbed.driver.find(SWITCHDESK, pressed, Role.PUSH_BUTTON)), "the button to be disabled")
+                    self.press(button, SWITCHDESK, host.window)
+                    self.wait_for(lambda pressed=button: not self.is_enabled(pressed, SWITCHDESK), f"'{button}' to be disabled")
                 testbed.driver.press("alt+F4")
                 self.wait_until_gone(SWITCHDESK)
                 self.assertEqual(pids(ADD_IN), [add_in])
                 os.kill(add_in, signal.SIGKILL)
-
-    def test_last_of_two_hosts_ends_the_process(self):
-        first, second = Host(self).open(), Host(self, exchange="Warehouse").open()
-        self.assertEqual(len(pids(ADD_IN)), 1)
-        testbed.driver.raise_window(dialog_title("Warehouse"))
-        self.look_up()
-        first.close_add_in()
-        first.wait_for_line("# lets go of the add-in")
-        testbed.driver.raise_window(dialog_title("Warehouse"))
-        self.assert_usable()
-        second.close_add_in()
-        second.wait_for_line("# add-in has left")
-        self.wait_until_gone()
-        calls = [[line for line in host.lines() if line.startswith(("Login(", "REG"))] for host in (first, second)]
-        self.assertEqual((calls[0], len(calls[1])), ([], 3))
-        self.assertEqual(calls[1][0], 'Login("Warehouse", <object>) -> "L1"')
-        self.assertRegex(calls[1][2], r'^REGComData\("Horalink", "MOVE", "-?[\d.]+,-?[\d.]+"\) -> Nothing$')
 
 
 class Examples(EndToEndTest):
