@@ -45,7 +45,7 @@ class Companion(EndToEndTest):
             testbed.driver.click(testbed.driver.find(SWITCHDESK, name, Role.TABLE_CELL, window=window))
             for button in filter(None, (OPEN, answer)):
                 self.press(button, SWITCHDESK)
-        host = Host(self, "--answer=late:5000", "--logins=1").open()
+        host = Host(self, "--answer=late:10000", "--logins=1").open()
         self.press(LOOKUP)
         host.wait_for_line('ShowMessage("PBX clock request: R1"')
         open_exchange("Main Office", "Branch 3", "Open Branch 3")
@@ -65,8 +65,9 @@ class Companion(EndToEndTest):
                 host = Host(self).open()
                 add_in, *_ = pids(ADD_IN)
                 os.kill(add_in, signal.SIGSTOP)
+                testbed.driver.raise_window(host.window)
                 for button in buttons:
-                    self.press(button, SWITCHDESK, host.window)
+                    self.press(button, SWITCHDESK)
                     self.wait_for(lambda pressed=button: not self.is_enabled(pressed, SWITCHDESK), f"'{button}' to be disabled")
                 testbed.driver.press("alt+F4")
                 self.wait_until_gone(SWITCHDESK)

@@ -159,10 +159,8 @@ class EndToEndTest(unittest.TestCase):
 
     # --- the dialog -------------------------------------------------------------------------------
 
-    def press(self, button, program=ADD_IN, window=None):
-        if window:
-            driver.raise_window(window)
-        driver.click(driver.find(program, button, Role.PUSH_BUTTON, window=window))
+    def press(self, button, program=ADD_IN):
+        driver.click(driver.find(program, button, Role.PUSH_BUTTON))
 
     def is_enabled(self, button=LOOKUP, program=ADD_IN):
         return driver.is_enabled(driver.find(program, button, Role.PUSH_BUTTON))

@@ -27,7 +27,7 @@ NO_BOX = 99  # code of an answer after which the message stays where it is
 # Leaves the register free for as long as it has held it: an add-in that finds it locked for two seconds shows a notice.
 WRITER = """import itertools, select, sqlite3, sys, time
 database = sqlite3.connect(sys.argv[1], timeout=30, isolation_level=None)
-database.execute("INSERT INTO Registry (AppName) VALUES ('Other.mra')")
+database.execute("INSERT INTO Registry VALUES ('Other.mra', 'Other', '', 'Other.cOLELayer', -1)")
 for number in itertools.count(1):
     began = time.monotonic()
     database.execute("UPDATE Registry SET Version = ? WHERE AppName = 'Other.mra'", [str(number)])

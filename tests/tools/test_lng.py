@@ -22,7 +22,7 @@ TEXTS = [
     ("tMsgBox:1:Title", "Klok & ", "there is an & with nothing beside it; a character & is written %AND"),
     ("tMsgBox:2:Prompt", "Mislukt", "%ST is missing, so what the program puts in is not shown"),
     ("tMsgBox:3:Prompt", "A & %SP & %ST", "there is no text for %ST in this box"),
-    ("tMsgBox:3:Title", "%CRLF", '"%CRLF" is no token and is shown as it is'),
+    ("tMsgBox:3:Title", "%CR9", '"%CR9" is no token and is shown as it is'),
     ("tMsgBox:4:Prompt", "De %AND jaren", '"De %AND jaren" is shown as it is: %AND has to be alone between two &'),
     ("tMsgBox:4:Title", "%ST", "there is no text for %ST in the title"),
     ("tMessages:2:Caption", "100 %", "the text is cut at its %"),
@@ -38,6 +38,7 @@ MORE_TEXTS = [
     ("tMsgBox:1:Prompt", "Tekst (%ST) hier", 'the other text in "Tekst (%ST) hier" is lost'),
     ("tMsgBox:2:Prompt", "%ST & %ST", "%ST is here more than once, and there is one text for it"),
     ("tMsgBox:3:Title", "Café & %CR & 中", None),
+    ("tMessages:1:Caption", "Klok %CR", "this text is shown as it is: %CR has no meaning here"),
     ("tMsgBox:4:Prompt", "Een tekst van meer dan veertig tekens, echt & ja", 'meer dan veertig tekens, e..." and "ja"'),
 ]
 BROKEN = [
@@ -95,9 +96,8 @@ APART = [
     ("Register.mdb", "DELETE FROM Registry", "Registry: the row Horalink.mra is missing"),
 ]
 TOGETHER = {
-    "Common.LNG": """INSERT INTO tMsgBox VALUES (9, 'A %CR', '', '%ST', NULL, '-1');
-        UPDATE PictureFileName SET ID = 32768, FileName = '' WHERE ID = 1""",
-    "Horalink.hlp": "DELETE FROM tTopics WHERE ID = 1; UPDATE tTopics SET Body = '' WHERE ID = 0",
+    "Common.LNG": "UPDATE PictureFileName SET ID = 32768, FileName = '' WHERE ID = 1",
+    "Horalink.hlp": "DELETE FROM tTopics WHERE ID = 1",
     "Horalink.lng": """UPDATE tProject SET OleServerBusyMsgText = NULL; DELETE FROM tPicture;
         INSERT INTO tMessages VALUES (4, 'A'); UPDATE tMessages SET ID = -1 WHERE ID = 16;
         INSERT INTO tMsgBox SELECT 32768, Prompt, Buttons, Title, '', '-1' FROM tMsgBox WHERE MsgNo = 1;
@@ -108,8 +108,6 @@ TOGETHER = {
 FOUND_TOGETHER = """
 Common.LNG: PictureFileName:32768.plain.svg:ID: it has to be a whole number of 16 bits
 Common.LNG: PictureFileName:32768.plain.svg:FileName: the name of the picture is missing
-Common.LNG: tMsgBox:9:Prompt: "A %CR" is shown as it is: %CR has to be alone between two &
-Horalink.hlp: tTopics:0:Body: the text is missing
 Horalink.hlp: tTopics: the row 1 is missing; the opening of the help refers to it
 Horalink.lng: tMessages:4: another row has the same key and hides this one
 Horalink.lng: tControls:dlgAddin.UPDTIME: another row has the same key and hides this one
