@@ -22,7 +22,7 @@ BUS, BUSY = "org.freedesktop.DBus", f"{CONTRACT}Error.Busy"
 CALL, READ, WRITE = 1, 2, 4
 EMPTY = (0,)
 LIMIT = 40  # seconds; the add-in waits for 20 before it asks the operator
-OBJECT = Gio.DBusNodeInfo.new_for_xml((SOURCES / "docs/introspection/host.xml").read_text(encoding="utf-8")).interfaces[0]
+OBJECT = Gio.DBusNodeInfo.new_for_xml((SOURCES / "docs/introspection/host.xml").read_text()).interfaces[0]
 
 
 def good(key):

@@ -7,7 +7,7 @@ from testbed import ADD_IN, EXCHANGE, EndToEndTest
 from testbed import set_up as setUpModule  # noqa: F401
 from texts import Texts
 
-TIME = [(Role.TEXT, "txtTime", 3), (Role.SPIN_BUTTON, "updTime", -1)] + [(Role.TEXT, "txtTime", part) for part in (2, 1, 0)]
+TIME = [(Role.TEXT, "txtTime", 3), (Role.SPIN_BUTTON, "updTime", -1)] + [(Role.TEXT, "txtTime", i) for i in (2, 1, 0)]
 BOXES = [(Role.CHECK_BOX, "chkTrack", -1), (Role.CHECK_BOX, "chkTrackDate", -1)]
 # In the order of the keys; the calendar, which has no name of its own, comes last.
 CONTROLS = [(Role.PUSH_BUTTON, "cmdButton", index) for index in (0, 1, 2)] + TIME + BOXES
@@ -64,7 +64,7 @@ class Accessibility(EndToEndTest):
                 self.check_what_is_read_out(DAY[testbed.sandbox.language].format(date.today()))
                 stops = [self.focused()] + [self.press_tab() for _ in range(len(CONTROLS) + 1)]
                 names = [self.name(control) for control in CONTROLS]
-                self.assertEqual(stops[:len(names)] + stops[-1:], names + names[:1], "the calendar alone comes after them")
+                self.assertEqual(stops[:len(names)] + stops[-1:], names + names[:1], "the calendar comes after them")
                 self.work_by_keys()
                 self.ask_what_this_is()
 

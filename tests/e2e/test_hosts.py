@@ -47,8 +47,8 @@ class Hosts(OwnHostTest):
         answers = "" if state in ("waiting", "showing") else "answers"
         self.log = testbed.sandbox.folder / "host.log"
         with open(self.log, "w", encoding="utf-8") as log:
-            self.host = self.start([sys.executable, Path(__file__).with_name("host.py"), self.member or "", self.harm.name,
-                                    answers], stdout=log)
+            program = sys.executable, Path(__file__).with_name("host.py")
+            self.host = self.start([*program, self.member or "", self.harm.name, answers], stdout=log)
         self.wait_for(lambda: "open" in self.log.read_text().splitlines(), "the host to open the dialog")
         testbed.driver.raise_window(testbed.dialog_title())
 

@@ -16,9 +16,9 @@ from testbed import set_up as setUpModule  # noqa: F401
 
 MANUALS = [SOURCES / name for name in ("README.md", "CONTRIBUTING.md")] + sorted(SOURCES.glob("docs/*.md"))
 # What builds, or wants a bare system, minutes, or what another test does.
-ELSEWHERE = (r"\./run( --language \S+)?( \.\.\.| COMMAND\.\.\.)?$|\./run (stand-alone|bus) [A-Z]|\./check|cmake --build build/check|ctest|"
-             r"tests/\w+/run|bench/run|scripts/make-pictures.sh|packaging/|sudo |/usr/share/horalink/import|"
-             r"horalink-lng check new|install -Dt|"
+ELSEWHERE = (r"\./run( --language \S+)?( \.\.\.| COMMAND\.\.\.)?$|\./run (stand-alone|bus) [A-Z]|\./check|"
+             r"cmake --build build/check|ctest|tests/\w+/run|bench/run|scripts/make-pictures.sh|packaging/|sudo |"
+             r"/usr/share/horalink/import|horalink-lng check new|install -Dt|"
              r"\./run( --language \S+)? bus (examples/|build/examples/|switchdesk --(verbose|open))")
 AS_IS = (r"horalink-(lng|setup) |msginit |PATH=|cmake -S examples|busctl |examples/host.py &|xdotool search|exit$|"
          r"\./run bus (bash$|switchdesk --help)")

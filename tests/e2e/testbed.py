@@ -1,5 +1,5 @@
-"""What tests of whole programs share: a sandbox for each module, programs started in it, the dialog worked, the companion
-host with its log; and no test leaves a program.
+"""What tests of whole programs share: a sandbox for each module, programs started in it, the dialog worked, the
+companion host with its log; and no test leaves a program.
 
 HORALINK_BUILD names the build folder. In a long run, HORALINK_SHARE is the share of this process in all cases, as
 "1/2", and HORALINK_ONLY the one case that is wanted.
@@ -171,9 +171,9 @@ class EndToEndTest(unittest.TestCase):
     def boxes(self):
         return [title for title in driver.titles(ADD_IN) if not title.startswith("PBX Clock (")]
 
-    def close_box(self, title, button=None, seconds=LIMIT):
+    def close_box(self, title, button=None):
         """Presses a button of the one box that is open, or its only one; returns the box's text."""
-        self.wait_for(self.boxes, f"the box '{title}'", seconds)
+        self.wait_for(self.boxes, f"the box '{title}'")
         self.assertEqual(self.boxes(), [title])
         box = driver.window(ADD_IN, title)
         text = "\n".join(text for text in driver.texts(box) if text.strip())
@@ -206,7 +206,8 @@ class OwnHostTest(EndToEndTest):
         """A process that serves on a bus, and a client there."""
         client = self.join(address)
         address = address or sandbox.environment["DBUS_SESSION_BUS_ADDRESS"]
-        add_in = self.start([sandbox.add_in, "-Embedding"], environment=changed(DBUS_SESSION_BUS_ADDRESS=address, **changes))
+        environment = changed(DBUS_SESSION_BUS_ADDRESS=address, **changes)
+        add_in = self.start([sandbox.add_in, "-Embedding"], environment=environment)
         self.wait_for(lambda: client.ask(BUS, "/", BUS, "NameHasOwner", ADD_IN_CLASS), "the add-in to serve its class")
         return add_in, client
 

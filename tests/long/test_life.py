@@ -1,5 +1,5 @@
-"""A long life: thousands of exchanges, objects, backgrounds and strangers in one process, which stays as it was; and many
-creations while others write the register.
+"""A long life: thousands of exchanges, objects, backgrounds and strangers in one process, which stays as it was; and
+many creations while others write the register.
 
 A round is a hundred exchanges, four of them by clicks and the others answers that nobody asked for, of which the calls
 are the same but for those up to SendRequest.
@@ -98,7 +98,8 @@ class LongLife(OwnHostTest):
         register = testbed.database_file("Register.mdb")
         buses = [None, testbed.sandbox.start_bus("other-bus", testbed.sandbox.environment)]
         add_ins = [self.start_add_in(address) for address in buses]
-        writer = self.start([sys.executable, "-c", WRITER, register], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        writer = self.start([sys.executable, "-c", WRITER, register], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                            text=True)
         writer.stdout.readline()
         layers = [[result(creation) for creation in [client.create() for _, client in add_ins]]
                   for _ in range(200 if SHARE else 20)]
