@@ -91,10 +91,9 @@ def database_file(name):
     return sandbox.own_register() if name == "Register.mdb" else next(sandbox.root.glob(f"*/DATABASE/*/{name}"))
 
 
-def changed(base=None, **changes):
+def changed(**changes):
     """The environment of the programs with changes, of which None takes a variable away."""
-    environment = {**(base or sandbox.environment), **changes}
-    return {name: value for name, value in environment.items() if value is not None}
+    return {name: value for name, value in {**sandbox.environment, **changes}.items() if value is not None}
 
 
 def failing(plan="none:0", trace="", haste=1):
@@ -148,11 +147,9 @@ class EndToEndTest(unittest.TestCase):
         try:
             self.wait_for(is_deserted, "all programs to end")
         except TimeoutError:
-            left = running()
-            for pid in left:
+            self.addCleanup(self.fail, f"left running: {running()}")
+            for pid in running():
                 os.kill(pid, signal.SIGKILL)
-            self.wait_for(lambda: not running(), "the killed programs to go")
-            self.fail(f"left running: {left}")
 
     def wait_until_gone(self, program=ADD_IN):
         self.wait_for(lambda: not pids(program), f"{program} to end")

@@ -1,5 +1,5 @@
-"""A long life: thousands of exchanges, objects, backgrounds and strangers in one process, which stays as it was; and
-many creations while others write the register.
+"""A long life: thousands of exchanges, objects and backgrounds in one process, which stays as it was; and many creations
+while others write the register.
 
 A round is a hundred exchanges, four of them by clicks and the others answers that nobody asked for, of which the calls
 are the same but for those up to SendRequest.
@@ -7,7 +7,6 @@ are the same but for those up to SendRequest.
 import contextlib
 import os
 import re
-import signal
 import sqlite3
 import subprocess
 import sys
@@ -16,8 +15,8 @@ from statistics import median
 
 import testbed
 from driver import Role
-from host import BUS, CALL, CONTRACT, connect, result
-from testbed import ADD_IN, ADD_IN_CLASS, LIMIT, LOOKUP, SHARE, OwnHostTest
+from host import BUS, CALL, result
+from testbed import ADD_IN, LIMIT, LOOKUP, SHARE, OwnHostTest
 from testbed import set_up_without_service as setUpModule  # noqa: F401
 
 ROUNDS, GROWTH = (100, 512) if SHARE else (8, 2048)  # KiB over the second half; the allocator takes some to settle
@@ -45,9 +44,8 @@ class LongLife(OwnHostTest):
             result(self.host.call_back())
         for _ in range(OBJECTS):
             result(self.host.send(result(self.host.create()), "Object", "Release"))
-        self.come_and_go(number)
         result(self.host.invoke(self.layer, "SetBackGround", CALL, number % BACKGROUNDS))
-        # Nobody holds the dialog or a record any more, and the strangers nothing.
+        # Nobody holds the dialog or a record any more.
         self.wait_for(lambda: self.host.objects(self.layer) == {self.layer[1]}, "all but the first object to go")
 
     def look_up_by_clicks(self):
@@ -60,18 +58,6 @@ class LongLife(OwnHostTest):
             self.assertIsNone(result(self.host.send(self.host.client(), "Object", "Release")))
         self.close_box(testbed.CLOCK_READ)
         self.host.code = NO_BOX
-
-    def come_and_go(self, number):
-        """A stranger creates objects, holds another's, and is away before it can have heard of that."""
-        self.process.send_signal(signal.SIGSTOP)
-        stranger = connect(testbed.sandbox.environment["DBUS_SESSION_BUS_ADDRESS"])
-        calls = ((ADD_IN_CLASS, "/Factory", f"{CONTRACT}Factory", "CreateInstance"),
-                 (*self.layer, f"{CONTRACT}Object", "Retain"))
-        for call in calls * (number % 3 + 1):
-            stranger.call(*call, None, None, 0, -1, None, None)
-        stranger.flush_sync()
-        stranger.close_sync()
-        self.process.send_signal(signal.SIGCONT)
 
     def measure(self):
         """Memory, open files, and rules on the bus."""
