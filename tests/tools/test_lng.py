@@ -37,6 +37,7 @@ MORE_TEXTS = [
     ("tMsgBox:0:Prompt", "Het is & %SP4 & %AND & %CR & %ST & 100 % of 5%", None),
     ("tMsgBox:1:Prompt", "Tekst (%ST) hier", 'the other text in "Tekst (%ST) hier" is lost'),
     ("tMsgBox:2:Prompt", "%ST & %ST", "%ST is here more than once, and there is one text for it"),
+    ("tMsgBox:2:Title", "%C", '"%C" is no token and is shown as it is'),
     ("tMsgBox:3:Title", "Café & %CR & 中", None),
     ("tMessages:1:Caption", "Klok %CR", "this text is shown as it is: %CR has no meaning here"),
     ("tMsgBox:4:Prompt", "Een tekst van meer dan veertig tekens, echt & ja", 'meer dan veertig tekens, e..." and "ja"'),
