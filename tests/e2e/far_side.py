@@ -1,6 +1,6 @@
 """A machine at the far end of ssh: a real sshd on the loopback, Debian's clock service, and a bus for it.
 
-This machine's clock is safe: the service has one of its own (OwnClock.cpp), and runs without the capability to set
+This machine's clock is safe: the service has one of its own (OwnTime.cpp), and runs without the capability to set
 another; where it would have that, it doesn't start. As a program this replaces what Debian's can't be brought to do.
 """
 import contextlib

@@ -9,7 +9,7 @@ from zoneinfo import ZoneInfo
 import testbed
 from driver import Role
 from far_side import FarSide
-from testbed import ADD_IN, BUILD, CLOCK_READ, LOOKUP, SWITCHDESK, UPDATE, Host
+from testbed import ADD_IN, CLOCK_READ, LOOKUP, SWITCHDESK, UPDATE, Host
 
 AHEAD = 1000  # seconds: the far clock until it is set
 HASTE = 3  # for a host whose limits are reached, of 12 and 6 seconds
@@ -22,7 +22,7 @@ far = None
 def setUpModule():
     global far
     testbed.set_up()
-    far = FarSide(testbed.sandbox, BUILD / "tests/e2e/libown_clock.so")
+    far = FarSide(testbed.sandbox, testbed.OWN_TIME)
 
 
 def lose_before():
@@ -67,7 +67,7 @@ class Exchanges(testbed.EndToEndTest):
     def open(self, place, *faults, haste=1):
         """The dialog for an exchange there."""
         far.reset(AHEAD, faults)
-        environment = {**far.environment, **testbed.failing(haste=haste)}
+        environment = {**far.environment, **testbed.hasty(haste)}
         self.host = Host(self, "--exchange", f"far={place}", exchange="far", environment=environment).open()
         testbed.driver.raise_window(testbed.dialog_title("far"))
 

@@ -40,7 +40,7 @@ def wait_until_still(test, process):
 class Hosts(OwnHostTest):
     def start_all(self, state, fault):
         """The add-in, a client that keeps it whatever comes, and the host."""
-        self.add_in, self.keeper = self.start_add_in(**testbed.failing(haste=4 if fault == "never wakes" else 1))
+        self.add_in, self.keeper = self.start_add_in(**testbed.hasty(4 if fault == "never wakes" else 1))
         self.layer = result(self.keeper.create())
         self.harm = signal.SIGKILL if "killed" in fault else signal.SIGSTOP
         self.member = STATES[state][0]

@@ -28,6 +28,7 @@ WAIT_BOX, GIVE_UP = "Horalink – Waiting for an Answer", "Give up"  # and the b
 ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.cPBXOle"
 
 BUILD = Path(os.environ["HORALINK_BUILD"])
+OWN_TIME = BUILD / "tests/e2e/libown_time.so"
 SHARE, ONLY = os.environ.get("HORALINK_SHARE", ""), os.environ.get("HORALINK_ONLY")
 
 # Those of the module of tests; the accessibility library can be connected only once in a process.
@@ -96,10 +97,9 @@ def changed(**changes):
     return {name: value for name, value in {**sandbox.environment, **changes}.items() if value is not None}
 
 
-def failing(plan="none:0", trace="", haste=1):
-    """The environment in which calls fail and time passes as FailingCalls.cpp describes it."""
-    return {"LD_PRELOAD": str(BUILD / "tests/long/libfailing_calls.so"), "FAILING_CALLS": plan,
-            "FAILING_CALLS_TRACE": str(trace), "HASTE": str(haste)}
+def hasty(haste):
+    """The environment in which waits are over that many times as fast."""
+    return {"LD_PRELOAD": str(OWN_TIME), "HASTE": str(haste)}
 
 
 def run(command, seconds=LIMIT, environment=None, **options):

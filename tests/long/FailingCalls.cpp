@@ -4,13 +4,12 @@
 // and of sd-bus, `file` those by which SQLite changes the disk; the N-th call of the family fails, 0 lets all
 // pass. With `kill` the process is killed ahead of the N-th call of `file`, with `full` the disk is full from
 // the N-th on. FAILING_CALLS_TRACE is a file that gets the name of each call of the family, with the code
-// after that of the one that failed. With HASTE, the process takes time to pass that many times as fast.
+// after that of the one that failed.
 //
 // Only functions are here that can fail for a reason outside of the program, each with codes that it can
 // give.
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <poll.h>
 #include <sqlite3.h>
 #include <unistd.h>
 
@@ -19,7 +18,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <string>
 
 namespace {
@@ -123,32 +121,3 @@ CALL(sd_bus_message_new_method_return, ENOMEM)
 
 TOLD(sqlite3_errcode, pretended)
 TOLD(sqlite3_errmsg, reinterpret_cast<long>(sqlite3_errstr(pretended)))
-
-namespace {
-
-long Haste() {
-    static const char* const haste = std::getenv("HASTE");
-    return haste ? std::atol(haste) : 1;
-}
-
-}  // namespace
-
-extern "C" int clock_gettime(clockid_t id, timespec* now) noexcept {
-    constexpr long second = 1'000'000'000;
-    static const auto real = reinterpret_cast<decltype(&clock_gettime)>(dlsym(RTLD_NEXT, "clock_gettime"));
-    const int result = real(id, now);
-    const long time = Haste() * (now->tv_sec * second + now->tv_nsec);
-    if (id == CLOCK_MONOTONIC) *now = {time / second, time % second};
-    return result;
-}
-
-// Both ways in which loops of events wait.
-extern "C" int poll(pollfd* files, nfds_t count, int milliseconds) {
-    static const auto real = reinterpret_cast<decltype(&poll)>(dlsym(RTLD_NEXT, "poll"));
-    const int haste = static_cast<int>(Haste());
-    return real(files, count, milliseconds > 0 ? (milliseconds + haste - 1) / haste : milliseconds);
-}
-extern "C" int ppoll(pollfd* files, nfds_t count, const timespec* limit, const sigset_t*) {
-    return poll(files, count,
-                limit ? static_cast<int>(limit->tv_sec * 1000 + (limit->tv_nsec + 999'999) / 1'000'000) : -1);
-}
