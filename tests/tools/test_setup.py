@@ -58,7 +58,7 @@ FAULTS = [
      r"^texts: .*not a database", MOVED),
     ("mkdir $D/BACKGRND && echo garbage >$D/BACKGRND/sky.svg", r"this is no picture, .* \(\S+/sky.svg\)$", MOVED),
     ("mkdir -p $S && echo '[D-BUS Service]\nExec=/none/x' >$S/$CLASS.service", r"bus would start /none/x, ", MOVED),
-    ("mkdir -p $S && echo '[D-BUS Service]\nExec=/usr/bin/horalink-setup start horalink -Embedding' >$S/$CLASS.service",
+    ("mkdir -p $S && printf '[D-BUS Service]\nExec=%s start horalink' $(command -v horalink-setup) >$S/$CLASS.service",
      r"service is of an earlier version", "rm "),
     ("horalink-setup market 20002 && rm -r $OWN/20002", r"bus would start .*20002/ADDINS/horalink", "rm "),
     ("unset DBUS_SESSION_BUS_ADDRESS; export XDG_RUNTIME_DIR=/none", "no session bus", "dbus-run-session horalink-s"),
