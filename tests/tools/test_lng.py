@@ -143,26 +143,19 @@ class Lng(unittest.TestCase):
         translation.save()
         return translation
 
-    def cell(self, file, query):
-        with contextlib.closing(sqlite3.connect(file)) as database:
-            return database.execute(query).fetchone()[0]
-
     def line_of(self, context):
         return self.po.read_text(encoding="utf-8").splitlines().index(f'msgctxt "{context}"') + 1
 
-    def check_texts(self, texts):
-        self.translate(texts)
-        status, lines, notes = self.run_tool("check", self.po)
-        wrong = sorted((self.line_of(context), context, words) for context, _, words in texts if words)
-        self.assertEqual(len(lines), len(wrong), lines)
-        for line, (number, context, words) in zip(lines, wrong):
-            self.assertTrue(line.startswith(f"{self.po}:{number}: {context}: ") and words in line, line)
-        self.assertEqual((status, notes), (1, [f"{self.po}: {len(texts)} of 59 texts are translated, 0 are fuzzy; "
-                                               "the others show in English"]))
-
     def test_names_all_faults_of_a_translation_with_their_lines(self):
-        self.check_texts(TEXTS)
-        self.check_texts(MORE_TEXTS)
+        for texts in (TEXTS, MORE_TEXTS):
+            self.translate(texts)
+            status, lines, notes = self.run_tool("check", self.po)
+            wrong = sorted((self.line_of(context), context, words) for context, _, words in texts if words)
+            self.assertEqual(len(lines), len(wrong), lines)
+            for line, (number, context, words) in zip(lines, wrong):
+                self.assertTrue(line.startswith(f"{self.po}:{number}: {context}: ") and words in line, line)
+            self.assertEqual((status, notes), (1, [f"{self.po}: {len(texts)} of 59 texts are translated, 0 are fuzzy; "
+                                                   "the others show in English"]))
 
     def test_shows_english_for_what_is_untranslated_fuzzy_or_outdated(self):
         translation = self.translate([(f"tMessages:{number}:Caption", "Tekst %CR") for number in (1, 3, 4, 6)])
@@ -171,14 +164,14 @@ class Lng(unittest.TestCase):
         by_context["tMessages:4:Caption"].msgid = "Something older"
         by_context["tMessages:6:Caption"].msgid_plural = "Plural"
         by_context["tMessages:6:Caption"].msgstr_plural = {0: "Een", 1: "Twee"}
-        translation.append(polib.POEntry(msgctxt="tMessages:99:Caption", msgid="A", msgstr="B"))
-        translation.append(polib.POEntry(msgctxt="tMessages:1:Caption", msgid="Login Failed", msgstr="Nee"))
-        translation.append(polib.POEntry(msgctxt="tMessages:5:Caption", msgid="The PBX clock is ready.",
-                                          msgstr="B", obsolete=True))
+        for number, english, text, is_obsolete in ((99, "A", "B", False), (1, "Login Failed", "Nee", False),
+                                                   (5, "The PBX clock is ready.", "B", True)):
+            translation.append(polib.POEntry(msgctxt=f"tMessages:{number}:Caption", msgid=english, msgstr=text,
+                                             obsolete=is_obsolete))
         translation.save()
         self.assertEqual(self.run_tool("build", self.po, "--output", self.top / "a/nl"), (0, [], []))
-        shown = [self.cell(self.top / "a/nl/Horalink.lng", f"SELECT Caption FROM tMessages WHERE ID = {number}")
-                 for number in range(7)]
+        with contextlib.closing(sqlite3.connect(self.top / "a/nl/Horalink.lng")) as database:
+            shown = [text for (text,) in database.execute("SELECT Caption FROM tMessages WHERE ID < 7 ORDER BY ID")]
         self.assertEqual(shown[1:2] + shown[3:], ["Nee", "PBX clock request", "PBX Clock", "The PBX clock is ready.",
                                                   "The PBX clock request failed"])
         _, lines, notes = self.run_tool("check", self.po)
