@@ -111,9 +111,11 @@ class Hosts(EndToEndTest):
         self.assertEqual(re.findall(r"^horalink: ([^,\n]*)", log, re.M), [
             "ShowCode skipped: error 438", 'item 0: SecondData "MMXXVI" and item 1: SecondData '
             f'"{date.today():%m/%d}" aren\'t a date: reading failed'])
-        host.wait_for_line("LogOut")
+        self.wait_until_enabled()
+        testbed.driver.raise_window(dialog_title())
+        testbed.driver.press("alt+F4")
+        host.wait_for_line("# add-in has left")
         os.kill(pids(SWITCHDESK)[0], signal.SIGKILL)
-        self.wait_until_gone()
         host = Host(self, "--answer=never", "--logins=1").open()
         self.press(LOOKUP)
         host.wait_for_line('ShowMessage("PBX clock request: R1"')
