@@ -109,8 +109,8 @@ class Exchanges(testbed.EndToEndTest):
         self.open("ssh:far,set", "slow")
         self.assert_shown()
         self.assertEqual((far.folder / "asked").read_text().split(), [
-            "-xaT", "-oBatchMode=yes", "-oStrictHostKeyChecking=yes", "-oConnectTimeout=10", "-oClearAllForwardings=yes",
-            "-oRemoteCommand=none", "--", "far", "systemd-stdio-bridge"])
+            "-xaT", "-oBatchMode=yes", "-oStrictHostKeyChecking=yes", "-oConnectTimeout=10",
+            "-oClearAllForwardings=yes", "-oRemoteCommand=none", "--", "far", "systemd-stdio-bridge"])
         connection = far.connections()
         self.ask(UPDATE, UPDATED, CLOCK_READ, "clock set")
         clock, took = far.clock()
@@ -125,7 +125,8 @@ class Exchanges(testbed.EndToEndTest):
         sent = time.monotonic()
         self.ask(UPDATE, UPDATED, CLOCK_READ, "clock set")
         clock, _ = far.clock()
-        since = clock - datetime(change.year, change.month, change.day, hour, minute, second, tzinfo=NEW_YORK).timestamp()
+        chosen = datetime(change.year, change.month, change.day, hour, minute, second, tzinfo=NEW_YORK)
+        since = clock - chosen.timestamp()
         self.assertTrue(0 < since < time.monotonic() - sent, since)
         self.assert_shown()
         self.assertEqual(far.connections(), connection)

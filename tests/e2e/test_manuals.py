@@ -72,8 +72,8 @@ class Manuals(OwnHostTest):
         (folder / "build").mkdir()
         for part in BUILD.iterdir():
             (folder / "build" / part.name).symlink_to(part)
-        environment = changed(HOME=str(folder / "home"), PATH=f"{self.top}/usr/bin:{testbed.sandbox.environment['PATH']}",
-                              XDG_DATA_DIRS=f"{self.top}/usr/local/share:{self.top}/usr/share",
+        environment = changed(HOME=str(folder / "home"), XDG_DATA_DIRS=f"{self.top}/usr/local/share:{self.top}/usr/share",
+                              PATH=f"{self.top}/usr/bin:{testbed.sandbox.environment['PATH']}",
                               XDG_CONFIG_HOME=None, XDG_DATA_HOME=None, XDG_CACHE_HOME=None)
         # Some compile, which takes minutes on a busy machine.
         done = run(["bash", "-exc", "\n".join(commands)], 300, environment=environment, cwd=folder)

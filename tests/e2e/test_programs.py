@@ -57,7 +57,8 @@ class OnTheBus(OwnHostTest):
                 layer = result(host.create())
             layers.append(layer)
         self.assertEqual(len({owner for owner, _ in layers}), len(layers))
-        self.wait_for(lambda: all(host.asked_by(layer) == ["GetComData", "REGComData"] for layer in layers[:-1]), "calls")
+        calls = ["GetComData", "REGComData"]
+        self.wait_for(lambda: all(host.asked_by(layer) == calls for layer in layers[:-1]), "their calls")
 
 
 class AsAProgram(OwnHostTest):

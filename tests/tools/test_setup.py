@@ -95,7 +95,8 @@ class Setup(unittest.TestCase):
         own = self.home / ".local/share/VELMORA32"
         self.environment = {
             "HOME": str(self.home), "XDG_DATA_HOME": f"{self.home}/.local/share",
-            "XDG_DATA_DIRS": f"{self.top}/usr/local/share:{self.top}/usr/share", "PATH": f"{self.top}/usr/bin:/usr/bin:/bin",
+            "XDG_DATA_DIRS": f"{self.top}/usr/local/share:{self.top}/usr/share",
+            "PATH": f"{self.top}/usr/bin:/usr/bin:/bin",
             "LANG": "de_DE.UTF-8", "LC_CTYPE": "C.UTF-8", "QT_QPA_PLATFORM": "offscreen", "LOCK": LOCK,
             "CLASS": "Horalink10013.cOLELayer", "OWN": str(own), "D": f"{own}/10001",
             "S": f"{self.home}/.local/share/dbus-1/services",
@@ -155,7 +156,8 @@ class Setup(unittest.TestCase):
                        "echo '[velmora32/10001]\nlanguage=fr' >.config/velmora/settings.ini")
         self.install()  # an upgrade
         # A client that stays holds the object.
-        after = self.run_shell("""horalink-setup status; /usr/bin/python3 -c "import dbus, subprocess; d = dbus.SessionBus()
+        after = self.run_shell("""horalink-setup status
+/usr/bin/python3 -c "import dbus, subprocess; d = dbus.SessionBus()
 d.get_object('$CLASS', '/Factory').CreateInstance(dbus_interface='org.velmora.Automation1.Factory')
 subprocess.run(['horalink-setup', 'status'])" """)
         for line in ("  languages          fr, en\n",
