@@ -1,6 +1,6 @@
 """A machine at the far end of ssh: a real sshd on the loopback, Debian's clock service, and a bus for it.
 
-This machine's clock is safe: the service has one of its own (OwnClock.cpp), and runs without the capability to set
+This machine's clock is safe: the service has one of its own (OwnTime.cpp), and runs without the capability to set
 another; where it would have that, it doesn't start. As a program this replaces what Debian's can't be brought to do.
 """
 import contextlib
@@ -24,10 +24,8 @@ from sandbox import wait_for
 
 TIMEDATE, UNITS, PROPERTIES = "org.freedesktop.timedate1", "org.freedesktop.systemd1", "org.freedesktop.DBus.Properties"
 TIMEDATE_PATH, UNIT_PATH = "/org/freedesktop/timedate1", "/org/freedesktop/systemd1/unit/far_2dntp_2eservice"
-DAEMON = dbus.BUS_DAEMON_NAME, dbus.BUS_DAEMON_PATH, dbus.BUS_DAEMON_IFACE
 FAULTS = "absent", "refusing", "ntp", "bridgeless", "slow", "stop-before", "stop-after"
 WAY = 0.5  # seconds that a slow connection takes in each direction
-WITHOUT_CLOCK = "/usr/bin/setpriv --bounding-set -sys_time --inh-caps -sys_time "
 FILES = {
     "service": """cd {folder} || exit 1
 capabilities=$(sed -n 's/^CapEff:\\t//p' /proc/self/status)
@@ -80,26 +78,26 @@ exec /usr/bin/ssh -F {folder}/ssh_config "$@"
 class FarSide:
     """`environment` is that of a program that finds the far side by ssh, and as its own system bus."""
 
-    def __init__(self, sandbox, run, clock):
-        self.folder, self.run = sandbox.folder / "far", run
+    def __init__(self, sandbox, clock):
+        self.folder = sandbox.folder / "far"
         (self.folder / "bin").mkdir(parents=True)
         with socket.create_server(("127.0.0.1", 0)) as free:
             port = free.getsockname()[1]
         for key in ("host", "key", "other"):
-            run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", self.folder / key]).check_returncode()
+            subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", self.folder / key], check=True)
         for known, key in (("known", "host"), ("changed", "other")):
             (self.folder / known).write_text(f"far {(self.folder / f'{key}.pub').read_text()}")
-        capability = WITHOUT_CLOCK if os.getuid() == 0 else ""
-        for name, command in ((TIMEDATE, f"{capability}/bin/sh {self.folder}/service"),
+        less = "/usr/bin/setpriv --bounding-set -sys_time --inh-caps -sys_time " if os.getuid() == 0 else ""
+        for name, command in ((TIMEDATE, f"{less}/bin/sh {self.folder}/service"),
                               (UNITS, f"{sys.executable} {__file__} {UNITS}")):
             (sandbox.folder / f"services/{name}.service").write_text(f"[D-BUS Service]\nName={name}\nExec={command}\n")
-        self.address = sandbox.start_bus("far-bus", sandbox.environment)
+        address = sandbox.start_bus("far-bus", sandbox.environment)
         for name, text in FILES.items():
             (self.folder / name).write_text(text.format(
-                folder=self.folder, port=port, address=shlex.quote(self.address), user=getpass.getuser(), clock=clock,
+                folder=self.folder, port=port, address=shlex.quote(address), user=getpass.getuser(), clock=clock,
                 python=sys.executable, here=__file__, timedate=TIMEDATE, modules=os.environ["PYTHONPATH"]))
         (self.folder / "bin/ssh").chmod(0o700)
-        self.environment = {**sandbox.environment, "DBUS_SYSTEM_BUS_ADDRESS": self.address,
+        self.environment = {**sandbox.environment, "DBUS_SYSTEM_BUS_ADDRESS": address,
                             "PATH": f"{self.folder}/bin:{sandbox.environment['PATH']}"}
         if os.getuid() == 0:
             Path("/run/sshd").mkdir(mode=0o755, exist_ok=True)  # without an init nobody else does
@@ -107,13 +105,12 @@ class FarSide:
         with open(log, "w", encoding="utf-8") as output:
             sandbox.start(["/usr/sbin/sshd", "-D", "-e", "-f", self.folder / "sshd_config"], stderr=output)
         wait_for(lambda: "Server listening" in log.read_text(), 20, "sshd to listen")
-        self.bus = dbus.bus.BusConnection(self.address)
+        self.bus = dbus.bus.BusConnection(address)
 
-    def reset(self, ahead, *faults):
+    def reset(self, ahead, faults):
         """Sets the clock that many seconds ahead of this machine's, in New York, and has these faults alone."""
-        (self.folder / "zone").write_text("America/New_York")
-        (self.folder / "ahead").write_text(str(ahead * 10**9))
-        (self.folder / "connections").write_text("")
+        for name, text in (("zone", "America/New_York"), ("ahead", str(ahead * 10**9)), ("connections", "")):
+            (self.folder / name).write_text(text)
         self.mend()
         self.kill_service()
         for fault in faults:
@@ -122,8 +119,10 @@ class FarSide:
     def mend(self):
         for fault in FAULTS:
             (self.folder / fault).unlink(missing_ok=True)
-        if self.service() and "far_side" in Path(f"/proc/{self.service()}/cmdline").read_text():
-            self.kill_service()
+        if pid := self.service():
+            if "far_side" in Path(f"/proc/{pid}/cmdline").read_text():
+                return self.kill_service()
+            os.kill(pid, signal.SIGCONT)
 
     def ahead(self):
         """Seconds that the clock is ahead of this machine's."""
@@ -132,13 +131,14 @@ class FarSide:
     def clock(self):
         """What the service says of its clock when it is asked there, and how long the asking took."""
         asked = time.time()
-        said = self.run(["busctl", f"--address={self.address}", "get-property", TIMEDATE, TIMEDATE_PATH, TIMEDATE, "TimeUSec"])
-        return int(said.stdout.split()[1]) / 10**6, time.time() - asked
+        said = self.bus.call_blocking(TIMEDATE, TIMEDATE_PATH, PROPERTIES, "Get", "ss", [TIMEDATE, "TimeUSec"])
+        return said / 10**6, time.time() - asked
 
     def service(self):
         """The number of its process, if it runs."""
         with contextlib.suppress(dbus.DBusException):
-            return int(self.bus.call_blocking(*DAEMON, "GetConnectionUnixProcessID", "s", [TIMEDATE]))
+            return int(self.bus.call_blocking(dbus.BUS_DAEMON_NAME, dbus.BUS_DAEMON_PATH, dbus.BUS_DAEMON_IFACE,
+                                              "GetConnectionUnixProcessID", "s", [TIMEDATE]))
 
     def kill_service(self):
         if pid := self.service():
@@ -151,7 +151,7 @@ class FarSide:
 
     def connections(self):
         """The processes that serve those who have come by ssh."""
-        return [pid for pid in map(int, (self.folder / "connections").read_text().split()) if Path(f"/proc/{pid}").exists()]
+        return [int(pid) for pid in (self.folder / "connections").read_text().split() if Path(f"/proc/{pid}").exists()]
 
     def signal_connections(self, number):
         for pid in self.connections():
@@ -185,21 +185,15 @@ def carry(source, sink):
         os.write(sink, data)
 
 
-def bridge_slowly(address):
-    command = ["systemd-stdio-bridge", f"--bus-path={address}"]
-    with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE) as bridge:
-        threading.Thread(target=carry, args=(bridge.stdout.fileno(), 1), daemon=True).start()
-        carry(0, bridge.stdin.fileno())
-
-
-def serve(name):
-    dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
-    bus = dbus.bus.BusConnection(os.environ["DBUS_STARTER_ADDRESS"])
-    served = Refusing(bus, TIMEDATE_PATH) if name == TIMEDATE else Running(bus, UNIT_PATH)
-    bus.request_name(name)
-    GLib.MainLoop().run()
-    return served
-
-
 if __name__ == "__main__":
-    bridge_slowly(sys.argv[2]) if sys.argv[1] == "slow" else serve(sys.argv[1])
+    if sys.argv[1] == "slow":
+        with subprocess.Popen(["systemd-stdio-bridge", f"--bus-path={sys.argv[2]}"],
+                              stdin=subprocess.PIPE, stdout=subprocess.PIPE) as bridge:
+            threading.Thread(target=carry, args=(bridge.stdout.fileno(), 1), daemon=True).start()
+            carry(0, bridge.stdin.fileno())
+    else:
+        dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+        bus = dbus.bus.BusConnection(os.environ["DBUS_STARTER_ADDRESS"])
+        served = Refusing(bus, TIMEDATE_PATH) if sys.argv[1] == TIMEDATE else Running(bus, UNIT_PATH)
+        bus.request_name(sys.argv[1])
+        GLib.MainLoop().run()

@@ -18,30 +18,18 @@ from gi.repository import Gio, GLib
 from sandbox import SOURCES
 
 CONTRACT, ADD_IN_CLASS, EXCHANGE = "org.velmora.Automation1.", "Horalink10013.cOLELayer", "Main Office"
-BUS = "org.freedesktop.DBus"
+BUS, BUSY = "org.freedesktop.DBus", f"{CONTRACT}Error.Busy"
 CALL, READ, WRITE = 1, 2, 4
 EMPTY = (0,)
-BUSY = f"{CONTRACT}Error.Busy"
 LIMIT = 40  # seconds; the add-in waits for 20 before it asks the operator
-OBJECT = Gio.DBusNodeInfo.new_for_xml((SOURCES / "docs/introspection/host.xml").read_text(encoding="utf-8")).interfaces[0]
-
-# What the add-in calls.
-
-def asked(key):
-    return ["oPBX", f"Login {EXCHANGE}", f"ShowMessage PBX clock request: {key}",
-            "oPBX", "SendRequest LOOKUP_CLOCK", "ShowMessage PBX clock request: R"]
-
-
-def told(key):
-    return [f"ShowResults PBX Clock ({EXCHANGE}) /Response/{key}", "ShowMessage OK", "ShowCode 0"]
-
-
-def logged_out(key):
-    return ["oPBX", f"LogOut {EXCHANGE} {key}"]
+OBJECT = Gio.DBusNodeInfo.new_for_xml((SOURCES / "docs/introspection/host.xml").read_text()).interfaces[0]
 
 
 def good(key):
-    return asked(key) + told(key) + logged_out(key)
+    """What the add-in calls in a good lookup."""
+    return ["oPBX", f"Login {EXCHANGE}", f"ShowMessage PBX clock request: {key}", "oPBX", "SendRequest LOOKUP_CLOCK",
+            "ShowMessage PBX clock request: R", f"ShowResults PBX Clock ({EXCHANGE}) /Response/{key}", "ShowMessage OK",
+            "ShowCode 0", "oPBX", f"LogOut {EXCHANGE} {key}"]
 
 
 def clock(key):
@@ -67,12 +55,11 @@ def result(future):
 
 
 class Host:
-    """Serves in a thread of its own. `kept` counts the references that the add-in holds, `delay` is what REGComData takes
-    in milliseconds."""
+    """Serves in a thread of its own. `clients` are those of the keys of logins, `kept` counts the references that the
+    add-in holds, `delay` is what REGComData takes in milliseconds."""
 
     def __init__(self, address):
-        self.calls, self.kept, self.clients = [], Counter(), {}  # the clients by the keys of logins
-        self.tags, self.messages = {}, {}
+        self.calls, self.kept, self.clients, self.tags, self.messages = [], Counter(), {}, {}, {}
         self.calls_back, self.code, self.delay, self.last_call = True, 0, 0, 0.0
         self.context = GLib.MainContext()
         self.loop = GLib.MainLoop(self.context)
@@ -143,7 +130,7 @@ class Host:
         def accept():
             answer("R")
             if self.calls_back:
-                self.call_back(key)
+                self.call_back()
 
         def tagged(reply):
             tag = result(reply)
@@ -152,12 +139,12 @@ class Host:
         self.invoke(record, "Tag", READ).add_done_callback(tagged)
 
     def respond(self, key, member, *arguments):
-        if member == "Message" and arguments:
-            self.messages[key] = arguments[0]
-        item = arguments[0] if arguments and member != "Message" else 0
+        if member == "Message":
+            self.messages[key] = arguments[0] if arguments else self.messages.get(key, "")
+            return self.messages[key]
+        item = arguments[0] if arguments else 0
         return {"Count": 3, "CMD": "02", "FirstData": str(item), "SecondData": ("2026", "07/04 SAT", clock(key))[item],
-                "ExtraData": "OK", "ErrCode": self.code, "Tag": self.tags[key], "LoginID": key,
-                "Message": self.messages.get(key, "")}[member]
+                "ExtraData": "OK", "ErrCode": self.code, "Tag": self.tags[key], "LoginID": key}[member]
 
     def send(self, target, interface, method, parameters=None):
         """Sends in the order of these calls; gives the reply that is to come."""
@@ -186,8 +173,12 @@ class Host:
         result(self.invoke(layer, "Visible", WRITE, True))
         return layer
 
-    def call_back(self, key):
-        return self.invoke(self.clients[key], "CallBack", CALL, self.at(f"/Response/{key}"))
+    def client(self):
+        """That of the last login."""
+        return self.clients[f"L{len(self.clients)}"]
+
+    def call_back(self):
+        return self.invoke(self.client(), "CallBack", CALL, self.at(f"/Response/L{len(self.clients)}"))
 
     def ask(self, owner, path, interface, method, *arguments):
         """A call of one of the bus's own interfaces."""
@@ -225,4 +216,4 @@ if __name__ == "__main__":
     host.open()
     print("open", flush=True)
     while signal.sigwait({signal.SIGUSR1}):
-        host.call_back(f"L{len(host.clients)}")
+        host.call_back()

@@ -9,109 +9,103 @@ from pathlib import Path
 
 import testbed
 from driver import Role
-from host import LIMIT, READ, asked, clock, good, logged_out, result, told
+from host import LIMIT, READ, clock, good, result
 from testbed import ADD_IN, CLOCK_READ, GIVE_UP, LOGIN_FAILED, LOOKUP, WAIT_BOX, OwnHostTest, chosen
 from testbed import set_up_without_service as setUpModule  # noqa: F401
 
 ANSWER, FAILED, NOTHING = [CLOCK_READ], [LOGIN_FAILED], []
 # The member at whose call the host gets the signal, if it sends that to itself; the boxes where it is killed, stands
-# still for a moment, or for ever; and all calls of one that goes on after it was given up.
+# still for a moment, or for ever; and how many calls come in that last case before what logs out.
 STATES = {
-    "idle": (None, NOTHING, NOTHING, [WAIT_BOX], ["DisplayHelp Horalink.hlp"]),
-    "armed": (None, FAILED, ANSWER, [WAIT_BOX] + FAILED, ["oPBX"]),
-    "logging in": ("Login", FAILED, ANSWER, [WAIT_BOX] + FAILED, asked("L1")[:2] + logged_out("L1")),
-    "sending": ("SendRequest", NOTHING, ANSWER, [WAIT_BOX], asked("L1")[:5] + logged_out("L1")),
-    "waiting": (None, NOTHING, ANSWER, [WAIT_BOX], asked("L1") + logged_out("L1")),
-    "asked": (None, NOTHING, ANSWER, [WAIT_BOX], asked("L1") + logged_out("L1")),
-    "telling": ("ShowResults", ANSWER, ANSWER, [WAIT_BOX] + ANSWER, asked("L1") + told("L1")[:1] + logged_out("L1")),
-    "logging out": ("LogOut", ANSWER, ANSWER, [WAIT_BOX] + ANSWER, good("L1")),
-    "showing": (None, ANSWER, ANSWER, ANSWER, good("L1")),
+    "idle": (None, NOTHING, NOTHING, NOTHING, 0),
+    "armed": (None, FAILED, ANSWER, [WAIT_BOX] + FAILED, 1),
+    "logging in": ("Login", FAILED, ANSWER, [WAIT_BOX] + FAILED, 2),
+    "sending": ("SendRequest", NOTHING, ANSWER, [WAIT_BOX], 5),
+    "waiting": (None, NOTHING, ANSWER, [WAIT_BOX], 6),
+    "telling": ("ShowResults", ANSWER, ANSWER, [WAIT_BOX] + ANSWER, 7),
+    "logging out": ("LogOut", ANSWER, ANSWER, [WAIT_BOX] + ANSWER, 9),
+    "showing": (None, ANSWER, ANSWER, ANSWER, 9),
 }
-FAULTS = ("killed", "stopped", "never wakes")
-ALONE = [(state, "killed alone") for state in STATES]  # nobody else holds the add-in
-ALL = [(state, fault) for state in STATES for fault in FAULTS] + ALONE
-# The others wait for 20 seconds each.
-QUICK = [(state, fault) for state, fault in ALL if state != "asked" and fault != FAULTS[2]] + \
-    [("logging in", FAULTS[2]), ("telling", FAULTS[2])]
+FAULTS = ("killed", "stopped", "never wakes", "killed alone")  # alone: nobody else holds the add-in
+ALL = [(state, fault) for state in STATES for fault in FAULTS]
+QUICK = [case for case in ALL if case[1] != "never wakes" or case[0] in ("logging in", "telling")]
+GOOD = good("L1")
+
+
+def wait_until_still(test, process):
+    stat = Path(f"/proc/{process.pid}/stat")
+    test.wait_for(lambda: stat.read_text().rpartition(")")[2].split()[0] in "TZ", "the process to be stopped")
 
 
 class Hosts(OwnHostTest):
     def start_all(self, state, fault):
         """The add-in, a client that keeps it whatever comes, and the host."""
-        self.add_in, self.keeper = self.start_add_in()
+        self.add_in, self.keeper = self.start_add_in(**testbed.hasty(4 if fault == "never wakes" else 1))
         self.layer = result(self.keeper.create())
         self.harm = signal.SIGKILL if "killed" in fault else signal.SIGSTOP
-        self.member, *self.boxes_of, self.calls_later = STATES[state]
-        answers = "" if state in ("waiting", "asked", "showing") else "answers"
+        self.member = STATES[state][0]
+        answers = "" if state in ("waiting", "showing") else "answers"
         self.log = testbed.sandbox.folder / "host.log"
         with open(self.log, "w", encoding="utf-8") as log:
-            self.host = self.start([sys.executable, Path(__file__).with_name("host.py"), self.member or "", self.harm.name,
-                                    answers], stdout=log)
-        self.wait_for(lambda: "open" in self.lines(), "the host to open the dialog")
+            program = sys.executable, Path(__file__).with_name("host.py")
+            self.host = self.start([*program, self.member or "", self.harm.name, answers], stdout=log)
+        self.wait_for(lambda: "open" in self.log.read_text().splitlines(), "the host to open the dialog")
         testbed.driver.raise_window(testbed.dialog_title())
 
-    def lines(self):
-        return self.log.read_text(encoding="utf-8").splitlines()
-
     def wait_for_calls(self, calls):
-        self.wait_for(lambda: self.lines()[2:] == calls, f"{calls}, of {self.lines()[2:]}")
+        """Those that came since GetComData and `open`."""
+        self.wait_for(lambda: self.log.read_text().splitlines()[2:] == calls, f"{calls}, of {self.log.read_text()}")
 
-    def wait_until_still(self, process):
-        stat = Path(f"/proc/{process.pid}/stat")
-        self.wait_for(lambda: stat.read_text().rpartition(")")[2].split()[0] in "TZ", "the process to be stopped")
+    def is_served(self):
+        """What was on its way to the add-in ahead of this has arrived."""
+        self.assertTrue(result(self.keeper.invoke(self.layer, "Visible", READ)))
 
     def enter(self, state):
         if state == "armed":  # for a tenth of a second: the add-in is stopped until the harm is done
             testbed.driver.aim(testbed.driver.find(ADD_IN, LOOKUP, Role.PUSH_BUTTON))
             self.add_in.send_signal(signal.SIGSTOP)
-            self.wait_until_still(self.add_in)
+            wait_until_still(self, self.add_in)
             testbed.driver.click_here()
         elif state != "idle":
             self.press(LOOKUP)
-        if state in ("waiting", "asked", "showing"):
-            self.wait_for_calls(asked("L1"))
-            self.assertTrue(result(self.keeper.invoke(self.layer, "Visible", READ)))  # follows what is under way
-        if state == "asked":
-            self.box_text(WAIT_BOX, LIMIT)
+        if state in ("waiting", "showing"):
+            self.wait_for_calls(GOOD[:6])
+            self.is_served()
         if state == "showing":
             self.host.send_signal(signal.SIGUSR1)
-            self.box_text(CLOCK_READ)
-            self.wait_for_calls(good("L1"))
+            self.wait_for(lambda: self.boxes() == [CLOCK_READ], "the answer")
+            self.wait_for_calls(GOOD)
 
     def do_harm(self, state, fault):
         if not self.member:
             self.host.send_signal(self.harm)
-        self.wait_until_still(self.host)
+        wait_until_still(self, self.host)
         if state == "armed":
             self.add_in.send_signal(signal.SIGCONT)
         if fault == "stopped":
-            self.assertTrue(result(self.keeper.invoke(self.layer, "Visible", READ)))
-            if state in ("waiting", "asked"):
+            self.is_served()
+            if state == "waiting":
                 self.host.send_signal(signal.SIGUSR1)
             self.host.send_signal(signal.SIGCONT)
-        if fault == "never wakes" and state == "idle":
-            testbed.driver.press("F1")
-
-    def wake(self):
-        self.host.send_signal(signal.SIGCONT)
-        self.wait_for_calls(self.calls_later)
 
     def go_on(self, state, fault):
         """What the operator sees, what another host does, and what the stopped one gets when it wakes."""
-        for title in self.boxes_of[FAULTS.index(fault)]:
+        *boxes, calls = STATES[state][1:]
+        for title in boxes[FAULTS.index(fault)]:
             self.wait_for(lambda title=title: title in self.boxes(), f"the box '{title}'", LIMIT)
             self.close_box(title, GIVE_UP if title == WAIT_BOX else None)
         self.wait_for(lambda: not self.boxes(), "no box")
         if fault == "stopped" and state != "idle":
-            self.wait_for_calls(good("L1"))
+            self.wait_for_calls(GOOD)
         self.keeper.open(self.layer)
         testbed.driver.raise_window(testbed.dialog_title())
         self.assertIn(clock("L1"), self.look_up())
-        self.assertEqual(self.keeper.asked_by(self.layer), good("L1"))
+        self.assertEqual(self.keeper.asked_by(self.layer), GOOD)
         if fault == "never wakes":
-            self.wake()
+            self.host.send_signal(signal.SIGCONT)
+            self.wait_for_calls(GOOD[:calls] + (GOOD[9:] if calls > 1 else []))
         self.host.kill()
-        dialog = self.keeper.clients["L1"]
+        dialog = self.keeper.client()
         self.wait_for(lambda: self.keeper.objects(self.layer) == {self.layer[1], dialog[1]}, "all other objects to go")
         self.assert_good_end(self.add_in, self.keeper, dialog, self.layer)
 
@@ -120,10 +114,10 @@ class Hosts(OwnHostTest):
             with self.case(f"{state}/{fault}"):
                 self.start_all(state, fault)
                 self.enter(state)
-                if (state, fault) in ALONE:
+                if fault == "killed alone":
                     self.keeper.bus.close_sync()
                 self.do_harm(state, fault)
-                if (state, fault) in ALONE:
+                if fault == "killed alone":
                     self.assertEqual(self.add_in.wait(LIMIT), 0)
                 else:
                     self.go_on(state, fault)

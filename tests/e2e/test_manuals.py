@@ -15,14 +15,11 @@ from testbed import ADD_IN_CLASS, BUILD, OwnHostTest, changed, run
 from testbed import set_up as setUpModule  # noqa: F401
 
 MANUALS = [SOURCES / name for name in ("README.md", "CONTRIBUTING.md")] + sorted(SOURCES.glob("docs/*.md"))
-OTHERS = [
-    (r"\./run( --language \S+)?( \.\.\.| COMMAND\.\.\.)?$|\./run (stand-alone|bus) [A-Z]", "builds; tried on a bare system"),
-    (r"\./check|cmake --build build/check|ctest", "this test is a part of it"),
-    (r"tests/\w+/run|bench/run|scripts/make-pictures.sh", "takes minutes"),
-    (r"packaging/|sudo ", "packaging/try-packages.sh does it on a bare system"),
-    (r"\./run( --language \S+)? bus (examples/|build/examples/|switchdesk --(verbose|open))", "test_clients does it"),
-    (r"/usr/share/horalink/import|horalink-lng check new|install -Dt", "wants an older installation; lng.import does it"),
-]
+# What builds, or wants a bare system, minutes, or what another test does.
+ELSEWHERE = (r"\./run( --language \S+)?( \.\.\.| COMMAND\.\.\.)?$|\./run (stand-alone|bus) [A-Z]|\./check|"
+             r"cmake --build build/check|ctest|tests/\w+/run|bench/run|scripts/make-pictures.sh|packaging/|sudo |"
+             r"/usr/share/horalink/import|horalink-lng check new|install -Dt|"
+             r"\./run( --language \S+)? bus (examples/|build/examples/|switchdesk --(verbose|open))")
 AS_IS = (r"horalink-(lng|setup) |msginit |PATH=|cmake -S examples|busctl |examples/host.py &|xdotool search|exit$|"
          r"\./run bus (bash$|switchdesk --help)")
 FOLDERS = "docs|scripts|examples|tests|data|src|tools|bench|packaging"
@@ -56,31 +53,28 @@ class Manuals(OwnHostTest):
         shutil.rmtree(self.top, ignore_errors=True)
         subprocess.run(["cmake", "--install", BUILD, "--prefix", self.top / "usr"], check=True, capture_output=True)
 
-    def lay_out(self, name):
-        """A checkout as far as the commands need it, and an empty home."""
-        folder = self.top / name
+    def test_commands(self):
+        for manual in MANUALS:
+            for line, commands in blocks(manual):
+                with self.subTest(manual.name, line=line):
+                    commands = [each for each in commands if not re.match(ELSEWHERE, each)]
+                    for command in commands:
+                        self.assertRegex(command, f"^({AS_IS})", "a command that nobody tries")
+                    if commands:
+                        self.run_block(self.top / f"{manual.stem}-{line}", commands)
+
+    def run_block(self, folder, commands):
+        """In a checkout as far as the commands need it, and an empty home."""
+        for pattern, replacement in INSTEAD:
+            commands = [re.sub(pattern, replacement, command) for command in commands]
         for part in ("data", "examples"):
             shutil.copytree(SOURCES / part, folder / part)
         (folder / "build").mkdir()
         for part in BUILD.iterdir():
             (folder / "build" / part.name).symlink_to(part)
-        return folder, changed(HOME=str(folder / "home"), PATH=f"{self.top}/usr/bin:{testbed.sandbox.environment['PATH']}",
-                               XDG_DATA_DIRS=f"{self.top}/usr/local/share:{self.top}/usr/share", XDG_CONFIG_HOME=None, XDG_DATA_HOME=None, XDG_CACHE_HOME=None)
-
-    def test_commands(self):
-        for manual in MANUALS:
-            for line, commands in blocks(manual):
-                with self.subTest(manual.name, line=line):
-                    commands = [each for each in commands if not any(re.match(pattern, each) for pattern, _ in OTHERS)]
-                    for command in commands:
-                        self.assertRegex(command, f"^({AS_IS})", "a command that nobody tries")
-                    if commands:
-                        self.run_block(f"{manual.stem}-{line}", commands)
-
-    def run_block(self, name, commands):
-        for pattern, replacement in INSTEAD:
-            commands = [re.sub(pattern, replacement, command) for command in commands]
-        folder, environment = self.lay_out(name)
+        environment = changed(HOME=str(folder / "home"), XDG_DATA_DIRS=f"{self.top}/usr/local/share:{self.top}/usr/share",
+                              PATH=f"{self.top}/usr/bin:{testbed.sandbox.environment['PATH']}",
+                              XDG_CONFIG_HOME=None, XDG_DATA_HOME=None, XDG_CACHE_HOME=None)
         # Some compile, which takes minutes on a busy machine.
         done = run(["bash", "-exc", "\n".join(commands)], 300, environment=environment, cwd=folder)
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)

@@ -1,5 +1,5 @@
-"""What tests of whole programs share: a sandbox for each module, programs started in it, the dialog worked, the companion
-host with its log; and no test leaves a program.
+"""What tests of whole programs share: a sandbox for each module, programs started in it, the dialog worked, the
+companion host with its log; and no test leaves a program.
 
 HORALINK_BUILD names the build folder. In a long run, HORALINK_SHARE is the share of this process in all cases, as
 "1/2", and HORALINK_ONLY the one case that is wanted.
@@ -23,18 +23,12 @@ from sandbox import Sandbox, wait_for
 EXCHANGE = "Main Office"
 ADD_IN, SWITCHDESK = "horalink", "switchdesk"
 LOOKUP, UPDATE, CLOSE = "Read the clock of the PBX", "Set the clock of the PBX", "Close this window"
-CLOCK_READ = "PBX Clock"
-LOGIN_FAILED = "Login Failed"
-WAIT_BOX = "Horalink – Waiting for an Answer"
-GIVE_UP = "Give up"  # the button that ends a wait
-NOTICE = "System Fatal Notice"
-
+CLOCK_READ, LOGIN_FAILED, NOTICE = "PBX Clock", "Login Failed", "System Fatal Notice"  # titles of boxes
+WAIT_BOX, GIVE_UP = "Horalink – Waiting for an Answer", "Give up"  # and the button that ends a wait
 ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.cPBXOle"
-# What a good exchange calls of the host, in this order.
-GOOD = ["oPBX", "Login", "ShowMessage", "oPBX", "SendRequest", "ShowMessage",
-        "ShowResults", "ShowMessage", "ShowCode", "oPBX", "LogOut"]
 
 BUILD = Path(os.environ["HORALINK_BUILD"])
+OWN_TIME = BUILD / "tests/e2e/libown_time.so"
 SHARE, ONLY = os.environ.get("HORALINK_SHARE", ""), os.environ.get("HORALINK_ONLY")
 
 # Those of the module of tests; the accessibility library can be connected only once in a process.
@@ -51,7 +45,7 @@ def set_up(starts_by_itself=True):
     if not starts_by_itself:
         (folder / f"services/{ADD_IN_CLASS}.service").unlink()
     unittest.enterModuleContext(sandbox)
-    driver, bus = Driver(sandbox), connect()
+    driver, bus = Driver(sandbox), dbus.bus.BusConnection(sandbox.environment["DBUS_SESSION_BUS_ADDRESS"])
     unittest.addModuleCleanup(bus.close)
 
 
@@ -75,17 +69,12 @@ def dialog_title(exchange=EXCHANGE):
 def running():
     """The installation's programs that run, as names by process number."""
     found = {}
-    for entry in Path("/proc").iterdir():
-        if not entry.name.isdigit():
-            continue
-        try:
+    for entry in Path("/proc").glob("[0-9]*"):
+        with contextlib.suppress(OSError):
             # The path that it was started by; the installation may have but a link there.
             program = (entry / "cmdline").read_bytes().partition(b"\0")[0].decode(errors="replace")
-            alive = (entry / "stat").read_text().rpartition(")")[2].split()[0] != "Z"
-        except OSError:
-            continue
-        if alive and program.startswith(f"{sandbox.root}/"):
-            found[int(entry.name)] = Path(program).name
+            if program.startswith(f"{sandbox.root}/") and ") Z " not in (entry / "stat").read_text():
+                found[int(entry.name)] = Path(program).name
     return found
 
 
@@ -98,15 +87,32 @@ def pids(program):
     return [pid for pid, name in running().items() if name == program]
 
 
-def connect(main_loop=None):
-    """A client of the bus that shares no connection with any other."""
-    return dbus.bus.BusConnection(sandbox.environment["DBUS_SESSION_BUS_ADDRESS"], mainloop=main_loop)
+def database_file(name):
+    """The one that the add-in opens; the register is the user's own."""
+    return sandbox.own_register() if name == "Register.mdb" else next(sandbox.root.glob(f"*/DATABASE/*/{name}"))
+
+
+def changed(**changes):
+    """The environment of the programs with changes, of which None takes a variable away."""
+    return {name: value for name, value in {**sandbox.environment, **changes}.items() if value is not None}
+
+
+def hasty(haste):
+    """The environment in which waits are over that many times as fast."""
+    return {"LD_PRELOAD": str(OWN_TIME), "HASTE": str(haste)}
+
+
+def run(command, seconds=LIMIT, environment=None, **options):
+    """Runs a program to its end and catches what it prints."""
+    return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=seconds, check=False,
+                          env=environment or sandbox.environment, **options)
 
 
 class EndToEndTest(unittest.TestCase):
     """Each test, and each `case` of one, finds the programs freshly installed and nothing running."""
 
     maxDiff = None
+    wait_for = staticmethod(lambda condition, what, seconds=LIMIT: wait_for(condition, seconds, what))
 
     def setUp(self):
         self.begin()
@@ -114,8 +120,7 @@ class EndToEndTest(unittest.TestCase):
 
     def begin(self):
         sandbox.install()
-        self.started = []
-        self.clients = []
+        self.started, self.clients = [], []
 
     @contextlib.contextmanager
     def case(self, name):
@@ -128,9 +133,8 @@ class EndToEndTest(unittest.TestCase):
                 self.leave_nothing_behind()
 
     def start(self, command, **options):
-        process = sandbox.start(command, **options)
-        self.started.append(process)
-        return process
+        self.started.append(sandbox.start(command, **options))
+        return self.started[-1]
 
     def leave_nothing_behind(self):
         """Ends what the test started; what that leaves without a client has to end by itself."""
@@ -138,37 +142,25 @@ class EndToEndTest(unittest.TestCase):
             client.leave()
         for process in reversed(self.started):
             sandbox.end(process)
-            if process in sandbox.processes:
-                sandbox.processes.remove(process)
+            sandbox.processes.remove(process)
         self.started.clear()
         try:
             self.wait_for(is_deserted, "all programs to end")
         except TimeoutError:
-            left = running()
-            for pid in left:
+            self.addCleanup(self.fail, f"left running: {running()}")
+            for pid in running():
                 os.kill(pid, signal.SIGKILL)
-            self.wait_for(lambda: not running(), "the killed programs to go")
-            self.fail(f"left running: {left}")
-
-    # --- waiting ----------------------------------------------------------------------------------
-
-    @staticmethod
-    def wait_for(condition, what, seconds=LIMIT):
-        return wait_for(condition, seconds, what)
 
     def wait_until_gone(self, program=ADD_IN):
         self.wait_for(lambda: not pids(program), f"{program} to end")
 
     # --- the dialog -------------------------------------------------------------------------------
 
-    def dialog(self, exchange=EXCHANGE):
-        return driver.window(ADD_IN, dialog_title(exchange))
+    def press(self, button, program=ADD_IN):
+        driver.click(driver.find(program, button, Role.PUSH_BUTTON))
 
-    def press(self, button):
-        driver.click(driver.find(ADD_IN, button, Role.PUSH_BUTTON))
-
-    def is_enabled(self, button=LOOKUP):
-        return driver.is_enabled(driver.find(ADD_IN, button, Role.PUSH_BUTTON))
+    def is_enabled(self, button=LOOKUP, program=ADD_IN):
+        return driver.is_enabled(driver.find(program, button, Role.PUSH_BUTTON))
 
     def wait_until_enabled(self, button=LOOKUP):
         self.wait_for(lambda: self.is_enabled(button), f"'{button}' to be enabled")
@@ -176,17 +168,13 @@ class EndToEndTest(unittest.TestCase):
     def boxes(self):
         return [title for title in driver.titles(ADD_IN) if not title.startswith("PBX Clock (")]
 
-    def box_text(self, title, seconds=LIMIT):
-        """The text of the one box that is open, which has to have this title."""
-        self.wait_for(self.boxes, f"the box '{title}'", seconds)
+    def close_box(self, title, button=None):
+        """Presses a button of the one box that is open, or its only one; returns the box's text."""
+        self.wait_for(self.boxes, f"the box '{title}'")
         self.assertEqual(self.boxes(), [title])
         box = driver.window(ADD_IN, title)
-        return "\n".join(text for text in driver.texts(box) if text.strip())
-
-    def close_box(self, title, button=None, seconds=LIMIT):
-        """Presses a button of the box that comes up, or its only one; returns the box's text."""
-        text = self.box_text(title, seconds)
-        driver.close_box(ADD_IN, driver.window(ADD_IN, title), button)
+        text = "\n".join(text for text in driver.texts(box) if text.strip())
+        driver.close_box(ADD_IN, box, button)
         return text
 
     def look_up(self):
@@ -204,19 +192,6 @@ class EndToEndTest(unittest.TestCase):
         self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
 
 
-def database_file(name):
-    """The one that the add-in opens; the register is the user's own."""
-    if name == "Register.mdb":
-        return sandbox.own_register()
-    return next(sandbox.root.glob(f"*/DATABASE/*/{name}"))
-
-
-def changed(**changes):
-    """The environment of the programs with changes, of which None takes a variable away."""
-    environment = {**sandbox.environment, **changes}
-    return {name: value for name, value in environment.items() if value is not None}
-
-
 class OwnHostTest(EndToEndTest):
     """With hosts of the test's own, and the end of the add-in's process to be seen."""
 
@@ -227,8 +202,9 @@ class OwnHostTest(EndToEndTest):
     def start_add_in(self, address=None, **changes):
         """A process that serves on a bus, and a client there."""
         client = self.join(address)
-        bus = {"DBUS_SESSION_BUS_ADDRESS": address} if address else {}
-        add_in = self.start([sandbox.add_in, "-Embedding"], environment=changed(**bus, **changes))
+        address = address or sandbox.environment["DBUS_SESSION_BUS_ADDRESS"]
+        environment = changed(DBUS_SESSION_BUS_ADDRESS=address, **changes)
+        add_in = self.start([sandbox.add_in, "-Embedding"], environment=environment)
         self.wait_for(lambda: client.ask(BUS, "/", BUS, "NameHasOwner", ADD_IN_CLASS), "the add-in to serve its class")
         return add_in, client
 
@@ -247,30 +223,18 @@ class Host:
 
     def __init__(self, test, *options, exchange=EXCHANGE, environment=None):
         self.log = sandbox.folder / f"host-{next(Host.number)}.log"
-        opening = ["--open", exchange] if exchange else []
-        self.test, self.exchange = test, exchange
-        test.start([sandbox.host, "--log", self.log, *opening, *options], environment=environment)
+        self.test, self.exchange, self.window = test, exchange, f"Switchdesk \u2013 {exchange}"
+        test.start([sandbox.host, "--log", self.log, "--open", exchange, *options], environment=environment)
 
     def open(self):
         """Waits until the dialog is up and everything about it is logged."""
         self.wait_for_line("# Visible is written")
-        self.test.dialog(self.exchange)
+        driver.window(ADD_IN, dialog_title(self.exchange))
         return self
 
-    def lines(self):
-        return self.log.read_text(encoding="utf-8").splitlines() if self.log.exists() else []
+    def lines(self, *starts):
+        lines = self.log.read_text(encoding="utf-8").splitlines() if self.log.exists() else []
+        return [line for line in lines if line.startswith(starts or "")]
 
     def wait_for_line(self, start):
-        self.test.wait_for(lambda: any(line.startswith(start) for line in self.lines()), f"'{start}' in {self.log.name}")
-
-    def close_add_in(self):
-        """By the button of its window."""
-        window = f"Switchdesk \u2013 {self.exchange}"
-        driver.raise_window(window)
-        driver.click(driver.find(SWITCHDESK, "Close add-in", Role.PUSH_BUTTON, window=window))
-
-
-def run(command, seconds=LIMIT, environment=None, **options):
-    """Runs a program to its end and catches what it prints."""
-    return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=seconds, check=False,
-                          env=environment or sandbox.environment, **options)
+        self.test.wait_for(lambda: self.lines(start), f"'{start}' in {self.log.name}")

@@ -1,4 +1,4 @@
-// Preloaded into the add-in: lets the n-th of certain calls fail, or kills the process ahead of it.
+// Preloaded into a program: lets the n-th of certain calls fail, or kills the process ahead of it.
 //
 // FAILING_CALLS is "FAMILY:N". The families `sqlite` and `bus` are the calls that the add-in makes of SQLite
 // and of sd-bus, `file` those by which SQLite changes the disk; the N-th call of the family fails, 0 lets all

@@ -1,0 +1,181 @@
+"""Programs together: what a good start brings, what a failed one shows and says to who asked for it, and the hosts that
+come with the add-in: the companion, and the examples, which share no code with it."""
+import contextlib
+import os
+import re
+import signal
+import sqlite3
+import subprocess
+import sys
+from datetime import date
+
+import testbed
+from driver import Role
+from host import BUSY, result
+from sandbox import SOURCES
+from testbed import (ADD_IN, BUILD, CLOCK_READ, CLOSE, EXCHANGE, LIMIT, LOOKUP, NOTICE, SWITCHDESK, UPDATE,
+                     EndToEndTest, Host, OwnHostTest, changed, database_file, dialog_title, pids, run)
+from testbed import set_up as setUpModule  # noqa: F401
+
+NO_BUS = {"DBUS_SESSION_BUS_ADDRESS": "unix:path=/none"}
+EXAMPLES = [(sys.executable, SOURCES / "examples/host.py"), (BUILD / "examples/example-host",),
+            (sys.executable, SOURCES / "examples/minimal_host.py")]
+OPEN_ADD_IN, CLOSE_ADD_IN = "Open clock add-in", "Close add-in"
+
+
+class OnTheBus(OwnHostTest):
+    def test_a_failure_is_one_notice_and_an_error(self):
+        """The end of a start that fails takes the objects with it that are there already. The good one before has made
+        the register the user's own, and nothing else."""
+        shared, own = (tree / "MORA32/DATABASE/Register.mdb" for tree in (testbed.sandbox.root, testbed.sandbox.own))
+        before = shared.read_bytes()
+        self.assertFalse(own.exists())
+        host = Host(self).open()
+        with contextlib.closing(sqlite3.connect(own)) as database:
+            self.assertEqual(database.execute("SELECT AppName, Version FROM Registry").fetchall(),
+                             [("Horalink.mra", "13.0.1")])
+        self.assertEqual((shared.read_bytes(), list(testbed.sandbox.own.rglob("*.*"))), (before, [own]))
+        database_file("Register.mdb").write_text("no database")
+        second = Host(self, exchange="Warehouse")
+        self.assertRegex(self.close_box(NOTICE), r"(?s)Register\.mdb.*\[3343\]")
+        second.wait_for_line("# add-in raised error 429")
+        testbed.driver.find(SWITCHDESK, "The clock add-in can't be started (error 429).", Role.LABEL)
+        host.wait_for_line("# add-in has left")
+        self.wait_until_gone()
+
+    def test_a_creation_that_follows_a_release_gets_a_fresh_process(self):
+        """With a host that answers REGComData at once or late, and a creation that waits for the answer or doesn't."""
+        host = self.join()
+        layers = [result(host.create())]
+        for host.delay, waits in [(0, True)] * 20 + [(300, True)] * 10 + [(300, False)] * 10:
+            self.assertIs(host.register(layers[-1]), False)
+            released = host.send(layers[-1], "Object", "Release")
+            if waits:
+                result(released)
+            layer = result(host.create())
+            if not waits and layer[0] == BUSY:
+                layer = result(host.create())
+            layers.append(layer)
+        self.assertEqual(len({owner for owner, _ in layers}), len(layers))
+        calls = ["GetComData", "REGComData"]
+        self.wait_for(lambda: all(host.asked_by(layer) == calls for layer in layers[:-1]), "their calls")
+
+
+class AsAProgram(OwnHostTest):
+    """Which creates the host's exchange object by the name of its class."""
+
+    def open_alone(self, exchange=EXCHANGE, **environment):
+        self.add_in = self.start([testbed.sandbox.add_in, exchange], environment=changed(**environment),
+                                 stderr=subprocess.PIPE, text=True)
+
+    def close_alone(self, title=dialog_title(), errors="^$"):
+        testbed.driver.raise_window(title)
+        testbed.driver.press("alt+F4")
+        self.assertRegex(self.add_in.communicate(timeout=LIMIT)[1], errors)
+        self.assertEqual(self.add_in.returncode, 0)
+
+    def test_lookup_and_update_with_a_service_of_the_bus(self):
+        self.open_alone()
+        self.assert_usable()
+        self.press(UPDATE)
+        self.assertEqual(self.close_box(CLOCK_READ), "The date and time of the PBX have been updated.")
+        self.assert_usable()
+        self.close_alone()
+        self.wait_until_gone(SWITCHDESK)
+
+    def test_without_a_connection_it_can_only_be_closed(self):
+        for exchange, title in (("Attic", dialog_title("Attic")), (EXCHANGE, "PBX Clock")):
+            with self.case(title):
+                if exchange == EXCHANGE:
+                    testbed.sandbox.host.unlink()
+                self.open_alone(exchange)
+                testbed.driver.window(ADD_IN, title)
+                self.assertEqual([self.is_enabled(button) for button in (LOOKUP, UPDATE, CLOSE)], [False, False, True])
+                self.close_alone(title)
+
+    def test_without_surroundings_there_is_one_line(self):
+        for changes, argument, why in (({"DISPLAY": None}, EXCHANGE, "no display"), (NO_BUS, "-Embedding", "server"),
+                                       ({"DISPLAY": ":4711"}, "-Embedding", ":4711")):
+            done = run([testbed.sandbox.add_in, argument], environment=changed(**changes))
+            self.assertGreater(done.returncode, 0)
+            self.assertRegex(done.stderr, rf"^\S*horalink: [^\n]*{why}[^\n]*\n$")
+        self.open_alone(**NO_BUS)
+        self.close_alone("PBX Clock", r"^horalink: can't reach the session bus: [^\n]+\n$")
+
+
+class Hosts(EndToEndTest):
+    def test_what_was_passed_over_is_traced_and_the_login_of_one_that_dies_is_given_back(self):
+        host = Host(self, "--trace", "--item=0:SecondData=MMXXVI", "--lack=ShowCode").open()
+        self.press(LOOKUP)
+        self.close_box("Reading Failed")
+        log = (testbed.sandbox.folder / "bus.log").read_text(encoding="utf-8")
+        self.assertEqual(re.findall(r"^horalink: ([^,\n]*)", log, re.M), [
+            "ShowCode skipped: error 438", 'item 0: SecondData "MMXXVI" and item 1: SecondData '
+            f'"{date.today():%m/%d}" aren\'t a date: reading failed'])
+        self.wait_until_enabled()
+        testbed.driver.raise_window(dialog_title())
+        testbed.driver.press("alt+F4")
+        host.wait_for_line("# add-in has left")
+        os.kill(pids(SWITCHDESK)[0], signal.SIGKILL)
+        host = Host(self, "--answer=never", "--logins=1").open()
+        self.press(LOOKUP)
+        host.wait_for_line('ShowMessage("PBX clock request: R1"')
+        os.kill(*pids(ADD_IN), signal.SIGKILL)
+        host.wait_for_line("# add-in has left")
+        self.press(OPEN_ADD_IN, SWITCHDESK)
+        self.press(LOOKUP)
+        host.wait_for_line('Login("Main Office", <object>) -> "L2"')
+
+    def test_an_answer_under_way_is_asked_about_before_another_exchange_opens(self):
+        def open_exchange(window, name, answer=None):
+            window = f"Switchdesk \u2013 {window}"
+            testbed.driver.raise_window(window)
+            testbed.driver.click(testbed.driver.find(SWITCHDESK, name, Role.TABLE_CELL, window=window))
+            for button in filter(None, (OPEN_ADD_IN, answer)):
+                self.press(button, SWITCHDESK)
+        host = Host(self, "--answer=late:10000", "--logins=1").open()
+        self.press(LOOKUP)
+        host.wait_for_line('ShowMessage("PBX clock request: R1"')
+        open_exchange("Main Office", "Branch 3", "Open Branch 3")
+        open_exchange("Branch 3", "Warehouse", "Wait")
+        self.close_box(CLOCK_READ)
+        host.wait_for_line('LogOut("Branch 3", "L1")')
+        messages = testbed.driver.value(testbed.driver.find(SWITCHDESK, "Messages", Role.TEXT))
+        self.assertRegex(messages, r"Main Office: clock read$")
+        self.assertEqual(host.lines("# RegisterPBX"),
+                         [f'# RegisterPBX("{name}") returned False' for name in ("Main Office", "Branch 3")])
+        open_exchange("Branch 3", "Main Office")
+        self.assert_usable()
+
+    def test_closes_at_once_though_the_add_in_is_frozen(self):
+        for buttons in ([OPEN_ADD_IN], [CLOSE_ADD_IN, OPEN_ADD_IN]):
+            with self.case(buttons):
+                host = Host(self).open()
+                add_in, *_ = pids(ADD_IN)
+                os.kill(add_in, signal.SIGSTOP)
+                testbed.driver.raise_window(host.window)
+                for button in buttons:
+                    self.press(button, SWITCHDESK)
+                    self.wait_for(lambda: not self.is_enabled(button, SWITCHDESK), f"'{button}' to be disabled")
+                testbed.driver.press("alt+F4")
+                self.wait_until_gone(SWITCHDESK)
+                self.assertEqual(pids(ADD_IN), [add_in])
+                os.kill(add_in, signal.SIGKILL)
+
+    def test_lookup_update_the_end_of_the_window_and_no_add_in_with_the_examples(self):
+        for command in EXAMPLES:
+            with self.case(command[-1].name):
+                process = self.start(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+                self.assert_usable()
+                self.press(UPDATE)
+                self.assertEqual(self.close_box("Update Failed").count("CODE NOT ALLOWED"), 3)
+                testbed.driver.raise_window(dialog_title("Example"))
+                testbed.driver.press("alt+F4")
+                printed, _ = process.communicate(timeout=LIMIT)
+                self.assertEqual(process.returncode, 0, printed)
+                # The least one prints the messages alone.
+                shown = re.findall(r'^(?:ShowMessage\(")?(PBX clock request: \w+|OK)\b', printed, re.M)
+                self.assertEqual(shown, 2 * ["PBX clock request: KEY", "PBX clock request: ACCEPTED", "OK"])
+                self.wait_until_gone()
+                testbed.sandbox.add_in.unlink()
+                self.assertRegex(run(command).stderr, r"^[^\n]*(429|CreateInstance)[^\n]*\n$")
