@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "../unit/ErrorOf.h"
+#include "harness/Cases.h"
 
 namespace horalink::fuzz {
 

@@ -2,8 +2,8 @@
 // tables, the stand-alone run, and what goes wrong at the start.
 #include <gtest/gtest.h>
 
-#include "Joined.h"
 #include "exchange/dlgAddin.h"
+#include "harness/Cases.h"
 #include "harness/Desk.h"
 #include "harness/SmallTexts.h"
 #include "platform/automation/NoAutomation.h"

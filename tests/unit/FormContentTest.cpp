@@ -3,7 +3,7 @@
 
 #include <sstream>
 
-#include "Joined.h"
+#include "harness/Cases.h"
 #include "harness/Desk.h"
 #include "language/FormTexts.h"
 #include "pictures/comPicture.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "Joined.h"
+#include "harness/Cases.h"
 #include "platform/headless/Headless.h"
 
 using namespace platform;

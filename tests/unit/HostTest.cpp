@@ -6,8 +6,8 @@
 #include <regex>
 #include <tuple>
 
-#include "ErrorOf.h"
-#include "TemporaryDirectory.h"
+#include "harness/Cases.h"
+#include "harness/Files.h"
 #include "host/Difference.h"
 #include "host/ExchangeObject.h"
 #include "host/HostObject.h"

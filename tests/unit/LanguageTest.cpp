@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "Joined.h"
+#include "harness/Cases.h"
 #include "harness/Desk.h"
 #include "harness/SmallTexts.h"
 #include "language/LanguageDatabase.h"

@@ -5,9 +5,8 @@
 
 #include <map>
 
-#include "AnyUser.h"
-#include "Table.h"
-#include "TemporaryDirectory.h"
+#include "harness/Cases.h"
+#include "harness/Files.h"
 #include "platform/desktop/IniSettings.h"
 #include "platform/desktop/Installation.h"
 #include "platform/headless/Desktop.h"

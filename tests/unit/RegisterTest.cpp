@@ -12,9 +12,8 @@
 
 #include <set>
 
-#include "AnyUser.h"
-#include "ErrorOf.h"
-#include "TemporaryDirectory.h"
+#include "harness/Cases.h"
+#include "harness/Files.h"
 #include "locator/VersionRecord.h"
 #include "platform/data/sqlite/SqliteEngine.h"
 #include "platform/headless/Headless.h"

@@ -2,8 +2,8 @@
 
 #include <sstream>
 
-#include "Joined.h"
 #include "exchange/Answers.h"
+#include "harness/Cases.h"
 #include "platform/headless/Headless.h"
 #include "request/comTools.h"
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <ctime>
 
-#include "Joined.h"
+#include "harness/Cases.h"
 #include "platform/headless/Desktop.h"
 #include "platform/runtime/MemberTable.h"
 #include "platform/runtime/Trace.h"

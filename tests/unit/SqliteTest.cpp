@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "Joined.h"
-#include "TemporaryDirectory.h"
+#include "harness/Cases.h"
+#include "harness/Files.h"
 #include "platform/data/Dialect.h"
 #include "platform/data/sqlite/Failure.h"
 #include "platform/runtime/Paths.h"
