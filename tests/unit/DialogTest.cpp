@@ -5,7 +5,6 @@
 #include "exchange/dlgAddin.h"
 #include "harness/Cases.h"
 #include "harness/Desk.h"
-#include "harness/SmallTexts.h"
 #include "platform/automation/NoAutomation.h"
 #include "shell/ServerLife.h"
 #include "shell/cOLELayer.h"

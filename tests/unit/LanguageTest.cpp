@@ -4,7 +4,6 @@
 
 #include "harness/Cases.h"
 #include "harness/Desk.h"
-#include "harness/SmallTexts.h"
 #include "language/LanguageDatabase.h"
 #include "language/LanguageMsgBox.h"
 #include "language/TextTokens.h"
