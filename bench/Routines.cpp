@@ -6,10 +6,10 @@
 // calls; an answer copied, and its fields read by name alone.
 #include <sqlite3.h>
 
-#include "../tests/unit/TemporaryDirectory.h"
 #include "Measure.h"
 #include "exchange/dlgAddin.h"
 #include "harness/Desk.h"
+#include "harness/Files.h"
 #include "language/LanguageDatabase.h"
 #include "platform/data/sqlite/SqliteEngine.h"
 

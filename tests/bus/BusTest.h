@@ -4,9 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "../unit/ErrorOf.h"
-#include "../unit/Table.h"
 #include "Stranger.h"
+#include "harness/Cases.h"
 #include "platform/automation/Patience.h"
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/headless/Desktop.h"

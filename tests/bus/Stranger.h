@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <list>
 
-#include "../unit/TemporaryDirectory.h"
+#include "harness/Files.h"
 #include "platform/automation/dbus/Handles.h"
 #include "platform/headless/Timers.h"
 

@@ -10,7 +10,7 @@
 #include <map>
 #include <sstream>
 
-#include "../unit/ErrorOf.h"
+#include "harness/Cases.h"
 #include "language/LanguageMsgBox.h"
 #include "language/TextTokens.h"
 #include "platform/automation/Introspection.h"

@@ -24,8 +24,7 @@ class NotedRecordset : public Recordset {
     std::int32_t RecordCount() const override { return notes_->Call(), real_->RecordCount(); }
     void Edit() override { return notes_->Call("edit"), real_->Edit(); }
     void SetField(TextView name, const Value& value) override {
-        notes_->Call("set " + ToUtf8(name));
-        real_->SetField(name, value);
+        notes_->Call("set " + ToUtf8(name)), real_->SetField(name, value);
     }
     void Update() override { return notes_->Call("update"), real_->Update(); }
     void Close() override { return notes_->Call("close rows"), real_->Close(); }
@@ -49,11 +48,7 @@ class NotedDatabase : public Database {
     DatabaseRef real_;
 };
 
-// Names that begin with a slash are shared by the connections of a process; each engine has its own folder.
-std::string NewFolder() {
-    static int count = 0;
-    return "/" + std::to_string(++count) + "/";
-}
+int count = 0;
 
 }  // namespace
 
@@ -69,17 +64,15 @@ void MemoryDatabases::Notes::Call(std::string note) {
     Call();
 }
 
-MemoryDatabases::MemoryDatabases() : formerVfs_(sqlite3_vfs_find(nullptr)), folder_(NewFolder()) {
+// Names that begin with a slash are shared by the connections of a process; each engine has its own folder.
+MemoryDatabases::MemoryDatabases()
+    : formerVfs_(sqlite3_vfs_find(nullptr)), folder_("/" + std::to_string(++count) + "/") {
     sqlite3_vfs_register(sqlite3_vfs_find("memdb"), 1);
 }
 
 MemoryDatabases::~MemoryDatabases() {
     for (const auto& [name, handle] : kept_) sqlite3_close(handle);
     sqlite3_vfs_register(formerVfs_, 1);
-}
-
-std::string MemoryDatabases::PlaceOf(TextView fileName) const {
-    return folder_ + ToUtf8(fileName);
 }
 
 void MemoryDatabases::Add(TextView fileName, const std::string& sql) {
@@ -97,15 +90,10 @@ void MemoryDatabases::Remove(TextView fileName) {
 }
 
 Value MemoryDatabases::Ask(TextView fileName, TextView query) {
-    const auto rows =
-        OpenSqliteDatabase(PlaceOf(fileName), true)
-            ->OpenRecordset(u"select (" + Text(query) + u") as Result", RecordsetType::ForwardOnly);
-    return rows->Field(u"Result");
-}
-
-void MemoryDatabases::FailAt(int n, DataError failure) {
-    notes_->untilFailure = n;
-    notes_->failure = failure;
+    const Text single = u"select (" + Text(query) + u") as Result";
+    return OpenSqliteDatabase(PlaceOf(fileName), true)
+        ->OpenRecordset(single, RecordsetType::ForwardOnly)
+        ->Field(u"Result");
 }
 
 DatabaseRef MemoryDatabases::OpenDatabase(TextView path, bool readOnly) {

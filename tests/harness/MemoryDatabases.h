@@ -27,9 +27,9 @@ class MemoryDatabases : public platform::DatabaseEngine {
     void Remove(platform::TextView fileName);
     // The first column of the first row that a query in SQLite's dialect gives.
     platform::Value Ask(platform::TextView fileName, platform::TextView query);
-    // From now on, the n-th call of the engine, a database or a record set raises the failure, just once.
-    // 1 is the next call.
-    void FailAt(int n, platform::DataError failure);
+    // The n-th call from now of the engine, a database or a record set raises the failure, just once; none
+    // with 0.
+    void FailAt(int n, platform::DataError failure) { notes_->untilFailure = n, notes_->failure = failure; }
     // How many calls have failed so since this was asked last.
     int TakeFailures() { return std::exchange(notes_->failures, 0); }
     bool HasFailed() const { return notes_->hasFailed; }
@@ -38,12 +38,10 @@ class MemoryDatabases : public platform::DatabaseEngine {
     platform::DatabaseRef OpenDatabase(platform::TextView path, bool readOnly) override;
 
     struct Notes {
-        // What was opened, written and closed, in order: "open C:\A\B.LNG", "open C:\A\B.LNG read-only",
-        // "rows 8 select ..." with the type of the record set, "edit", "set Version", "update",
-        // "close rows", "close".
+        // What was opened, written and closed, in order, such as "open C:\A\B.LNG read-only", "rows 8 select
+        // ..." with the type of the record set, "edit", "set Version", "update", "close rows", "close".
         std::vector<std::string> calls;
-        int untilFailure = 0;  // 0 for none
-        int failures = 0;
+        int untilFailure = 0, failures = 0;
         bool hasFailed = false;
         platform::DataError failure{};
 
@@ -54,12 +52,16 @@ class MemoryDatabases : public platform::DatabaseEngine {
     std::vector<std::string>& Calls() { return notes_->calls; }
 
   private:
-    std::string PlaceOf(platform::TextView fileName) const;
+    std::string PlaceOf(platform::TextView fileName) const { return folder_ + platform::ToUtf8(fileName); }
 
     sqlite3_vfs* const formerVfs_;
     const std::string folder_;
     std::map<platform::Text, sqlite3*> kept_;  // a connection each, so that the content lives
     const std::shared_ptr<Notes> notes_ = std::make_shared<Notes>();
 };
+
+// Adds Horalink.lng, Common.LNG and Register.mdb with every table and field that the add-in reads. Each text
+// is different from every other, so that a mix-up shows.
+void AddSmallTexts(MemoryDatabases& databases);
 
 }  // namespace harness

@@ -5,7 +5,6 @@
 
 #include "exchange/dlgAddin.h"
 #include "harness/Desk.h"
-#include "harness/SmallTexts.h"
 #include "model/Answer.h"
 #include "model/Judge.h"
 #include "model/Step.h"

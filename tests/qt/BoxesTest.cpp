@@ -1,8 +1,8 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include "../unit/ErrorOf.h"
 #include "QtFixture.h"
+#include "harness/Cases.h"
 #include "platform/desktop/Desktop.h"
 
 namespace platform {

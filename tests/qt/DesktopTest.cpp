@@ -1,8 +1,7 @@
 // What the desktop gives beside windows: the loop, the texts of the locale, and picture files.
-#include "../unit/ErrorOf.h"
-#include "../unit/Joined.h"
-#include "../unit/TemporaryDirectory.h"
 #include "QtFixture.h"
+#include "harness/Cases.h"
+#include "harness/Files.h"
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtPictureFiles.h"
 #include "platform/runtime/Paths.h"

@@ -3,8 +3,8 @@
 #include <QMenu>
 #include <QPushButton>
 
-#include "../unit/TemporaryDirectory.h"
 #include "QtFixture.h"
+#include "harness/Files.h"
 #include "platform/desktop/Desktop.h"
 #include "platform/runtime/Paths.h"
 

@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <functional>
 
-#include "../unit/Table.h"
+#include "harness/Cases.h"
 #include "platform/data/sqlite/SqliteEngine.h"
 #include "platform/qt/QtDesktop.h"
 #include "platform/qt/QtText.h"

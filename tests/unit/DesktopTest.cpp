@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "Joined.h"
-#include "TemporaryDirectory.h"
+#include "harness/Cases.h"
+#include "harness/Files.h"
 #include "platform/desktop/IniSettings.h"
 #include "platform/runtime/Paths.h"
 

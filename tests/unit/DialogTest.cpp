@@ -2,10 +2,9 @@
 // tables, the stand-alone run, and what goes wrong at the start.
 #include <gtest/gtest.h>
 
-#include "Joined.h"
 #include "exchange/dlgAddin.h"
+#include "harness/Cases.h"
 #include "harness/Desk.h"
-#include "harness/SmallTexts.h"
 #include "platform/automation/NoAutomation.h"
 #include "shell/ServerLife.h"
 #include "shell/cOLELayer.h"
@@ -29,18 +28,14 @@ class NotedHost : public Object {
         for (const Value& argument : arguments)
             call += " " + (argument.IsObject() ? "object" : ToUtf8(argument.ToText()));
         calls.push_back(call);
-        const auto found = answers.find(member);
-        return found == answers.end() ? Value() : found->second(arguments);
+        const auto& answer = answers[std::string(member)];
+        return answer ? answer(arguments) : Value();
     }
     Notes Calls() { return std::exchange(calls, {}); }
 
     Notes calls;
-    std::map<std::string, Answer, std::less<>> answers;
+    std::map<std::string, Answer> answers;
 };
-
-NotedHost::Answer Gives(Value value) {
-    return [value](Arguments&) { return value; };
-}
 
 struct Ended {};
 
@@ -70,93 +65,76 @@ struct DialogTest : testing::Test, Process {
         Controls().chkTrack->SetValue(0);
         Controls().chkTrackDate->SetValue(0);
     }
-    Text Time() {
-        Text time;
-        for (const auto* box : Controls().txtTime) time += box->Text() + u" ";
-        return time;
-    }
 
     std::shared_ptr<NotedHost> host = std::make_shared<NotedHost>();
     std::shared_ptr<headless::Peer> peer = std::make_shared<headless::Peer>();
 };
 
-TEST_F(DialogTest, TheCalendarIsSetUpByMarketAndFont) {
+// What decides on looks, and on what a screen reader says.
+TEST_F(DialogTest, IsLaidOutByMarketAndFont) {
     for (const auto& [market, style] : {std::pair(u"90001", "2"), {u"10001", "1"}}) {
         ModuleData data;
         data.AddInLanguageDb = desk.databases.OpenDatabase(u"Horalink.lng", true);
         data.MarketCode = market;
         dlgAddin dialog(desk.services, data);
         dialog.Window().Load();
-        const forms::Calendar& calendar = *dialog.Controls().Calendar;
+        const DialogControls& all = dialog.Controls();
+        const forms::Calendar& calendar = *all.Calendar;
         EXPECT_EQ(Joined(calendar.MarketStyle(), calendar.CalendarValue(), calendar.gridcelleffect(),
                          calendar.showdateselectors() == selectors::hidden, calendar.ShowOption()),
                   std::string(style) + "|11/18/2026|2|True|True|");
         for (const auto& font : {calendar.dayfont, calendar.gridfont, calendar.titlefont})
             EXPECT_EQ(Joined(font->Name(), font->Size(), font->Charset()), "Form Sans|8|128|");
+        EXPECT_TRUE(all.chkTrack->TextLabel == all.lblTrack &&
+                    all.chkTrackDate->TextLabel == all.lblTrackDate);
+        for (const auto* label : {all.lblTrack, all.lblTrackDate})
+            EXPECT_TRUE(label->Font->Bold() && !label->Opaque);
+        for (const auto* box : all.txtTime)
+            EXPECT_TRUE(box->Locked() && !box->Border && box->Align == forms::Alignment::Center);
     }
 }
 
 TEST_F(DialogTest, EachSectionOfTheTimeIsSteppedInItsOwnRange) {
     Open();
-    forms::UpDown& spin = *Controls().updTime;
-    const Table<std::size_t, Text, Text, Text> cases = {
-        {0, u"09", u"10", u"08"}, {0, u"12", u"01", u"11"}, {0, u"01", u"02", u"12"},
-        {1, u"04", u"05", u"03"}, {1, u"59", u"00", u"58"}, {2, u"00", u"01", u"59"},
-        {3, u"AM", u"PM", u"PM"}, {3, u"PM", u"AM", u"AM"}, {3, u"??", u"PM", u"PM"}};
+    const Table<std::size_t, Text, Text, Text> cases = {{0, u"09", u"10", u"08"}, {0, u"12", u"01", u"11"},
+                                                        {0, u"01", u"02", u"12"}, {1, u"59", u"00", u"58"},
+                                                        {2, u"00", u"01", u"59"}, {3, u"AM", u"PM", u"PM"},
+                                                        {3, u"PM", u"AM", u"AM"}, {3, u"??", u"PM", u"PM"}};
     for (const auto& [section, from, up, down] : cases)
         for (const bool isUp : {true, false}) {
             auto& box = *Controls().txtTime[section];
             box.Text = from;
-            const Text before = Time();
             box.GotFocus();
-            EXPECT_EQ(Time(), before) << "the focus changes nothing";
-            isUp ? spin.StepUp() : spin.StepDown();
+            EXPECT_EQ(box.Text(), from) << "the focus changes nothing";
+            isUp ? Controls().updTime->StepUp() : Controls().updTime->StepDown();
             EXPECT_EQ(Joined(box.Text(), box.SelStart(), box.SelLength()), Joined(isUp ? up : down, 0, 2));
-            box.Text = from;
-            EXPECT_EQ(Time(), before) << "no other section is touched";
         }
     Controls().txtTime[3]->LostFocus();
-    const Text before = Time();
-    spin.StepUp();
-    EXPECT_EQ(Time(), before) << "no section is under edit";
+    Controls().updTime->StepUp();
+    EXPECT_EQ(Controls().txtTime[3]->Text(), u"PM") << "no section is under edit";
 }
 
 TEST_F(DialogTest, HelpIsOfferedOnTheRightControlsByTheRightButton) {
     Open();
     Window().Show();
-    const DialogControls& all = Controls();
     headless::Window& window = *desk.toolkit.Open();
-    EXPECT_EQ(FaultOf(all.itmWhatsThis->Click), "91 Object variable is not set") << "nothing was pointed at";
-    for (const forms::Control* none :
-         std::initializer_list<const forms::Control*>{all.lblBevel[2], all.Calendar, all.imgBack,
-                                                      all.cmdButton[0], all.cmdButton[1], all.cmdButton[2]})
-        EXPECT_FALSE(none->MouseUp) << ToUtf8(none->Name());
-    const std::pair<const forms::Control*, int> topics[] = {
-        {all.lblBevel[0], 2}, {all.lblBevel[1], 3}, {all.lblColon[0], 3},  {all.lblColon[1], 3},
-        {all.lblTime, 3},     {all.txtTime[0], 3},  {all.txtTime[3], 3},   {all.updTime, 3},
-        {all.lblTrack, 4},    {all.chkTrack, 4},    {all.lblTrackDate, 5}, {all.chkTrackDate, 5}};
-    for (const auto& [control, topic] : topics) {
-        control->MouseUp(forms::MouseButton::Left);
-        control->MouseUp(forms::MouseButton::Middle);
+    const auto& item = Controls().itmWhatsThis->Click;
+    EXPECT_EQ(FaultOf(item), "91 Object variable is not set") << "nothing was pointed at";
+    std::string topics;
+    for (const auto& control : Window().Controls()) {
+        if (!control->MouseUp) continue;
+        control->MouseUp(forms::MouseButton::Left), control->MouseUp(forms::MouseButton::Middle);
         EXPECT_EQ(window.popped, nullptr) << ToUtf8(control->Name());
         control->MouseUp(forms::MouseButton::Right);
-        EXPECT_EQ(std::exchange(window.popped, nullptr), all.mnuWhatsThis);
-        all.itmWhatsThis->Click();
-        EXPECT_EQ(window.topic, topic) << ToUtf8(control->Name());
+        EXPECT_EQ(std::exchange(window.popped, nullptr), Controls().mnuWhatsThis);
+        item();
+        topics += ToUtf8(control->Name()) + std::to_string(control->Index()) + " " +
+                  std::to_string(*window.topic) + ", ";
     }
-}
-
-// What decides on looks and on what a screen reader says.
-TEST_F(DialogTest, TheControlsBeginAsTheyAreLaidOut) {
-    forms::Form form(u"form", desk.timers, desk.toolkit);
-    const DialogControls controls = LayOut(form);
-    for (const auto& [box, label] :
-         {std::pair(controls.chkTrack, controls.lblTrack), {controls.chkTrackDate, controls.lblTrackDate}}) {
-        EXPECT_EQ(box->TextLabel, label);
-        EXPECT_TRUE(label->Font->Bold() && !label->Opaque && box->Value() == 1);
-    }
-    for (const auto* box : controls.txtTime)
-        EXPECT_TRUE(box->Locked() && !box->Border && box->Align == forms::Alignment::Center);
+    EXPECT_EQ(
+        topics,
+        "lblBevel1 3, lblTime-1 3, lblColon1 3, lblColon0 3, lblBevel0 2, lblTrack-1 4, lblTrackDate-1 5, "
+        "txtTime3 3, updTime-1 3, txtTime2 3, txtTime1 3, txtTime0 3, chkTrack-1 4, chkTrackDate-1 5, ");
 }
 
 TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
@@ -165,41 +143,21 @@ TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
     const std::pair<const char16_t*, std::string> cases[] = {
         {u"", middle},           {u",", middle},    {u"0,0", "0|0|"}, {u"-30,45.5", "-30|45.5|"},
         {u"10,20,30", "10|20|"}, {u"10,", unmoved}, {u"10", unmoved}, {u"a,b", unmoved}};
-    const auto place = [&] { return Joined(Window().Left(), Window().Top()); };
-    for (const auto& [stored, expected] : cases) {
+    const auto placed = [&](NotedHost::Answer answer) {
         Window().Move(3150, 2295);
-        host->answers["GetComData"] = [text = Text(stored)](Arguments& a) { return a[2] = text, Value(); };
+        host->answers["GetComData"] = std::move(answer);
         Call(Dialog().shared_from_this(), "FrmMove", Host());
-        EXPECT_EQ(place(), expected) << ToUtf8(stored);
-    }
-    EXPECT_EQ(host->Calls(), Notes(8, "GetComData Horalink MOVE "));
-    host->answers["GetComData"] = [](Arguments&) -> Value { throw RuntimeError(1004, u"no"); };
-    Dialog().FrmMove(Host());
-    EXPECT_EQ(place(), middle);
+        return Joined(Window().Left(), Window().Top());
+    };
+    for (const auto& [stored, place] : cases)
+        EXPECT_EQ(placed([text = Text(stored)](Arguments& a) { return a[2] = text, Value(); }), place)
+            << ToUtf8(stored);
+    EXPECT_EQ(placed([](Arguments&) -> Value { throw RuntimeError(1004, u"no"); }), middle);
+    EXPECT_EQ(host->Calls(), Notes(9, "GetComData Horalink MOVE "));
     Dialog().PutParent(Host());
-    Window().Move(3150, 2295);
-    host->Calls();
-    Dialog().FrmMove(Host());
+    EXPECT_EQ(placed({}), unmoved) << "with its host it stays";
     Call(Dialog().shared_from_this(), "FrmPositionSave");
-    EXPECT_EQ(host->Calls(), Notes{"REGComData Horalink MOVE 3150,2295"}) << "with its host it stays";
-}
-
-TEST_F(DialogTest, ItsHostHearsOfFlowAndF1AndOfTheEnd) {
-    Open();
-    const auto dialog = Dialog().shared_from_this();
-    Dialog().PutParent(Host());
-    Call(dialog, "TurnFlow", true);
-    Call(dialog, "TurnFlow", false);
-    desk.Calls();
-    Call(dialog, "BackGround", 3);
-    EXPECT_EQ(desk.Calls().at(0), "rows 8 Select * From PictureFileName Where  ID = 3");
-    for (const std::int16_t key : std::vector<std::int16_t>{111, 113, 112}) Window().KeyDown(key);
-    Put(dialog, "ID", -42);
-    desk.Calls();
-    Window().Unload();
-    EXPECT_EQ(desk.Calls(), Notes{"close"});
-    EXPECT_EQ(host->Calls(),
-              (Notes{"TurnOnFlow", "TurnOffFlow", "DisplayHelp Horalink.hlp", "UnloadChild -42"}));
+    EXPECT_EQ(host->Calls(), Notes{"REGComData Horalink MOVE 3150,2295"});
 }
 
 TEST_F(DialogTest, TheCountOverflowsAtSixteenBits) {
@@ -214,10 +172,12 @@ TEST_F(DialogTest, TheTitleTakesOneMarkForEachName) {
     const auto layer = cOLELayer::Create(main);
     for (const char16_t* pbx : {u"", u"Main", u"Main", u"MAIN", u"Mai"}) {
         EXPECT_FALSE(Call(layer, "RegisterPBX", pbx, Host(), std::int16_t{1}).ToBoolean());
-        EXPECT_TRUE(*pbx || desk.app.title == u"app title");
         EXPECT_EQ(Window().Caption(), u"caption (" + Text(pbx) + u")");
     }
     EXPECT_EQ(desk.app.title, u"app title (Main) (MAIN) (Mai)");
+    desk.Calls();
+    Call(layer, "SetBackGround", 3);
+    EXPECT_EQ(desk.Calls().at(0), "rows 8 Select * From PictureFileName Where  ID = 3");
     Dialog().PutParent(nullptr);
 }
 
@@ -226,9 +186,8 @@ TEST_F(DialogTest, TheStartReadsAllThatNeedsNoWindow) {
     main.Main();
     const std::string root = "C:\\VELMORA32\\10001\\";
     EXPECT_EQ(desk.Calls()[0], "open " + root + "ADDINS\\..\\MORA32\\DATABASE\\Common.LNG read-only");
-    const ButtonTexts& words = desk.app.buttons;
     EXPECT_EQ(Joined(main.Data().BackgroundDirectory, desk.app.helpFile, main.Data().MarketCode,
-                     main.Data().IsStandalone, words.ok, words.giveUp),
+                     main.Data().IsStandalone, desk.app.buttons.ok, desk.app.buttons.giveUp),
               root + "ADDINS\\..\\BACKGRND\\|" + root + "ADDINS\\HELP\\Horalink.hlp|10001|False|ok|give up|");
     desk.Calls();
     main.LoadAddIn();
@@ -291,8 +250,8 @@ struct StandaloneTest : DialogTest {
     StandaloneTest() {
         desk.app.startMode = 0;
         desk.app.command = u"Main";
-        host->answers["ConnectToPbx"] = Gives(u"C1");
-        host->answers["Login"] = Gives(u"L1");
+        host->answers["ConnectToPbx"] = [](Arguments&) { return u"C1"; };
+        host->answers["Login"] = [](Arguments&) { return u"L1"; };
         host->answers["SendRequest"] = [this](Arguments& a) {
             return request = a[0].ToObject(), Value(u"taken");
         };
@@ -331,7 +290,7 @@ TEST_F(StandaloneTest, WithoutAConnectionTheButtonsAreDeadAndWithoutANameNoDialo
     NoAutomation none(desk.timers, desk.waits, desk.app.waits);
     const Services alone{desk.app,    desk.clock, desk.locale, desk.settings, desk.databases, none,
                          desk.timers, desk.boxes, desk.screen, desk.toolkit,  desk.pictures,  [] {}};
-    host->answers["ConnectToPbx"] = Gives(u"");
+    host->answers["ConnectToPbx"] = [](Arguments&) { return u""; };
     for (const Services* services : {&alone, &std::as_const(desk.services)}) {
         AddInMain start(*services);
         start.Main();

@@ -3,7 +3,7 @@
 
 #include <sstream>
 
-#include "Joined.h"
+#include "harness/Cases.h"
 #include "harness/Desk.h"
 #include "language/FormTexts.h"
 #include "pictures/comPicture.h"
@@ -221,41 +221,38 @@ TEST_F(FormContentTest, ASetReplacesDefaultNamesAndZeroNever) {
     EXPECT_EQ(computer.Boxes(), Notes{});
 }
 
-TEST_F(FormContentTest, EachControlTakesThePictureInItsOwnWay) {
+TEST_F(FormContentTest, EachControlTakesThePictureInItsOwnWayUntilOneFails) {
     AddPanels();
-    const std::pair<const char*, const char*> cases[] = {
-        {"('image', -1, '-1', 'none', -1), ('image', -1, 'none', 'none', -1)", ""},
+    const std::string invalid = Short("Invalid picture", 481), null = Short("Invalid use of Null", 94);
+    // Rows, what is done, and the notice if one fails; then there are no rows after it.
+    const Table<std::string, std::string, std::string> cases = {
+        {"('image', -1, '-1', 'none', -1), ('image', -1, 'none', 'none', -1)", "", ""},
         {"('IMAGE', 2, 'two', 'me', -1), ('image', -1, 'one', 'frame', -1)",
-         "image2.Move=0,0,7110,4365 image2.Picture=2 image.Move=0,0,32,16 image.Picture=1 "},
+         "image2.Move=0,0,7110,4365 image2.Picture=2 image.Move=0,0,32,16 image.Picture=1 ", ""},
         {"('image', -1, 'one', 'panel', -1)",
-         "panel.Visible=False image.Move=0,0,30,15 image.Picture=1 panel.Visible=True "},
+         "panel.Visible=False image.Move=0,0,30,15 image.Picture=1 panel.Visible=True ", ""},
         {"('image', -1, 'one', 'Panel', 1), ('image', 2, 'two', 'me', -1)",
          "panel1.Visible=False image.Move=0,0,31,15.5 image.Picture=1 panel1.Visible=True "
-         "image2.Move=0,0,7110,4365 image2.Picture=2 "},
+         "image2.Move=0,0,7110,4365 image2.Picture=2 ",
+         ""},
         {"('tree', -1, 'one', 'none', -1), ('list', -1, 'two', 'none', -1)",
-         "tree.PictureBackground=1 list.PictureBackground=2 "}};
-    for (const auto& [rows, done] : cases) EXPECT_EQ(LoadPictures(true, 0, rows), done);
-}
-
-TEST_F(FormContentTest, AFailureInThePicturesIsOneShortNoticeAndEndsTheRows) {
-    AddPanels();
-    const std::string moved = "image.Move=0,0,32,16 ",
-                      covered = "panel1.Visible=False image.Move=0,0,31,15.5 ",
-                      invalid = Short("Invalid picture", 481);
-    const Table<const char*, std::string, std::string> cases = {
+         "tree.PictureBackground=1 list.PictureBackground=2 ", ""},
         {"('none', -1, '-1', 'me', -1)", "notice ", Short("Control 'none' not found", 730)},
         {"('image', 1, '-1', 'me', -1)", "notice ",
          Short("Control array element 'image(1)' doesn't exist", 340)},
         {"('image', -1, 'one', 'me', 2)", "notice ", Short("Control 'me' not found", 730)},
         {"('image', -1, 'one', 'Me', -1)", "notice ", Short("Control 'Me' not found", 730)},
-        {"('image', -1, null, 'me', -1)", "notice ", Short("Invalid use of Null", 94)},
+        {"('image', -1, null, 'me', -1)", "notice ", null},
         {"('tree', -1, 'bad', 'me', -1)", "notice ", invalid},
-        {"('image', -1, 'bad', 'frame', -1)", moved + "notice ", invalid},
-        {"('image', -1, 'bad', 'panel', 1)", covered + "notice panel1.Visible=True ", invalid}};
-    for (const auto& [row, done, notice] : cases) {
-        EXPECT_EQ(LoadPictures(false, 0, row + std::string(", ('image', -1, 'one', 'me', -1)")), done);
-        EXPECT_EQ(computer.Boxes(), Notes{notice});
-        EXPECT_EQ(computer.Calls().size(), 3U) << "closed after a failure";
+        {"('image', -1, 'bad', 'frame', -1)", "image.Move=0,0,32,16 notice ", invalid},
+        {"('image', -1, 'bad', 'panel', 1)",
+         "panel1.Visible=False image.Move=0,0,31,15.5 notice panel1.Visible=True ", invalid}};
+    for (const auto& [rows, done, notice] : cases) {
+        const bool succeeds = notice.empty();
+        EXPECT_EQ(LoadPictures(succeeds, 0, rows + (succeeds ? "" : ", ('image', -1, 'one', 'me', -1)")),
+                  done);
+        EXPECT_EQ(computer.Boxes(), succeeds ? Notes() : Notes{notice});
+        EXPECT_EQ(computer.Calls().size(), succeeds ? 4U : 3U) << "both are closed";
     }
     EXPECT_FALSE(LoadFormPictures(computer.services, *form, nullptr, nullptr, 0, u"D\\"));
     EXPECT_EQ(computer.Boxes(), Notes{Short("Object variable is not set", 91)});

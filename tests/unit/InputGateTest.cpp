@@ -15,12 +15,11 @@ struct InputGateTest : testing::Test {
     FormInput::CarryOut Note(const std::string& what) {
         return [this, what] { log += what + " "; };
     }
-    // As a view does it: what is accepted is carried out at once. Notes "refused", "waits" or the carrying
-    // out.
+    // As a view does it: what is accepted is carried out at once.
     void Judge(Verdict verdict, const char* what) {
         Note(verdict == Verdict::Accepted ? what : verdict == Verdict::Refused ? "refused" : "waits")();
     }
-    void Press() { Judge(input->Press(1, Note("press")), "press"); }
+    void Press(Control* target = nullptr) { Judge(input->Press(1, Note("press"), target), "press"); }
     void Repeat() { Judge(input->Repeat(1, Note("repeat")), "repeat"); }
     void Release() { Judge(input->Release(1, Note("release")), "release"); }
     void Act(const char* what) { input->Act(box, Note(what)); }
@@ -43,7 +42,7 @@ struct InputGateTest : testing::Test {
     std::string log;
 };
 
-TEST_F(InputGateTest, WhatIsRefusedIsLostWhateverComesLater) {
+TEST_F(InputGateTest, WhatIsRefusedIsLostAndAReleaseSharesTheFateOfItsPress) {
     for (const bool holds : {false, true}) {
         if (holds) hold = gate.Hold();
         form.Enabled = false;
@@ -52,8 +51,7 @@ TEST_F(InputGateTest, WhatIsRefusedIsLostWhateverComesLater) {
         form.Enabled = true;
         Repeat(), Release();
         box.Enabled = false;
-        Act("act");
-        Judge(input->Press(1, Note("press"), &box), "press on the box");
+        Act("act"), Press(&box);
         box.Enabled = true;
         Release();
         EXPECT_EQ(Log(), "refused refused refused refused refused ");
@@ -61,6 +59,15 @@ TEST_F(InputGateTest, WhatIsRefusedIsLostWhateverComesLater) {
     EXPECT_EQ(AfterTheHold(), "");
     Press(), Repeat(), Release(), Repeat();
     EXPECT_EQ(Log(), "press repeat release repeat ");
+    Press();
+    form.Enabled = false;
+    Release(), Release();
+    EXPECT_EQ(Log(), "press release refused ") << "the window has to know that the button is up";
+    form.Enabled = true;
+    Press();
+    isCovered = true;
+    Release();
+    EXPECT_EQ(Log(), "press refused ");
 }
 
 TEST_F(InputGateTest, WhatIsAcceptedWaitsForTheLastCallAndKeepsItsOrder) {
@@ -72,10 +79,16 @@ TEST_F(InputGateTest, WhatIsAcceptedWaitsForTheLastCallAndKeepsItsOrder) {
     computer.timers.Pass(0);
     EXPECT_FALSE(input->TakesNow());
     hold.reset();
-    Act("new");
+    input->Act(box, [this] {
+        Act("part");
+        hold = gate.Hold();
+        Act("later");
+    });
     EXPECT_FALSE(input->TakesNow()) << "some still wait";
+    Act("next");
     hold = gate.Hold();
-    EXPECT_EQ(AfterTheHold(), "press release act new ");
+    EXPECT_EQ(AfterTheHold(), "press release act part ") << "and then a call is out again";
+    EXPECT_EQ(AfterTheHold(), "next later ");
     EXPECT_TRUE(input->TakesNow());
 }
 
@@ -114,30 +127,6 @@ TEST_F(InputGateTest, CloseWaitsAsLongAsItIsToBeSeen) {
     log = "again ";
     input->Close();
     EXPECT_EQ(log, "again close unloaded ");
-}
-
-TEST_F(InputGateTest, WhatAPieceStartsCountsForTheNext) {
-    hold = gate.Hold();
-    input->Act(box, [this] {
-        Act("part");
-        hold = gate.Hold();
-        Act("later");
-    });
-    Act("next");
-    EXPECT_EQ(AfterTheHold(), "part ");
-    EXPECT_EQ(AfterTheHold(), "next later ");
-}
-
-TEST_F(InputGateTest, AReleaseFollowsAPressThatWasTaken) {
-    Press();
-    form.Enabled = false;
-    Release(), Release();
-    EXPECT_EQ(Log(), "press release refused ") << "the window has to know that the button is up";
-    form.Enabled = true;
-    Press();
-    isCovered = true;
-    Release();
-    EXPECT_EQ(Log(), "press refused ");
 }
 
 }  // namespace

@@ -5,9 +5,8 @@
 
 #include <map>
 
-#include "AnyUser.h"
-#include "Table.h"
-#include "TemporaryDirectory.h"
+#include "harness/Cases.h"
+#include "harness/Files.h"
 #include "platform/desktop/IniSettings.h"
 #include "platform/desktop/Installation.h"
 #include "platform/headless/Desktop.h"
@@ -28,11 +27,7 @@ void SetEnvironment(const Environment& environment) {
 
 std::string Joined(const auto& parts) {
     std::string joined;
-    for (const auto& part : parts)
-        if constexpr (std::is_same_v<std::decay_t<decltype(part)>, Text>)
-            joined += ToUtf8(part) + " ";
-        else
-            joined += part.string() + " ";
+    for (const auto& part : parts) joined += fs::path(part).string() + " ";
     return joined;
 }
 
@@ -58,9 +53,8 @@ TEST_F(LayersTest, TheUsersOwnFilesComeFirstAndTheLanguageAheadOfTheCommon) {
         {{u"fr", u"en"}, u"TEXTS\\T", "own/texts/fr/T own/Texts/T "},
         {{u"de", u"en"}, u"Texts\\OnlyEnglish", "all/Texts/en/OnlyEnglish "},
         {{u"de"}, u"TEXTS\\OnlyEnglish", ""},
-        {{u"de"},
-         u"Texts\\..\\Texts\\COMMON",
-         "all/Texts/Common "},  // the link of the user's own leads nowhere
+        // The link of the user's own leads nowhere.
+        {{u"de"}, u"Texts\\..\\Texts\\COMMON", "all/Texts/Common "},
         {{u"de"}, u"Texts\\Own", "own/Texts/Own all/Texts/de/Own all/Texts/Own "},
         {{u"de", u"en"}, u"Texts\\Both", "all/Texts/de/Both "},
         {{}, u"..\\OUTSIDE\\T", "outside/T "},
@@ -73,12 +67,12 @@ TEST_F(LayersTest, TheUsersOwnFilesComeFirstAndTheLanguageAheadOfTheCommon) {
         EXPECT_EQ(Joined(found), files) << ToUtf8(path);
     }
     const Layers layers = In({u"de"});
-    EXPECT_EQ(layers.Find(Shared(u"TEXTS\\none")), At("all/Texts/none"))
-        << "what isn't there keeps its spelling";
+    EXPECT_EQ(layers.Find(Shared(u"TEXTS\\none")), At("all/Texts/none")) << "keeps its spelling";
     EXPECT_EQ(layers.Find(UpperCase(PathText(At("own"))) + u"\\TEXTS\\COMMON"), At("all/Texts/Common"));
-    EXPECT_EQ(layers.OwnPlace(At("all/Texts/de/T")), At("own/Texts/de/T"));
-    EXPECT_EQ(layers.OwnPlace(At("own/Texts/Own")), At("own/Texts/Own"));
-    EXPECT_EQ(layers.OwnPlace(At("outside/T")), At("outside/T"));
+    for (const auto& [file, own] : {std::pair("all/Texts/de/T", "own/Texts/de/T"),
+                                    {"own/Texts/Own", "own/Texts/Own"},
+                                    {"outside/T", "outside/T"}})
+        EXPECT_EQ(layers.OwnPlace(At(file)), At(own));
     EXPECT_EQ(Layers().OwnPlace(At("all/Texts/T")), At("all/Texts/T"));
 }
 
@@ -141,18 +135,16 @@ TEST_F(LayersTest, AnInstallationIsFoundByThePathOfItsProgram) {
     fs::create_symlink(At("lib/VELMORA32/10001/ADDINS/horalink"),
                        At("home/data/velmora32/20002/ADDINS/horalink"));
     SetEnvironment({{"HOME", At("home")}, {"XDG_DATA_HOME", At("home/data")}});
-    const std::string own = At("home/data/").string(), shared = At("lib/VELMORA32/").string();
+    const std::string own = At("home/data/velmora32/").string(), shared = At("lib/VELMORA32/").string(),
+                      first = "10001 " + own + "10001 ", last = shared + "10001 ";
     const Table<const char*, TextView, std::string> cases = {
-        {"lib/VELMORA32/10001/ADDINS/horalink", u"", "10001 " + own + "velmora32/10001 " + shared + "10001 "},
-        {"bin/again", u"", "10001 " + own + "velmora32/10001 " + shared + "10001 "},
-        {"lib/VELMORA32/30003/ADDINS/horalink", u"",
-         "30003 " + own + "velmora32/30003 " + shared + "30003 " + shared + "10001 "},
-        {"home/data/velmora32/20002/ADDINS/../ADDINS/horalink", u"",
-         "20002 " + own + "velmora32/20002 " + shared + "10001 "},
-        {"bin/horalink", u"\\opt\\VELMORA32\\10001\\",
-         "10001 " + own + "velmora32/10001 /opt/VELMORA32/10001 " + shared + "10001 "},
-        {"bin/horalink", u"D:\\VELMORA32\\", "10001 " + own + "velmora32/10001 " + shared + "10001 "},
-        {"bin/horalink", u"\\", "10001 " + own + "velmora32/10001 " + shared + "10001 "}};
+        {"lib/VELMORA32/10001/ADDINS/horalink", u"", first + last},
+        {"bin/again", u"", first + last},
+        {"lib/VELMORA32/30003/ADDINS/horalink", u"", "30003 " + own + "30003 " + shared + "30003 " + last},
+        {"home/data/velmora32/20002/ADDINS/../ADDINS/horalink", u"", "20002 " + own + "20002 " + last},
+        {"bin/horalink", u"\\opt\\VELMORA32\\10001\\", first + "/opt/VELMORA32/10001 " + last},
+        {"bin/horalink", u"D:\\VELMORA32\\", first + last},
+        {"bin/horalink", u"\\", first + last}};
     for (const auto& [program, installPath, expected] : cases) {
         headless::Settings settings;
         settings.values[u"VELMORA32/10001/InstallPath"] = installPath;

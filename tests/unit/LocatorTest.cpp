@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "Joined.h"
+#include "harness/Cases.h"
 #include "harness/Desk.h"
 #include "locator/VersionRecord.h"
 #include "locator/comRegMarket.h"

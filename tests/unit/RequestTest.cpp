@@ -2,8 +2,8 @@
 
 #include <sstream>
 
-#include "Joined.h"
 #include "exchange/Answers.h"
+#include "harness/Cases.h"
 #include "platform/headless/Headless.h"
 #include "request/comTools.h"
 
@@ -59,6 +59,28 @@ TEST(RecordTest, HoldsItemsInStepAndFieldsOnTheirOwn) {
     while (record->Count() < 32767) record->AddToList(u"z");
     EXPECT_EQ(FaultOf([&] { record->AddToList(u"over"); }), "6 Overflow: AddToList");
     EXPECT_EQ(record->Item(cListRequest::CMD, 32766) + DecimalText(record->Count()), u"z32767");
+}
+
+TEST(RecordTest, MembersAreFoundByNameAndKindAndTakeWhatTheyDeclare) {
+    const auto record = std::make_shared<cListRequest>();
+    Value command(7);
+    Put(record, "MODE", u"12"), Call(record, "AddToList", ByRef(command));
+    EXPECT_EQ(Joined(Get(record, "mode"), Call(record, "Mode"), Get(record, "cmd", u"0")), "12|12|7|");
+    EXPECT_EQ(command, Value(7)) << "comes back as it went";
+    EXPECT_TRUE(SameMemberName("azAZ[{", "AZaz[{"));
+    EXPECT_FALSE(SameMemberName("[", "{") || SameMemberName("@", "`") || SameMemberName("a", "ab"));
+    EXPECT_EQ(record->WhenOwnerGone([] {}), nullptr);
+    EXPECT_EQ(Faults([&] { Call(record, "Nobody"); }, [&] { Put(record, "Nobody", 1); },
+                     [&] { Put(record, "ObjectID", 1); }, [&] { Call(record, "AddToList"); },
+                     [&] { Call(record, "AddToList", Missing{}); },
+                     [&] { Call(record, "AddToList", 1, 2, 3, 4, 5, 6); },
+                     [&] { Put(record, "Mode", 40000); }, [&] { Call(ObjectRef(), "Clear"); }),
+              "438 The object doesn't support this property or method: cListRequest.Nobody|"
+              "438 The object doesn't support this property or method: cListRequest.Nobody|"
+              "383 The property is read-only: cListRequest.ObjectID|450 Wrong number of arguments: AddToList|"
+              "450 Wrong number of arguments: AddToList|450 Wrong number of arguments: AddToList|6 Overflow|"
+              "91 Object variable is not set|");
+    EXPECT_EQ(Joined(record->Mode, record->Count()), "12|1|");
 }
 
 TEST(AnswerTextTest, Codes) {

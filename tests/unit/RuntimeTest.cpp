@@ -3,9 +3,8 @@
 #include <cmath>
 #include <ctime>
 
-#include "Joined.h"
+#include "harness/Cases.h"
 #include "platform/headless/Desktop.h"
-#include "platform/runtime/MemberTable.h"
 #include "platform/runtime/RuntimeError.h"
 
 using namespace platform;
@@ -139,47 +138,6 @@ TEST(DateTest, PatternsAndTheSystemsClock) {
     };
     const Text before = local(), now = FormatDate(SystemClock().Now(), u"yyyy/mm/dd hh:nn:ss", locale);
     EXPECT_TRUE(before <= now && now <= local()) << ToUtf8(before + u" and " + now);
-}
-
-// A class with one member of each shape.
-struct Sample : platform::Object {
-    const ClassDescription& Class() const override {
-        static const ClassDescription description{
-            "Sample",
-            {Read<&Sample::number>("Number"), Write<&Sample::number>("Number"),
-             Read<&Sample::number>("Fixed"), Method<&Sample::Join>("Join", "A", Optional("B"))}};
-        return description;
-    }
-    Text Join(const Text& a, Value& b) {
-        const Text joined = a + (b.IsMissing() ? Text(u"-") : b.ToText());
-        if (!b.IsMissing()) b = u"given back";
-        return joined;
-    }
-    std::int16_t number = 5;
-};
-
-TEST(ObjectTest, MembersAreFoundByNameAndKindAndTakeWhatTheyDeclare) {
-    const auto sample = std::make_shared<Sample>();
-    Value one(1), two(2);
-    Put(sample, "Number", u"12");
-    EXPECT_EQ(Joined(Get(sample, "NUMBER"), Call(sample, "number"), Get(sample, "join", u"a"),
-                     Call(sample, "Join", ByRef(one), ByRef(two)), two),
-              "12|12|a-|12|given back|");
-    EXPECT_EQ(one, Value(1)) << "comes back as it went";
-    EXPECT_TRUE(SameMemberName("azAZ[{", "AZaz[{"));
-    EXPECT_FALSE(SameMemberName("[", "{") || SameMemberName("@", "`") || SameMemberName("a", "ab"));
-    EXPECT_EQ(sample->WhenOwnerGone([] {}), nullptr);
-    EXPECT_EQ(Faults([&] { Call(sample, "Nobody"); }, [&] { Put(sample, "Nobody", 1); },
-                     [&] { Put(sample, "Fixed", 1); }),
-              "438 The object doesn't support this property or method: Sample.Nobody|"
-              "438 The object doesn't support this property or method: Sample.Nobody|"
-              "383 The property is read-only: Sample.Fixed|");
-    EXPECT_EQ(Faults([&] { Call(sample, "Join"); }, [&] { Call(sample, "Join", Missing{}); },
-                     [&] { Call(sample, "Join", 1, 2, 3); }, [&] { Put(sample, "Number", 40000); },
-                     [&] { Call(ObjectRef(), "Join"); }),
-              "450 Wrong number of arguments: Join|450 Wrong number of arguments: Join|"
-              "450 Wrong number of arguments: Join|6 Overflow|91 Object variable is not set|");
-    EXPECT_EQ(sample->number, 12);
 }
 
 TEST(ErrorStateTest, KeepsTheLastSkippedFailureUntilItIsCleared) {

@@ -1,7 +1,8 @@
-// A directory of a test's own that goes with it.
+// What tests of files need.
 #pragma once
 
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -11,6 +12,7 @@
 
 namespace platform {
 
+// A directory of a test's own that goes with it.
 class TemporaryDirectory {
   public:
     TemporaryDirectory() {
@@ -37,6 +39,22 @@ class TemporaryDirectory {
 
   private:
     std::filesystem::path path_;
+};
+
+// While it lives, a test that root runs has the rights of any user.
+class AnyUser {
+  public:
+    AnyUser() {
+        if (isRoot_ && seteuid(65534) != 0) throw std::runtime_error("root stays root");
+    }
+    ~AnyUser() {
+        if (isRoot_ && seteuid(0) != 0) std::terminate();
+    }
+    AnyUser(const AnyUser&) = delete;
+    AnyUser& operator=(const AnyUser&) = delete;
+
+  private:
+    const bool isRoot_ = geteuid() == 0;
 };
 
 }  // namespace platform
