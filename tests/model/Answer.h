@@ -11,60 +11,32 @@ namespace model {
 
 using platform::Text;
 
-enum class AnswerKind {
-    Read,      // a clock
-    Set,       // an update that was accepted
-    Refused,   // an update with one item refused, one not reached, one accepted
-    Unread,    // a lookup that failed at the exchange
-    OtherTag,  // a good answer to nothing that is known
-    Code7,
-    Code99,
-    CodeFraction,
-    CodeNull,
-    CodeText,
-    NoCount,
-    NoCmd,
-    NoExtraData,
-    NoErrCode,
-    NoTag,
-    NoMessage,
-    NoLoginID,
-    MessageIsReadOnly,
-    WithMessage,
-    Nothing,  // no object at all
-};
-inline constexpr int answers = 20;
-enum class LoginKind { Current, GivenUp, Nobodys };
-inline constexpr int logins = 3;
-
-inline AnswerKind AnswerOf(int n) {
-    return static_cast<AnswerKind>(n / logins);
-}
-inline LoginKind LoginOf(int n) {
-    return static_cast<LoginKind>(n % logins);
-}
-constexpr int Of(AnswerKind kind, LoginKind login) {
-    return static_cast<int>(kind) * logins + static_cast<int>(login);
-}
-const char* NameOf(AnswerKind kind);
-const char* NameOf(LoginKind kind);
-
 // An item of an answer: CMD, FirstData, SecondData, ExtraData.
 using Item = std::array<Text, 4>;
+
+struct AnswerKind {
+    std::string name = {};
+    Text tag = u"LOOKUP_CLOCK";
+    platform::Value errCode = std::int32_t{0};
+    std::string missing = {};  // a member that can't be read; "=Message" can't be written
+    Text message = {};
+    std::vector<Item> items = {};  // those of a good answer where it is empty
+};
+// The first one is good; the last one is no object at all.
+const std::vector<AnswerKind>& AnswerKinds();
 
 // A response object of the host's own class.
 class Answer : public platform::Object {
   public:
-    Answer(AnswerKind kind, Text login);
+    Answer(const AnswerKind& kind, Text login);
     const platform::ClassDescription& Class() const override;
     platform::Value Invoke(std::string_view member, platform::InvokeKind kind,
                            platform::Arguments& arguments) override;
 
-    bool IsMissing(std::string_view member) const { return missing_ == member; }
+    bool IsMissing(std::string_view member) const { return kind_.missing == member; }
     // True where its ErrCode can be read and is 0.
     bool IsGood() const;
-    platform::Value ErrCode() const { return errCode_; }
-    Text Message() const { return message_; }
+    platform::Value ErrCode() const { return kind_.errCode; }
     Text Login() const { return login_; }
     // What `Message` has to be by the time the host hears of the answer.
     Text MessageToShow() const;
@@ -77,10 +49,9 @@ class Answer : public platform::Object {
   private:
     platform::Value Read(std::string_view member, const platform::Arguments& arguments);
 
-    std::vector<Item> items_;
-    platform::Value errCode_ = std::int32_t{0};
-    Text tag_, login_, message_, first_;
-    std::string_view missing_;
+    const AnswerKind kind_;
+    const Text login_;
+    Text message_ = kind_.message;
 };
 
 // What the operator reads in the box of a good answer: the number of the box and its values, by what was

@@ -1,6 +1,7 @@
 #include "model/Judge.h"
 
 #include <algorithm>
+#include <coroutine>
 #include <utility>
 
 #include "common/FatalNotice.h"
@@ -14,32 +15,50 @@ void Require(bool holds, const std::string& what) {
     if (!holds) throw Broken(what);
 }
 
-struct Work {
-    // The call that has to come next.
-    enum class Next {
-        AskExchange,
-        Login,
-        ReportLogin,
-        ReportFailure,
-        AskExchangeToSend,
-        Send,
-        ReportSend,
-        AskExchangeToLogOut,
-        LogOut,
-        Reading,
-        ShowResults,
-        ShowMessage,
-        ShowCode,
-        Nothing
+using Check = std::function<void(const Arguments&)>;
+
+// A request or an answer as a coroutine, which waits wherever a call has to come next.
+struct Script {
+    struct promise_type {
+        Script get_return_object() { return {std::coroutine_handle<promise_type>::from_promise(*this)}; }
+        std::suspend_never initial_suspend() { return {}; }
+        std::suspend_always final_suspend() noexcept { return {}; }
+        void return_void() {}
+        void unhandled_exception() { throw; }
     };
-    Next next = Next::AskExchange;
-    bool isOut = false;  // inside that call
+    std::coroutine_handle<> handle;
+};
+
+struct Work {
+    ~Work() {
+        if (script) script.destroy();
+    }
+    // From within the script.
+    std::suspend_always Until(std::string_view member, Check checked = nullptr) {
+        next = member;
+        check = std::move(checked);
+        return {};
+    }
+    void GoOn(Judge::End how, const Text& with) {
+        end = how;
+        result = with;
+        next = "";
+        script.resume();
+    }
+    bool IsToLogOut() const { return next == "oPBX" || next == "LogOut"; }  // of an answer
+
+    std::coroutine_handle<> script;
+    std::string_view next;  // the call that has to come next, empty where none has
+    Check check;            // of its arguments
+    bool isOut = false;     // inside that call
+    Judge::End end{};       // how the last one has ended, and with which result
+    Text result, login;
 
     // A request.
     std::set<int> buttons;  // one of which was pressed for it
-    bool sendFails = false, isAnswered = false;
+    bool isLoggedIn = false, isAnswered = false;
     ShownClock shown;
-    Text login, name, sendResult;
+    Text name;
     // An answer, that may be nothing at all.
     bool isAnswer = false, isRead = false, isCutShort = false, wasWaiting = false;
     std::shared_ptr<Answer> answer;
@@ -48,40 +67,36 @@ struct Work {
     std::optional<Text> lastLogin;    // of all requests, when its own had to be read
 
     Text Tag() const { return answer && answer->takenTag ? *answer->takenTag : tagBefore; }
+    bool CanRead(const char* member) const { return answer && !answer->IsMissing(member); }
 };
 
 namespace {
-
-using Next = Work::Next;
-
-constexpr const char* memberOf[] = {"oPBX",        "Login",
-                                    "ShowMessage", "ShowMessage",
-                                    "oPBX",        "SendRequest",
-                                    "ShowMessage", "oPBX",
-                                    "LogOut",      "",
-                                    "ShowResults", "ShowMessage",
-                                    "ShowCode",    ""};
-
-std::string_view MemberOf(Next next) {
-    return memberOf[static_cast<std::size_t>(next)];
-}
 
 bool IsAccepted(const Text& result) {
     return !result.empty() && result != u"BUSY" && result != u"ERROR";
 }
 
+Text TextOf(const Arguments& arguments, std::size_t i) {
+    return arguments.at(i).ToTextOrEmpty();
+}
+
+Check Says(const Text& text) {
+    return [text](const Arguments& arguments) {
+        Require(TextOf(arguments, 0) == text, "ShowMessage says \"" + ToUtf8(TextOf(arguments, 0)) + "\"");
+    };
+}
+
+Check Reports(const Text& result) {
+    return Says(u"progress: " + result);
+}
+
+// By the number of the box.
 MessageBox Expected(const Shown& shown) {
-    static constexpr std::int32_t question = 32, exclamation = 48, information = 64, critical = 16;
-    switch (shown.box) {
-        case 0:
-            return {u"clock\r" + shown.values, information, u"clock title", {}, 0};
-        case 1:
-            return {u"set", question, u"set title", {}, 0};
-        case 2:
-            return {u"not set\r" + shown.values, exclamation, u"not set title", {}, 0};
-        default:
-            return {u"not read", critical, {}, u"C:\\VELMORA32\\10001\\ADDINS\\read.hlp", 73};
-    }
+    const MessageBox boxes[] = {{u"clock\r" + shown.values, 64, u"clock title", {}, 0},
+                                {u"set", 32, u"set title", {}, 0},
+                                {u"not set\r" + shown.values, 48, u"not set title", {}, 0},
+                                {u"not read", 16, {}, u"C:\\VELMORA32\\10001\\ADDINS\\read.hlp", 73}};
+    return boxes[shown.box];
 }
 const MessageBox loginFailed{u"login failed", 48, u"login title", {}, 0};
 const MessageBox yearNotice{u"year", 0, u"year title", u"C:\\VELMORA32\\10001\\ADDINS\\year.hlp", 74};
@@ -125,12 +140,9 @@ void Judge::HostDied(const void* host) {
     dead_.insert(host);
     std::erase_if(posted_, [&](const Posted& each) { return each.place.host == host; });
     for (const WorkRef& work : works_) {
-        if (!work->isAnswer || work->next == Next::AskExchangeToLogOut || work->next == Next::LogOut)
-            continue;
+        if (!work->isAnswer || work->IsToLogOut()) continue;
         work->isCutShort = work->isCutShort || !work->isRead;
-        work->next = Next::Nothing;
-        work->login = work->lastLogin.value_or(loginResult_);
-        work->isOfGivenUp = givenUp_.contains(work->login);
+        EndReading(*work);
     }
     if (phase_ != Phase::Waiting || IsReadingForWait() || host != sentTo_) return;
     GiveUp(login_, asked_);
@@ -157,20 +169,19 @@ void Judge::Called(const void* host, std::string_view member, const Arguments& a
         return TakePosted(host, member, arguments);
     }
     WorkRef work = Innermost();
-    if (!work || work->isOut || MemberOf(work->next) != member) {
+    if (!work || work->isOut || work->next != member) {
         // Not what is due: something else begins.
         const bool canBegin = member == "oPBX" && !presses_.empty() && (!work || work->isOut);
         work = canBegin ? BeginRequest(shown) : nullptr;
     }
     out_.push_back(work);
     if (!work) return TakeOther(member, arguments);
-    CheckArguments(*work, member, arguments);
+    work->check ? work->check(arguments) : Require(arguments.empty(), std::string(member) + " has arguments");
     work->isOut = true;
 }
 
 Judge::WorkRef Judge::Innermost() {
-    const auto hasEnded = [](const Work& work) { return !work.isAnswer && work.next == Next::Nothing; };
-    while (!works_.empty() && hasEnded(*works_.back())) works_.pop_back();
+    while (!works_.empty() && !works_.back()->isAnswer && works_.back()->next.empty()) works_.pop_back();
     return works_.empty() ? nullptr : works_.back();
 }
 
@@ -186,50 +197,78 @@ Judge::WorkRef Judge::BeginRequest(const ShownClock& shown) {
     std::erase_if(presses_, [](const Press& each) { return !each.waits; });  // the others may be taken yet
     phase_ = Phase::Asking;
     works_.push_back(work);
+    work->script = Request(*work).handle;
     return work;
 }
 
-void Judge::CheckArguments(Work& work, std::string_view member, const Arguments& arguments) {
-    const auto text = [&](std::size_t i) { return arguments.at(i).ToTextOrEmpty(); };
-    const auto reports = [&](const Text& result) {
-        Require(text(0) == u"progress: " + result, "ShowMessage says \"" + ToUtf8(text(0)) + "\"");
-    };
-    switch (work.next) {
-        case Next::AskExchangeToSend:
-            work.name = name_;
-            break;
-        case Next::Login:
-            Require(text(0) == name_ && arguments.size() == 2 && arguments[1].IsObject(),
-                    "Login's arguments");
+Script Judge::Request(Work& work) {
+    co_await work.Until("oPBX");
+    if (work.end == End::Answered) {
+        co_await work.Until("Login", [this](const Arguments& arguments) {
+            const bool hasDialog = arguments.size() == 2 && arguments[1].IsObject();
+            Require(TextOf(arguments, 0) == name_ && hasDialog, "Login's arguments");
             asked_ = Now();
-            break;
-        case Next::ReportLogin:
-        case Next::ReportFailure:
-            reports(loginResult_);
-            break;
-        case Next::Send:
-            CheckRecord(work, arguments.at(0).ToObject());
-            break;
-        case Next::ReportSend:
-            reports(work.sendResult);
-            break;
-        case Next::LogOut:
-            Require(text(0) == name_ && text(1) == work.login, "LogOut of \"" + ToUtf8(text(1)) + "\"");
-            break;
-        case Next::ShowResults:
-            work.isRead = true;
-            Require(text(0) == u"caption (" + name_ + u")" && arguments.at(1).ToObject() == work.answer,
-                    "ShowResults' arguments");
-            break;
-        case Next::ShowMessage:
-            Require(text(0) == work.answer->MessageToShow(), "ShowMessage says \"" + ToUtf8(text(0)) + "\"");
-            break;
-        case Next::ShowCode:
-            Require(arguments.at(0) == work.answer->ErrCode(), "ShowCode");
-            break;
-        default:
-            Require(arguments.empty(), std::string(member) + " has arguments");
+        });
+        if (work.end == End::GivenUp && IsAccepted(work.result)) GiveUp(work.result, asked_);
     }
+    if (work.end != End::Answered) {
+        Rest();
+        ++failures_;
+        if (work.end == End::Failed) co_await work.Until("ShowMessage", Reports(loginResult_));
+        co_return;
+    }
+    loginResult_ = work.result;
+    if (IsAccepted(loginResult_)) login_ = work.login = loginResult_;
+    co_await work.Until("ShowMessage", Reports(loginResult_));
+    if (!IsAccepted(loginResult_)) co_return;
+    work.isLoggedIn = true;
+    givenUp_.erase(work.login);
+    if (work.end == End::GivenUp) co_return GiveUp(work.login, Now());
+    const bool isReported = work.end == End::Answered;
+    co_await work.Until("oPBX", [&](const Arguments&) { work.name = name_; });
+    if (work.end == End::GivenUp) co_return GiveUp(work.login, Now());
+    Text sendResult;
+    if (work.end == End::Answered) {
+        co_await work.Until("SendRequest", [&](const Arguments& arguments) {
+            CheckRecord(work, arguments.at(0).ToObject());
+        });
+        if (work.end == End::Answered && isReported) sendResult = work.result;
+        if (IsAccepted(sendResult) && !work.isAnswered) phase_ = Phase::Waiting;
+        sentTo_ = host_;
+        if (work.end == End::GivenUp) co_return GiveUp(work.login, Now());
+    }
+    co_await work.Until("ShowMessage", Reports(sendResult));
+    if (IsAccepted(sendResult)) co_return;
+    if (work.end == End::GivenUp) co_return GiveUp(work.login, Now());
+    co_await work.Until("oPBX");
+    if (work.end == End::GivenUp) Post(work.login, Now());
+    if (work.end == End::Answered) co_await work.Until("LogOut", LogsOut(work.login));
+}
+
+Script Judge::Reading(Work& work) {
+    co_await work.Until("ShowResults", [&](const Arguments& arguments) {
+        work.isRead = true;
+        const bool isSame = arguments.at(1).ToObject() == work.answer;
+        Require(TextOf(arguments, 0) == u"caption (" + name_ + u")" && isSame, "ShowResults' arguments");
+    });
+    if (work.CanRead("Message")) co_await work.Until("ShowMessage", Says(work.answer->MessageToShow()));
+    if (work.CanRead("ErrCode"))
+        co_await work.Until("ShowCode", [&](const Arguments& arguments) {
+            Require(arguments.at(0) == work.answer->ErrCode(), "ShowCode");
+        });
+    work.lastLogin = loginResult_;
+    if (!work.CanRead("LoginID")) work.login = loginResult_;
+    work.isOfGivenUp = givenUp_.contains(work.login);
+    co_await work.Until(*work.isOfGivenUp ? "" : "oPBX");
+    if (work.end == End::GivenUp) Post(work.login, Now());
+    if (work.end == End::Answered) co_await work.Until("LogOut", LogsOut(work.login));
+}
+
+std::function<void(const Arguments&)> Judge::LogsOut(const Text& login) const {
+    return [this, login](const Arguments& arguments) {
+        const Text named = TextOf(arguments, 1);
+        Require(TextOf(arguments, 0) == name_ && named == login, "LogOut of \"" + ToUtf8(named) + "\"");
+    };
 }
 
 void Judge::CheckRecord(const Work& work, const ObjectRef& record) const {
@@ -295,65 +334,14 @@ void Judge::CallEnds(End end, const Text& result) {
     if (std::exchange(asksToLogOut_, false) && end != End::Answered) ++notLoggedOut_;
     if (!work) return;
     work->isOut = false;
-    work->isAnswer ? AnswerGoesOn(*work, end) : RequestGoesOn(*work, end, result);
-    if (!IsHostDead() || work->next == Next::Nothing) return;
+    if (work->next.empty()) return;
+    if (work->isAnswer && end == End::GivenUp && !work->IsToLogOut())
+        AnswerGivenUp(*work);
+    else
+        work->GoOn(end, result);
     // What would come next doesn't arrive anywhere.
-    work->next = Next::Nothing;
-    if (!work->isAnswer && phase_ == Phase::Asking) Rest();
-}
-
-void Judge::LoginFails(Work& work, End end) {
-    Rest();
-    ++failures_;
-    work.next = end == End::GivenUp ? Next::Nothing : Next::ReportFailure;
-}
-
-void Judge::RequestGoesOn(Work& work, End end, const Text& result) {
-    const bool isGivenUp = end == End::GivenUp;
-    const auto over = [&] {
-        if (phase_ == Phase::Asking) Rest();
-        work.next = Next::Nothing;
-    };
-    switch (work.next) {
-        case Next::AskExchange:
-            return end == End::Answered ? void(work.next = Next::Login) : LoginFails(work, end);
-        case Next::Login:
-            if (isGivenUp && IsAccepted(result)) GiveUp(result, asked_);
-            if (end != End::Answered) return LoginFails(work, end);
-            loginResult_ = result;
-            if (IsAccepted(result)) login_ = work.login = result;
-            work.next = Next::ReportLogin;
-            return;
-        case Next::ReportLogin:
-            if (!IsAccepted(loginResult_)) return over();
-            givenUp_.erase(work.login);
-            work.sendFails = end != End::Answered;
-            work.next = Next::AskExchangeToSend;
-            break;
-        case Next::AskExchangeToSend:
-            work.next = end == End::Answered ? Next::Send : Next::ReportSend;
-            break;
-        case Next::Send:
-            if (end == End::Answered && !work.sendFails) work.sendResult = result;
-            if (IsAccepted(work.sendResult) && !work.isAnswered) phase_ = Phase::Waiting;
-            sentTo_ = host_;
-            work.next = Next::ReportSend;
-            break;
-        case Next::ReportSend:
-            if (IsAccepted(work.sendResult)) return void(work.next = Next::Nothing);
-            work.next = Next::AskExchangeToLogOut;
-            break;
-        case Next::AskExchangeToLogOut:
-            if (isGivenUp) Post(work.login, Now());
-            if (end != End::Answered) return over();
-            work.next = Next::LogOut;
-            return;
-        default:
-            return over();
-    }
-    if (!isGivenUp) return;
-    GiveUp(work.login, Now());
-    over();
+    if (IsHostDead()) work->next = "";
+    if (work->next.empty() && !work->isAnswer && phase_ == Phase::Asking) Rest();
 }
 
 void Judge::AnswerBegins(const std::shared_ptr<Answer>& answer) {
@@ -361,60 +349,35 @@ void Judge::AnswerBegins(const std::shared_ptr<Answer>& answer) {
     work->isAnswer = true;
     work->answer = answer;
     work->wasWaiting = phase_ == Phase::Waiting;
-    work->next = IsHostDead() ? Next::Nothing : Next::ShowResults;
-    work->login = !answer || answer->IsMissing("LoginID") ? loginResult_ : answer->Login();
+    work->login = work->CanRead("LoginID") ? answer->Login() : loginResult_;
     work->tagBefore = lastAnswer_ ? lastAnswer_->Tag() : Text();
+    work->script = Reading(*work).handle;
+    if (IsHostDead()) work->next = "";
     works_.push_back(lastAnswer_ = work);
 }
 
 // Whoever can't be asked for its login is taken for the last one.
-void Judge::AnswerGivenUp(Work& work) {
-    work.next = Next::Nothing;
+void Judge::EndReading(Work& work) {
+    work.next = "";
     work.login = work.lastLogin.value_or(loginResult_);
     work.isOfGivenUp = givenUp_.contains(work.login);
-    if (!*work.isOfGivenUp) GiveUp(work.login, Now());
 }
 
-void Judge::AnswerGoesOn(Work& work, End end) {
-    if (end == End::GivenUp && work.next != Next::LogOut && work.next != Next::AskExchangeToLogOut)
-        return AnswerGivenUp(work);
-    const auto readable = [&](const char* member) { return work.answer && !work.answer->IsMissing(member); };
-    const auto afterCode = [&] {
-        work.lastLogin = loginResult_;
-        if (!readable("LoginID")) work.login = loginResult_;
-        work.isOfGivenUp = givenUp_.contains(work.login);
-        return *work.isOfGivenUp ? Next::Nothing : Next::AskExchangeToLogOut;
-    };
-    const auto afterMessage = [&] { return readable("ErrCode") ? Next::ShowCode : afterCode(); };
-    switch (work.next) {
-        case Next::ShowResults:
-            work.next = readable("Message") ? Next::ShowMessage : afterMessage();
-            return;
-        case Next::ShowMessage:
-            work.next = afterMessage();
-            return;
-        case Next::ShowCode:
-            work.next = afterCode();
-            return;
-        case Next::AskExchangeToLogOut:
-            if (end == End::GivenUp) Post(work.login, Now());
-            work.next = end == End::Answered ? Next::LogOut : Next::Nothing;
-            return;
-        default:
-            work.next = Next::Nothing;
-    }
+void Judge::AnswerGivenUp(Work& work) {
+    EndReading(work);
+    if (!*work.isOfGivenUp) GiveUp(work.login, Now());
 }
 
 void Judge::ReadingIsOut(std::string_view member, bool isOut) {
     Work& work = *Innermost();
     work.isOut = isOut;
     if (member != "LoginID") return;
-    Require(IsHostDead() || work.next == Next::Nothing || work.next == Next::AskExchangeToLogOut,
-            "the host does not hear of " + std::string(MemberOf(work.next)));
+    Require(IsHostDead() || work.next.empty() || work.next == "oPBX",
+            "the host does not hear of " + std::string(work.next));
     // All else has been read by then. More may have been given up by the time that it is there.
     work.isRead = true;
     work.isOfGivenUp = givenUp_.contains(work.login);
-    work.next = *work.isOfGivenUp || IsHostDead() ? Next::Nothing : Next::AskExchangeToLogOut;
+    work.next = *work.isOfGivenUp || IsHostDead() ? "" : "oPBX";
 }
 
 void Judge::ReadingGivenUp() {
@@ -426,16 +389,14 @@ void Judge::ReadingGivenUp() {
 void Judge::AnswerEnds(bool isLoaded) {
     const WorkRef work = Innermost();
     works_.pop_back();
-    Require(work->next == Next::Nothing || IsHostDead(),
-            "the host does not hear of " + std::string(MemberOf(work->next)));
+    Require(work->next.empty() || IsHostDead(), "the host does not hear of " + std::string(work->next));
     // One under a login that was given up ends nothing and is not shown.
     if (work->isOfGivenUp ? *work->isOfGivenUp : givenUp_.contains(work->login)) return;
     if (work->answer && work->answer->IsGood() && !work->isCutShort)
         toShow_ = isLoaded ? ShownFor(work->answer->taken, work->Tag()) : std::nullopt;
     if (phase_ == Phase::Waiting) return Rest();
     const auto sending = std::find_if(works_.begin(), works_.end(), [&](const WorkRef& each) {
-        return !each->isAnswer && each->login == work->login && each->next >= Next::AskExchangeToSend &&
-               each->next <= Next::LogOut;
+        return each->isLoggedIn && each->login == work->login && !each->next.empty();
     });
     if (sending == works_.end()) return;
     // It was faster than the end of `SendRequest`.
@@ -487,7 +448,7 @@ void Judge::CheckLook(bool isEnabled, bool hasHourglass) const {
 
 void Judge::CheckRest(bool isArmed, bool hasDay, bool isVisible) {
     for (const WorkRef& work : works_)
-        Require(work->next == Next::Nothing, "a request ends ahead of " + std::string(MemberOf(work->next)));
+        Require(work->next.empty(), "a request ends ahead of " + std::string(work->next));
     works_.clear();
     Require(phase_ != Phase::Asking, "a request has ended and is still under way");
     // What a click asks for can have come about without it, and a date without a day is not sent.

@@ -23,6 +23,7 @@ using ShownClock = std::array<Text, 3>;
 
 // A request or an answer on its way through the add-in's calls.
 struct Work;
+struct Script;
 
 class Judge {
   public:
@@ -95,13 +96,14 @@ class Judge {
     WorkRef Innermost();
     bool IsHostDead() const { return dead_.contains(host_); }
     WorkRef BeginRequest(const ShownClock& shown);
-    void CheckArguments(Work& work, std::string_view member, const platform::Arguments& arguments);
+    // What has to come, call by call.
+    Script Request(Work& work);
+    Script Reading(Work& work);
+    std::function<void(const platform::Arguments&)> LogsOut(const Text& login) const;
     void CheckRecord(const Work& work, const platform::ObjectRef& record) const;
     void TakePosted(const void* host, std::string_view member, const platform::Arguments& arguments);
     void TakeOther(std::string_view member, const platform::Arguments& arguments);
-    void RequestGoesOn(Work& work, End end, const Text& result);
-    void LoginFails(Work& work, End end);
-    void AnswerGoesOn(Work& work, End end);
+    void EndReading(Work& work);
     void AnswerGivenUp(Work& work);
     bool IsReadingForWait() const;
     void GiveUp(const Text& login, const Place& place);
