@@ -270,12 +270,12 @@ class World {
     }
 
     void Close() {
-        if (Operable()) judge_.UnloadComes();
+        if (Operable()) judge_.Comes("UnloadChild");
         Window()->Close();
     }
 
     void PressF1() {
-        if (Operable()) judge_.HelpComes();
+        if (Operable()) judge_.Comes("DisplayHelp");
         Window()->Key(112);
     }
 
@@ -392,13 +392,13 @@ class World {
         party.layers.erase(party.layers.begin() + static_cast<std::ptrdiff_t>(index));
         const bool isLast = isLeaving_ = --count_ <= 0;
         if (isLast) judge_.Unloaded();
-        if (isLast && !IsDead(judge_.Host())) judge_.PlaceIsAskedFor();
+        if (isLast && !IsDead(judge_.Host())) judge_.Comes("ComData");
         computer_.automation.Release(layer);
         Require(!isLast, "the process lives although nobody holds an object");
     }
 
     void Register(Party& party, const Text& name) {
-        if (!judge_.Host()) judge_.PlaceIsAskedFor();
+        if (!judge_.Host()) judge_.Comes("ComData");
         const ObjectRef far = computer_.automation.Far(party.object, party.peer);
         judge_.Registered(&party, name);
         const Value failed = Call(party.layers[0], "RegisterPBX", name, far, childId);
@@ -408,7 +408,7 @@ class World {
     void Show(bool visible) {
         isShown_ = visible;
         const bool isLoaded = Dialog().Window().IsLoaded();
-        if (!isLoaded && visible && !IsDead(judge_.Host())) judge_.UnloadComes();
+        if (!isLoaded && visible && !IsDead(judge_.Host())) judge_.Comes("UnloadChild");
         // A dialog that is loaded again counts its objects anew.
         if (!isLoaded && visible) count_ = 0;
         try {
@@ -516,9 +516,8 @@ class World {
     }
 
     void CallEnds(bool isAnswered, const Text& result = {}) {
-        using enum Judge::End;
         const bool isGivenUp = computer_.automation.IsCallGivenUp();
-        judge_.CallEnds(isGivenUp ? GivenUp : isAnswered ? Judge::End::Answered : Failed, result);
+        judge_.CallEnds(isGivenUp ? End::GivenUp : isAnswered ? End::Answered : End::Failed, result);
     }
 
     Value ResultOf(Party& party, std::string_view member, const Arguments& arguments, std::size_t reply) {
