@@ -48,7 +48,8 @@ TEST_F(WaitTest, CallsFromInsideCallsAreRefusedAsBusyBeforeTheStackEnds) {
     });
     EXPECT_TRUE(loop.ServeUntil([&] { return first != nullptr; }));
     EXPECT_EQ(Told(refused), "Busy i440 the call can't be taken now");
-    EXPECT_EQ(stranger.Invoke(object, "Ask", 1, "s", ""), "Error i424 Object required") << "there is room again";
+    EXPECT_EQ(stranger.Invoke(object, "Ask", 1, "s", ""), "Error i424 Object required")
+        << "there is room again";
 }
 
 // Both messages lie ready when the client looks: what came first has to take effect first.
