@@ -324,12 +324,15 @@ class World {
     void TurnTo(const Month& to) {
         ShownTime expected = Shown();
         const bool isThere = expected.date[0] == to.year && expected.date[1] == to.month;
+        const std::size_t taken = next_;
         if (!TracksDate() && !isThere) {
             expected.date = {std::clamp<int>(to.year, 1901, 2099), to.month, 0};
             if (Operable() && expected.date[0] != to.year) judge_.YearIsOut();
         }
         Change(expected,
                [&](headless::Window& window) { window.Turn(*Controls().Calendar, to.year, to.month); });
+        const bool isWithoutDay = next_ == taken && Operable() && Shown().date[2] == 0 && !isThere;
+        Require(!isWithoutDay || !Controls().cmdButton[1]->Enabled, "an update is offered without a day");
     }
 
     void AskForTopic() {
