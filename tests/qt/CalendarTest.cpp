@@ -84,6 +84,7 @@ TEST_F(CalendarTest, SelectorsTurnByMouseAndKeyboardAndAreNoWayOutOfTheControl) 
                                                          {"Previous month", "2003-11-0"},
                                                          {"Next year", "2004-12-0"},
                                                          {"Previous year", "2002-12-0"}};
+    calendar.NewMonth = nullptr;
     calendar.LostFocus = Note("lost");
     for (const auto& [name, result] : cases) {
         Set(2003, 12, 8);
