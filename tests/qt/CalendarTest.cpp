@@ -123,6 +123,8 @@ TEST_F(CalendarTest, WhatADayIsIsSeenAndTodayFollowsTheDate) {
     const QImage plain = Corner(today.day());
     moveTo("West12");
     EXPECT_TRUE(Until([&] { return Corner(today.day()) == mark; }));
+    Set(today.year() - 1, today.month(), 0);
+    EXPECT_EQ(Corner(today.day()), plain) << "the same day of another year";
     moveTo("UTC");
     Set(2003, 10, 0);
     Widget().setFocus();
