@@ -29,6 +29,9 @@ TEST(ModelTest, HoldsInOrdersOfItsOwn) {
         {"create for another", "get stuck", "hang in Login", "click 2", "pass 100 ms", "register 1", "wake"},
         {"create for another", "get stuck", "hang in Login", "click 2", "pass 100 ms", "register by another",
          "wake"},
+        // A wait that an answer to an earlier request interrupts can still be given up.
+        {"click 2", "pass 100 ms", "pass 20 s", "give up", "click 2", "pass 100 ms",
+         "call back read, login given up", "pass 20 s", "give up"},
         // A month without a day, and the date of today after it.
         {"toggle 1", "turn to month 0", "click 1", "toggle 1", "pass 1 s"},
         // The ends of the years and of each section.
