@@ -1,16 +1,249 @@
-// A server and a client of this system, and a stranger, all on the thread of the test. Their names on the bus
-// are :1.0, :1.1 and :1.2.
+// A bus of the test's own with a loop, and on the thread of the test a server and a client of this system,
+// :1.0 and :1.1 on that bus, and a stranger, :1.2: messages by hand, and messages as texts. The contract's
+// names are written out here once more.
 #pragma once
 
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
 
-#include "Stranger.h"
+#include <bit>
+#include <cstdio>
+#include <list>
+
 #include "harness/Cases.h"
+#include "harness/Files.h"
 #include "platform/automation/Patience.h"
 #include "platform/automation/dbus/BusAutomation.h"
+#include "platform/automation/dbus/Handles.h"
 #include "platform/headless/Desktop.h"
+#include "platform/headless/Timers.h"
 
 namespace platform::test {
+
+inline constexpr char factoryPath[] = "/Factory", factoryInterface[] = "org.velmora.Automation1.Factory";
+inline constexpr char objectInterface[] = "org.velmora.Automation1.Object";
+inline constexpr char errorName[] = "org.velmora.Automation1.Error";
+inline constexpr char busyErrorName[] = "org.velmora.Automation1.Error.Busy";
+
+// Starts a daemon and makes it the session bus of the environment.
+class PrivateBus {
+  public:
+    PrivateBus() {
+        const std::string address = "unix:path=" + (directory_.Path() / "socket").string();
+        const std::string daemon = "exec dbus-daemon --session --nofork --print-pid --address=" + address;
+        output_ = popen((daemon + " 2>/dev/null").c_str(), "r");
+        // The number comes once the daemon listens.
+        if (std::fscanf(output_, "%d", &daemon_) != 1)
+            throw std::runtime_error("the bus daemon did not start");
+        setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+    }
+    ~PrivateBus() { Stop(); }
+
+    void Stop() {
+        if (!output_) return;
+        kill(daemon_, SIGKILL);
+        pclose(std::exchange(output_, nullptr));
+    }
+
+  private:
+    TemporaryDirectory directory_;
+    std::FILE* output_ = nullptr;
+    pid_t daemon_ = 0;
+};
+
+// Each round takes a millisecond of its timers, and no less of the computer's: a routine whose wait is over
+// goes on before a timer finds it too slow.
+class PollLoop : public headless::Timers<EventLoop> {
+  public:
+    HandleRef WhenReadable(int descriptor, std::function<void()> call) override {
+        return watches_.Add({{descriptor, POLLIN, 0}, std::move(call)});
+    }
+    HandleRef WhenWritable(int descriptor, std::function<void()> call) override {
+        return watches_.Add({{descriptor, POLLOUT, 0}, std::move(call)});
+    }
+    HandleRef HoldInput() override { return holds_.Add(0); }
+    std::ptrdiff_t Holds() const { return std::ranges::count(holds_, false, &std::weak_ptr<int>::expired); }
+    void Run() override {}
+    void Quit() override {}
+    void ServeOnce() override {
+        if (Now() > Milliseconds(20000)) throw std::logic_error("waits for what never happens");
+        // What is added meanwhile counts from the next round on; what ends, at once.
+        for (const auto& weak : std::vector(watches_)) {
+            const auto watch = weak.lock();
+            if (!watch || poll(&watch->descriptor, 1, 0) <= 0) continue;
+            if (watch->descriptor.revents & POLLNVAL) throw std::logic_error("watches a closed descriptor");
+            watch->call();
+        }
+        poll(nullptr, 0, 1);
+        Pass(1);
+    }
+    // For ten seconds at most. Gives the condition.
+    bool ServeUntil(const std::function<bool()>& condition) {
+        const auto limit = Now() + Milliseconds(10000);
+        while (!condition() && Now() < limit) ServeOnce();
+        return condition();
+    }
+
+  private:
+    struct Watch {
+        pollfd descriptor;
+        std::function<void()> call;
+    };
+    headless::Sources<Watch> watches_;
+    headless::Sources<int> holds_;
+};
+
+// One value of a basic type: a text or path as itself, anything else with the letter of its type.
+inline std::string ToldBasic(sd_bus_message* message, char type) {
+    std::uint64_t raw = 0;
+    sd_bus_message_read_basic(message, type, &raw);
+    if (type == 's') return "'" + std::string(std::bit_cast<const char*>(raw)) + "'";
+    if (type == 'o') return std::bit_cast<const char*>(raw);
+    if (type == 'd') return "d" + std::to_string(std::bit_cast<double>(raw));
+    const auto number = type == 'n' ? static_cast<std::int16_t>(raw) : static_cast<std::int32_t>(raw);
+    return type + std::to_string(number);
+}
+
+// What is left of a message or container.
+inline std::string ToldContent(sd_bus_message* message) {
+    std::string all;
+    char type = 0;
+    const char* contents = nullptr;
+    while (sd_bus_message_peek_type(message, &type, &contents) > 0) {
+        if (!all.empty()) all += ' ';
+        if (!contents) {
+            all += ToldBasic(message, type);
+            continue;
+        }
+        sd_bus_message_enter_container(message, type, contents);
+        const std::string inside = ToldContent(message);
+        sd_bus_message_exit_container(message);
+        all += type == 'v' ? "<" + inside + ">" : type == 'a' ? "[" + inside + "]" : "(" + inside + ")";
+    }
+    return all;
+}
+
+// A description without the words that its number has in any case.
+inline std::string Detail(const std::string& description) {
+    const auto colon = description.find(": ");
+    return colon == std::string::npos ? description : description.substr(colon + 2);
+}
+
+// An answer as its content, an error as name, number and detail, a call with path and member, and "!" where
+// it wants no answer.
+inline std::string Told(const MessageRef& shared) {
+    sd_bus_message* message = shared.get();
+    sd_bus_message_rewind(message, true);
+    const std::string content = ToldContent(message);
+    if (const sd_bus_error* error = sd_bus_message_get_error(message)) {
+        const std::string name = error->name, number = content.substr(content.rfind(' ') + 1);
+        return name.substr(name.rfind('.') + 1) + ' ' + number + ' ' + Detail(error->message);
+    }
+    if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) return content;
+    return std::string(sd_bus_message_get_path(message)) + ' ' + sd_bus_message_get_member(message) +
+           (sd_bus_message_get_expect_reply(message) > 0 ? "" : "!") + (content.empty() ? "" : " " + content);
+}
+
+// Where an object is, as a stranger learns it from the first reference in a message.
+struct Reference {
+    std::string owner, path;
+};
+inline Reference ReferenceIn(const std::string& told) {
+    const auto owner = told.find("(':") + 2, path = told.find("' ", owner), end = told.find(')', path);
+    return {told.substr(owner, path - owner), told.substr(path + 2, end - path - 2)};
+}
+
+class Stranger {
+  public:
+    explicit Stranger(PollLoop& loop) : loop_(loop) {
+        sd_bus* bus = nullptr;
+        if (sd_bus_open_user(&bus) < 0) throw std::runtime_error("no bus");
+        bus_.reset(bus);
+        serving_ = loop.Every(Milliseconds(1), [this] { Process(); });
+    }
+    sd_bus* Bus() const { return bus_.get(); }
+    // Leaves the bus without giving anything back.
+    void Leave() { sd_bus_close(Bus()); }
+
+    // Sends a call, with `types` and what follows as for the bus library. The result is the answer, once the
+    // loop has been served for so long.
+    template <class... Parts>
+    const MessageRef& Send(const Reference& to, const char* interface, const char* member,
+                           const char* types = "", Parts... parts) {
+        const auto keep = [](sd_bus_message* message, void* place, sd_bus_error*) {
+            *static_cast<MessageRef*>(place) = Shared(message);
+            return 1;
+        };
+        MessageRef& answer = answers_.emplace_back();
+        sd_bus_call_method_async(Bus(), nullptr, to.owner.c_str(), to.path.c_str(), interface, member, keep,
+                                 &answer, types, parts...);
+        return answer;
+    }
+    // What the answer says.
+    template <class... Parts>
+    std::string Call(Parts... parts) {
+        const MessageRef& answer = Send(parts...);
+        return loop_.ServeUntil([&] { return answer != nullptr; }) ? Told(answer) : "no answer";
+    }
+    // A late-bound call with `count` arguments, each given with its type.
+    template <class... Parts>
+    std::string Invoke(const Reference& to, const char* member, int count = 0, Parts... parts) {
+        return Call(to, objectInterface, "Invoke", "sqav", member, 1, count, parts...);
+    }
+    // Sends a call that wants no answer.
+    template <class... Parts>
+    void Notify(const Reference& to, const char* interface, const char* member, const char* types = "",
+                Parts... parts) {
+        sd_bus_call_method_async(Bus(), nullptr, to.owner.c_str(), to.path.c_str(), interface, member,
+                                 nullptr, nullptr, types, parts...);
+    }
+    // Takes in what has come once the daemon has handed on all that was sent before. It answers ahead of what
+    // its queues of the same round hold, but the second answer follows that.
+    void RoundTrip() {
+        for (int i = 0; i < 2; ++i)
+            sd_bus_call_method(Bus(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId", nullptr,
+                               nullptr, "");
+        Process();
+    }
+
+    // What to do with every call but those of the bus's own interfaces; by default they are kept unanswered.
+    std::function<void(const MessageRef&)> whenCalled;
+    std::vector<MessageRef> calls;
+    // The calls since the last time, in their order.
+    std::string Heard() {
+        std::string all;
+        for (const MessageRef& call : std::exchange(calls, {})) all += (all.empty() ? "" : "; ") + Told(call);
+        return all;
+    }
+
+    template <class... Parts>
+    void Return(const MessageRef& call, const char* types, Parts... parts) {
+        sd_bus_reply_method_return(call.get(), types, parts...);
+    }
+    // Answers a late-bound call, with no changed arguments.
+    template <class... Parts>
+    void ReturnResult(const MessageRef& call, const char* type, Parts... parts) {
+        Return(call, "vav", type, parts..., 0);
+    }
+    void Refuse(const MessageRef& call) { sd_bus_reply_method_errorf(call.get(), busyErrorName, "later"); }
+
+  private:
+    void Process() {
+        for (sd_bus_message* message = nullptr; sd_bus_process(Bus(), &message) > 0;) {
+            if (!message) continue;
+            const MessageRef call = Adopted(message);
+            if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) continue;
+            calls.push_back(call);
+            if (whenCalled) whenCalled(call);
+        }
+    }
+
+    PollLoop& loop_;
+    std::list<MessageRef> answers_;
+    BusRef bus_;
+    HandleRef serving_;
+};
 
 inline const Reference factory{"Test.cScripted", factoryPath};
 

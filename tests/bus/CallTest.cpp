@@ -54,11 +54,11 @@ TEST_F(CallTest, ByReferenceTakesBackWhatChanged) {
     })}));
     Text text = u"old";
     std::int16_t number = 1;
-    float untouched = 0.1f;
+    Value untouched = 0.1f;
     EXPECT_EQ(Call(object, "Change", ByRef(text), ByRef(number), ByRef(untouched)), Value(4));
     EXPECT_EQ(text, u"new");
     EXPECT_EQ(number, 7);
-    EXPECT_EQ(untouched, 0.1f);
+    EXPECT_EQ(untouched, Value(0.1f)) << "still a Single";
     // A list that is shorter leaves the rest as it was, and one that is longer makes no sense.
     AnswerAll("short");
     EXPECT_EQ(Call(host, "Anything", ByRef(text)), Value(u"short"));

@@ -67,18 +67,22 @@ TEST_F(ConnectionTest, WhatAnErrorMeansToTheCaller) {
     EXPECT_EQ(Failure([&] { Call(host, "Anything"); }), "13 the answer to a call has another signature");
 }
 
-TEST_F(ConnectionTest, LossEndsWaitsAndGivesBackReferences) {
+struct LossTest : BusTest, testing::WithParamInterface<bool> {};
+INSTANTIATE_TEST_SUITE_P(InACallAndBetweenTwoAttempts, LossTest, testing::Bool());
+
+TEST_P(LossTest, EndsWaitsAndGivesBackReferences) {
     server->WhenInUse([&](bool inUse) { Note(inUse ? "used" : "unused"); });
     const ObjectRef held = Created(Watched());
     ExpectEvents("used ");
-    bool isLost = false, isBusy = false;
+    bool isLost = false;
     const auto watch = held->WhenOwnerGone([&] { isLost = true; });
+    HandleRef stopping;
     stranger.whenCalled = [&](const MessageRef& call) {
-        isBusy = true;
+        if (!GetParam()) return bus.Stop();
         stranger.Refuse(call);
+        stopping = loop.After(Milliseconds(100), [&] { bus.Stop(); });
     };
-    const auto stopping = loop.Every(Milliseconds(100), [&] { isBusy ? bus.Stop() : void(); });
-    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462) << "between two attempts";
+    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462);
     ExpectEvents("leaves gone freed unused ");
     EXPECT_TRUE(loop.ServeUntil([&] { return isLost; }));
     // Everything that comes later fails at once.
@@ -87,11 +91,6 @@ TEST_F(ConnectionTest, LossEndsWaitsAndGivesBackReferences) {
     EXPECT_EQ(ErrorOf([&] { client->ServeClass("Test.cLater", nothing); }), 429);
     client->Leave();
     loop.ServeOnce();
-}
-
-TEST_F(ConnectionTest, LossEndsAWait) {
-    stranger.whenCalled = [&](const MessageRef&) { bus.Stop(); };
-    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462);
 }
 
 TEST_F(ConnectionTest, ACallThatArrivesWhileANameIsAskedForIsServed) {

@@ -1,13 +1,12 @@
 #include "model/World.h"
 
 #include <list>
-#include <sstream>
+#include <map>
 
 #include "exchange/dlgAddin.h"
 #include "harness/Desk.h"
 #include "model/Answer.h"
 #include "model/Judge.h"
-#include "model/Step.h"
 #include "platform/runtime/ScopeExit.h"
 #include "shell/ServerLife.h"
 #include "shell/cOLELayer.h"
@@ -20,6 +19,23 @@ using namespace horalink;
 namespace {
 
 constexpr std::int16_t childId = 42;
+
+using Words = std::vector<std::string>;
+const Words members = {"oPBX",        "Login",       "ShowMessage", "SendRequest", "LogOut",
+                       "ShowResults", "ShowCode",    "Count",       "CMD",         "Tag",
+                       "LoginID",     "UnloadChild", "DisplayHelp", "GetComData",  "REGComData"};
+const Words replied(members.begin(), members.begin() + 7);  // those that a reply can go wrong for
+const Words hung(members.begin(), members.begin() + 8);
+
+// What the host's members reply with, and the text where it is one.
+const Words replies = {"well",    "BUSY",        "ERROR",        "nothing",
+                       "a blank", "by an error", "by an object", "busy just now"};
+const std::optional<Text> replyTexts[] = {{}, u"BUSY", u"ERROR", u"", u" ", {}, {}, {}};
+constexpr std::size_t byAnError = 5, byAnObject = 6, busyJustNow = 7;
+
+// The login of an answer.
+const Words logins = {"current login", "login given up", "nobody's login"};
+constexpr std::size_t currentLogin = 0, goodAnswer = 0;
 
 // An object of another process: hands its calls on.
 class Remote : public Object {
@@ -42,6 +58,11 @@ Text Digits(int number, std::size_t width) {
     const std::string digits = std::to_string(number);
     return FromUtf8(std::string(width - std::min(width, digits.size()), '0') + digits);
 }
+
+struct Month {
+    std::int16_t year, month;
+};
+constexpr Month months[] = {{2026, 12}, {2027, 1}, {1900, 5}, {2100, 5}, {1901, 2}, {2099, 12}};
 
 struct Ended {};
 struct Frame {
@@ -81,22 +102,16 @@ struct ShownTime {
 
 // Another process: the host, or the second client.
 struct Party {
-    using Called = std::function<Value(Party&, std::string_view, Arguments&)>;
-    explicit Party(const Called& called) {
-        const auto handler = [called, this](std::string_view member, Arguments& arguments) {
-            return called(*this, member, arguments);
-        };
-        object = std::make_shared<Remote>(handler);
-        exchange = std::make_shared<Remote>(handler);
-    }
     std::shared_ptr<headless::Peer> peer = std::make_shared<headless::Peer>();
-    std::shared_ptr<Remote> object, exchange;
+    ObjectRef object, exchange;
     std::vector<ObjectRef> layers;
 };
 
 class World {
   public:
     const std::string& Log() const { return log_; }
+
+    std::unique_ptr<Party> host, other;
 
     World() {
         computer_.services.End = [this] {
@@ -113,26 +128,30 @@ class World {
     }
 
     std::unique_ptr<Party> NewParty() {
-        return std::make_unique<Party>([this](Party& party, std::string_view member, Arguments& arguments) {
-            return Called(party, member, arguments);
-        });
+        auto party = std::make_unique<Party>();
+        const Remote::Handler handler = [this, &its = *party](std::string_view member, Arguments& arguments) {
+            return Called(its, member, arguments);
+        };
+        party->object = std::make_shared<Remote>(handler);
+        party->exchange = std::make_shared<Remote>(handler);
+        return party;
     }
 
     void Start() {
         main_ = std::make_unique<AddInMain>(computer_.services);
         life_ = std::make_unique<ServerLife>(computer_.automation, computer_.timers,
                                              [this] { computer_.services.End(); });
-        host_ = NewParty();
-        other_ = NewParty();
+        host = NewParty();
+        other = NewParty();
         main_->Main();
         main_->Retire = [this] { life_->Retire(); };
         life_->Serve(cOLELayer::className, [this] { return cOLELayer::Create(*main_); });
-        Create(*host_);
-        Register(*host_, exchanges[0]);
+        Create(*host);
+        Register(*host, u"Main");
         Show(true);
     }
 
-    void Run(const std::vector<Step>& steps) {
+    void Run(const Steps& steps) {
         steps_ = &steps;
         try {
             Start();
@@ -148,10 +167,8 @@ class World {
 
     bool TakeNext() {
         if (next_ == steps_->size()) return false;
-        const Step& step = (*steps_)[next_++];
-        std::ostringstream words;
-        words << step;
-        Note(words.str());
+        const std::string& step = (*steps_)[next_++];
+        Note(step);
         Take(step);
         computer_.timers.Pass(0);
         Look();
@@ -188,7 +205,7 @@ class World {
         Note("in the end");
         holds_.clear();
         replies_.clear();
-        for (const auto& party : {host_.get(), other_.get()}) party->peer->SetStuck(false);
+        for (const auto& party : {host.get(), other.get()}) party->peer->SetStuck(false);
         databases_.FailAt(0, DataError::DiskError);
         computer_.automation.Deliver();
         for (int i = 0; i < 4; ++i) Pass(100);
@@ -197,41 +214,38 @@ class World {
             Pass(20000);
             Require(computer_.waits.IsOpen(), "a wait has no way out");
             computer_.waits.Answer(false);
-            if (isAnswered) Deliver(AnswerKind::Read, LoginKind::Current);
+            if (isAnswered) Deliver(goodAnswer, currentLogin);
         }
         for (int i = 0; i < 4; ++i) Pass(100);
         Look();
         judge_.CheckEnd();
         LookUpOnce();
-        while (!other_->layers.empty()) Release(*other_, 0);
-        while (!host_->layers.empty()) Release(*host_, 0);
+        while (!other->layers.empty()) Release(*other, 0);
+        while (!host->layers.empty()) Release(*host, 0);
         throw Broken("the process lives although nobody holds an object");
     }
 
     void LookUpOnce() {
         headless::Window* window = Operable();
-        if (!window || !host_->peer->IsAlive() || judge_.Host() != host_.get() ||
-            !Dialog().Controls().cmdButton[2]->Enabled)
+        if (!window || !host->peer->IsAlive() || judge_.Host() != host.get() ||
+            !Controls().cmdButton[2]->Enabled)
             return;
         Note("a last lookup");
-        Take({Act::Click, 2});
+        Take("click 2");
         Pass(100);
         Require(judge_.IsWaiting(), "the last request is not sent");
-        Deliver(AnswerKind::Read, LoginKind::Current);
+        Deliver(goodAnswer, currentLogin);
         Pass(100);
         judge_.CheckEnd();
     }
 
-    void Take(const Step& step) {
-        if (step.act <= Act::KeepWaiting)
-            Operate(step);
-        else if (step.act <= Act::Wake)
-            ActAsHost(step);
-        else
-            ChangeMachine(step);
-    }
+    void Take(const std::string& step);
+    bool Always() const { return true; }
 
     // --- the operator -------------------------------------------------------------------------------------
+
+    bool HasWindow() const { return Window() != nullptr; }
+    bool CanBeSet() const { return Window() && !computer_.automation.IsCallOut(); }
 
     // The window where it takes input now, or as soon as the call that is out is over.
     headless::Window* Operable() const {
@@ -240,159 +254,124 @@ class World {
         return takes ? Window() : nullptr;
     }
 
-    void Operate(const Step& step) {
-        const auto n = static_cast<std::size_t>(step.n);
-        if (step.act == Act::CloseBox) return CloseFrame(true);
-        if (step.act == Act::GiveUp || step.act == Act::KeepWaiting) {
-            if (!computer_.waits.IsOpen() || !judge_.KnowsWhatIsGivenUp()) return;
-            computer_.waits.Answer(step.act == Act::GiveUp);
-            if (step.act == Act::KeepWaiting) return;
-            Note("  gives up");
-            return judge_.OperatorGaveUp();
-        }
-        if (!Window()) return;
-        headless::Window& window = *Window();
-        const bool takes = Operable() != nullptr, waits = computer_.automation.IsCallOut();
-        const DialogControls& controls = Dialog().Controls();
-        switch (step.act) {
-            case Act::Click:
-                if (takes && controls.cmdButton[n]->Enabled) judge_.Pressed(step.n, waits);
-                return window.Click(*controls.cmdButton[n]);
-            case Act::Close:
-                if (takes) judge_.UnloadComes();
-                return window.Close();
-            case Act::PressF1:
-                if (takes) judge_.HelpComes();
-                return window.Key(112);
-            default:
-                if (!waits) ChangeClock(step, takes);
-        }
+    void Decide(bool givesUp) {
+        if (!computer_.waits.IsOpen() || !judge_.KnowsWhatIsGivenUp()) return;
+        computer_.waits.Answer(givesUp);
+        if (!givesUp) return;
+        Note("  gives up");
+        judge_.OperatorGaveUp();
     }
 
-    // What the operator sets, against what it must come to.
-    void ChangeClock(const Step& step, bool takes) {
-        headless::Window& window = *Window();
-        const DialogControls& controls = Dialog().Controls();
-        const bool tracksTime = controls.chkTrack->Value() == 1,
-                   tracksDate = controls.chkTrackDate->Value() == 1;
+    void Click(std::size_t index) {
+        forms::CommandButton& button = *Controls().cmdButton[index];
+        if (Operable() && button.Enabled) judge_.Pressed(int(index), computer_.automation.IsCallOut());
+        Window()->Click(button);
+    }
+
+    void Close() {
+        if (Operable()) judge_.Comes("UnloadChild");
+        Window()->Close();
+    }
+
+    void PressF1() {
+        if (Operable()) judge_.Comes("DisplayHelp");
+        Window()->Key(112);
+    }
+
+    bool TracksTime() const { return Controls().chkTrack->Value() == 1; }
+    bool TracksDate() const { return Controls().chkTrackDate->Value() == 1; }
+
+    // What the operator does, against what the dialog must show where it takes it.
+    template <class Act>
+    void Change(const ShownTime& expected, Act act) {
+        const ShownTime shown = Operable() ? expected : Shown();
         const std::size_t taken = next_;
-        const ShownTime before = Shown();
-        ShownTime expected = before;
-        switch (step.act) {
-            case Act::Toggle: {
-                forms::CheckBox& box = step.n == 0 ? *controls.chkTrack : *controls.chkTrackDate;
-                if (takes && step.n == 1 && !tracksDate) expected.date = Today(0);
-                const auto value = box.Value();
-                lastChange_ = computer_.timers.Now();
-                window.Toggle(box);
-                Require(!takes || box.Value() != value, "a tick box keeps its tick");
-                break;
-            }
-            case Act::Enter:
-                window.Enter(*controls.txtTime[static_cast<std::size_t>(step.n)]);
-                if (takes) section_ = tracksTime ? -1 : step.n;
-                break;
-            case Act::StepTime:
-                if (takes && !tracksTime && section_ >= 0) expected.Step(section_, step.n == 0);
-                window.Step(*controls.updTime, step.n == 0);
-                break;
-            case Act::ChooseDay:
-                if (takes && !tracksDate) expected.date[2] = step.n + 1;
-                window.Choose(*controls.Calendar, {before.date[0], before.date[1], step.n + 1});
-                break;
-            case Act::TurnTo: {
-                const Month& month = months[step.n];
-                const bool isOut = month.year == 1900 || month.year == 2100;
-                const bool isThere = before.date[0] == month.year && before.date[1] == month.month;
-                if (takes && !tracksDate && !isThere) {
-                    expected.date = {std::clamp<int>(month.year, 1901, 2099), month.month, 0};
-                    if (isOut) judge_.YearIsOut();
-                }
-                window.Turn(*controls.Calendar, month.year, month.month);
-                break;
-            }
-            default:
-                AskForTopic(takes);
-        }
+        act(*Window());
         if (next_ != taken) return;  // more has happened meanwhile
-        Require(Shown() == expected, "the dialog shows " + Shown().Words() + ", not " + expected.Words());
+        Require(Shown() == shown, "the dialog shows " + Shown().Words() + ", not " + shown.Words());
     }
 
-    void AskForTopic(bool takes) {
+    void Toggle(bool isDate) {
+        forms::CheckBox& box = isDate ? *Controls().chkTrackDate : *Controls().chkTrack;
+        const bool takes = Operable() != nullptr;
+        const auto value = box.Value();
+        ShownTime expected = Shown();
+        if (isDate && !TracksDate()) expected.date = At(0).date;
+        lastChange_ = computer_.timers.Now();
+        Change(expected, [&](headless::Window& window) { window.Toggle(box); });
+        Require(!takes || box.Value() != value, "a tick box keeps its tick");
+    }
+
+    void Enter(std::size_t section) {
+        if (Operable()) section_ = TracksTime() ? -1 : int(section);
+        Change(Shown(), [&](headless::Window& window) { window.Enter(*Controls().txtTime[section]); });
+    }
+
+    void StepTime(bool up) {
+        ShownTime expected = Shown();
+        if (!TracksTime() && section_ >= 0) expected.Step(section_, up);
+        Change(expected, [&](headless::Window& window) { window.Step(*Controls().updTime, up); });
+    }
+
+    void ChooseDay(int day) {
+        ShownTime expected = Shown();
+        const DateParts chosen{expected.date[0], expected.date[1], day};
+        if (!TracksDate()) expected.date[2] = day;
+        Change(expected, [&](headless::Window& window) { window.Choose(*Controls().Calendar, chosen); });
+    }
+
+    void TurnTo(const Month& to) {
+        ShownTime expected = Shown();
+        const bool isThere = expected.date[0] == to.year && expected.date[1] == to.month;
+        const std::size_t taken = next_;
+        if (!TracksDate() && !isThere) {
+            expected.date = {std::clamp<int>(to.year, 1901, 2099), to.month, 0};
+            if (Operable() && expected.date[0] != to.year) judge_.YearIsOut();
+        }
+        Change(expected,
+               [&](headless::Window& window) { window.Turn(*Controls().Calendar, to.year, to.month); });
+        const bool isWithoutDay = next_ == taken && Operable() && Shown().date[2] == 0 && !isThere;
+        Require(!isWithoutDay || !Controls().cmdButton[1]->Enabled, "an update is offered without a day");
+    }
+
+    void AskForTopic() {
         headless::Window& window = *Window();
-        const DialogControls& controls = Dialog().Controls();
-        window.RightClick(*controls.chkTrackDate);
+        forms::CheckBox& box = *Controls().chkTrackDate;
+        const bool takes = Operable() != nullptr;
+        window.RightClick(box);
         if (!takes) return;
-        Require(window.popped == controls.mnuWhatsThis, "no menu is offered");
+        Require(window.popped == Controls().mnuWhatsThis, "no menu is offered");
         window.ChooseFromMenu(0);
-        Require(window.topic == controls.chkTrackDate->WhatsThisHelpID, "no topic is shown");
+        Require(window.topic == box.WhatsThisHelpID, "no topic is shown");
     }
 
     // --- the host and the second client -------------------------------------------------------------------
 
-    void ActAsHost(const Step& step) {
-        const auto n = static_cast<std::size_t>(step.n);
-        switch (step.act) {
-            case Act::Hold:
-            case Act::Hang:
-            case Act::AnswerEarly:
-                return holds_.push_back({members[n], step.act});
-            case Act::GoOn:
-                return CloseFrame(false);
-            case Act::Reply:
-                return replies_.push_back({members[n / replies], static_cast<model::Reply>(n % replies)});
-            case Act::GetStuck:
-                return host_->peer->SetStuck(true);
-            case Act::Wake:
-                return WakeHost();
-            case Act::CreateOther:
-                return Create(*other_);
-            case Act::RegisterOther:
-                return Register(*other_, u"Other");
-            case Act::ReleaseOther:
-                return other_->layers.empty() ? void() : Release(*other_, 0);
-            case Act::Create:
-                return CreateForHost();
-            default:
-                if (!host_->layers.empty()) UseLayer(step);
-        }
-    }
+    bool HasLayer() const { return !host->layers.empty(); }
+    bool OtherHasLayer() const { return !other->layers.empty(); }
 
     // A new host comes once all calls to the dead one are over.
     void CreateForHost() {
-        if (!host_->peer->IsAlive()) {
+        if (!host->peer->IsAlive()) {
             if (computer_.automation.IsCallOut()) return;
-            Replace(host_);
+            former_.push_back(std::exchange(host, NewParty()));
         }
-        Create(*host_);
+        Create(*host);
     }
 
     void WakeHost() {
-        host_->peer->SetStuck(false);
+        host->peer->SetStuck(false);
         computer_.automation.Deliver();
     }
 
-    void UseLayer(const Step& step) {
-        switch (step.act) {
-            case Act::CallBack:
-                return Deliver(AnswerOf(step.n), LoginOf(step.n));
-            case Act::Register:
-                return Register(*host_, exchanges[step.n]);
-            case Act::Show:
-                return Show(step.n == 1);
-            case Act::SetBackGround:
-                // The texts are closed with the window, and the names of its pictures with them.
-                if (computer_.automation.served.empty()) judge_.NoteFailures(1);
-                Call(host_->layers[0], "SetBackGround", static_cast<std::int16_t>(step.n));
-                return;
-            case Act::TurnFlow:
-                if (client_.lock() && !IsDead(judge_.Host())) Call(client_.lock(), "TurnFlow", step.n == 1);
-                return;
-            case Act::Release:
-                return Release(*host_, step.n == 0 ? 0 : host_->layers.size() - 1);
-            default:
-                return Die(step.n == 1);
-        }
+    void SetBackGround(std::size_t number) {
+        // The texts are closed with the window, and the names of its pictures with them.
+        if (computer_.automation.served.empty()) judge_.NoteFailures(1);
+        Call(host->layers[0], "SetBackGround", static_cast<std::int16_t>(number));
+    }
+
+    void TurnFlow(bool on) {
+        if (client_.lock() && !IsDead(judge_.Host())) Call(client_.lock(), "TurnFlow", on);
     }
 
     // A process that is ending grants nothing, whenever it was asked.
@@ -415,13 +394,13 @@ class World {
         party.layers.erase(party.layers.begin() + static_cast<std::ptrdiff_t>(index));
         const bool isLast = isLeaving_ = --count_ <= 0;
         if (isLast) judge_.Unloaded();
-        if (isLast && !IsDead(judge_.Host())) judge_.PlaceIsAskedFor();
+        if (isLast && !IsDead(judge_.Host())) judge_.Comes("ComData");
         computer_.automation.Release(layer);
         Require(!isLast, "the process lives although nobody holds an object");
     }
 
     void Register(Party& party, const Text& name) {
-        if (!judge_.Host()) judge_.PlaceIsAskedFor();
+        if (!judge_.Host()) judge_.Comes("ComData");
         const ObjectRef far = computer_.automation.Far(party.object, party.peer);
         judge_.Registered(&party, name);
         const Value failed = Call(party.layers[0], "RegisterPBX", name, far, childId);
@@ -431,11 +410,11 @@ class World {
     void Show(bool visible) {
         isShown_ = visible;
         const bool isLoaded = Dialog().Window().IsLoaded();
-        if (!isLoaded && visible && !IsDead(judge_.Host())) judge_.UnloadComes();
+        if (!isLoaded && visible && !IsDead(judge_.Host())) judge_.Comes("UnloadChild");
         // A dialog that is loaded again counts its objects anew.
         if (!isLoaded && visible) count_ = 0;
         try {
-            Put(host_->layers[0], "Visible", visible);
+            Put(host->layers[0], "Visible", visible);
             Require(isLoaded || !visible, "a window is shown that was closed");
         } catch (const RuntimeError& error) {
             Require(!isLoaded && error.Number() == 364, error.what());
@@ -443,39 +422,35 @@ class World {
     }
 
     void Die(bool isKept) {
-        if (isKept && other_->layers.empty()) Create(*other_);
-        judge_.HostDied(host_.get());
-        host_->peer->Die();
-        while (!host_->layers.empty()) Release(*host_, 0);
+        if (isKept && other->layers.empty()) Create(*other);
+        judge_.HostDied(host.get());
+        host->peer->Die();
+        while (!host->layers.empty()) Release(*host, 0);
     }
 
-    void Replace(std::unique_ptr<Party>& party) {
-        former_.push_back(std::move(party));
-        party = NewParty();
-    }
-
-    bool IsDead(const void* host) const {
+    bool IsDead(const void* party) const {
         return std::any_of(former_.begin(), former_.end(),
-                           [&](const auto& each) { return each.get() == host; }) ||
-               (host == host_.get() && !host_->peer->IsAlive());
+                           [&](const auto& each) { return each.get() == party; }) ||
+               (party == host.get() && !host->peer->IsAlive());
     }
 
-    void Deliver(AnswerKind kind, LoginKind login) {
+    void Deliver(std::size_t kind, std::size_t login) {
         // What it has answered before arrives before.
-        if (host_->peer->IsStuck()) return;
+        if (host->peer->IsStuck()) return;
         computer_.automation.Deliver();
         const ObjectRef client = client_.lock();
         const Text keys[] = {judge_.CurrentLogin(), judge_.LastGivenUp(), u"nobody"};
-        const Text& key = keys[static_cast<std::size_t>(login)];
+        const Text& key = keys[login];
         if (!client || key.empty()) return;
-        const auto answer = kind == AnswerKind::Nothing ? nullptr : std::make_shared<Answer>(kind, key);
+        const AnswerKind& its = AnswerKinds()[kind];
+        const auto answer = &its == &AnswerKinds().back() ? nullptr : std::make_shared<Answer>(its, key);
         if (answer)
             answer->beforeRead = [this, &read = *answer](std::string_view member) {
                 ReadBegins(read, member);
             };
         judge_.AnswerBegins(answer);
         {
-            Arguments arguments{computer_.automation.Far(answer, host_->peer)};
+            Arguments arguments{computer_.automation.Far(answer, host->peer)};
             client->Invoke("CallBack", InvokeKind::Method, arguments);
             Require(!arguments[0].ToObject(), "the host's variable is not emptied");
         }
@@ -502,8 +477,8 @@ class World {
             refused_.pop_back();
         else
             Arrive(party, member, arguments, isPosted);
-        const model::Reply reply = TakeReply(member);
-        if (reply == model::Reply::RefusedAsBusy && !isPosted) {
+        const std::size_t reply = TakeNextOf(replies_, member);
+        if (reply == busyJustNow && !isPosted) {
             refused_.push_back({computer_.automation.CallDepth(), &party});
             throw BusyError();
         }
@@ -525,83 +500,72 @@ class World {
     // A call that was refused as busy is tried again, unless it has become pointless meanwhile.
     void WaitForRetry(int milliseconds) {
         Pass(milliseconds);
-        const bool isGivenUp = computer_.automation.IsCallGivenUp();
-        if (!isGivenUp && refused_.back().party->peer->IsAlive()) return;
+        if (!computer_.automation.IsCallGivenUp() && refused_.back().party->peer->IsAlive()) return;
         refused_.pop_back();
-        judge_.CallEnds(isGivenUp ? Judge::End::GivenUp : Judge::End::Failed, u"");
+        CallEnds(false);
     }
 
-    Value Answered(Party& party, std::string_view member, const Arguments& arguments, model::Reply reply) {
-        Value result;
-        bool fails = !party.peer->IsAlive();
+    Value Answered(Party& party, std::string_view member, const Arguments& arguments, std::size_t reply) {
         try {
-            result = ResultOf(party, member, arguments, reply);
-            const bool isText = member == "Login" || member == "SendRequest";
-            fails = fails || (member == "oPBX" && !result.IsObject()) || (isText && result.IsObject());
+            const Value result = ResultOf(party, member, arguments, reply);
+            const bool isWanted = result.IsObject() == (member == "oPBX");
+            CallEnds(party.peer->IsAlive() && isWanted, result.IsObject() ? Text() : result.ToTextOrEmpty());
+            return result;
         } catch (const RuntimeError&) {
-            judge_.CallEnds(computer_.automation.IsCallGivenUp() ? Judge::End::GivenUp : Judge::End::Failed,
-                            u"");
+            CallEnds(false);
             throw;
         }
-        const auto end = computer_.automation.IsCallGivenUp() ? Judge::End::GivenUp
-                         : fails                              ? Judge::End::Failed
-                                                              : Judge::End::Answered;
-        judge_.CallEnds(end, result.IsObject() ? Text() : result.ToTextOrEmpty());
-        return result;
     }
 
-    Value ResultOf(Party& party, std::string_view member, const Arguments& arguments, model::Reply reply) {
-        using enum model::Reply;
+    void CallEnds(bool isAnswered, const Text& result = {}) {
+        const bool isGivenUp = computer_.automation.IsCallGivenUp();
+        judge_.CallEnds(isGivenUp ? End::GivenUp : isAnswered ? End::Answered : End::Failed, result);
+    }
+
+    Value ResultOf(Party& party, std::string_view member, const Arguments& arguments, std::size_t reply) {
         if (member == "Login") client_ = arguments.at(1).ToObject();
-        if (reply == Raises) throw RuntimeError(1004, u"a fault of the host");
+        if (reply == byAnError) throw RuntimeError(1004, u"a fault of the host");
         const bool isAsked = member == "oPBX" || member == "Login" || member == "SendRequest";
-        if (isAsked && reply == Busy) return u"BUSY";
-        if (isAsked && reply == Error) return u"ERROR";
-        if (isAsked && reply == Empty) return u"";
-        if (isAsked && reply == Blank) return u" ";
-        if (isAsked && reply == model::Reply::Object && member != "oPBX") return ObjectRef(party.object);
-        if (member == "oPBX")
-            return reply == model::Reply::Object ? Value(5.0) : Value(ObjectRef(party.exchange));
+        if (isAsked && replyTexts[reply]) return *replyTexts[reply];
+        if (member == "oPBX") return reply == byAnObject ? Value(5.0) : Value(party.exchange);
+        if (isAsked && reply == byAnObject) return party.object;
         if (member == "SendRequest") record_ = arguments.at(0).ToObject();
         if (member != "Login") return member == "SendRequest" ? Value(u"taken") : Value();
         return u"L" + DecimalText(++lastLogin_);
     }
 
-    void MayHold(std::string_view member) {
-        const auto hold = std::find_if(holds_.begin(), holds_.end(),
-                                       [&](const auto& each) { return each.first == member; });
-        if (hold == holds_.end()) return;
-        const Act act = hold->second;
-        holds_.erase(hold);
-        if (act == Act::AnswerEarly) return Deliver(AnswerKind::Read, LoginKind::Current);
-        if (act == Act::Hold) return StayInside(false);
+    // The next call of a member stays out, or does so until the operator gives up, or is answered only after
+    // `CallBack` to its request.
+    using Holding = void (World::*)();
+    void Hold(std::size_t member, Holding how) { holds_.push_back({members[member], how}); }
+    void ReplyTo(std::size_t member, std::size_t reply) { replies_.push_back({members[member], reply}); }
+    void StayOut() { StayInside(false); }
+    void Hang() {
         Pass(20000);
-        Operate({Act::GiveUp});
+        Decide(true);
+    }
+    void AnswerEarly() { Deliver(goodAnswer, currentLogin); }
+
+    void MayHold(std::string_view member) {
+        if (const auto hold = TakeNextOf(holds_, member)) (this->*hold)();
     }
 
-    model::Reply TakeReply(std::string_view member) {
-        const auto reply = std::find_if(replies_.begin(), replies_.end(),
-                                        [&](const auto& each) { return each.first == member; });
-        if (reply == replies_.end()) return model::Reply::Good;
-        const model::Reply taken = reply->second;
-        replies_.erase(reply);
+    template <class What>
+    static What TakeNextOf(std::vector<std::pair<std::string, What>>& all, std::string_view member) {
+        const auto next =
+            std::find_if(all.begin(), all.end(), [&](const auto& each) { return each.first == member; });
+        if (next == all.end()) return {};
+        const What taken = next->second;
+        all.erase(next);
         return taken;
     }
 
     // --- time, and the machine ----------------------------------------------------------------------------
 
-    void ChangeMachine(const Step& step) {
-        switch (step.act) {
-            case Act::Pass:
-                return Pass(spans[step.n]);
-            case Act::SetClock: {
-                lastChange_ = computer_.timers.Now();
-                const Moment& m = moments[step.n];
-                return computer_.clock.Set({m.year, m.month, m.day, m.hour, m.minute, m.second});
-            }
-            default:
-                return databases_.FailAt(step.n + 1, DataError::DiskError);
-        }
+    void FailDatabase(int call) { databases_.FailAt(call, DataError::DiskError); }
+    void SetClock(const DateParts& now) {
+        lastChange_ = computer_.timers.Now();
+        computer_.clock.Set(now);
     }
 
     void Pass(int milliseconds) {
@@ -613,13 +577,11 @@ class World {
 
     // The display is at most a second behind the PC's clock.
     void CheckTracking() {
-        const DialogControls& controls = Dialog().Controls();
-        const ShownTime shown = Shown();
-        if (controls.chkTrackDate->Value() == 1)
-            Require(shown.date == Today(0) || shown.date == Today(1), "the date shown is " + shown.Words());
-        if (controls.chkTrack->Value() == 1)
-            Require(shown.time == TimeOfDay(0) || shown.time == TimeOfDay(1),
-                    "the time shown is " + shown.Words());
+        const ShownTime shown = Shown(), now = At(0), before = At(1);
+        Require(!TracksDate() || shown.date == now.date || shown.date == before.date,
+                "the date shown is " + shown.Words());
+        Require(!TracksTime() || shown.time == now.time || shown.time == before.time,
+                "the time shown is " + shown.Words());
     }
 
     // --- what is seen -------------------------------------------------------------------------------------
@@ -638,14 +600,14 @@ class World {
         Require(!isServed || !isOver, "a dialog is served that is closed for good");
         Require(computer_.automation.clients > 0 || isLeaving_, "nobody holds an object");
         if (!frames_.empty() || computer_.automation.IsCallOut()) return;
-        judge_.CheckRest(Dialog().Controls().tmrEvent->Enabled, Shown().date[2] != 0, form.Visible());
+        judge_.CheckRest(Controls().tmrEvent->Enabled, Shown().date[2] != 0, form.Visible());
         Require(isServed || isOver, "the dialog is not served");
         if (form.IsLoaded()) CheckButtons();
         Require(record_.expired(), "a record is still referred to");
     }
 
     void CheckButtons() {
-        const auto& buttons = Dialog().Controls().cmdButton;
+        const auto& buttons = Controls().cmdButton;
         const bool hasName = !judge_.Name().empty();
         Require(buttons[0]->Enabled && buttons[2]->Enabled == hasName, "the buttons to hide and to look up");
         const bool canUpdate = hasName && Shown().date[2] != 0;
@@ -653,42 +615,38 @@ class World {
     }
 
     ShownTime Shown() {
-        const DialogControls& controls = Dialog().Controls();
-        ShownTime shown{{controls.Calendar->Year(), controls.Calendar->Month(), controls.Calendar->Day()},
-                        {}};
-        for (std::size_t i = 0; i < 4; ++i) shown.time[i] = controls.txtTime[i]->Text;
+        const forms::Calendar& calendar = *Controls().Calendar;
+        ShownTime shown{{calendar.Year(), calendar.Month(), calendar.Day()}, {}};
+        for (std::size_t i = 0; i < 4; ++i) shown.time[i] = Controls().txtTime[i]->Text;
         return shown;
     }
 
-    std::array<int, 3> Today(int secondsAgo) const {
+    // What the PC's clock shows.
+    ShownTime At(int secondsAgo) const {
         const DateParts parts = PartsOf({computer_.clock.Now().days - secondsAgo / 86400.0});
-        return {parts.year, parts.month, parts.day};
-    }
-
-    std::array<Text, 4> TimeOfDay(int secondsAgo) const {
-        const DateParts parts = PartsOf({computer_.clock.Now().days - secondsAgo / 86400.0});
-        return {Digits((parts.hour + 11) % 12 + 1, 2), Digits(parts.minute, 2), Digits(parts.second, 2),
-                parts.hour < 12 ? u"AM" : u"PM"};
+        return {{parts.year, parts.month, parts.day},
+                {Digits((parts.hour + 11) % 12 + 1, 2), Digits(parts.minute, 2), Digits(parts.second, 2),
+                 parts.hour < 12 ? u"AM" : u"PM"}};
     }
 
   private:
     headless::Window* Window() const { return computer_.toolkit.Open(); }
     dlgAddin& Dialog() const { return main_->Dialog(); }
+    const DialogControls& Controls() const { return Dialog().Controls(); }
 
     desk::Desk computer_;
     harness::MemoryDatabases& databases_ = computer_.databases;
     std::unique_ptr<AddInMain> main_;
     std::unique_ptr<ServerLife> life_;
-    std::unique_ptr<Party> host_, other_;
     std::vector<std::unique_ptr<Party>> former_;  // hosts that have died
     std::weak_ptr<Object> client_;                // the dialog, as the host was given it
     Judge judge_;
 
-    const std::vector<Step>* steps_ = nullptr;
+    const Steps* steps_ = nullptr;
     std::size_t next_ = 0;
     std::list<Frame> frames_;
-    std::vector<std::pair<std::string, Act>> holds_;
-    std::vector<std::pair<std::string, model::Reply>> replies_;
+    std::vector<std::pair<std::string, Holding>> holds_;
+    std::vector<std::pair<std::string, std::size_t>> replies_;
     struct Refused {
         std::size_t depth;
         Party* party;
@@ -701,9 +659,115 @@ class World {
     std::string log_;
 };
 
+// What can happen, with its values and how often each of them comes.
+struct Kind {
+    const char* name;
+    Words values;
+    std::size_t weight;
+    bool (World::*can)() const;
+    void (*happens)(World& world, std::size_t value);
+};
+constexpr auto always = &World::Always, onWindow = &World::HasWindow, atRest = &World::CanBeSet,
+               byHost = &World::HasLayer, byOther = &World::OtherHasLayer;
+const Words once = {""};
+
+Words Numbers(int count) {
+    Words all;
+    for (int i = 0; i < count; ++i) all.push_back(std::to_string(i));
+    return all;
+}
+
+Words Pairs(const Words& left, const std::string& between, const Words& right) {
+    Words all;
+    for (const std::string& one : left)
+        for (const std::string& other : right) all.push_back(one + between + other);
+    return all;
+}
+
+Words Answers() {
+    Words names;
+    for (const AnswerKind& kind : AnswerKinds()) names.push_back(kind.name);
+    return Pairs(names, ", ", logins);
+}
+
+constexpr DateParts moments[] = {
+    {2026, 11, 18, 23, 59, 59}, {2028, 2, 28, 23, 59, 59}, {2026, 1, 1, 0, 0, 0}, {2027, 3, 28, 11, 59, 59}};
+constexpr const char16_t* exchanges[] = {u"Main", u"Second", u""};
+constexpr int spans[] = {50, 100, 1000, 20000};
+
+const Kind kinds[] = {
+    // The operator.
+    {"click", Numbers(3), 10, onWindow, [](World& w, auto n) { w.Click(n); }},
+    {"close the window", once, 3, onWindow, [](World& w, auto) { w.Close(); }},
+    {"press F1", once, 3, onWindow, [](World& w, auto) { w.PressF1(); }},
+    {"toggle", Numbers(2), 4, atRest, [](World& w, auto n) { w.Toggle(n == 1); }},
+    {"enter section", Numbers(4), 2, atRest, [](World& w, auto n) { w.Enter(n); }},
+    {"step", {"up", "down"}, 3, atRest, [](World& w, auto n) { w.StepTime(n == 0); }},
+    {"choose day", Numbers(28), 1, atRest, [](World& w, auto n) { w.ChooseDay(int(n) + 1); }},
+    {"turn to month", Numbers(6), 1, atRest, [](World& w, auto n) { w.TurnTo(months[n]); }},
+    {"ask for the topic", once, 2, atRest, [](World& w, auto) { w.AskForTopic(); }},
+    {"close the box", once, 25, always, [](World& w, auto) { w.CloseFrame(true); }},
+    {"give up", once, 15, always, [](World& w, auto) { w.Decide(true); }},
+    {"keep waiting", once, 3, always, [](World& w, auto) { w.Decide(false); }},
+    // The host.
+    {"hold", members, 3, always, [](World& w, auto n) { w.Hold(n, &World::StayOut); }},
+    {"hang in", hung, 6, always, [](World& w, auto n) { w.Hold(n, &World::Hang); }},
+    {"answer inside", replied, 2, always, [](World& w, auto n) { w.Hold(n, &World::AnswerEarly); }},
+    {"go on", once, 30, always, [](World& w, auto) { w.CloseFrame(false); }},
+    {"reply to", Pairs(replied, " ", replies), 1, always, [](World& w, auto n) { w.ReplyTo(n / 8, n % 8); }},
+    {"call back", Answers(), 2, byHost, [](World& w, auto n) { w.Deliver(n / 3, n % 3); }},
+    {"register", Numbers(3), 2, byHost, [](World& w, auto n) { w.Register(*w.host, exchanges[n]); }},
+    {"show", Numbers(2), 3, byHost, [](World& w, auto n) { w.Show(n == 1); }},
+    {"set background", Numbers(4), 1, byHost, [](World& w, auto n) { w.SetBackGround(n); }},
+    {"turn flow", Numbers(2), 1, byHost, [](World& w, auto n) { w.TurnFlow(n == 1); }},
+    {"create", once, 3, always, [](World& w, auto) { w.CreateForHost(); }},
+    {"create for another", once, 6, always, [](World& w, auto) { w.Create(*w.other); }},
+    {"register by another", once, 0, byOther, [](World& w, auto) { w.Register(*w.other, u"Other"); }},
+    {"release the oldest", once, 2, byHost, [](World& w, auto) { w.Release(*w.host, 0); }},
+    {"release the newest", once, 2, byHost,
+     [](World& w, auto) { w.Release(*w.host, w.host->layers.size() - 1); }},
+    {"release of another", once, 2, byOther, [](World& w, auto) { w.Release(*w.other, 0); }},
+    {"die", {"alone", "while another is there"}, 3, byHost, [](World& w, auto n) { w.Die(n == 1); }},
+    {"get stuck", once, 2, always, [](World& w, auto) { w.host->peer->SetStuck(true); }},
+    {"wake", once, 3, always, [](World& w, auto) { w.WakeHost(); }},
+    // Time, and the machine.
+    {"pass", {"50 ms", "100 ms", "1 s", "20 s"}, 20, always, [](World& w, auto n) { w.Pass(spans[n]); }},
+    {"set the clock", Numbers(4), 1, always, [](World& w, auto n) { w.SetClock(moments[n]); }},
+    {"fail the database", Numbers(6), 1, always, [](World& w, auto n) { w.FailDatabase(int(n) + 1); }},
+};
+
+std::string WordsOf(const Kind& kind, std::size_t value) {
+    return kind.name + (kind.values[value].empty() ? "" : " " + kind.values[value]);
+}
+
+void World::Take(const std::string& step) {
+    using Happening = std::pair<const Kind*, std::size_t>;
+    static const std::map<std::string, Happening> all = [] {
+        std::map<std::string, Happening> known;
+        for (const Kind& kind : kinds)
+            for (std::size_t i = 0; i < kind.values.size(); ++i) known[WordsOf(kind, i)] = {&kind, i};
+        return known;
+    }();
+    const auto [kind, value] = all.at(step);
+    if ((this->*kind->can)()) kind->happens(*this, value);
+}
+
 }  // namespace
 
-Outcome Play(const std::vector<Step>& steps) {
+const Steps& AllSteps() {
+    static const Steps all = [] {
+        Steps steps;
+        for (const Kind& kind : kinds)
+            for (std::size_t i = 0; i < kind.values.size(); ++i)
+                steps.insert(steps.end(), kind.weight, WordsOf(kind, i));
+        for (const char* answer : {"read", "set", "refused"})
+            steps.insert(steps.end(), 10, "call back " + std::string(answer) + ", current login");
+        return steps;
+    }();
+    return all;
+}
+
+Outcome Play(const Steps& steps) {
     World world;
     std::string trouble;
     try {

@@ -4,9 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "model/Step.h"
-
 namespace model {
+
+// What can happen from outside, in the words of the log.
+using Steps = std::vector<std::string>;
+// All that there is, those that lead far more often than the others.
+const Steps& AllSteps();
 
 struct Outcome {
     std::string trouble;  // what came otherwise than it must; empty where all held
@@ -16,6 +19,6 @@ struct Outcome {
 // Lets a host create the class, register its exchange and show the dialog, and takes the steps one after the
 // other. While a call or a box is held open, the steps that follow are taken inside it. In the end all that
 // is held goes on, the host answers, the clients let go.
-Outcome Play(const std::vector<Step>& steps);
+Outcome Play(const Steps& steps);
 
 }  // namespace model

@@ -62,23 +62,22 @@ std::string TextsOf(const QWidget& box) {
 TEST(MessageBoxTest, TextsAreShownAsTheyAreWritten) {
     surroundings.application.buttons = {u"ok",     u"&cancel", u"abort", u"retry",
                                         u"ignore", u"はい",    u"no",    u"help"};
-    const auto expect = [](const MessageBox& box, const char* texts) {
-        const auto read = [&](QWidget& shown) {
+    const Table<MessageBox, const char*> cases = {
+        {{u"<b>a</b>\rb & c\r\rd\r\ne", yesNoCancel + helpButton + critical, {}, {}, 0},
+         "Default title|<b>a</b>\nb & c\n\nd\ne|はい|no|&&cancel|help"},
+        {{u"p", okOnly, u"", {}, 0}, "|p|ok"}};
+    for (const auto& [box, texts] : cases) {
+        const auto read = [&texts = texts](QWidget& shown) {
             EXPECT_EQ(TextsOf(shown), texts);
             PressEscape(shown);
         };
         ShowBox(read, box);
-    };
-    expect({u"<b>a</b>\rb & c\r\rd\r\ne", yesNoCancel + helpButton + critical, {}, {}, 0},
-           "Default title|<b>a</b>\nb & c\n\nd\ne|はい|no|&&cancel|help");
-    expect({u"p", okOnly, u"", {}, 0}, "|p|ok");
+    }
     surroundings.application.buttons = {};
 }
 
 TEST(MessageBoxTest, LongTextsAreCutWhereNobodyReadsOnAndStayOnTheScreen) {
-    Text lines;
-    for (int i = 0; i < 300; ++i) lines += u"line\r";
-    const Text word(3000, u'x'), huge(5'000'000, u'x');
+    const Text lines(600, u'\r'), word(3000, u'x'), huge(5'000'000, u'x');
     const auto act = [](QWidget& box) {
         const QSize screen = QGuiApplication::primaryScreen()->availableSize();
         EXPECT_EQ(box.size(), box.size().boundedTo(screen));
@@ -90,9 +89,7 @@ TEST(MessageBoxTest, LongTextsAreCutWhereNobodyReadsOnAndStayOnTheScreen) {
     for (const Text& text : {lines, word, lines + word, huge}) ShowBox(act, {text, 0, text, {}, 0});
 }
 
-using BoxOverFormTest = FormTest;
-
-TEST_F(BoxOverFormTest, BoxStandsOverTheFormAndOutlivesIt) {
+TEST_F(FormTest, ABoxLiesOverTheFormAndOutlivesIt) {
     const auto answer = AnswerOf(yesNo, [&](QWidget& box) {
         EXPECT_EQ(box.windowHandle()->transientParent(), Handle());
         TakeAway();

@@ -84,6 +84,7 @@ TEST_F(CalendarTest, SelectorsTurnByMouseAndKeyboardAndAreNoWayOutOfTheControl) 
                                                          {"Previous month", "2003-11-0"},
                                                          {"Next year", "2004-12-0"},
                                                          {"Previous year", "2002-12-0"}};
+    calendar.NewMonth = nullptr;
     calendar.LostFocus = Note("lost");
     for (const auto& [name, result] : cases) {
         Set(2003, 12, 8);
@@ -122,6 +123,8 @@ TEST_F(CalendarTest, WhatADayIsIsSeenAndTodayFollowsTheDate) {
     const QImage plain = Corner(today.day());
     moveTo("West12");
     EXPECT_TRUE(Until([&] { return Corner(today.day()) == mark; }));
+    Set(today.year() - 1, today.month(), 0);
+    EXPECT_EQ(Corner(today.day()), plain) << "the same day of another year";
     moveTo("UTC");
     Set(2003, 10, 0);
     Widget().setFocus();

@@ -12,9 +12,7 @@ namespace platform {
 namespace {
 
 // The window of a topic, where one is open, and what it says.
-QWidget* TopicWindow() {
-    return WindowCalled("HelpWindow");
-}
+const auto TopicWindow = [] { return WindowCalled("HelpWindow"); };
 std::string Topic() {
     const QWidget* window = TopicWindow();
     return window ? (window->accessibleName() + '|' + window->accessibleDescription()).toStdString() : "";
@@ -34,7 +32,6 @@ class HelpTest : public FormTest {
         menu.Items = {&blank, &item};
         item.Caption = u"What's This &\tF1";
         item.Click = Note("item");
-        form.KeyDown = [this](auto&&...) { Note("key")(); };
         track.WhatsThisHelpID = 3;
     }
     ~HelpTest() override { surroundings.application.helpFile.clear(); }

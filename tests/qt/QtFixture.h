@@ -86,12 +86,8 @@ inline std::int16_t ShowBox(std::function<void(QWidget& box)> act,
 inline void PressKey(const QWidget& window, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     QTest::keyClick(window.windowHandle(), key, modifiers);
 }
-inline void PressReturn(const QWidget& box) {
-    PressKey(box, Qt::Key_Return);
-}
-inline void PressEscape(const QWidget& box) {
-    PressKey(box, Qt::Key_Escape);
-}
+inline const auto PressReturn = [](const QWidget& box) { PressKey(box, Qt::Key_Return); };
+inline const auto PressEscape = [](const QWidget& box) { PressKey(box, Qt::Key_Escape); };
 
 // A window of the program that can be seen.
 inline QWidget* WindowCalled(const char* name) {
@@ -103,19 +99,30 @@ inline QWidget* WindowCalled(const char* name) {
 // A form that shows one control of each kind that takes input, and has the keyboard.
 class FormTest : public ::testing::Test {
   protected:
+    // A handler that notes its call.
+    auto Note(const char* what) {
+        return [this, what](auto&&...) { log.append(what).append(" "); };
+    }
     FormTest() {
         form.Move(1500, 1200);
-        form.Width = 6000;
-        form.Height = 4500;
+        form.Width = 6000, form.Height = 4500;
         button.Place(150, 150, 975, 375);
         minute.Place(1500, 150, 210, 195);
         track.Place(3000, 150, 195, 240);
         spin.Place(3750, 150, 225, 345);
         calendar.Place(150, 900, 3375, 2895);
         image.Place(3900, 900, 750, 750);
-        minute.Locked = true;
-        minute.Border = false;
-        minute.Text = u"00";
+        minute.Locked = true, minute.Border = false, minute.Text = u"00";
+        // A run-time error ends its event, and nothing else.
+        button.Click = [this] {
+            Note("click")();
+            throw RuntimeError(ErrorNumber::Overflow);
+        };
+        track.Click = Note("check");
+        spin.UpClick = Note("up");
+        spin.DownClick = Note("down");
+        calendar.NewMonth = Note("month");
+        form.KeyDown = Note("key");
         form.Unloaded = Note("unloaded");
     }
     void SetUp() override { Show(); }
@@ -126,19 +133,12 @@ class FormTest : public ::testing::Test {
         ASSERT_TRUE(Until([this] { return Window()->isActiveWindow(); }));
     }
     // Unloads the form, and lets its window go.
-    void TakeAway() {
-        form.Unload();
-        Settle();
-    }
+    void TakeAway() { form.Unload(), Settle(); }
 
     void EnableControls(bool enabled) {
         for (const auto& control : form.Controls()) control->Enabled = enabled;
     }
 
-    // A handler that notes its call.
-    std::function<void()> Note(const char* what) {
-        return [this, what] { log.append(what).append(" "); };
-    }
     // The log of a step.
     std::string After(const std::function<void()>& step) { return log.clear(), step(), log; }
 
