@@ -123,7 +123,8 @@ TEST(FaultsTest, ComeOutAsTheDocumentationSays) {
     const auto begin = page.find("|\n", page.find("## What comes of them") + 40);
     std::map<std::string, std::set<std::string>> statesOf;
     const std::regex row("\\| ([^|]+) \\| ([^|]+) \\| [^|]+ \\|\n"), comma(", ");
-    for (std::sregex_iterator each(page.begin() + begin, page.end(), row), end; each != end; ++each) {
+    for (std::sregex_iterator each(page.begin() + static_cast<std::ptrdiff_t>(begin), page.end(), row), end;
+         each != end; ++each) {
         const std::string in = (*each)[2];
         statesOf[(*each)[1]].insert(std::sregex_token_iterator(in.begin(), in.end(), comma, -1), {});
     }
