@@ -4,7 +4,9 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
+#include <ctime>
 #include <optional>
+#include <utility>
 
 #include "platform/qt/Look.h"
 
@@ -118,8 +120,11 @@ QString CalendarWidget::SpokenName() const {
 }
 
 // Moves the mark of today after midnight, a change of the clock or a sleep of the computer. Called whenever
-// the program has been awake anyway, so that no timer needs to wake it.
+// the program has been awake anyway, so that no timer needs to wake it. Looks at most once a second: finding
+// the date takes Qt about as long as a call to the host takes the add-in.
 void CalendarWidget::FollowToday() {
+    const std::time_t now = std::time(nullptr);
+    if (std::exchange(lastLook_, now) == now) return;
     if (Model() && Today() != shown_.today) Sync();
 }
 

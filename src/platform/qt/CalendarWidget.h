@@ -4,6 +4,7 @@
 #include <QDate>
 #include <QFontMetrics>
 #include <QLocale>
+#include <ctime>
 #include <optional>
 
 #include "platform/qt/CalendarSelectors.h"
@@ -97,6 +98,7 @@ class CalendarWidget : public QWidget, public TypedView<Calendar> {
     QLocale locale_ = QLocale::system();
     CalendarSelectors selectors_;
     QMetaObject::Connection beforeWaiting_;
+    std::time_t lastLook_ = 0;  // at the date
 };
 
 }  // namespace platform::forms
