@@ -17,7 +17,7 @@ using bench::Host;
 using Clock = Display::Clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-constexpr Milliseconds timerStep{100};
+constexpr Milliseconds timerSteps{2 * 100};          // the same in both programs
 constexpr std::int16_t buttonX = 47, buttonY = 269;  // in both dialogs
 
 // Serves the host until a condition of the display holds.
@@ -46,8 +46,9 @@ Milliseconds Pings(Host& host) {
 Milliseconds FloorsWay(Host& host, Display& display, xcb_window_t window) {
     const auto click = display.Click(window, buttonX, buttonY);
     const xcb_window_t box = NextWindow(host, display);
+    const Milliseconds way = display.PaintedAt(box) - click - timerSteps;
     Await(host, display, [&] { return !display.IsShown(box); });
-    return display.PaintedAt(box) - click - timerStep;
+    return way;
 }
 
 void MeasureLookup(Host& host, Display& display, xcb_window_t dialog, Milliseconds floorsWay) {
@@ -59,7 +60,8 @@ void MeasureLookup(Host& host, Display& display, xcb_window_t dialog, Millisecon
     host.AnswerRequest();
     const Milliseconds exchange = Clock::now() - called;
     const xcb_window_t box = NextWindow(host, display);
-    const Milliseconds way = display.PaintedAt(box) - click - 2 * timerStep;
+    const Milliseconds way = display.PaintedAt(box) - click - timerSteps;
+    Await(host, display, [&] { return display.HasFocus(box); });
     display.PressEnter();
     Await(host, display, [&] { return !display.IsShown(box); });
     const Milliseconds pings = Pings(host);

@@ -107,6 +107,11 @@ Display::Clock::time_point Display::Click(xcb_window_t window, std::int16_t x, s
     return now;
 }
 
+bool Display::HasFocus(xcb_window_t window) const {
+    const auto focus = Own(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    return focus && focus->focus == window;
+}
+
 void Display::PressEnter() {
     Send(XCB_KEY_PRESS, enterKey);
     Send(XCB_KEY_RELEASE, enterKey);

@@ -34,6 +34,8 @@ class Display {
         return windows_.contains(window) && windows_.at(window).isShown;
     }
 
+    bool HasFocus(xcb_window_t window) const;
+
     // Clicks a place inside a window, in pixels; returns the time between press and release.
     Clock::time_point Click(xcb_window_t window, std::int16_t x, std::int16_t y);
     // Presses and releases the Enter key.

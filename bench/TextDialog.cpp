@@ -1,4 +1,5 @@
-// The floor: a dialog that shows the time and has a button, which opens a box for a moment.
+// The floor: a dialog that shows the time and has a button, which opens a box for a moment
+// after two timer steps.
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
@@ -39,8 +40,8 @@ int main(int argc, char** argv) {
     timer.start(1000);
     QPushButton button("OK", &dialog);
     button.setGeometry(15, 257, 65, 25);
-    QObject::connect(&button, &QPushButton::clicked,
-                     [&] { QTimer::singleShot(step, Qt::PreciseTimer, &dialog, [&] { OpenBox(dialog); }); });
+    const auto wait = [&](auto then) { QTimer::singleShot(step, Qt::PreciseTimer, &dialog, then); };
+    QObject::connect(&button, &QPushButton::clicked, [&] { wait([&] { wait([&] { OpenBox(dialog); }); }); });
     dialog.show();
     return application.exec();
 }
