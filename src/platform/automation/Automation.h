@@ -1,4 +1,4 @@
-// Objects of one process, created and called by another.
+// Lets one process create and call objects of another.
 #pragma once
 
 #include <functional>
@@ -11,21 +11,21 @@ namespace platform {
 
 class Patience;
 
-// Raised by a member that can't take a call just now; the calling process tries it again.
+// Raised by a member that can't take a call just now; the calling process retries.
 class BusyError : public RuntimeError {
   public:
     BusyError() : RuntimeError(ErrorNumber::AutomationError, "the call can't be taken now") {}
 };
 
-// What a process does with the wait limits of an outgoing call. It is read when a limit starts or is reached.
+// The wait limits of outgoing calls, and the texts of their boxes. Read when a limit starts or is reached.
 struct WaitSettings {
-    std::int32_t busyTimeout = 10000;    // milliseconds that a busy callee is tried again
-    std::int32_t pendingTimeout = 5000;  // milliseconds that a call stays out before a box comes up
+    std::int32_t busyTimeout = 10000;    // milliseconds to retry a busy callee before asking
+    std::int32_t pendingTimeout = 5000;  // milliseconds to wait for an answer before asking
     Text busyTitle, busyText;
     Text pendingTitle, pendingText;
 };
 
-// A box that comes up while something is waited for. Dropping it closes it.
+// A box shown during a wait. Destroying it closes it.
 class WaitBox {
   public:
     virtual ~WaitBox() = default;
@@ -44,34 +44,35 @@ class Automation {
   public:
     virtual ~Automation() = default;
 
-    // A new object of a class by its name; the process that serves the class is started on demand.
-    // The creation may belong to a piece of work. Raises 429 where it fails for whatever reason.
+    // Creates an object of the named class; the bus starts the process that serves the class if needed. The
+    // call belongs to the operation of `patience`, if any. Raises 429 for any failure.
     virtual ObjectRef CreateObject(TextView className,
                                    const std::shared_ptr<Patience>& patience = nullptr) = 0;
 
-    // For a piece of work that is about to begin.
+    // A patience for an operation that is about to begin.
     virtual std::shared_ptr<Patience> NewPatience() = 0;
-    // The same object, for calls that belong to this work. An object of this process is returned as it is.
+    // The same object, for calls that belong to the operation of `patience`. An object of this process is
+    // returned unchanged.
     virtual ObjectRef Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) = 0;
 
-    // Calls a member without waiting for it. `answered`, where given, gets the result; a failure is passed
-    // over. A callee that is busy is tried again until the busy limit.
+    // Calls a member without waiting for it. `answered`, if set, gets the result; an error answer is ignored.
+    // A busy callee is retried until the busy limit.
     virtual void Post(const ObjectRef& object, std::string_view member, InvokeKind kind, Arguments arguments,
                       std::function<void(const Value&)> answered) = 0;
 
-    // Serves a class to other processes under its name. Raises 429 where the name is taken already.
+    // Serves a class to other processes under its name. Raises 429 if the name is taken.
     virtual void ServeClass(std::string_view className, std::function<ObjectRef()> create) = 0;
 
-    // Gives the names of the served classes back, so that whoever asks for one from now on starts another
-    // process. The bus hears of it before anything that is sent later. A creation under way is refused as
-    // busy.
+    // Releases the names of the served classes, so that the bus starts another process for later clients. The
+    // bus learns of this before it gets any later message. Creations under way are refused as busy.
     virtual void StopServing() = 0;
 
-    // For the moment before the end: stops serving, refuses as busy what was asked before and not taken yet,
-    // and sends out what has been answered or asked for.
+    // Called just before the process ends: releases the names, refuses as busy all calls that still
+    // arrive, and sends the answers and calls that are queued.
     virtual void Leave() = 0;
 
-    // Called after a client created an object, and after the last object that other processes held went.
+    // Calls `changed` with true once other processes hold objects of this one, and with false once they hold
+    // none any more.
     virtual void WhenInUse(std::function<void(bool inUse)> changed) = 0;
 };
 

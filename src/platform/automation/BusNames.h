@@ -1,4 +1,5 @@
-// Which names the session bus knows, for tools that look at an installation from outside.
+// Names on the session bus, for tools that inspect an installation. All members raise 462 without a session
+// bus, or if it doesn't answer.
 #pragma once
 
 #include <set>
@@ -10,15 +11,14 @@ class BusNames {
   public:
     virtual ~BusNames() = default;
 
-    // Names that a program owns now.
+    // Names that have an owner.
     virtual std::set<std::string> Running() = 0;
-    // Names that the bus starts a program for.
+    // Names for which the bus can start a program.
     virtual std::set<std::string> Startable() = 0;
     // The process that owns a name, or 0.
     virtual int ProcessOf(const std::string& name) = 0;
-    // Has the bus read its service files anew.
+    // Makes the bus reread its service files.
     virtual void Reload() = 0;
-    // All of them raise 462 where there is no session bus, or it doesn't answer.
 };
 
 }  // namespace platform

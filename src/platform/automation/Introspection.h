@@ -1,4 +1,4 @@
-// Introspection data out of member tables.
+// Makes introspection data from member tables.
 #pragma once
 
 #include <string>
@@ -18,7 +18,7 @@ std::string TypedInterfaceName(const ClassDescription& description);
 // property once, at its first slot; the GUIDs, the library's name and its version as annotations.
 std::string TypedInterfaceXml(const ClassDescription& description);
 
-// The late-bound interface and the factory's.
+// Introspection XML of the late-bound interface, and of the factory's.
 std::string ObjectInterfaceXml();
 std::string FactoryInterfaceXml();
 

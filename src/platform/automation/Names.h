@@ -1,4 +1,4 @@
-// The names of the contract on the bus, each once.
+// The names that the contract on the bus defines.
 #pragma once
 
 namespace platform::bus {

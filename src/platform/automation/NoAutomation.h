@@ -1,4 +1,4 @@
-// Automation where there is no bus: nothing can be created, and nobody calls.
+// Automation without a bus: nothing can be created, and no calls arrive.
 #pragma once
 
 #include "platform/automation/Patience.h"
@@ -7,7 +7,7 @@ namespace platform {
 
 class NoAutomation : public Automation {
   public:
-    // All three must outlive it.
+    // The arguments must outlive this object.
     NoAutomation(Scheduler& scheduler, WaitBoxes& boxes, const WaitSettings& settings)
         : scheduler_(scheduler), boxes_(boxes), settings_(settings) {}
 

@@ -66,7 +66,7 @@ void Patience::StartPendingLimit() {
                                      [this] { Ask(settings_.pendingTitle, settings_.pendingText); });
 }
 
-// One question at a time; an open one offers the same choice.
+// Asks one question at a time: an open box offers the same choice.
 void Patience::Ask(TextView title, TextView text) {
     if (isGivenUp_ || std::exchange(boxIsOpen_, true)) return;
     auto box = boxes_.Open(title, text, [patience = weak_from_this()](bool giveUp) {

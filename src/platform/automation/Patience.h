@@ -1,4 +1,4 @@
-// How long the operator is kept waiting by one piece of work, which may make many calls.
+// Limits how long one operation, which may make many calls, keeps the operator waiting.
 #pragma once
 
 #include "platform/automation/Automation.h"
@@ -9,13 +9,13 @@ namespace platform {
 // How long a callee may refuse a call as busy.
 class BusyLimit {
   public:
-    // `settings` is read at the first refusal. Both must outlive the limit.
+    // `settings` is read at the first refusal. Both arguments must outlive the limit.
     BusyLimit(Scheduler& scheduler, const WaitSettings& settings)
         : scheduler_(scheduler), settings_(settings) {}
 
-    // Counts a refusal. True where the first one lies so far back that the limit is reached.
+    // Notes a refusal. The first one starts the limit; returns true once it has run out.
     bool ReachedByRefusal();
-    // The next refusal is the first one.
+    // The next refusal starts the limit again.
     void Reset();
 
   private:
@@ -25,28 +25,28 @@ class BusyLimit {
     bool isReached_ = false;
 };
 
-// Watches the wait limits of its calls, for each call or once for all of them, and asks the operator when one
-// is reached. After giving up no further call of the work is made.
+// Watches the wait limits of an operation, for each call or once for all of them, and asks the operator when
+// one is reached. Once the operator has given up, the operation makes no further calls.
 class Patience : public std::enable_shared_from_this<Patience> {
   public:
-    // `settings` is read when a limit starts or is reached. All three must outlive the patience.
+    // `settings` is read when a limit starts or is reached. The arguments must outlive the patience.
     Patience(Scheduler& scheduler, WaitBoxes& boxes, const WaitSettings& settings)
         : scheduler_(scheduler), boxes_(boxes), settings_(settings), busyLimit_(scheduler, settings) {}
 
-    // From now on one pending limit covers everything, with or without a call, instead of one for each call.
-    // Restarts it and closes an open box. `givenUp` runs once, when the operator gives up.
+    // From now on one pending limit covers the whole operation, even between calls, instead of one for each
+    // call. Restarts that limit and closes an open box. `givenUp` runs once, when the operator gives up.
     void SpanCalls(std::function<void()> givenUp = nullptr);
 
-    // As if the operator had given up.
+    // Acts as if the operator had given up.
     void GiveUp();
     bool IsGivenUp() const { return isGivenUp_; }
     // Raises 462 once the operator has given up.
     void RequireOngoing() const;
 
-    // Gets the result of a call that comes after the operator gave it up.
+    // Gets the result of a call if it arrives after the operator gave up.
     std::function<void(const Value&)> Late;
 
-    // What becomes of a call.
+    // For the code that makes the calls: reports the progress of each.
     void CallSent();
     void CallRefused();
     void CallEnded();

@@ -8,8 +8,8 @@
 
 namespace platform {
 
-// Connects to the session bus of the environment. Raises 462 where there is none, or it can't be reached.
-// `settings` and the others must outlive the result.
+// Connects to the session bus that the environment names. Raises 462 if there is none or it can't be reached.
+// The arguments must outlive the result.
 std::unique_ptr<Automation> ConnectToSessionBus(EventLoop& loop, WaitBoxes& boxes,
                                                 const WaitSettings& settings);
 

@@ -17,7 +17,7 @@ struct NamedNumber {
     ErrorNumber number;
 };
 
-// What the bus itself reports, without the prefix of its names.
+// The errors of the bus itself, by name without the common prefix.
 constexpr NamedNumber numbersOfBusErrors[] = {
     {"ServiceUnknown", ErrorNumber::ServerGone},
     {"NameHasNoOwner", ErrorNumber::ServerGone},
@@ -35,7 +35,7 @@ constexpr NamedNumber numbersOfBusErrors[] = {
 };
 
 constexpr std::string_view busPrefix = "org.freedesktop.DBus.Error.";
-// The bus's words for a service that it couldn't start.
+// The common prefix of errors for a service that the bus couldn't start.
 constexpr std::string_view startPrefix = "org.freedesktop.DBus.Error.Spawn.";
 
 ErrorNumber NumberOfName(std::string_view name) {

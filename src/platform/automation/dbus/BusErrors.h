@@ -1,4 +1,4 @@
-// Run-time errors as error messages on the bus, and back.
+// Converts run-time errors to error messages on the bus and back.
 #pragma once
 
 #include "platform/automation/dbus/Handles.h"
@@ -6,7 +6,7 @@
 
 namespace platform {
 
-// A failure that has a name of its own on the bus, such as a path without an object.
+// A failure for which D-Bus has a standard error name, e.g. a call to a path without an object.
 class BusError : public RuntimeError {
   public:
     // `name` must be a literal.
@@ -25,13 +25,13 @@ BusError UnknownProperty(std::string_view member);
 BusError ReadOnlyProperty(std::string_view member);
 BusError InvalidArguments(std::string_view detail);
 
-// Raises 462 if `result` of the bus library means a lost connection, 440 for another failure.
+// `result` comes from the bus library. Raises 462 if it means a lost connection, 440 for any other failure.
 void RequireSuccess(int result);
 
-// The answer to `call` that carries `error`. A text that can't travel is mended.
+// The answer to `call` that carries `error`. Replaces characters of its description that can't be sent.
 MessageRef ErrorAnswer(sd_bus_message* call, const char* name, const RuntimeError& error);
 
-// What an error message means to the caller.
+// The run-time error that an error message means to the caller.
 RuntimeError ErrorOfAnswer(sd_bus_message* answer);
 bool IsBusy(sd_bus_message* answer);
 

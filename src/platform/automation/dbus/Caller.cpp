@@ -15,7 +15,7 @@ bool IsError(const MessageRef& answer) {
 
 }  // namespace
 
-// One call on its way. The connection holds it until the answer comes, a timer until it is tried again.
+// A pending call. The connection keeps it alive until the answer arrives, a timer until it is retried.
 class Caller::Outgoing : public std::enable_shared_from_this<Outgoing> {
   public:
     Outgoing(Caller& caller, MessageRef call, std::shared_ptr<void> kept)
@@ -44,12 +44,12 @@ class Caller::Outgoing : public std::enable_shared_from_this<Outgoing> {
             }
         });
     }
-    // Answers may arrive after those who wanted them have left.
+    // Passes on an answer that no routine is waiting for.
     static void Give(const Caller::Answered& taker, sd_bus_message* answer) {
         try {
             taker(answer);
         } catch (const RuntimeError&) {
-            // Nobody is left to whom this could be reported.
+            // There is no caller to report this to.
             return;
         }
     }
@@ -76,13 +76,13 @@ class Caller::Awaited : public Outgoing {
           tooLate_(std::move(tooLate)) {}
 
     bool IsOver() const { return isAnswered_ || patience_->IsGivenUp(); }
-    // Ends all but the wait for an answer that comes too late.
+    // Ends the call, except that a late answer is still taken.
     void Stop() {
         isLate_ = !isAnswered_;
         retry_.reset();
         patience_->CallEnded();
     }
-    // Raises 462 if there is none, and the error that the answer carries.
+    // Raises 462 if there is no answer, and the error that an answer carries.
     MessageRef Answer() const {
         if (!isAnswered_) patience_->RequireOngoing();
         if (!answer_) throw RuntimeError(ErrorNumber::ServerGone, "the connection to the bus was lost");
@@ -137,7 +137,7 @@ MessageRef Caller::Call(const MessageRef& call, std::shared_ptr<Patience> patien
     const auto awaited =
         std::make_shared<Awaited>(*this, call, patience, std::move(kept), std::move(tooLate));
     awaited->Send();
-    // Also where what is served meanwhile throws, and this routine ends with it.
+    // Calls Stop even if an event that is served during the wait throws.
     {
         const ScopeExit stop([&] { awaited->Stop(); });
         connection_.WaitUntil([&] { return awaited->IsOver(); });

@@ -1,4 +1,4 @@
-// Outgoing calls and the wait for their answers.
+// Makes outgoing calls and waits for their answers.
 #pragma once
 
 #include <functional>
@@ -18,15 +18,16 @@ class Caller {
 
     std::shared_ptr<Patience> NewPatience() const;
 
-    // Sends a call and serves the process's other events until it is answered. A busy callee is tried again
-    // for as long as `patience` lasts; without one the call has a patience of its own. `kept` lives until the
-    // answer comes, which may be after the operator gave up; `tooLate` gets such an answer. Raises 462 where
-    // the operator gave up or the connection was lost, and the error that the answer carries.
+    // Sends a call and serves the process's other events until the answer arrives. A busy callee is retried
+    // until the operator gives up. A null `patience` stands for a new one. Keeps `kept` alive until the
+    // answer arrives, even if that is after the operator gave up; `tooLate` gets such an answer. Raises 462
+    // if the operator gave up or the connection was lost, and the error that the answer carries.
     MessageRef Call(const MessageRef& call, std::shared_ptr<Patience> patience, std::shared_ptr<void> kept,
                     Answered tooLate);
 
-    // Sends a call and returns. `kept` lives until the answer comes; `answered` gets it unless it is an
-    // error. A busy callee is tried again until the busy limit. Raises 462 where the connection is lost.
+    // Sends a call and returns. Keeps `kept` alive until the answer arrives; `answered` gets the answer
+    // unless it is an error. A busy callee is retried until the busy limit. Raises 462 if the connection is
+    // lost.
     void Post(const MessageRef& call, std::shared_ptr<void> kept, Answered answered);
 
   private:

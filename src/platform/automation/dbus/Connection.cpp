@@ -19,11 +19,11 @@ namespace {
 
 using std::chrono::steady_clock;
 
-// After so many steps at one go, timers and painting have their turn.
+// After this many steps in a row, timers and painting get their turn.
 constexpr int stepsPerRound = 64;
 constexpr Milliseconds flushLimit{1000};
-// For so long an answered wait keeps everything else back. A wait that hasn't gone on by then can't: another
-// loop runs on top of it, an open message box for one, and needs the messages that follow.
+// How long an answered wait may hold back all other messages. A wait that hasn't continued by then can't: a
+// nested loop, such as that of an open message box, is running and needs those messages.
 constexpr Milliseconds handOverLimit{20};
 
 constexpr char peerInterface[] = "org.freedesktop.DBus.Peer";
@@ -120,7 +120,7 @@ void Connection::Defer(std::function<void()> call) {
 }
 
 int Connection::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) noexcept {
-    // The library itself answers what concerns the connection alone.
+    // The library itself handles answers, signals and calls of the Peer interface.
     if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0 ||
         sd_bus_message_is_method_call(message, peerInterface, nullptr) > 0)
         return 0;
@@ -134,7 +134,7 @@ int Connection::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) no
 int Connection::OnAnswer(sd_bus_message* message, void* context, sd_bus_error*) noexcept {
     auto* outgoing = static_cast<OutgoingCall*>(context);
     Connection* connection = outgoing->connection;
-    // Lets Lose know that this call has its answer.
+    // Tells Lose that this call has its answer.
     outgoing->slot.reset();
     connection->due_.push_back(
         [connection, outgoing, answer = Shared(message)] { connection->Answer(*outgoing, answer); });
@@ -163,7 +163,7 @@ bool Connection::Step() {
     return true;
 }
 
-// Lets the library handle one message, which leaves at most one thing to do in `due_`.
+// Lets the library handle one message, which adds at most one function to `due_`.
 bool Connection::Receive() {
     const int result = sd_bus_process(bus_.get(), nullptr);
     if (result < 0 || sd_bus_is_open(bus_.get()) <= 0) {
@@ -174,7 +174,7 @@ bool Connection::Receive() {
     return result > 0;
 }
 
-// True where the routine that waits has to go on before anything else is acted on.
+// True if the innermost wait has to continue before any other message is handled.
 bool Connection::AnswerIsIn() const {
     return innermost_ && innermost_->done() && !innermost_->overtaken;
 }
@@ -195,7 +195,7 @@ void Connection::Continue() {
     });
 }
 
-// The descriptor doesn't show messages that the library has read already.
+// Messages that the library has already read don't make the descriptor readable.
 void Connection::ContinueIfHolding() {
     std::uint64_t held = 0;
     if (!lost_) sd_bus_get_n_queued_read(bus_.get(), &held);
@@ -224,7 +224,7 @@ void Connection::WaitUntil(const std::function<bool()>& done) {
 
 void Connection::Flush() {
     ReceiveUntil([this] { return !HasUnsent(); });
-    // What came meanwhile was only noted.
+    // Messages received meanwhile were only queued.
     ContinueIfHolding();
 }
 
@@ -241,13 +241,13 @@ void Connection::GiveNamesBack() {
     FollowWriteQueue();
 }
 
-// Answers come in the order of the questions.
+// The bus answers in the order of the requests.
 int Connection::OnNameReleased(sd_bus_message*, void* self, sd_bus_error*) noexcept {
     static_cast<Connection*>(self)->releases_.pop_front();
     return 1;
 }
 
-// Calls by a name that were sent while it was owned come ahead of the answer to its release.
+// Calls that were sent to a name while it was owned arrive before the answer to its release.
 void Connection::Leave() {
     leaving_ = true;
     GiveNamesBack();
@@ -255,7 +255,7 @@ void Connection::Leave() {
     Flush();
 }
 
-// Takes messages in and sends what is held, for a second at most.
+// Receives messages and sends queued ones. Takes at most a second.
 void Connection::ReceiveUntil(const std::function<bool()>& done) {
     const auto limit = steady_clock::now() + flushLimit;
     while (!done() && !lost_) {
@@ -276,7 +276,7 @@ bool Connection::HasUnsent() const {
 void Connection::Lose() {
     if (lost_) return;
     lost_ = true;
-    // The watches end before the library closes the descriptor under them.
+    // The watches must end before the library closes their descriptor.
     readable_.reset();
     writable_.reset();
     for (OutgoingCall& outgoing : outgoing_)

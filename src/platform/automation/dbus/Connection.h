@@ -1,4 +1,4 @@
-// The connection to the bus, served by the process's loop.
+// The connection to the bus, driven by the process's event loop.
 #pragma once
 
 #include <deque>
@@ -12,59 +12,59 @@
 
 namespace platform {
 
-// Takes messages one at a time and acts on each before it takes the next, so that an answer ahead of a call
-// also takes effect ahead of it. The library only notes what came: acting on it can wait for answers, and
-// the library doesn't allow to be entered again from its own callbacks.
+// Handles each message before it takes the next, so that an answer received before a call also takes effect
+// before it. Callbacks of the library only queue messages: handling one may wait for answers, which calls the
+// library again, and the library forbids that inside its callbacks.
 class Connection {
   public:
-    // Raises 462 where the session bus can't be reached.
+    // Raises 462 if the session bus can't be reached.
     explicit Connection(EventLoop& loop);
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    // Where incoming calls go, and what runs once when the connection is lost.
+    // Set the handler of incoming calls, and what runs once when the connection is lost.
     void WhenCalled(std::function<void(const MessageRef&)> called) { called_ = std::move(called); }
     void WhenLost(std::function<void()> lost) { whenLost_ = std::move(lost); }
 
     bool IsLost() const { return lost_; }
     // The unique name on the bus.
     const std::string& Name() const { return name_; }
-    // True for the unique name and for those that it owns.
+    // True for the unique name and for names that this connection owns.
     bool IsOwn(std::string_view name) const;
 
     // Raises 462 without a connection, 440 for what the library refuses.
     MessageRef NewCall(const std::string& destination, const std::string& path, const char* interface,
                        const char* member);
-    // Sends a message that wants no answer, or is one. Raises as NewCall.
+    // Sends an answer, or a call that wants none. Raises as NewCall.
     void Send(sd_bus_message* message);
-    // Sends a call. `answered` runs in a step of its own, with the answer, or with null when the connection
-    // was lost. There is no limit of time. Raises as NewCall.
+    // Sends a call, without a timeout. `answered` runs later, in its own step, with the answer, or with null
+    // if the connection was lost. Raises as NewCall.
     void SendCall(sd_bus_message* call, std::function<void(const MessageRef&)> answered);
 
-    // Owns a name on the bus, without waiting in a queue. Raises 429 where it is taken.
+    // Acquires a name on the bus. Raises 429 if it is taken, instead of queueing for it.
     void OwnName(const std::string& name);
 
-    // Gives the names that it owns back. The bus knows of it ahead of all that is sent later.
+    // Releases all owned names. The bus learns of this before it gets any later message.
     void GiveNamesBack();
 
-    // Gives the names back, refuses as busy the calls that came before that, and sends what is
-    // held. Takes a second at most for the names, and for the sending.
+    // Releases the names, refuses as busy all calls that still arrive, and sends the queued messages. Waits
+    // at most a second for the release, and another for the sending.
     void Leave();
 
-    // Has messages by a match rule given to `handler`, which may only note them. Raises as NewCall.
+    // Passes messages that match `rule` to `handler`, which may only queue them. Raises as NewCall.
     SlotRef AddMatch(const std::string& rule, sd_bus_message_handler_t handler, void* context);
 
-    // Runs `call` in a step of its own, after what was received before.
+    // Runs `call` later, in its own step, after the messages received so far.
     void Defer(std::function<void()> call);
 
-    // Serves the loop until `done` is true, with the operator's input held back.
+    // Serves the loop until `done` returns true, holding back the operator's input.
     void WaitUntil(const std::function<bool()>& done);
 
-    // Sends what the library still holds, for a second at most.
+    // Sends the messages that the library has queued. Takes at most a second.
     void Flush();
 
-    // Forgets all calls that are out and leaves the bus.
+    // Drops all pending calls and disconnects.
     void Close();
 
   private:
@@ -103,7 +103,7 @@ class Connection {
     SlotRef filter_;
     std::string name_;
     std::vector<std::string> owned_;
-    std::list<SlotRef> releases_;  // of names, that the bus has not answered yet
+    std::list<SlotRef> releases_;  // of names, not yet confirmed by the bus
     std::function<void(const MessageRef&)> called_;
     std::function<void()> whenLost_;
     std::list<OutgoingCall> outgoing_;

@@ -40,10 +40,10 @@ void InvokeLateBound(IncomingCall& call, Object& object) {
     RequireSuccess(sd_bus_message_close_container(answer));
 }
 
-// Far more than hosts with an exchange each need, far less than the stack has room for.
+// Far more than several hosts, each with its own exchange, need; far less than the stack has room for.
 constexpr int deepest = 32;
 
-// These lead nowhere else, and whoever gives back a reference does so once.
+// These make no further calls, and a client that releases a reference doesn't retry.
 bool IsCount(const IncomingCall& call) {
     return call.Member() == "Retain" || call.Member() == "Release";
 }
@@ -63,7 +63,8 @@ void ReturnXml(IncomingCall& call, const std::string& xml) {
     RequireSuccess(sd_bus_message_append_basic(call.Answer(), 's', xml.c_str()));
 }
 
-// Nothing of the path's serves the call: which of the two it is depends on whether the interface is there.
+// For a call that nothing at its path serves: reports an unknown method if the path has the interface,
+// otherwise an unknown interface.
 [[noreturn]] void Refuse(const IncomingCall& call, std::initializer_list<std::string_view> interfaces) {
     bool isKnown = call.IsOf(introspectableInterface);
     for (const std::string_view interface : interfaces) isKnown = isKnown || call.IsOf(interface);
@@ -117,7 +118,7 @@ void Dispatcher::RouteToFactory(IncomingCall& call) {
 
 void Dispatcher::CreateInstance(IncomingCall& call) {
     call.RequireSignature("");
-    // Nobody would hold the object.
+    // Without an answer, nobody would hold the object.
     if (!call.WantsAnswer()) return;
     // Allocated first: once created, the object counts as in use.
     call.Answer();
@@ -134,7 +135,8 @@ void Dispatcher::RefuseCreations() {
 
 const std::function<ObjectRef()>& Dispatcher::CreatorFor(std::string_view destination) const {
     if (const auto found = creators_.find(destination); found != creators_.end()) return found->second;
-    // By the connection's own name the class is clear only where there is one.
+    // A call to the connection's unique name doesn't say which class it wants, which only works if there is
+    // just one.
     if (creators_.size() == 1) return creators_.begin()->second;
     throw RuntimeError(ErrorNumber::CannotCreateObject, destination);
 }

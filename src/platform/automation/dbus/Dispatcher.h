@@ -1,6 +1,5 @@
-// Finds what serves an incoming call. Calls that come while served ones wait for somebody go on top of them;
-// so many deep, all but Retain and Release are refused as busy, since the stack has an end and a client no
-// patience.
+// Routes incoming calls. A call that arrives while another one waits is served nested in it. Beyond a limit
+// of nested calls, all but Retain and Release are refused as busy, to protect the stack.
 #pragma once
 
 #include <functional>
@@ -15,13 +14,13 @@ namespace platform {
 
 class Dispatcher {
   public:
-    // Takes the calls of the session's connection.
+    // Serves all calls that arrive on the session's connection.
     explicit Dispatcher(Session& session);
 
-    // Creates objects of a class with `create` from now on.
+    // From now on, `create` makes the objects of this class.
     void AddClass(std::string_view className, std::function<ObjectRef()> create);
 
-    // Refuses the creations that are being served as busy.
+    // Refuses as busy all creations being served.
     void RefuseCreations();
 
   private:
@@ -35,8 +34,8 @@ class Dispatcher {
     void RouteLateBound(IncomingCall& call, Object& object);
 
     Session& session_;
-    int depth_ = 0;                         // calls that are being served, each from inside the one before
-    std::vector<IncomingCall*> creations_;  // those of them that create an object
+    int depth_ = 0;                         // calls being served, each nested in the one before
+    std::vector<IncomingCall*> creations_;  // those that create an object
     std::map<std::string, std::function<ObjectRef()>, std::less<>> creators_;
 };
 

@@ -53,7 +53,7 @@ bool Exports::Discount(const std::string& path, const std::string& peer) {
 }
 
 void Exports::PeerLeft(const std::string& peer) {
-    // What the peer held stays here until all of it is given back.
+    // Keeps the peer's counts alive until all of its references are released.
     const auto left = holders_.extract(peer);
     if (left.empty()) return;
     for (const auto& [path, count] : left.mapped().counts) {

@@ -1,4 +1,4 @@
-// The objects of this process that others can reach.
+// The objects of this process that other processes can call.
 #pragma once
 
 #include <deque>
@@ -13,29 +13,29 @@
 
 namespace platform {
 
-// An object stays, under one path, for as long as a peer holds a reference to it or it is lent.
+// An object stays exported, at one path, while a peer holds a reference to it or it is lent (Loan).
 class Exports {
   public:
     Exports(EventLoop& loop, Peers& peers) : loop_(loop), peers_(peers) {}
 
     // The object at a path, or null.
     ObjectRef Find(std::string_view path) const;
-    // The paths in use, without the common beginning "/Object/".
+    // The paths in use, without the common prefix "/Object/".
     std::vector<std::string> Numbers() const;
 
-    // Counts a reference more, or one less, for the peer. False where it holds none.
+    // Count one reference more, or one less, for the peer. Release returns false if the peer holds none.
     void Retain(const std::string& path, const std::string& peer);
     bool Release(const std::string& path, const std::string& peer);
 
-    // As Release, but for a reference that turned out to have come back to this process: nobody hears of it.
+    // As Release, but for a reference that came back to this process: the object isn't notified.
     void Reclaim(const std::string& path, const std::string& peer);
 
     void WhenInUse(std::function<void(bool)> changed) { inUseChanged_ = std::move(changed); }
 
-    // True where objects wait for Settle to hear that their last client has left.
+    // True if there are objects that Settle has to notify.
     bool HasDepartures() const { return !departed_.empty(); }
-    // Lets those objects know; returns whether there still are clients. Apart from Release, so that its
-    // answer can leave first.
+    // Notifies the objects whose last client has left, and reports whether any clients remain if that has
+    // changed. Separate from Release, so that the answer to a release can be sent first.
     void Settle();
 
   private:
@@ -72,7 +72,7 @@ class Exports {
     bool toldInUse_ = false;
 };
 
-// Objects that can be reached from outside for a while without being held by anyone.
+// Exports objects for as long as the loan exists, even if no peer holds a reference.
 class Loan {
   public:
     explicit Loan(Exports& exports) : exports_(exports) {}
@@ -80,11 +80,12 @@ class Loan {
     Loan(const Loan&) = delete;
     Loan& operator=(const Loan&) = delete;
 
-    // Lends one object and gives its path.
+    // Lends an object and returns its path.
     std::string PathOf(const ObjectRef& object);
-    // Counts one reference for the peer for each time that an object was lent.
+    // Counts a reference for the peer for each call of PathOf.
     void GrantTo(const std::string& peer);
-    // For what was created for a peer and can't be given to it: as if the peer had held it and let go.
+    // For an object that was created for a peer but can't be sent to it: when the loan ends, the object is
+    // notified as if the peer had released it.
     void Forfeit();
 
   private:

@@ -1,4 +1,4 @@
-// Owners of the bus library's counted things.
+// Owning handles for the reference-counted types of the bus library.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -14,10 +14,10 @@ struct BusDeleter {
 using BusRef = std::unique_ptr<sd_bus, BusDeleter>;
 using SlotRef = std::unique_ptr<sd_bus_slot, BusDeleter>;
 
-// Copyable, since messages travel inside of queued calls.
+// Copyable, since queued functions hold messages.
 using MessageRef = std::shared_ptr<sd_bus_message>;
 
-// Takes over a reference, or adds one.
+// Adopted takes over a reference, Shared adds one.
 inline MessageRef Adopted(sd_bus_message* message) {
     return MessageRef(message, sd_bus_message_unref);
 }

@@ -34,7 +34,7 @@ ObjectRef IncomingCall::Borrowed(const Address& address) {
     if (address.IsNothing()) return nullptr;
     if (session_->Bus().IsOwn(address.owner)) {
         ObjectRef object = session_->OwnObject(address);
-        // It keeps its path until the answer, which may have to name it again.
+        // The object keeps its path until the answer is sent, which may contain the path again.
         given_.PathOf(object);
         return object;
     }
@@ -118,8 +118,8 @@ void IncomingCall::Fail(const char* name, const RuntimeError& error) {
     answer_ = ErrorAnswer(message_.get(), name, error);
 }
 
-// By now the arguments that were made of the message are released, and so are those of the member: who else
-// refers to a borrowed object wants to keep it.
+// By now all arguments have been destroyed, so any other reference to a borrowed object means that somebody
+// keeps it.
 void IncomingCall::RetainBorrowed() {
     for (const auto& object : borrowed_)
         if (object.use_count() > 1) object->Retain();
@@ -131,13 +131,13 @@ void IncomingCall::SendAnswer() {
     try {
         connection.Send(answer_.get());
     } catch (const RuntimeError& error) {
-        // A caller that still can be reached would wait for ever.
+        // A caller that can still be reached would otherwise wait for ever.
         if (!connection.IsLost()) {
             Fail(bus::errorName, error);
             connection.Send(answer_.get());
         }
     }
-    // Counted for a caller that has left, the objects are released with all that it held.
+    // If the caller has left meanwhile, these references are released with all others that it held.
     if (returned_) returned_->GrantTo(sender_);
 }
 

@@ -1,4 +1,4 @@
-// One call of another process while it is served.
+// A call from another process, while it is being served.
 #pragma once
 
 #include <functional>
@@ -11,13 +11,13 @@
 
 namespace platform {
 
-// Objects among the arguments are borrowed: they are retained where something still refers to them when the
-// call is answered. Objects that the answer hands out are counted for the caller.
+// Objects among the arguments are borrowed: those that are still referenced when the call is answered are
+// retained. Each object in the answer counts as a reference of the caller.
 class IncomingCall {
   public:
     IncomingCall(std::shared_ptr<Session> session, MessageRef message);
 
-    // Parts of the header; what the caller left out is empty.
+    // Header fields, empty if the caller left them out.
     std::string_view Path() const { return path_; }
     std::string_view Interface() const { return interface_; }
     std::string_view Member() const { return member_; }
@@ -25,10 +25,10 @@ class IncomingCall {
     const std::string& Sender() const { return sender_; }
     bool WantsAnswer() const { return sd_bus_message_get_expect_reply(message_.get()) > 0; }
 
-    // True for a call of this interface, or without one.
+    // True if the call names this interface, or none.
     bool IsOf(std::string_view interface) const { return interface_.empty() || interface_ == interface; }
 
-    // The arguments, read in turn. Each raises 13 for what doesn't fit.
+    // Read the arguments in order. Each raises 13 for an argument of another type.
     void RequireSignature(const std::string& signature) const;
     std::string_view String() { return ReadString(message_.get()); }
     std::uint16_t Word() { return ReadWord(message_.get()); }
@@ -36,19 +36,20 @@ class IncomingCall {
     Value Typed(ValueType type);
     Arguments Variants();
 
-    // The answer, written in turn: into Answer() itself, or by these. A given value is one that came as an
-    // argument and goes back untouched.
+    // Write the answer in order, directly to Answer() or by the members below. ReturnGiven returns an
+    // argument that the callee left unchanged.
     sd_bus_message* Answer();
     void ReturnVariant(const Value& value);
     void ReturnTyped(const Value& value, ValueType type);
-    // An object that begins with the call. If it can't be sent to the caller, its last client has left.
+    // Returns an object that this call created. If it can't be sent to the caller, it is notified that its
+    // last client has left.
     void ReturnCreated(const ObjectRef& object);
     void ReturnGiven(const Value& value);
 
-    // Runs what serves the call and answers it. A failure becomes the answer.
+    // Runs `serve` and sends the answer. A failure becomes an error answer.
     void Serve(const std::function<void(IncomingCall&)>& serve);
 
-    // Answers the call while it is being served. Nothing more is sent when that is over.
+    // Answers the call while it is still being served. Serve then sends no second answer.
     void RefuseAsBusy();
 
   private:

@@ -8,13 +8,13 @@
 
 namespace platform {
 
-// Exported objects are "/Object/" and a number.
+// The paths of exported objects are this one, a slash and a number.
 inline constexpr char objectsPath[] = "/Object";
 
 inline constexpr char introspectableInterface[] = "org.freedesktop.DBus.Introspectable";
 inline constexpr char propertiesInterface[] = "org.freedesktop.DBus.Properties";
 
-// A node without members of its own.
+// A node that has only children.
 std::string BranchNodeXml(const std::vector<std::string>& children);
 std::string FactoryNodeXml();
 std::string ObjectNodeXml(const ClassDescription& description);

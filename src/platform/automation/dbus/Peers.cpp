@@ -66,7 +66,8 @@ void Peers::Subscribe(const std::string& name, const std::shared_ptr<Peer>& peer
     });
 }
 
-// A peer can send such a signal straight to this process, past the sender that the rule asks for.
+// Checks the sender, since a peer can send such a signal directly to this process, where the match rule
+// doesn't apply.
 int Peers::OnNameChange(sd_bus_message* message, void* context, sd_bus_error*) noexcept {
     const char* sender = sd_bus_message_get_sender(message);
     if (!sender || std::string_view(sender) != bus::daemonName) return 1;

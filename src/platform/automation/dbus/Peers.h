@@ -1,4 +1,4 @@
-// Word of other processes that leave the bus.
+// Reports when other processes leave the bus.
 #pragma once
 
 #include <functional>
@@ -15,11 +15,11 @@ class Peers {
   public:
     explicit Peers(Connection& connection) : connection_(connection) {}
 
-    // Calls `left` once when the owner of the name leaves, or has left already. The bus is asked to report
-    // it for as long as a result lives.
+    // Calls `left` once when the owner of the name leaves the bus, or if it has left already. Dropping the
+    // result ends the watch.
     std::shared_ptr<void> Watch(const std::string& name, std::function<void()> left);
 
-    // As if all had left.
+    // Treats all watched peers as having left.
     void LoseAll();
 
   private:

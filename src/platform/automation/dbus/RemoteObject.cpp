@@ -13,8 +13,8 @@ std::shared_ptr<Session> Required(const std::weak_ptr<Session>& session) {
     throw RuntimeError(ErrorNumber::ServerGone, "the connection to the bus is closed");
 }
 
-// What travels with a call, and has to stay as it is until the answer comes: the objects among the arguments
-// may be in use at the callee for so long.
+// What was sent with a call. Kept until the answer arrives, since the callee may use the objects among the
+// arguments until then.
 struct Sent {
     explicit Sent(Session& session) : loan(session.Own()) {}
     Loan loan;
@@ -22,7 +22,7 @@ struct Sent {
     std::vector<ObjectRef> objects;
 };
 
-// The arguments as they were given, against which those of the answer are held.
+// Reads an answer, and compares its arguments with those that were sent.
 class AnswerReader {
   public:
     AnswerReader(Session& session, sd_bus_message* answer, const Sent& sent)
@@ -33,7 +33,7 @@ class AnswerReader {
                            [this](const Address& address) { return session_.Received(address, sender_); });
     }
 
-    // Entries that the answer leaves out, or has as they were given, stay untouched.
+    // Leaves arguments unchanged that the answer omits or returns as they were sent.
     void TakeBack(Arguments& arguments) {
         Arguments taken = arguments;
         std::size_t i = 0;
@@ -48,7 +48,7 @@ class AnswerReader {
     }
 
   private:
-    // The callee counts a reference only where it has put in another object.
+    // The callee counts a reference only if it has replaced the object.
     Value Entry(std::size_t i) {
         return ReadVariant(answer_, [this, i](const Address& address) {
             if (sent_.objects[i] && address == sent_.addresses[i]) return sent_.objects[i];
@@ -110,7 +110,7 @@ void RemoteObject::Retain() {
     owns_ = true;
 }
 
-// Nobody waits for the answer: if the owner has left, there is nothing to count.
+// Doesn't wait for an answer: if the object's process has left, there is nothing to count.
 void RemoteObject::Notify(const char* method) noexcept {
     const auto session = session_.lock();
     if (!session) return;
@@ -136,7 +136,7 @@ Value RemoteObject::Invoke(std::string_view member, InvokeKind kind, Arguments& 
     const MessageRef answer = session->Calls().Call(
         call, patience_, sent,
         [&bus = *session, &travelled = *sent, given, patience = patience_](sd_bus_message* late) {
-            // References that came with it go back as soon as nothing holds them here.
+            // References in the late answer are released as soon as nothing in this process holds them.
             Arguments dropped(given);
             const Value result = TakeAnswer(bus, late, travelled, dropped);
             if (patience && patience->Late) patience->Late(result);

@@ -1,4 +1,4 @@
-// An object of another process.
+// A proxy for an object of another process.
 #pragma once
 
 #include <memory>
@@ -11,7 +11,7 @@ namespace platform {
 class Patience;
 class Session;
 
-// Borrowed at first. Gives back its reference, where it owns one, when it goes.
+// Starts as borrowed. Releases the reference, if it owns one, on destruction.
 class RemoteObject : public Object {
   public:
     RemoteObject(std::weak_ptr<Session> session, Address address)
@@ -21,20 +21,20 @@ class RemoteObject : public Object {
     const Address& Where() const { return address_; }
     bool IsReachedBy(const Session& session) const { return session_.lock().get() == &session; }
 
-    // Owns a reference that its owner has counted already.
+    // Takes over a reference that the object's process has already counted.
     void Own() { owns_ = true; }
-    // Has its owner count a reference.
+    // Asks the object's process to count a reference, and owns it.
     void Retain();
 
-    // The same object, for calls that try `patience`.
+    // A proxy for the same object, whose calls belong to the operation of `patience`.
     std::shared_ptr<RemoteObject> Within(std::shared_ptr<Patience> patience);
     // Calls a member without waiting, see Automation.
     void Post(std::string_view member, InvokeKind kind, const Arguments& arguments,
               std::function<void(const Value&)> answered);
 
-    // It has no members of its own; all are its owner's.
+    // Lists no members: only the object's process knows them.
     const ClassDescription& Class() const override;
-    // Raises 462 if the owner has left or the connection is lost, and what the call raises there.
+    // Raises 462 if the object's process has left or the connection is lost, and what the call raises there.
     Value Invoke(std::string_view member, InvokeKind kind, Arguments& arguments) override;
     std::shared_ptr<void> WhenOwnerGone(std::function<void()> left) override;
 
@@ -44,8 +44,8 @@ class RemoteObject : public Object {
     std::weak_ptr<Session> session_;
     Address address_;
     bool owns_ = false;
-    std::shared_ptr<Patience> patience_;      // for each call one of its own, where there is none
-    std::shared_ptr<RemoteObject> original_;  // which owns the reference that this one uses
+    std::shared_ptr<Patience> patience_;      // null if each call gets its own
+    std::shared_ptr<RemoteObject> original_;  // owns the reference that this proxy uses
 };
 
 }  // namespace platform

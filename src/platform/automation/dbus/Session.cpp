@@ -13,7 +13,7 @@ Session::Session(EventLoop& loop, WaitBoxes& boxes, const WaitSettings& settings
 }
 
 Session::~Session() {
-    // Calls that are still out keep loans of the exports.
+    // Pending calls hold loans, which must end while the exports still exist.
     connection_.Close();
 }
 
@@ -34,12 +34,12 @@ ObjectRef Session::Received(const Address& address, const std::string& sender) {
     if (address.IsNothing()) return nullptr;
     if (connection_.IsOwn(address.owner)) {
         ObjectRef object = OwnObject(address);
-        // A call of this process to itself: no proxy will give back what was counted for it.
+        // This process called itself: there is no proxy that would release the counted reference.
         if (sender == connection_.Name()) exports_.Reclaim(address.path, sender);
         return object;
     }
     auto object = std::make_shared<RemoteObject>(weak_from_this(), address);
-    // Only the owner counts. A third process that hands on a reference has counted nothing.
+    // Only the owner counts references. A third process that passes one on has counted nothing.
     if (address.owner == sender)
         object->Own();
     else

@@ -1,4 +1,4 @@
-// What one connection is made of, and how references travel over it.
+// The parts of one bus connection, and the counting of references that pass over it.
 #pragma once
 
 #include <memory>
@@ -11,10 +11,10 @@
 
 namespace platform {
 
-// Objects of other processes can outlive it; they answer 462 from then on.
+// Proxies can outlive the session; calls on them then raise 462.
 class Session : public std::enable_shared_from_this<Session> {
   public:
-    // Raises 462 where the session bus can't be reached.
+    // Raises 462 if the session bus can't be reached.
     Session(EventLoop& loop, WaitBoxes& boxes, const WaitSettings& settings);
     ~Session();
 
@@ -23,16 +23,16 @@ class Session : public std::enable_shared_from_this<Session> {
     Exports& Own() { return exports_; }
     Caller& Calls() { return caller_; }
 
-    // Where others reach an object; one of this process is lent.
+    // The address at which other processes reach an object. An object of this process is added to `loan`.
     Address AddressOf(const ObjectRef& object, Loan& loan);
 
-    // An own object by its path. Raises 462 for a path that is in use no longer.
+    // The object of this process at an address. Raises 462 if its path is no longer in use.
     ObjectRef OwnObject(const Address& address) const;
 
-    // The object of a reference that came with an answer and is owned from now on.
+    // The object for a reference that an answer of `sender` contained; the result owns that reference.
     ObjectRef Received(const Address& address, const std::string& sender);
 
-    // Sends what is waiting, then lets objects know whose last client has left.
+    // Sends queued messages, then notifies objects whose last client has left.
     void Settle();
 
   private:

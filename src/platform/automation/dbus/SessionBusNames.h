@@ -7,11 +7,11 @@
 
 namespace platform {
 
-// Connects with the first question, and waits for each answer.
+// Connects on first use. Each call blocks until the bus answers.
 std::unique_ptr<BusNames> MakeSessionBusNames();
 
-// Puts a variable into the environment of the programs that the session bus starts from now on. Raises 462
-// where there is no session bus, or it doesn't answer.
+// Sets an environment variable for programs that the session bus starts from now on. Raises 462 without a
+// session bus, or if it doesn't answer.
 void SetForStartedPrograms(const char* variable, const char* value);
 
 }  // namespace platform

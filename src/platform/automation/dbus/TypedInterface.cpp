@@ -32,7 +32,7 @@ const Member* FindProperty(const ClassDescription& description, std::string_view
     });
 }
 
-// A property's value, inside of the variant that the bus wants.
+// Returns a property's value inside the variant that the bus requires.
 void ReturnProperty(IncomingCall& call, Object& object, const Member& member) {
     Arguments none;
     const Value value = InvokeMember(object, member, none);
@@ -69,7 +69,7 @@ void GetAllProperties(IncomingCall& call, Object& object) {
     RequireSuccess(sd_bus_message_close_container(answer));
 }
 
-// The bus's own interfaces have no properties, but may be asked for them.
+// False for the late-bound interface, which has no properties. Raises 438 for an unknown interface.
 bool HasProperties(const Object& object, std::string_view interface) {
     if (interface == bus::objectInterface) return false;
     const std::string typed = TypedInterfaceName(object.Class());

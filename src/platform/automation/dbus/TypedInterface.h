@@ -1,18 +1,18 @@
-// The typed interface of public classes: methods and properties of the bus on the table of members.
+// Serves the typed interface of public classes: maps D-Bus methods and properties to the member table.
 #pragma once
 
 #include "platform/automation/dbus/IncomingCall.h"
 
 namespace platform {
 
-// Serves a call of a method. Raises 438 where the class has none of that name. Unlike late binding, names
-// compare exactly, as introspection lists them.
+// Serves a method call. Raises 438 if the class has no such method. Names are case-sensitive here, unlike in
+// late binding.
 void CallTypedMethod(IncomingCall& call, Object& object);
 
-// True where CallTypedMethod finds a method.
+// True if CallTypedMethod would find the method.
 bool HasTypedMethod(const ClassDescription& description, std::string_view name);
 
-// Serves a call of the bus's interface for properties: Get, Set or GetAll.
+// Serves a call of the standard properties interface: Get, Set or GetAll.
 void ServeProperties(IncomingCall& call, Object& object);
 
 }  // namespace platform

@@ -10,7 +10,7 @@ namespace platform {
 
 namespace {
 
-// The byte for a value without content.
+// The bytes that stand for values without content.
 constexpr std::uint8_t emptyMark = 0, nullMark = 1, missingMark = 10;
 
 void RequireRead(int result) {
@@ -105,7 +105,7 @@ const char* SignatureOfContent(const Value& value) {
     return std::visit(Signature(), value.Stored());
 }
 
-// Appends the bare content of one value.
+// Appends a value without the variant around it.
 class ContentWriter {
   public:
     ContentWriter(sd_bus_message* message, const AddressOfObject& addressOf)
@@ -221,7 +221,7 @@ Value ReadTyped(sd_bus_message* message, ValueType type, const ObjectAtAddress& 
 
 void ReadVariants(sd_bus_message* message, const std::function<void()>& read) {
     RequireRead(sd_bus_message_enter_container(message, 'a', "v"));
-    // An entered empty array is at its end at once.
+    // An empty array is at its end as soon as it is entered.
     while (sd_bus_message_at_end(message, false) == 0) read();
     RequireSuccess(sd_bus_message_exit_container(message));
 }
