@@ -19,8 +19,8 @@ bool IsWordCharacter(char16_t c) {
            c == u'$' || c >= 0x80;
 }
 
-// The length of what begins with a quote; inside it the closing quote means itself when it is
-// doubled. What is never closed reaches to the end.
+// The length of a quoted string or name. A doubled closing quote, other than "]", doesn't end it. If it is
+// never closed, it extends to the end.
 std::size_t QuotedLength(TextView rest, char16_t close) {
     for (std::size_t i = 1; i < rest.size(); ++i) {
         if (rest[i] != close) continue;
@@ -61,7 +61,7 @@ void ForEachToken(TextView query, Visitor visit) {
     }
 }
 
-// Reserved in SQLite, but without a meaning in a query that only reads: they can be nothing but names.
+// Reserved words of SQLite that mean nothing in a query that only reads, and so can only be names.
 constexpr auto reservedNames = std::to_array<TextView>({
     u"add",     u"alter",       u"autoincrement", u"check",      u"commit",    u"constraint", u"create",
     u"default", u"deferrable",  u"delete",        u"drop",       u"foreign",   u"index",      u"insert",
@@ -74,7 +74,8 @@ bool IsReservedName(TextView word) {
                        [&](TextView name) { return EqualsIgnoringCase(name, word); });
 }
 
-// A string in double quotes with single ones. One that isn't closed stays so, and is refused later.
+// Turns a double-quoted string into a single-quoted one. An unclosed string stays unclosed, and is refused
+// later.
 Text WithSingleQuotes(TextView quoted) {
     Text result(1, u'\'');
     std::size_t i = 1;
@@ -88,7 +89,7 @@ Text WithSingleQuotes(TextView quoted) {
 
 void AppendInSqliteDialect(Text& result, const Token& token) {
     if (token.kind == Kind::Word && IsReservedName(token.text)) {
-        // Not in double quotes: SQLite would take an unknown name in those for a string.
+        // Not in double quotes: SQLite would treat an unknown name in them as a string.
         result.append(u"[").append(token.text).append(u"]");
     } else if (token.kind == Kind::String && token.text.front() == u'"') {
         result.append(WithSingleQuotes(token.text));

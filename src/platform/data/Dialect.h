@@ -1,4 +1,4 @@
-// The step from the queries as the add-in writes them to the dialect of SQLite.
+// Translates the add-in's queries to SQLite's dialect.
 #pragma once
 
 #include <optional>
@@ -7,13 +7,12 @@
 
 namespace platform {
 
-// Names that are key words in SQLite (the column Index) become quoted names, and strings in double quotes
-// become strings in single quotes. Text inside quotes stays as it is.
+// Quotes names that are keywords in SQLite, e.g. the column Index, and turns double-quoted strings into
+// single-quoted ones. Text inside quotes stays as it is.
 Text ToSqliteDialect(TextView query);
 
-// The same query with the row's number, by the name that it has in its table, as its first column. For a
-// query in SQLite's dialect whose rows can be rows of a table; nothing for one that groups, or that doesn't
-// begin with SELECT.
+// Adds the row number as the first column of a query in SQLite's dialect; `numberName` is its name in the
+// table. Returns nothing for a query that groups rows or doesn't begin with SELECT.
 std::optional<Text> WithRowNumber(TextView query, TextView numberName);
 
 }  // namespace platform

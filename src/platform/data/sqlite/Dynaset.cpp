@@ -14,7 +14,7 @@ Text Quoted(TextView name) {
     return quoted.append(1, u'"');
 }
 
-// The table whose fields are all that the query shows, or an empty text.
+// The table that all columns come from, or an empty text.
 Text OnlyTable(const Statement& statement) {
     const Text table = statement.TableOf(0);
     for (std::size_t i = 1; i < statement.ColumnCount(); ++i)
@@ -22,7 +22,7 @@ Text OnlyTable(const Statement& statement) {
     return table;
 }
 
-// SQLite knows a row's number by three names, of which a table may have given any to a column of its own.
+// SQLite has three names for the row number. A table may use any of them for one of its columns.
 std::optional<Text> NameOfRowNumber(const std::shared_ptr<SqliteConnection>& connection, const Text& table) {
     const ColumnNames columns(Statement(connection, u"SELECT * FROM " + Quoted(table)));
     for (const TextView name : {u"rowid", u"oid", u"_rowid_"})
@@ -42,7 +42,7 @@ Dynaset::Dynaset(std::shared_ptr<SqliteConnection> connection, TextView query)
     ReadRows(*statement, first);
 }
 
-// The query with the number of each row in column 0, or null where its rows are not those of a table.
+// The query with the row number added as column 0, or null if its rows aren't those of one table.
 std::unique_ptr<Statement> Dynaset::NumberedStatement(TextView query) {
     try {
         const Text table = OnlyTable(Statement(connection_, query));
@@ -50,14 +50,14 @@ std::unique_ptr<Statement> Dynaset::NumberedStatement(TextView query) {
         const auto numbered = number ? WithRowNumber(query, *number) : std::nullopt;
         if (!numbered) return nullptr;
         auto statement = std::make_unique<Statement>(connection_, *numbered);
-        // A view may show another field of the table by that name.
+        // A view may use this name for another field of the table.
         const Statement ofTable(connection_, u"SELECT " + *number + u" FROM " + Quoted(table));
         if (OnlyTable(*statement) != table || statement->OriginOf(0) != ofTable.OriginOf(0)) return nullptr;
         table_ = table;
         rowNumber_ = *number;
         return statement;
     } catch (const RuntimeError&) {
-        // What is wrong with the query itself comes out when it is tried as it was written.
+        // If the original query is wrong, preparing it afterwards reports the error.
         return nullptr;
     }
 }
@@ -139,7 +139,7 @@ void Dynaset::WriteChanges(const std::vector<Change>& changes) {
     update.BindWholeNumber(changes.size(), rows_[current_].number);
     if (!update.Step()) throw MakeDataError(DataError::RecordDeleted);
     Row written = ReadRow(update, 1);
-    // Only the end of the statement puts the row on the disk, and it can still fail.
+    // Only the last step writes the row to disk, and it can still fail.
     update.Step();
     rows_[current_] = std::move(written);
 }

@@ -1,4 +1,4 @@
-// Rows that can be changed one by one.
+// Record sets whose rows can be edited.
 #pragma once
 
 #include <optional>
@@ -9,18 +9,18 @@
 
 namespace platform {
 
-// Reads all its rows when it opens and holds no lock from then on: two add-ins that each kept a read lock
-// and waited to write would block each other for good.
+// Reads all rows when it opens, and holds no lock afterwards: two add-ins that each kept a read lock and
+// waited to write would deadlock.
 class Dynaset : public Recordset {
   public:
-    // `query` is in SQLite's dialect. Raises what a query can be wrong with, and 3260. Rows can be edited
-    // where all columns are fields of one table.
+    // `query` is in SQLite's dialect. Raises the errors of a wrong query, and 3260 if the file is locked.
+    // Rows can be edited if all columns are fields of one table.
     Dynaset(std::shared_ptr<SqliteConnection> connection, TextView query);
 
     bool EndOfFile() const override;
     Value Field(TextView name) const override;
     void MoveNext() override;
-    // The number of rows, known in full.
+    // The number of all rows.
     std::int32_t RecordCount() const override;
     void Edit() override;
     void SetField(TextView name, const Value& value) override;
@@ -30,17 +30,17 @@ class Dynaset : public Recordset {
   private:
     struct Row {
         std::int64_t number = 0;                   // in its table
-        std::vector<std::optional<Value>> values;  // nothing for binary data
+        std::vector<std::optional<Value>> values;  // nullopt for binary data
     };
     using Change = std::pair<std::size_t, Value>;
 
     std::unique_ptr<Statement> NumberedStatement(TextView query);
-    // Reads a row whose fields begin at `first`; its number, if any, is before them.
+    // Reads a row whose fields begin at column `first`; the row number, if there is one, is before them.
     Row ReadRow(const Statement& statement, std::size_t first) const;
     void ReadRows(Statement& statement, std::size_t first);
     void RequireOpen() const;
     void RequireRow() const;
-    // Raises 3020 where Edit hasn't been called for the current row.
+    // Raises 3020 if Edit hasn't been called for the current row.
     std::vector<Change>& Changes();
     void WriteChanges(const std::vector<Change>& changes);
     Text UpdateQuery(const std::vector<Change>& changes) const;
@@ -49,8 +49,8 @@ class Dynaset : public Recordset {
     bool open_ = true;
     ColumnNames names_;
     std::vector<Text> origins_;  // the columns' names in their table
-    Text table_;                 // empty where rows can't be edited
-    Text rowNumber_;             // the name of a row's number in the table
+    Text table_;                 // empty if rows can't be edited
+    Text rowNumber_;             // the name of the row number in the table
     std::vector<Row> rows_;
     std::size_t current_ = 0;
     std::optional<std::vector<Change>> changes_;

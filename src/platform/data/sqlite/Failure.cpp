@@ -18,7 +18,7 @@ std::string WithMessage(std::string_view what, std::string_view message) {
     return std::string(what).append(": ").append(message);
 }
 
-// SQLite has one code for all that is wrong with a query; only its message says what it is.
+// SQLite has one code for all errors in a query; only its message tells them apart.
 RuntimeError QueryFailure(std::string_view message, const std::string& file) {
     if (const auto table = After("no such table: ", message))
         return MakeDataError(DataError::NoSuchTable, "The table '" + *table + "' was not found in " + file);
@@ -47,7 +47,7 @@ RuntimeError SqliteFailure(int code, std::string_view message, const std::filesy
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:
             return MakeDataError(DataError::NotADatabase, name + " is not a database, or it is damaged");
-        // The file is open by then: what can't be opened any more is the journal beside it.
+        // The database is open by now, so what can't be opened is the journal beside it.
         case SQLITE_CANTOPEN:
         case SQLITE_PERM:
         case SQLITE_READONLY:

@@ -1,4 +1,4 @@
-// SQLite's failures as those of the data interface.
+// Translates SQLite's errors to those of the data interface.
 #pragma once
 
 #include <filesystem>
@@ -8,7 +8,7 @@
 
 namespace platform {
 
-// The failure for a result code. `message` is SQLite's own wording, `file` the database file.
+// The error for a result code. `message` is SQLite's own wording, `file` the database file.
 RuntimeError SqliteFailure(int code, std::string_view message, const std::filesystem::path& file);
 
 }  // namespace platform

@@ -4,7 +4,8 @@ namespace platform {
 
 ForwardOnly::ForwardOnly(std::shared_ptr<SqliteConnection> connection, TextView query)
     : connection_(std::move(connection)), statement_(ReadingStatement(connection_, query)) {
-    // The first step looks at the file, where the table may have other columns by now.
+    // Steps before reading the column names: the step recompiles the query if the table has changed
+    // meanwhile.
     Advance();
     names_ = ColumnNames(*statement_);
 }
@@ -15,7 +16,7 @@ void ForwardOnly::RequireOpen() const {
 }
 
 void ForwardOnly::Advance() {
-    // After a step that fails there is no row to read either.
+    // Set first: if the step fails, there is no row to read either.
     atEnd_ = true;
     if (!statement_->Step()) return;
     atEnd_ = false;

@@ -1,4 +1,4 @@
-// Rows read straight off a statement, once.
+// Record sets that read their rows from a statement, in one pass.
 #pragma once
 
 #include "platform/data/Database.h"
@@ -8,13 +8,13 @@ namespace platform {
 
 class ForwardOnly : public Recordset {
   public:
-    // `query` is in SQLite's dialect. Raises what a query can be wrong with, and 3260.
+    // `query` is in SQLite's dialect. Raises the errors of a wrong query, and 3260 if the file is locked.
     ForwardOnly(std::shared_ptr<SqliteConnection> connection, TextView query);
 
     bool EndOfFile() const override;
     Value Field(TextView name) const override;
     void MoveNext() override;
-    // The rows that have been current so far.
+    // The number of rows visited so far.
     std::int32_t RecordCount() const override;
     void Edit() override;
     void SetField(TextView name, const Value& value) override;
@@ -22,7 +22,7 @@ class ForwardOnly : public Recordset {
     void Close() override;
 
   private:
-    // Raises 3420 for a set that is closed, or whose database is.
+    // Raises 3420 if the set or its database is closed.
     void RequireOpen() const;
     void Advance();
 

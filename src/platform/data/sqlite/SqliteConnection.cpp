@@ -21,13 +21,13 @@ namespace {
 constexpr int lockWaitMilliseconds = 2000;
 
 int OpenFlags(bool readOnly) {
-    // Every object lives on the process's one thread. Without the flag for creating, a file that is
-    // missing stays missing.
+    // All objects live on one thread, so no mutex is needed. Without SQLITE_OPEN_CREATE, a missing file isn't
+    // created.
     return (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
 }
 
-// What another register has left to be undone would be taken for this one's. It is looked for first: as soon
-// as the copy is there, its own journal may be too.
+// Raises an error if a deleted database has left its journal: SQLite would apply that to the new copy.
+// Checked before copying, since afterwards the journal may be the copy's own.
 void RequireNoRemains(const fs::path& file) {
     for (const char* companion : {"-journal", "-wal"}) {
         const std::string remains = file.native() + companion;
@@ -94,7 +94,7 @@ void SqliteConnection::PrepareToWrite() {
 
 void SqliteConnection::CopyToOwnPlace() const {
     RequireNoRemains(ownPlace_);
-    // A transaction that reads keeps others from writing meanwhile.
+    // A read transaction keeps others from writing meanwhile.
     const ScopeExit end([this] { sqlite3_exec(handle_, "COMMIT", nullptr, nullptr, nullptr); });
     const int code = sqlite3_exec(Handle(), "BEGIN; SELECT 1 FROM sqlite_master", nullptr, nullptr, nullptr);
     if (code != SQLITE_OK) Fail(code);

@@ -13,29 +13,29 @@ namespace platform {
 
 class Statement;
 
-// Shared by the database object and its record sets. Once it is closed, its statements are finalized, and
-// whoever uses them or it gets 3420.
+// Shared by the database object and its record sets. Closing finalizes its statements; any later use of them
+// or of the connection raises 3420.
 class SqliteConnection {
   public:
-    // Opens the normal file `file` and reads it, so that what is no database is found out here. `ownPlace` is
-    // where it has to lie to be written. Raises 3343, 3260, 3051.
+    // Opens a regular file and reads from it, so that a file that is no database is detected here. Changes
+    // are only written at `ownPlace`, see PrepareToWrite. Raises 3343, 3260, 3051.
     SqliteConnection(const std::filesystem::path& file, const std::filesystem::path& ownPlace, bool readOnly);
     ~SqliteConnection();
     SqliteConnection(const SqliteConnection&) = delete;
     SqliteConnection& operator=(const SqliteConnection&) = delete;
 
-    // Raises 3420 once it is closed.
+    // Raises 3420 after Close.
     sqlite3* Handle() const;
-    // To be called before a change. Goes on with the file in its own place, where it is copied to if there is
-    // none. Raises 3027 and 3043 where it can't be written, and what the constructor raises.
+    // Must be called before a change. Switches to the file at `ownPlace`, after copying it there if it is
+    // missing. Raises 3027 or 3043 if that can't be written, and what the constructor raises.
     void PrepareToWrite();
     void Close();
 
-    // Raises the failure of the last call.
+    // Raise the error of the last SQLite call, or that of a wrong query.
     [[noreturn]] void Fail(int code) const;
     [[noreturn]] void FailQuery(std::string_view message) const;
 
-    // Statements that are to go before the file is closed.
+    // Keep track of the statements, which Close has to finalize.
     void Add(Statement& statement) { statements_.push_back(&statement); }
     void Remove(Statement& statement);
 

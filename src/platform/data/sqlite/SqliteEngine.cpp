@@ -32,8 +32,8 @@ class SqliteDatabase : public Database {
     std::shared_ptr<SqliteConnection> connection_;
 };
 
-// Distinguishes what SQLite reports as one: a file that isn't there, one that the user may not reach, and one
-// that is empty, which SQLite would take for a new database.
+// Distinguishes cases that SQLite doesn't: a missing file, one that the user may not reach, and an empty one,
+// which SQLite would take for a new database.
 void RequireDatabaseFile(const fs::path& file) {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);

@@ -9,11 +9,10 @@
 
 namespace platform {
 
-// Opens the file or what SQLite's default file system has by that name. Raises 3343, 3260 and 3051.
+// Opens the database that SQLite's default VFS has by this name, on disk or not. Raises 3343, 3260 and 3051.
 DatabaseRef OpenSqliteDatabase(const std::filesystem::path& file, bool readOnly);
 
-// Looks for files in `layers`. One that all users share is copied to its place in the user's own tree before
-// the first row of it is changed.
+// Finds files in `layers`. A shared file is copied to the user's own tree before its first change.
 std::unique_ptr<DatabaseEngine> MakeSqliteEngine(Layers layers = {});
 
 }  // namespace platform

@@ -17,7 +17,7 @@ int Index(std::size_t number) {
     return static_cast<int>(number);
 }
 
-// True where SQLite has left nothing but blanks and semicolons of the query.
+// True if nothing but blanks and semicolons follows the statement that SQLite has compiled.
 bool IsWhole(std::string_view rest) {
     return rest.find_first_not_of(" \t\r\n;") == std::string_view::npos;
 }
@@ -36,7 +36,7 @@ Value NumberValue(sqlite3_int64 number) {
     return Value(static_cast<std::int32_t>(number));
 }
 
-// Binds what a value holds, by its kind.
+// Binds a value by its type.
 class Binder {
   public:
     Binder(sqlite3_stmt* statement, int parameter) : statement_(statement), parameter_(parameter) {}
@@ -138,7 +138,7 @@ Value Statement::Column(std::size_t column) const {
         default:
             throw BinaryData();
     }
-    // There are none where the memory for their conversion is missing.
+    // Null if there wasn't enough memory to convert the text.
     const void* characters = sqlite3_column_text16(statement, index);
     if (!characters) connection_->Fail(sqlite3_errcode(connection_->Handle()));
     return Value(TextOf(characters, sqlite3_column_bytes16(statement, index)));
@@ -178,7 +178,7 @@ ColumnNames::ColumnNames(const Statement& statement, std::size_t first) {
 }
 
 std::size_t ColumnNames::IndexOf(TextView name) const {
-    // Most names are written as the table has them; comparing those is far cheaper.
+    // Tries exact names first: most are spelled as in the table, and comparing them is far cheaper.
     auto found = std::find(names_.begin(), names_.end(), name);
     if (found == names_.end())
         found = std::find_if(names_.begin(), names_.end(),

@@ -14,19 +14,19 @@ namespace platform {
 // Every member raises 3420 once the connection is closed. Columns and parameters count from 0.
 class Statement {
   public:
-    // `query` is in SQLite's dialect. Raises what a query can be wrong with.
+    // `query` is in SQLite's dialect. Raises the errors of a wrong query.
     Statement(std::shared_ptr<SqliteConnection> connection, TextView query);
     ~Statement();
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
 
-    // Goes on to the next row; false after the last one.
+    // Moves to the next row; false after the last one.
     bool Step();
 
     bool OnlyReads() const;
     std::size_t ColumnCount() const;
     Text ColumnName(std::size_t column) const;
-    // The table and the field that a column shows, or empty texts for what is worked out.
+    // The table and field that a column comes from; empty for an expression.
     Text TableOf(std::size_t column) const;
     Text OriginOf(std::size_t column) const;
     // Raises 13 for binary data.
@@ -34,11 +34,11 @@ class Statement {
     bool IsBinary(std::size_t column) const;
     std::int64_t WholeNumber(std::size_t column) const;
 
-    // Raises 13 for what no field can hold.
+    // Raises 13 for a value that no field can hold.
     void Bind(std::size_t parameter, const Value& value);
     void BindWholeNumber(std::size_t parameter, std::int64_t number);
 
-    // The connection closes.
+    // Called when the connection closes.
     void Finalize();
 
   private:
@@ -48,24 +48,24 @@ class Statement {
     sqlite3_stmt* statement_ = nullptr;
 };
 
-// A statement for a query that gives rows and changes nothing. Raises 3075 for any other.
+// A statement for a query that returns rows and changes nothing. Raises 3075 for any other.
 std::unique_ptr<Statement> ReadingStatement(const std::shared_ptr<SqliteConnection>& connection,
                                             TextView query);
 
-// The failure for a field that no Value can hold.
+// The error for a field that no Value can hold.
 RuntimeError BinaryData();
 
-// The names of the columns from `first` on. They compare without regard to case.
+// The names of the columns from `first` on, compared ignoring case.
 class ColumnNames {
   public:
     ColumnNames() = default;
     explicit ColumnNames(const Statement& statement, std::size_t first = 0);
     bool Holds(TextView name) const { return IndexOf(name) != names_.size(); }
-    // The column, counted from `first`. Raises 3265.
+    // The column, counted from `first`. Raises 3265 for an unknown name.
     std::size_t Find(TextView name) const;
 
   private:
-    // The number of names where it isn't one of them.
+    // The number of names if `name` isn't one of them.
     std::size_t IndexOf(TextView name) const;
 
     std::vector<Text> names_;
