@@ -1,4 +1,4 @@
-// Values under text keys.
+// Values by text key.
 #pragma once
 
 #include <unordered_map>
@@ -7,15 +7,15 @@
 
 namespace platform {
 
-// Keys compare without regard to case.
+// Ignores case in keys.
 class Collection {
   public:
-    // Raises 457 for a key that is there already.
+    // Raises 457 if the key is in use.
     void Add(Value item, TextView key) {
         if (!items_.emplace(UpperCase(key), std::move(item)).second)
             throw RuntimeError(ErrorNumber::DuplicateKey);
     }
-    // Raises 5 for a key that isn't there.
+    // Raises 5 for an unknown key.
     const Value& Item(TextView key) const {
         const auto found = items_.find(UpperCase(key));
         if (found == items_.end()) throw RuntimeError(ErrorNumber::InvalidProcedureCall);

@@ -25,7 +25,7 @@ RuntimeError NoDate(TextView text) {
     return RuntimeError(ErrorNumber::TypeMismatch, ToUtf8(text));
 }
 
-// The whole numbers of a text of digits parted by `separator`; nothing where it is anything else.
+// The whole numbers in a text, separated by `separator`; nothing for any other text.
 std::optional<std::vector<int>> Numbers(TextView text, char16_t separator) {
     std::vector<int> numbers;
     while (true) {
@@ -89,7 +89,8 @@ Date MakeDate(const DateParts& parts) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall);
     const auto day = (sys_days(Ymd(parts.year, parts.month, parts.day)) - epoch).count();
     const double time = (parts.hour * 3600 + parts.minute * 60 + parts.second) / double(secondsPerDay);
-    // Before the epoch the fraction still counts forward in the day, away from zero in the number.
+    // Before the epoch, the day number is negative but the time still counts forward: the fraction is
+    // subtracted.
     return {day < 0 ? double(day) - time : double(day) + time};
 }
 

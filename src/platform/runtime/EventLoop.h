@@ -7,7 +7,7 @@
 
 namespace platform {
 
-// Something that was asked for and goes on until the handle is dropped, also from inside its own call.
+// A running timer, watch or hold. Dropping the handle ends it, even from inside its own call.
 class Handle {
   public:
     virtual ~Handle() = default;
@@ -19,26 +19,25 @@ using Milliseconds = std::chrono::milliseconds;
 class Scheduler {
   public:
     virtual ~Scheduler() = default;
-    // Calls once, when `delay` has passed.
+    // Calls once, after `delay`.
     virtual HandleRef After(Milliseconds delay, std::function<void()> call) = 0;
-    // Calls again and again, each time when `interval` has passed.
+    // Calls repeatedly, after each `interval`.
     virtual HandleRef Every(Milliseconds interval, std::function<void()> call) = 0;
 };
 
 class EventLoop : public Scheduler {
   public:
-    // Calls whenever the descriptor can be read, or written.
+    // Calls whenever the descriptor is ready to be read, or written.
     virtual HandleRef WhenReadable(int descriptor, std::function<void()> call) = 0;
     virtual HandleRef WhenWritable(int descriptor, std::function<void()> call) = 0;
 
-    // Runs until Quit; a Quit that came before counts.
+    // Runs until Quit is called. If it was called before, returns at once.
     virtual void Run() = 0;
     virtual void Quit() = 0;
 
     // Waits for one round of events and serves it: timers, descriptors, painting and input.
     virtual void ServeOnce() = 0;
-    // Until every hold is dropped, input that a form accepts waits (forms/InputGate.h). That of a box
-    // doesn't.
+    // Makes input to forms wait until every hold is dropped (forms/InputGate.h). Input to boxes doesn't wait.
     virtual HandleRef HoldInput() = 0;
 };
 

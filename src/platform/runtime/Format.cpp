@@ -44,9 +44,9 @@ const Code* CodeAtStart(TextView pattern) {
     return nullptr;
 }
 
-// A number that isn't 0 as 0.DIGITS times a power of ten.
+// A nonzero number as 0.DIGITS times a power of ten.
 struct Decimal {
-    std::string digits;  // without zeros at the end
+    std::string digits;  // without trailing zeros
     int power = 0;
 };
 

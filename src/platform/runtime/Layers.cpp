@@ -25,11 +25,10 @@ std::optional<Text> BelowOneOf(const std::vector<fs::path>& trees, TextView path
 
 }  // namespace
 
-// The path with the folder of the most wanted language in which any tree has the file; empty where there is
-// none. One language for all trees: a file of the user's own in English doesn't hide the shared one in
-// German.
+// The path with the folder of the first language for which any tree has the file; empty if there is none. All
+// trees use that language: a user's own English file doesn't hide a shared German one.
 Text Layers::InLanguage(TextView path) const {
-    const std::size_t name = path.find_last_of(u'\\') + 1;  // 0 where there is no backslash
+    const std::size_t name = path.find_last_of(u'\\') + 1;  // 0 without a backslash
     for (const Text& language : languages_) {
         const Text candidate = Text(path.substr(0, name)) + language + u"\\" + Text(path.substr(name));
         const auto has = [&](const fs::path& tree) { return Exists(RealPath(candidate, tree)); };
@@ -41,7 +40,7 @@ Text Layers::InLanguage(TextView path) const {
 std::vector<fs::path> Layers::FindAll(TextView path) const {
     std::vector<fs::path> found;
     const auto add = [&](const fs::path& file) {
-        // A link to a file that comes later is that file.
+        // Trees can link to each other's files; each file is listed once.
         const auto isSame = [&](const fs::path& other) { return IsSame(file, other); };
         if (Exists(file) && std::none_of(found.begin(), found.end(), isSame)) found.push_back(file);
     };
@@ -59,7 +58,7 @@ std::vector<fs::path> Layers::FindAll(TextView path) const {
 fs::path Layers::Find(TextView path) const {
     const auto found = FindAll(path);
     if (!found.empty()) return found.front();
-    // Where it would be looked for last, in its real spelling.
+    // The place where it was looked for last, in its real spelling.
     const auto rest = BelowOneOf(trees_, path);
     return rest ? RealPath(*rest, trees_.back()) : RealPath(path);
 }

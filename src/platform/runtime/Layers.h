@@ -1,5 +1,6 @@
-// Where the files of an installation are looked for: the user's own directory tree first, then the trees that
-// all users share. In each tree a folder named after the language, beside the file, comes ahead of the file.
+// Finds the files of an installation: first in the user's own directory tree, then in the trees that all
+// users share. In each tree, a file in a folder named after the language takes precedence over the file
+// beside that folder.
 #pragma once
 
 #include <filesystem>
@@ -11,22 +12,22 @@ namespace platform {
 
 class Layers {
   public:
-    // Without trees, each path means what it says.
+    // Without trees, every path is used as it is.
     Layers() = default;
-    // The first tree is the user's own. `languages` are names of folders, the most wanted first.
+    // The first tree is the user's own. `languages` are names of folders, in order of preference.
     Layers(std::vector<std::filesystem::path> trees, std::vector<Text> languages)
         : trees_(std::move(trees)), languages_(std::move(languages)) {}
 
     const std::vector<std::filesystem::path>& Trees() const { return trees_; }
 
-    // The file that a path means: below one of the trees, the first that any of them has by that name. A path
-    // that leads elsewhere means what it says, and so does one whose file is nowhere.
+    // The file for a path. If the path is below one of the trees, that is the first existing file of that
+    // name in any of them, or its place in the last tree if there is none. Other paths are used as they are.
     std::filesystem::path Find(TextView path) const;
-    // That file, and those of the same name that it hides.
+    // All existing files for a path, that of Find first.
     std::vector<std::filesystem::path> FindAll(TextView path) const;
 
-    // Where a file has to lie to be written: its place in the user's own tree, or where it is if that is
-    // below none of the trees.
+    // The path at which to write a file: its place in the user's own tree, or `file` itself if it is below
+    // none of the trees.
     std::filesystem::path OwnPlace(const std::filesystem::path& file) const;
 
   private:

@@ -1,4 +1,4 @@
-// Member tables: each slot out of a pointer to the member that it reaches.
+// Builds member tables: makes each slot from a pointer to the C++ member.
 #pragma once
 
 #include <initializer_list>
@@ -10,13 +10,13 @@
 
 namespace platform {
 
-// Slots in their order, put together from single ones and from other tables.
+// Slots in order, combined from single slots and other tables.
 struct Slots : std::vector<Member> {
     Slots(Member member);
     Slots(std::initializer_list<Slots> parts);
 };
 
-// A parameter whose argument may be left out; the member gets an empty one, a Variant gets Missing.
+// A parameter whose argument may be left out. The member then gets a default value, or Missing for a Variant.
 constexpr Parameter Optional(std::string_view name) {
     return {name, ValueType::Variant, true};
 }
@@ -47,7 +47,8 @@ constexpr ValueType TypeOf() {
         return ValueType::Object;
 }
 
-// The argument of a parameter, Missing for an optional one. Raises 450 where one is left out that is not.
+// The argument for a parameter; Missing if an optional one is left out. Raises 450 if a required one is left
+// out.
 const Value& ArgumentOf(const Member& member, const Arguments& arguments, std::size_t parameter);
 
 template <class Type>
@@ -56,7 +57,7 @@ void Take(Type& variable, const Member& member, const Arguments& arguments, std:
     if (std::is_same_v<Type, Value> || !argument.IsMissing()) Assign(variable, argument);
 }
 
-// What the member left alone goes back as it came, not as it was converted.
+// An argument that the member didn't change is returned as it came, not as it was converted.
 template <class Declared, class Type>
 void GiveBack(const Type& variable, const Member& member, Arguments& arguments, std::size_t parameter) {
     if constexpr (std::is_same_v<Declared, Type&>) {
@@ -71,7 +72,7 @@ inline Parameter Typed(Parameter parameter, ValueType type) {
     return parameter;
 }
 
-// A slot by its signature. A parameter that is a reference to a variable goes by reference, others by value.
+// Makes a slot from a signature. Non-const references are passed by reference, other parameters by value.
 template <class Class, class Result, class... Declared>
 struct Signature {
     template <auto Function>
@@ -108,7 +109,7 @@ struct Signature {
     }
 };
 
-// What a field holds, which for a property is what the property holds.
+// The type of a field's value. For a Property that is the type of the property's value.
 template <class Field>
 struct ContentOf {
     using Type = std::remove_const_t<Field>;
@@ -147,15 +148,15 @@ Member Method(std::string_view name, const Names&... parameters) {
     return Signature::template Slot<Function>(InvokeKind::Method, name, parameters...);
 }
 
-// The read form of a property: of a field, or of a function whose parameters are the index.
+// The read slot of a property: from a field, or from a function whose parameters are the index.
 template <auto Reader, class... Names>
 Member Read(std::string_view name, const Names&... index) {
     using Signature = typename detail::Reached<decltype(Reader)>::Reader;
     return Signature::template Slot<Reader>(InvokeKind::PropertyGet, name, index...);
 }
 
-// The write form: of a field, or of a function whose last parameter is the new value. One parameter alone is
-// called "Value" where it gets no name.
+// The write slot: from a field, or from a function whose last parameter is the new value. A single parameter
+// without a name is called "Value".
 template <auto Writer, class... Names>
 Member Write(std::string_view name, const Names&... indexAndValue) {
     using Reached = detail::Reached<decltype(Writer)>;
@@ -168,7 +169,7 @@ Member Write(std::string_view name, const Names&... indexAndValue) {
         return Reached::Reader::template Slot<Writer>(InvokeKind::PropertyPut, name, indexAndValue...);
 }
 
-// Both forms of a property without an index, the read form first.
+// Both slots of a property without an index, the read slot first.
 template <auto Reader, auto Writer = Reader>
 Slots ReadWrite(std::string_view name) {
     return {Read<Reader>(name), Write<Writer>(name)};

@@ -1,4 +1,4 @@
-// What is reached by name: members with kind and arguments, described once in a table (MemberTable.h).
+// Objects whose members are called by name. A table describes the members (MemberTable.h).
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,11 @@
 
 namespace platform {
 
-// What a caller wants of a member; the values go over the bus as they are.
+// What a caller wants of a member. The numbers are part of the bus contract.
 enum class InvokeKind : std::uint16_t { Method = 1, PropertyGet = 2, PropertyPut = 4, PropertyPutObject = 8 };
 
-// Arguments in the order of declaration. A write has the new value last, an indexed property its index
-// first. All are references: a callee may change an entry, and the caller finds the new value in it.
+// Arguments in the order of declaration. A write has the new value last, an indexed property its index first.
+// All are passed by reference: a callee may change an entry, and the caller sees the new value.
 using Arguments = std::vector<Value>;
 
 enum class ValueType { None, Variant, String, Integer, Long, Boolean, Single, Double, Date, Object };
@@ -24,10 +24,11 @@ enum class ValueType { None, Variant, String, Integer, Long, Boolean, Single, Do
 struct Parameter {
     std::string_view name;
     ValueType type = ValueType::Variant;
-    bool optional = false;  // left out, it arrives as Missing
+    bool optional = false;  // passed as Missing if left out
 };
 
-// One slot of a class. `invoke` converts the arguments, of which there are never more than parameters.
+// One slot of a class. `invoke` converts the arguments, and never gets more of them than there are
+// parameters.
 struct Member {
     std::string_view name;
     InvokeKind kind = InvokeKind::Method;
@@ -44,10 +45,10 @@ struct TypeLibrary {
     std::string_view name, guid, version;
 };
 
-struct Slots;  // for tables that are put together, see MemberTable.h
+struct Slots;  // combines tables, see MemberTable.h
 
-// A class: its type name and its members in the order of their slots. A public class has a library and
-// GUIDs, and shows an interface of its own on the bus.
+// A class: its type name and its members in the order of their slots. A public class has a library and GUIDs,
+// and its own interface on the bus.
 struct ClassDescription {
     std::string_view name;
     std::vector<Member> members;
@@ -55,14 +56,14 @@ struct ClassDescription {
     std::string_view classGuid = {}, interfaceGuid = {};
 };
 
-// Member names compare without regard to case.
+// Ignores case.
 bool SameMemberName(std::string_view left, std::string_view right);
 
-// The slot that a call of this kind reaches, or null. Reading and calling reach either of the two, and so
-// do the two kinds of writing.
+// The slot for a call of this kind, or null. Method and PropertyGet find each other's slots, and so do
+// PropertyPut and PropertyPutObject.
 const Member* FindMember(const ClassDescription& description, std::string_view name, InvokeKind kind);
 
-// Converts to a declared type; Missing stays. Raises what the conversions of Value raise.
+// Converts to a declared type; Missing stays Missing. Raises what the conversions of Value raise.
 Value Converted(const Value& value, ValueType type);
 
 class Object : public std::enable_shared_from_this<Object> {
@@ -74,26 +75,26 @@ class Object : public std::enable_shared_from_this<Object> {
 
     virtual const ClassDescription& Class() const = 0;
 
-    // Calls a member by its name. Raises 438 for a member that isn't there, 450 for a wrong number of
-    // arguments, the conversions' errors, and what the member raises.
+    // Calls a member by its name. Raises 438 for an unknown member, 383 for writing a read-only property, 450
+    // for a wrong number of arguments, the conversions' errors, and what the member raises.
     virtual Value Invoke(std::string_view name, InvokeKind kind, Arguments& arguments);
 
-    // Run when the last client of an object that lives in this process lets go of it: ahead of the answer to
-    // its release, and after it. The first makes no calls.
+    // Called when the last client of an object of this process has released it: the first before the release
+    // is answered, the second afterwards. The first must not make calls.
     virtual void LastClientLeaves() {}
     virtual void LastClientGone() {}
 
-    // Calls `left` once if the process that owns the object leaves. Keep the result for as long as the
-    // call is wanted. An object of this process never leaves, and gives nothing.
+    // Calls `left` once if the process that owns the object leaves the bus. Dropping the result ends the
+    // watch. Returns null for an object of this process.
     virtual std::shared_ptr<void> WhenOwnerGone(std::function<void()> left);
 };
 
-// Calls one slot as Invoke does, once it is found.
+// Calls a slot as Invoke does after finding it.
 Value InvokeMember(Object& object, const Member& member, Arguments& arguments);
 
 // --- late-bound calls -------------------------------------------------------------------------------
 
-// An argument by reference: after the call the variable holds what the callee made of it.
+// An argument passed by reference: after the call the variable has the value that the callee gave it.
 template <class Variable>
 struct ByReference {
     Variable& variable;
@@ -179,7 +180,7 @@ Value InvokeLate(const ObjectRef& object, std::string_view member, InvokeKind ki
 
 }  // namespace detail
 
-// Each raises 91 where `object` is nothing, and what Invoke raises.
+// Each raises 91 if `object` is null, and what Invoke raises.
 template <class... Parameters>
 Value Call(const ObjectRef& object, std::string_view method, const Parameters&... parameters) {
     return detail::InvokeLate(object, method, InvokeKind::Method, parameters...);

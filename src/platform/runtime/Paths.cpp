@@ -51,7 +51,7 @@ bool IsNormalFile(const fs::path& path) {
     return fs::is_regular_file(path, error);
 }
 
-// The entries of a directory that differ from `name` in letter case only, in a settled order.
+// The entries of a directory that differ from `name` only in letter case, sorted.
 std::vector<fs::path> Lookalikes(const fs::path& directory, const Text& name) {
     std::vector<fs::path> found;
     std::error_code error;
@@ -65,8 +65,8 @@ std::vector<fs::path> Lookalikes(const fs::path& directory, const Text& name) {
     return found;
 }
 
-// Looks for the whole route. Two directories may differ in case only, and the file lie in either, so a
-// match that leads nowhere is given up for the next; the deepest one is kept in case none is whole.
+// Searches for the whole route. If two directories differ only in case, the file may be in either, so the
+// search backtracks from a match that leads nowhere. If no match is complete, the deepest one is used.
 class Walk {
   public:
     Walk(const Route& route, fs::path start) : route_(route), start_(std::move(start)), deepest_(start_) {}
@@ -111,7 +111,8 @@ class Walk {
     const fs::path start_;
     fs::path deepest_;
     std::size_t depth_ = 0;
-    // Links can lead to one directory by so many ways that there would be no end to going each of them.
+    // Directories searched without success, by depth. Links can lead to one directory in so many ways that
+    // trying all of them would never end.
     std::set<std::pair<std::size_t, fs::path>> inVain_;
 };
 

@@ -1,4 +1,5 @@
-// Paths stay text with backslashes, upper case and all, until a file is opened. Here they become real.
+// Turns path texts into real paths. The program keeps paths as text, with backslashes and in any letter case,
+// until it opens a file.
 #pragma once
 
 #include <filesystem>
@@ -10,26 +11,26 @@
 
 namespace platform {
 
-// The file that a path means: separators of either kind, ".." taken away by text, and each component
-// found without regard to case where the exact one is missing. A relative path begins at `from`. What doesn't
-// exist keeps its spelling.
+// The real path for a path text: accepts both kinds of separators, resolves ".." textually, and ignores case
+// in each component that has no exact match. Relative paths start at `from`. Components that don't exist keep
+// their spelling.
 std::filesystem::path RealPath(TextView path, const std::filesystem::path& from = {});
 
-// What an absolute path says after that of a directory, compared as text without regard to case. Nothing
-// where it doesn't lead below it.
+// The part of an absolute path below a directory, compared as text, ignoring case. Nothing if the path isn't
+// below it.
 std::optional<Text> Below(TextView path, const std::filesystem::path& directory);
 
-// Whether there is a file or a directory, as far as can be seen.
+// Whether a file or directory exists; false if that can't be determined.
 bool Exists(const std::filesystem::path& path);
 
-// A real path as the system writes it: absolute, with backslashes.
+// A real path as the program writes it: absolute, with backslashes.
 Text PathText(const std::filesystem::path& path);
 
-// The name of the normal file at `path`, or an empty text where there is none.
+// The name of the regular file at `path`, or an empty text if there is none.
 using Find = std::function<std::filesystem::path(TextView path)>;
 Text Dir(TextView path, const Find& find = [](TextView each) { return RealPath(each); });
 
-// The bytes of a normal file; not open where there is none. A pipe, which would be waited for, is none.
+// Opens a regular file. The stream isn't open for anything else, such as a pipe, which could block.
 std::ifstream OpenToRead(const std::filesystem::path& file);
 
 }  // namespace platform

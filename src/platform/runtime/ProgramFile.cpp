@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Taking ".." away by text is wrong after a link to a directory.
+// Resolving ".." textually is wrong after a link to a directory.
 fs::path WithoutDots(const fs::path& file) {
     std::error_code error;
     const fs::path directory = file.parent_path();
@@ -25,7 +25,7 @@ fs::path WithoutDots(const fs::path& file) {
 fs::path ProgramFile() {
     const auto* started = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
     std::error_code error;
-    // A program that was started by an open file has no path of its own there.
+    // If the program was started by a file descriptor, AT_EXECFN holds no lasting path.
     if (!started || !fs::exists(started, error)) return fs::read_symlink("/proc/self/exe");
     return ProgramFile(fs::path(started));
 }

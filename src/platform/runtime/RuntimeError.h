@@ -1,4 +1,4 @@
-// Run-time errors: the one exception that carries a failure, and what is done with one that goes no further.
+// Run-time errors: the one exception type for failures, and the functions that skip or report them.
 #pragma once
 
 #include <cstdint>
@@ -47,7 +47,7 @@ class RuntimeError : public std::exception {
     std::string utf8_;
 };
 
-// The error state of a routine that is marked to skip: set by a skipped failure until it is cleared.
+// The error state of a routine that skips failures: the last one skipped, until it is cleared.
 class ErrorState {
   public:
     bool IsSet() const { return number_ != 0; }
@@ -61,13 +61,12 @@ class ErrorState {
     Text description_;
 };
 
-// Writes a line on what the program passes over to standard error, where the environment has
-// HORALINK_TRACE=1.
+// Writes a diagnostic line to standard error if HORALINK_TRACE=1 is set in the environment.
 void Trace(std::string_view line);
 void TraceSkipped(std::string_view statement, const RuntimeError& error);
 
-// Runs one statement. A run-time error abandons it, is noted in `state` and traced under `name`, and the
-// caller goes on.
+// Runs one statement. A run-time error ends it, is stored in `state` and traced with `name`; the caller
+// continues.
 template <class Statement>
 void Skip(ErrorState& state, std::string_view name, Statement&& statement) {
     try {
@@ -78,11 +77,11 @@ void Skip(ErrorState& state, std::string_view name, Statement&& statement) {
     }
 }
 
-// Writes a failure that no routine has met to standard error.
+// Writes a failure that no routine has handled to standard error.
 void ReportUnhandled(const RuntimeError& error);
 
-// Where a call from outside enters: runs an event. A run-time error that no routine has met ends the event
-// and is reported; the process goes on. `End` is no run-time error and passes.
+// Runs an event, at the point where a call from outside enters. A run-time error that no routine has handled
+// ends the event and is reported; the process continues. Other exceptions pass through.
 template <class Event>
 void Guard(Event&& event) {
     try {

@@ -1,4 +1,4 @@
-// What has to happen however a scope is left.
+// Runs an action when a scope is left, normally or by an exception.
 #pragma once
 
 #include <utility>

@@ -42,7 +42,8 @@ void AppendUtf8(std::string& utf8, char32_t code) {
     }
 }
 
-// Takes one code point off `utf8`. A broken sequence takes one byte and gives the replacement.
+// Removes the first code point from `utf8` and returns it. For an invalid sequence, removes one byte and
+// returns the replacement character.
 char32_t TakeCodePoint(std::string_view& utf8) {
     const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
     const unsigned char lead = byteAt(0);

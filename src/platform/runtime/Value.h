@@ -1,4 +1,4 @@
-// The variant that travels between objects.
+// The variant type of arguments and results.
 #pragma once
 
 #include <cstdint>
@@ -54,8 +54,8 @@ class Value {
     bool IsMissing() const { return std::holds_alternative<Missing>(storage_); }
     bool IsObject() const { return std::holds_alternative<ObjectRef>(storage_); }
 
-    // Conversions. Each raises 94 for Null, 13 for what can't be converted and 6 for what doesn't fit;
-    // an empty value counts as "", 0 or False. Fractions round to the nearest, halves to even.
+    // Conversions. Each raises 94 for Null, 13 for a value that can't be converted and 6 for one out of
+    // range; an empty value counts as "", 0 or False. Fractions round to the nearest, halves to even.
     Text ToText() const;
     bool ToBoolean() const;
     std::int16_t ToInteger() const;
@@ -63,9 +63,9 @@ class Value {
     float ToSingle() const;
     double ToDouble() const;
     Date ToDate() const;
-    // The object, which may be nothing. Raises 424 for a value that holds no object.
+    // The object, which may be null. Raises 424 for a value of another kind.
     ObjectRef ToObject() const;
-    // As ToText, but Null counts as empty text: what joining a value to an empty text gives.
+    // As ToText, but Null counts as empty text.
     Text ToTextOrEmpty() const;
 
     // Same kind and same content.

@@ -18,7 +18,7 @@ void Require(bool succeeded) {
     if (!succeeded) throw std::system_error(errno, std::generic_category());
 }
 
-// An open file, closed at the end.
+// An open file, closed on destruction.
 struct Descriptor {
     explicit Descriptor(int opened) : number(opened) {}
     ~Descriptor() { close(number); }
@@ -27,8 +27,8 @@ struct Descriptor {
     const int number;
 };
 
-// A file without a name, which goes with the process unless it is given one. Some file systems, such as those
-// over a network, have none: there it has a hidden name of its own.
+// A file without a name, which vanishes with the process unless it is published. Where the file system
+// doesn't support that, e.g. over a network, the draft gets a hidden name.
 class Draft {
   public:
     explicit Draft(const fs::path& target)
@@ -36,7 +36,7 @@ class Draft {
         if (file_.number >= 0) return;
         Require(errno == EOPNOTSUPP || errno == EISDIR);
         hidden_ = target.parent_path() / ("." + target.filename().native() + "." + std::to_string(getpid()));
-        unlink(hidden_.c_str());  // what a killed process of the same number has left
+        unlink(hidden_.c_str());  // left by a killed process with the same number
         named_ = open(hidden_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
         Require(named_ >= 0);
     }

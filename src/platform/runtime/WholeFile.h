@@ -1,13 +1,13 @@
-// A file that appears whole or not at all.
+// Copies files so that the copy is complete or doesn't exist.
 #pragma once
 
 #include <filesystem>
 
 namespace platform {
 
-// Copies a file to a place where there is none, with the directories on the way. Killed at any moment, it has
-// made all of the file or nothing. A file that is there already, or that another process puts there
-// meanwhile, stays as it is. Raises std::system_error.
+// Copies a file to a path where there is none, and creates missing directories. Even if the process is
+// killed, the copy is complete or doesn't exist. Never replaces a file that is already there, or that another
+// process creates meanwhile. Raises std::system_error.
 void CopyWhole(const std::filesystem::path& from, const std::filesystem::path& to);
 
 }  // namespace platform
