@@ -1,4 +1,4 @@
-// The application object.
+// The application object: what the program knows about itself.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace platform {
 
-// The words on the buttons of boxes, English until the user's language is loaded.
+// The button texts of boxes, English until the user's language is loaded.
 struct ButtonTexts {
     Text ok = u"OK", cancel = u"Cancel", abort = u"Abort", retry = u"Retry", ignore = u"Ignore", yes = u"Yes",
          no = u"No", help = u"Help", keepWaiting = u"Keep waiting", giveUp = u"Give up";
@@ -18,7 +18,7 @@ struct ButtonTexts {
 struct Application {
     Text title;
     Text helpFile;
-    Layers layers;               // where its files are found
+    Layers layers;               // where the application's files are found
     Text path;                   // directory of the executable, with backslashes, but no trailing one
     Text command;                // the command line after the program's name
     std::int16_t startMode = 0;  // 1 if automation started the process

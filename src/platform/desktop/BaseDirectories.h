@@ -1,4 +1,4 @@
-// The directories that the environment names for the data and the settings of programs.
+// The base directories for data and settings, from the environment.
 #pragma once
 
 #include <filesystem>
@@ -7,14 +7,14 @@
 
 namespace platform {
 
-// A variable of the environment, empty where it isn't set.
+// An environment variable, empty if it isn't set.
 std::string Variable(const char* name);
 
-// Of one user: the directory that `variable` names, or `below` in the home directory. Empty without a home. A
-// relative one would differ with the working directory, so it counts as none.
+// The user's directory: the one that `variable` names, or `below` in the home directory; empty without a
+// home. Ignores relative paths, which would depend on the working directory.
 std::filesystem::path UserDirectory(const char* variable, const char* below);
 
-// Of the site: the absolute directories of the list in `variable`, or of `otherwise` where that is empty.
+// The site's directories: the absolute ones in the list `variable`, or in `otherwise` if that is empty.
 std::vector<std::filesystem::path> SiteDirectories(const char* variable, const char* otherwise);
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-// What the add-in needs of its desktop.
+// What the add-in needs from the desktop.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace platform {
 
-// The constants whose sum is the buttons of a message box.
+// Constants to add up for MessageBox::buttons.
 namespace buttons {
 inline constexpr std::int32_t okOnly = 0, okCancel = 1, abortRetryIgnore = 2, yesNoCancel = 3, yesNo = 4,
                               retryCancel = 5;
@@ -32,11 +32,12 @@ struct MessageBox {
 class MessageBoxes {
   public:
     virtual ~MessageBoxes() = default;
-    // Shows a box and waits until it is closed. 1 OK, 2 Cancel, 3 Abort, 4 Retry, 5 Ignore, 6 Yes, 7 No.
+    // Shows a box and waits until it is closed. Returns 1 for OK, 2 Cancel, 3 Abort, 4 Retry, 5 Ignore, 6
+    // Yes, 7 No.
     virtual std::int16_t Show(const MessageBox& box) = 0;
 };
 
-// Shapes of the mouse pointer over the whole application.
+// Mouse pointer shapes, which apply to the whole application.
 enum class MousePointer : std::int16_t { Default = 0, Hourglass = 11 };
 
 class Screen {
@@ -49,14 +50,14 @@ class Screen {
     virtual float Height() const = 0;
 };
 
-// The user's stored values, each under three names in any case.
+// The user's settings, each with three names, which ignore case.
 class Settings {
   public:
     virtual ~Settings() = default;
     virtual Text Get(TextView application, TextView section, TextView key, TextView fallback) const = 0;
 };
 
-// Picture files by their paths.
+// Finds and loads picture files.
 class PictureFiles {
   public:
     virtual ~PictureFiles() = default;

@@ -43,7 +43,8 @@ std::optional<Text> IniValue(std::string_view content, TextView section, TextVie
 
 Text IniSettings::Get(TextView application, TextView section, TextView key, TextView fallback) const {
     for (const auto& file : files_) {
-        // What can't be read, such as a directory, must not raise anything here.
+        // Copies through a stream, since a file that can't be read, such as a directory, must not raise an
+        // error.
         std::ostringstream content;
         content << OpenToRead(file).rdbuf();
         if (auto value = IniValue(content.str(), Text(application).append(u"/").append(section), key))

@@ -16,21 +16,21 @@ namespace {
 
 constexpr TextView family = u"VELMORA32";
 
-// The name of the locale for texts.
+// The locale of the messages category.
 std::string MessagesLocale() {
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
         if (std::string value = Variable(name); !value.empty()) return value;
     return "C";
 }
 
-// The list of LANGUAGE, which counts only where there is a locale at all, or that of the locale alone.
+// The list in LANGUAGE, which counts only if a locale is set; otherwise the locale alone.
 std::string LanguageList() {
     const std::string locale = MessagesLocale(), list = Variable("LANGUAGE");
     return list.empty() || locale == "C" || locale == "POSIX" ? locale : list;
 }
 
 void Add(std::vector<Text>& languages, const Text& language) {
-    // It becomes the name of a folder.
+    // The language becomes the name of a folder.
     const bool isName = !language.empty() && language != u"C" && language != u"POSIX" &&
                         language.find_first_of(u"/\\") == language.npos;
     const bool isNew = std::find(languages.begin(), languages.end(), language) == languages.end();
@@ -47,7 +47,7 @@ fs::path UserTree(TextView market) {
     return RealPath(Text(family).append(u"\\").append(market), data);
 }
 
-// A path of another kind, such as one with a drive, is none that files can be looked for in.
+// The tree that the setting names. Ignores paths that can't be used here, such as one with a drive letter.
 fs::path NamedTree(const Settings& settings, const Text& market) {
     const fs::path named =
         RealPath(settings.Get(family, market.empty() ? Text(u"NONE") : market, u"InstallPath", u""));

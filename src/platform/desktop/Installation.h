@@ -1,4 +1,4 @@
-// The installation of the family that a program belongs to.
+// Finds the installation that a program belongs to.
 #pragma once
 
 #include <filesystem>
@@ -10,17 +10,17 @@
 namespace platform {
 
 struct Installation {
-    Text market;    // the directory …/VELMORA32/CODE names it; empty where the program lies in no such tree
-    Layers layers;  // of its files
+    Text market;    // CODE in the path …/VELMORA32/CODE; empty if the program lies in no such tree
+    Layers layers;  // where its files are
 };
 
-// `program` is the result of ProgramFile, or what it would be. The trees are, each once:
-// VELMORA32/CODE in the user's data directory, the one that the setting InstallPath names, the one that the
-// program was started in, and the one that the program lies in if that was a link.
+// `program` is a path as ProgramFile returns it. The trees, without duplicates, are VELMORA32/CODE in the
+// user's data directory, the tree that the setting InstallPath names, the one that the program was started
+// in, and the one that it really lies in if it was started by a link.
 Installation FindInstallation(const std::filesystem::path& program, const Settings& settings);
 
-// The languages to look for, the most wanted first: the setting, else those of the environment in the order
-// of gettext, each followed by its form without a country; English is the last.
+// The languages to look for, in order of preference: those of the setting, or else of the environment in the
+// order of gettext, each followed by its form without a country; English comes last.
 std::vector<Text> WantedLanguages(TextView setting);
 
 }  // namespace platform

@@ -71,7 +71,7 @@ class Form : public Object, public Watched {
     std::function<void()> Loading;
     std::function<void(bool& cancel)> Unloading;
     std::function<void(std::int16_t keyCode)> KeyDown;  // for F1 alone, before the controls see it
-    // For the owner of the process.
+    // Called after unloading, so that the process can end.
     std::function<void()> Unloaded;
 
     bool IsLoaded() const { return loaded_; }
@@ -98,9 +98,9 @@ class Form : public Object, public Watched {
     // Shows the topic of the control's WhatsThisHelpID in the application's help file.
     void ShowWhatsThis(Control& control);
 
-    // For the view.
+    // Called by the view.
     void MovedByOperator(float left, float top);
-    // For the view: a close waits as long as `mark` exists.
+    // Called by the view: a close waits as long as `mark` exists.
     void CloseWaits(std::weak_ptr<const void> mark) { waitingClose_ = std::move(mark); }
 
   private:

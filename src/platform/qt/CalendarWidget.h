@@ -98,7 +98,7 @@ class CalendarWidget : public QWidget, public TypedView<Calendar> {
     QLocale locale_ = QLocale::system();
     CalendarSelectors selectors_;
     QMetaObject::Connection beforeWaiting_;
-    std::time_t lastLook_ = 0;  // at the date
+    std::time_t lastLook_ = 0;  // when today's date was last checked
 };
 
 }  // namespace platform::forms
