@@ -34,7 +34,7 @@ namespace button {
 inline constexpr std::int16_t hide = 0, update = 1, lookup = 2;
 }
 
-// What showdateselectors of the calendar is set to.
+// Values of the calendar's showdateselectors.
 namespace selectors {
 inline constexpr std::int16_t shown = 1, hidden = 2;
 }
@@ -42,7 +42,7 @@ inline constexpr std::int16_t shown = 1, hidden = 2;
 // Lays the dialog out on an empty form.
 DialogControls LayOut(platform::forms::Form& form);
 
-// What the dialog does for its pieces.
+// What the dialog offers its parts.
 struct DialogLinks {
     // See dlgAddin::EnableButtons.
     static constexpr std::int16_t updateButtonAlone = 1;

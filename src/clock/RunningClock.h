@@ -11,8 +11,8 @@ class RunningClock {
     RunningClock(const DialogControls& controls, const platform::Clock& clock)
         : controls_(controls), clock_(clock) {}
 
-    // Updates what follows the PC to its date and time, where that has changed. Raises nothing: the next tick
-    // repairs what fails.
+    // Updates those parts of the display that follow the PC, if they have changed. Raises nothing: the next
+    // tick tries again.
     void UpdateDisplay();
 
     // Sets the calendar to the PC's date.

@@ -37,7 +37,7 @@ RuntimeError Unreadable(const std::string& why) {
     return RuntimeError(static_cast<std::int32_t>(ErrorNumber::TypeMismatch), FromUtf8(why));
 }
 
-// Converts a text, and traces why it can't.
+// Converts a text; traces a failure under `blame` before raising it.
 Date Converted(const Text& text, const std::string& blame) {
     try {
         return DateOfText(text);

@@ -331,7 +331,7 @@ void RoundTrip::Finish(const Text& loginId) {
     if (!isOnItsWay && state_ != State::Showing) Rest();
 }
 
-// After an answer to an earlier request.
+// Continues to wait after an answer to an earlier request.
 void RoundTrip::ResumeWaiting() {
     if (state_ != State::Reading) return;
     patience_->IsGivenUp() ? Abandon() : EnterWaiting();

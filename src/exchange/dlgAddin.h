@@ -46,7 +46,7 @@ class dlgAddin : public platform::Object {
 
     platform::forms::Form& Window() { return *form_; }
     const DialogControls& Controls() const { return controls_; }
-    // For the owner of the process: the dialog is about to unload, and closes its texts.
+    // Called when the dialog is about to unload, before it closes the language databases.
     std::function<void()> Closing;
 
   private:

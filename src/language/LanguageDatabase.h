@@ -22,7 +22,7 @@ bool LoadProjectText(platform::MessageBoxes& boxes, platform::Application& app, 
 bool LoadMessageTable(platform::MessageBoxes& boxes, MessageTexts& messages, platform::TextView tableName,
                       platform::Database& database);
 
-// Sets the words on buttons from the messages. A table may lack some; those stay as they are.
+// Sets the button texts from the messages. Texts that the table lacks stay as they are.
 void TakeButtonTexts(const MessageTexts& messages, platform::ButtonTexts& buttons);
 
 }  // namespace horalink

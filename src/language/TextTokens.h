@@ -6,7 +6,7 @@
 
 namespace horalink {
 
-// In place of a text: there is none.
+// Stands for a missing text.
 inline constexpr platform::TextView noValue = u"-1";
 
 // Expands a text: pieces separated by "&", each trimmed, with %CR, %AND, %SP, %SP4, and %ST for the next

@@ -12,7 +12,7 @@ constexpr TextView none = u"NONE";
 constexpr TextView familyDirectory = u"VELMORA32";
 constexpr std::size_t codeLength = 5;
 
-// ...VELMORA32?ccccc?KEYWD: the directory of the family, the code, the keyword of six characters.
+// ...VELMORA32?ccccc?KEYWD: the family's directory, the market code, the keyword of six characters.
 Text CodeAboveKeyword(TextView appPath, TextView key) {
     const Text tail = UpperCase(Right(appPath, 22));
     return Mid(tail, 1, 9) == familyDirectory && Mid(tail, 17, 6) == key ? Mid(tail, 11, codeLength)

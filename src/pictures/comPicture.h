@@ -12,7 +12,7 @@ namespace horalink {
 bool LoadFormPictures(const Services& services, platform::forms::Form& form, platform::Database* addInDb,
                       platform::Database* commonDb, std::int16_t index, platform::TextView directory);
 
-// Reads the file names of a background set, by default name. Reports nothing: where a name can't be read, the
+// Reads the file names of a background set, by default name. Reports nothing: if a name can't be read, the
 // default name is used.
 void LoadPictureFileNames(platform::Database* commonDb, std::int16_t index, platform::Collection& names);
 

@@ -18,7 +18,7 @@ class AddInMain {
     ~AddInMain();
 
     // Prepares everything but the window, and in a stand-alone run opens the dialog. A failure ends the
-    // process; the routine that failed has shown it.
+    // process, after the routine that failed has shown it.
     void Main();
 
     // Runs for each new cOLELayer: records the version, sets the wait limits, and loads the dialog without
