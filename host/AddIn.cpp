@@ -12,7 +12,7 @@ using platform::ToUtf8;
 namespace {
 
 constexpr platform::TextView className = u"Horalink10013.cOLELayer";
-// How long to wait for the add-in's end. With other clients, it doesn't end after our release.
+// How long to wait for the add-in to end. If it has other clients, our release doesn't end it.
 constexpr platform::Milliseconds longestFarewell{3000};
 
 }  // namespace
@@ -86,7 +86,7 @@ void AddIn::Close() {
 
 void AddIn::ChildUnloaded(std::int16_t id) {
     if (id != childId_) return;
-    // Not inside the add-in's call.
+    // Later, since the add-in is waiting for its call to return.
     release_ = loop_.After(platform::Milliseconds(0), [this] { Close(); });
 }
 

@@ -18,13 +18,13 @@ class AddIn {
     AddIn(platform::Automation& automation, platform::EventLoop& loop, HostView& view, CallLog& log);
 
     // Creates the add-in if necessary, and shows it for an exchange. Reports errors to the view. Does nothing
-    // while it is being opened already.
+    // while another opening is under way.
     void Open(const platform::Text& exchange, const platform::ObjectRef& host);
-    // Sets the background of the open add-in and of all that are opened later.
+    // Sets the background of the open add-in, and of add-ins opened later.
     void SetBackground(std::int16_t set);
     // Releases the add-in, which then stores its position and ends.
     void Close();
-    // The add-in reports that its dialog has closed.
+    // Called when the add-in reports that its dialog has closed.
     void ChildUnloaded(std::int16_t id);
 
     // Gives up calls under way. Calls `left` once the add-in's process, if any, has ended, or after a few
@@ -43,7 +43,7 @@ class AddIn {
     HostView& view_;
     CallLog& log_;
     platform::ObjectRef layer_;
-    std::shared_ptr<platform::Patience> patience_;  // with the calls since the last opening
+    std::shared_ptr<platform::Patience> patience_;  // limits the calls since the last opening
     std::shared_ptr<void> watch_;                   // from the creation to the end of the add-in's process
     bool isOpening_ = false;
     std::int16_t childId_ = 0, background_ = 0;

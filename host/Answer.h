@@ -8,7 +8,7 @@
 
 namespace switchdesk {
 
-// What an exchange says of an item, or in place of an answer.
+// Answer texts of an exchange: for an item, or in place of a whole answer.
 namespace answer {
 inline constexpr platform::TextView accepted = u"OK", dataError = u"DATA ERROR", error = u"ERROR";
 }
@@ -28,11 +28,11 @@ struct Answer {
     platform::Text message;
 };
 
-// Why an exchange couldn't do what was asked.
+// Why an exchange couldn't perform a request.
 struct Failure {
     platform::TextView answer;  // the answer text of the items
     platform::Text sentence;    // for the operator
-    bool uncertain = false;     // what was asked may have been done
+    bool uncertain = false;     // the request may have been performed
 };
 
 }  // namespace switchdesk

@@ -16,11 +16,11 @@ std::string LogText(const platform::Value& value);
 
 class CallLog {
   public:
-    // Receives the lines. It writes each line before the call continues.
+    // Gets each line, and must write it before it returns: only then does the call continue.
     using Sink = std::function<void(const std::string& line)>;
     void AddSink(Sink sink) { sinks_.push_back(std::move(sink)); }
 
-    // A line on the host's own actions, after "# ".
+    // Logs an action of the host itself, after "# ".
     void Note(const std::string& text);
 
     // A call's line is written when it ends. If another call arrives meanwhile, a note announces the outer

@@ -1,4 +1,4 @@
-// The items of the clock's command "02": checks them, and answers them for a clock.
+// Checks the items of the clock command "02", and answers them for a given clock.
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@
 
 namespace switchdesk {
 
-// An item with an empty value reads, any other writes.
+// True if any item writes. An item with an empty value reads, any other writes.
 bool Writes(const std::vector<Item>& items);
 
 struct AnsweredItems {
@@ -19,12 +19,12 @@ struct AnsweredItems {
         change;  // what to set the clock to, if any item writes and all are good
 };
 
-// Answers the items for a clock that shows `now`. What a change doesn't name stays as it is now.
+// Answers the items for a clock that shows `now`. Parts of the time that no item changes stay as in `now`.
 AnsweredItems AnswerItems(std::vector<Item> items, platform::Date now);
 
 // Answers all items with one answer text.
 std::vector<Item> RefuseItems(std::vector<Item> items, platform::TextView answer);
-// Refuses what names the date, or the time of day, of a change.
+// Refuse the items that set the date, or those that set the time of day.
 std::vector<Item> RefuseDate(std::vector<Item> items);
 std::vector<Item> RefuseTime(std::vector<Item> items);
 

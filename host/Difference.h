@@ -1,4 +1,4 @@
-// How far an exchange's clock is from this PC's, in words.
+// Describes in words how an exchange's clock differs from this PC's.
 #pragma once
 
 #include <QString>

@@ -27,7 +27,7 @@ class Exchange {
         std::optional<Reading> clock;  // if the clock was read or set
     };
     struct Listener {
-        // What goes on now, in words, e.g. "connecting".
+        // The current step in words, e.g. "connecting".
         std::function<void(const platform::Text& step)> underWay;
         std::function<void(Outcome outcome)> done;
     };

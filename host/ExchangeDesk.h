@@ -1,4 +1,4 @@
-// The exchanges, their logins and the requests to them.
+// Manages the exchanges, the logins of clients and their requests.
 #pragma once
 
 #include <QCoreApplication>
@@ -22,9 +22,9 @@ class ExchangeDesk {
     // Names are compared exactly.
     void Add(platform::Text name, std::unique_ptr<Exchange> exchange);
     struct Watcher {
-        // The steps of requests, refusals of others, and the outcomes of those that were given up.
+        // Reports the steps of requests, refused requests, and the outcome of requests that were given up.
         std::function<void(const platform::Text& exchange, const platform::Text& text)> report;
-        std::function<void()> changed;  // the state of an exchange
+        std::function<void()> changed;  // called when the state of an exchange has changed
     };
     void ReportTo(Watcher watcher) { watcher_ = std::move(watcher); }
 
@@ -32,14 +32,15 @@ class ExchangeDesk {
         platform::Text name;
         std::unique_ptr<Exchange> exchange;
         std::optional<Exchange::Reading> clock{};        // when it was last read or set
-        std::chrono::system_clock::time_point readAt{};  // then, by this PC's clock
+        std::chrono::system_clock::time_point readAt{};  // the time of that reading, by this PC's clock
         platform::Text problem{};                        // why the last request failed, if it did
     };
     const std::vector<Named>& Exchanges() const { return exchanges_; }
 
-    // The key of a new connection, or an empty text for an unknown exchange.
+    // Opens a connection and returns its key, or an empty text for an unknown exchange.
     platform::Text Connect(const platform::Text& name, const platform::ObjectRef& client);
-    // The key of a new login; "BUSY" if the exchange has one already, "ERROR" for an unknown exchange.
+    // Opens a login and returns its key; "BUSY" if the exchange has one already, "ERROR" for an unknown
+    // exchange.
     platform::Text Login(const platform::Text& name, const platform::ObjectRef& client);
     // Takes a request, and delivers the answer later to CallBack of the login's client. "ERROR" unless its
     // login is for that exchange and has had no request yet.
@@ -47,7 +48,7 @@ class ExchangeDesk {
     // Ends a login or connection. Its request, if any, gets no answer. The key is enough: an add-in that has
     // meanwhile registered another exchange passes that one's name.
     void LogOut(const platform::Text& key);
-    // An exchange other than this one at which somebody is logged in, or null.
+    // Another exchange at which a client is logged in, or null.
     const platform::Text* BusyBesides(const platform::Text& name) const;
     // The exchange whose answer a client is receiving, or an empty text.
     const platform::Text& Answering() const { return answering_; }

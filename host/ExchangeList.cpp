@@ -13,8 +13,8 @@ using platform::FromQt;
 
 namespace {
 
-// Nothing that ssh could take for an option, or a shell for more than a word. Ports and the like belong in
-// ssh_config.
+// Refuses anything that ssh could read as an option, or a shell as more than one word. Ports and other
+// settings belong in ssh_config.
 bool IsAddress(const QString& text) {
     static const QRegularExpression address(
         QStringLiteral("\\A(?:[A-Za-z0-9_][A-Za-z0-9_.-]*@)?[A-Za-z0-9][A-Za-z0-9_.-]*\\z"));
@@ -45,7 +45,7 @@ std::vector<ExchangeEntry> ReadExchanges(const std::filesystem::path& file) {
     const QSettings settings(QString::fromStdString(file.string()), QSettings::IniFormat);
     std::vector<ExchangeEntry> entries;
     for (const QString& name : settings.allKeys())
-        // The format takes a comma for the end of one value of several.
+        // QSettings splits a value at commas; this joins the parts again.
         entries.push_back(ParseExchange(name + u'=' + settings.value(name).toStringList().join(u',')));
     if (settings.status() != QSettings::NoError)
         throw platform::RuntimeError(75, u"The exchanges can't be read: " + FromQt(settings.fileName()));

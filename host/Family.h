@@ -20,8 +20,8 @@ class Family {
     Family(platform::DatabaseEngine& engine, platform::Text directory)
         : engine_(engine), directory_(std::move(directory)) {}
 
-    // The sets of the common database by number, from 0 with the default pictures. A set is named after its
-    // first picture. Raises what reading a database raises.
+    // The background sets in the common database, ordered by number; set 0 has the default pictures. A set is
+    // named after its first picture. Raises what reading a database raises.
     std::vector<BackgroundSet> BackgroundSets() const;
 
     // The opening page of an add-in's help file. Raises 53 if it is missing, and what reading a database

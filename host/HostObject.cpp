@@ -35,7 +35,7 @@ void HostObject::REGComData(const Text& application, const Text& key, const Text
     try {
         parts_.store.Set(application, key, value);
     } catch (const platform::RuntimeError& error) {
-        // The add-in passes over it, so the operator learns of it here.
+        // The add-in ignores this error, so the operator must learn of it here.
         parts_.view.ShowMessage(error.Description());
         throw;
     }

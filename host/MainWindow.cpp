@@ -30,7 +30,7 @@ namespace {
 
 enum ExchangeColumn { nameColumn, clockColumn, timeColumn, problemColumn };
 constexpr int commandColumn = 0, answerColumn = 3;
-// With its frame, it has to fit a screen of 1080 lines at twice the size.
+// With its frame, the window must fit a screen of 1080 lines when scaled to twice the size.
 constexpr int initialWidth = 940, initialHeight = 480, exchangePaneWidth = 500, widestNames = 150;
 constexpr QColor failureColor(0xb0, 0x1c, 0x1c);
 
@@ -39,7 +39,7 @@ QDateTime MomentOf(std::chrono::system_clock::time_point time) {
         std::chrono::floor<std::chrono::seconds>(time.time_since_epoch()).count());
 }
 
-// With the whole text at hand where the cell is too small for it.
+// Adds a tool tip with the whole text, which may not fit the cell.
 void SetCell(QTableWidget& table, int row, int column, const QString& text) {
     table.item(row, column)->setText(text);
     table.item(row, column)->setToolTip(text.toHtmlEscaped());
@@ -147,7 +147,7 @@ void MainWindow::FillExchanges() {
     for (int row = 0; row < exchanges_->rowCount(); ++row) AddRow(*exchanges_, row);
     exchanges_->selectRow(0);
     ShowExchanges();
-    // With room for a name in bold.
+    // Makes room for a name in bold.
     exchanges_->resizeColumnToContents(nameColumn);
     exchanges_->setColumnWidth(nameColumn,
                                std::min(exchanges_->columnWidth(nameColumn) * 9 / 8, widestNames));
@@ -158,7 +158,7 @@ void MainWindow::ShowExchanges() {
     for (const ExchangeDesk::Named& exchange : desk_.Exchanges()) ShowExchange(row++, exchange);
 }
 
-// The open one is in bold.
+// Shows the exchange that the add-in is open for in bold.
 void MainWindow::ShowExchange(int row, const ExchangeDesk::Named& exchange) {
     const bool isOpen = !openFor_.empty() && exchange.name == openFor_;
     const QString name = platform::ToQt(exchange.name);
@@ -189,7 +189,7 @@ void MainWindow::OpenSelected() {
         platform::Guard([&] { actions_.open(exchange); });
 }
 
-// The add-in shows the answer to a request under the name that it has by then.
+// The add-in shows an answer under the exchange that it is open for when the answer arrives.
 void MainWindow::AskThenOpen(const Text& exchange, const Text& awaited) {
     const QString name = platform::ToQt(exchange);
     auto* box =
@@ -226,7 +226,7 @@ void MainWindow::ShowMessageOf(const Text& exchange, const Text& message) {
 }
 
 void MainWindow::ShowResults(const Text& caption, const std::vector<Item>& items) {
-    // The add-in's caption has the name of the exchange that it is open for.
+    // The caption from the add-in names the exchange that it is open for, even if another one is answering.
     caption_->setText(platform::ToQt(Concerned() == openFor_ ? caption : Concerned()));
     results_->setRowCount(static_cast<int>(items.size()));
     int row = 0;

@@ -36,9 +36,10 @@ class MainWindow : public QMainWindow, public HostView {
     // Fills the menu of backgrounds, and marks the chosen one.
     void OfferBackgrounds(std::int16_t chosen);
 
-    // Shows what is known of the exchanges now.
+    // Updates the list of exchanges.
     void ShowExchanges();
-    // A message on an exchange. Others are on the one that is answering, or that the add-in is open for.
+    // Shows a message about an exchange. ShowMessage takes the exchange that is answering, or else the one
+    // that the add-in is open for.
     void ShowMessageOf(const platform::Text& exchange, const platform::Text& message);
 
     void ShowMessage(const platform::Text& message) override;

@@ -1,4 +1,4 @@
-// Ways in which the host breaks the contract on request, to try how an add-in copes.
+// Ways in which the host breaks the contract on request, to test how an add-in copes.
 #pragma once
 
 #include <chrono>
@@ -26,9 +26,9 @@ struct Misbehaviour {
     std::set<std::size_t> droppedItems;
 
     std::set<std::string> lacking;  // names of members in lower case
-    std::optional<int> logins;      // how many are still to go wrong; all if unset
+    std::optional<int> logins;      // how many logins are still to misbehave; all if unset
 
-    // Counts logins. The first one after those that are to go wrong ends all misbehaviour.
+    // Counts logins. After the last login that is to misbehave, the next one ends all misbehaviour.
     void BeginCall(std::string_view member);
     // Makes a good answer bad, as requested.
     void Spoil(Answer& answer) const;

@@ -87,7 +87,7 @@ void RequireDifferentNames(const std::vector<ExchangeEntry>& exchanges) {
             Refuse(QStringLiteral("two exchanges are called \"%1\"").arg(platform::ToQt(exchange.name)));
 }
 
-// In lower case.
+// Returns the name in lower case.
 std::string KnownMember(const QString& name) {
     const std::string lower = LowerCase(name.toStdString());
     for (const auto* described :

@@ -13,7 +13,8 @@ struct Request {
     std::vector<Item> items;
 };
 
-// Reads all at once, so that the host needn't keep the record. Raises what its members raise.
+// Reads the whole record at once, so that the host needn't keep a reference to it. Raises what its members
+// raise.
 Request ReadRequest(const platform::ObjectRef& record);
 
 }  // namespace switchdesk

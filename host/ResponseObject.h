@@ -1,4 +1,4 @@
-// An answer as clients see it.
+// The object through which clients read an answer.
 #pragma once
 
 #include "host/Answer.h"

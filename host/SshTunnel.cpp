@@ -21,7 +21,7 @@ constexpr int errorOfSsh = 255, cannotRun = 126, notFound = 127;
 constexpr qsizetype longestDetail = 200;
 constexpr int killLimit = 100;  // milliseconds; a killed process needs less
 
-// The rest of the operator's ssh_config holds. What it may forward or run there is of no use here.
+// Keeps the operator's ssh_config, but without its forwardings and remote command.
 QStringList SshArguments(const QString& address) {
     return {"-xaT",
             "-oBatchMode=yes",
@@ -34,7 +34,7 @@ QStringList SshArguments(const QString& address) {
             "systemd-stdio-bridge"};
 }
 
-// What it says at last, which is where ssh says why it ends.
+// The last line of the output, where ssh says why it ends.
 QString LastLine(const QByteArray& output) {
     const QStringList lines = QString::fromUtf8(output).split(u'\n', Qt::SkipEmptyParts);
     return lines.isEmpty() ? QString() : lines.last().simplified().left(longestDetail);
@@ -60,7 +60,8 @@ Failure FailureOfSsh(const QByteArray& output, const QString& address) {
 
 }  // namespace
 
-// Its end is of no interest any more. Also from inside its own signals.
+// Disconnects first, so that the end is no longer reported. Deletes later, since a signal of the process may
+// lead here.
 void SshTunnel::Ender::operator()(QProcess* ssh) const {
     ssh->disconnect();
     ssh->kill();

@@ -1,4 +1,4 @@
-// The system bus of another machine, through the operator's own ssh.
+// A connection to the system bus of another machine, through the operator's own ssh.
 #pragma once
 
 #include <QCoreApplication>
@@ -14,11 +14,11 @@ class SshTunnel {
     Q_DECLARE_TR_FUNCTIONS(SshTunnel)
 
   public:
-    // Starts ssh, which never asks anything and accepts known host keys only. `ended` is called once, unless
-    // the tunnel is destroyed first, and may destroy it. `address` is [user@]host.
+    // Starts ssh, which never prompts and accepts only known host keys. `ended` is called once, unless the
+    // tunnel is destroyed first, and may destroy it. `address` is [user@]host.
     SshTunnel(const QString& address, std::function<void(const Failure& why)> ended);
 
-    // The near end, of which the first caller becomes the owner. -1 if there is none.
+    // The local end of the tunnel. The first caller becomes its owner; later ones get -1.
     int TakeSocket();
 
   private:

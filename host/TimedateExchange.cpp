@@ -18,11 +18,12 @@ using std::chrono::seconds;
 
 namespace {
 
-// Together below the 20 seconds after which an add-in asks its operator whether to keep waiting.
+// Together less than the 20 seconds after which an add-in asks its operator whether to keep waiting.
 constexpr Milliseconds requestLimit{12000}, lookLimit{6000};
 constexpr Milliseconds keptOpen{60000};
 constexpr platform::TextView writeFailed = u"LNK_CMD WERR";
-// The dialog shows a second for as long as this, and a little longer until its request arrives.
+// A time this far behind the PC's clock still counts as the PC's time: the dialog updates with some delay,
+// and its request takes a while to arrive.
 constexpr microseconds followsPc = seconds(3);
 constexpr microseconds sameTime = seconds(1);
 
@@ -40,13 +41,13 @@ struct TimedateExchange::Work {
     std::vector<Item> request;
     Listener listener;
     Steady::time_point began = Steady::now();
-    microseconds pcClock = PcClock();  // when it began
+    microseconds pcClock = PcClock();  // when the request began
     QTimeZone zone = QTimeZone::utc();
     AnsweredItems answer;
-    QString note;           // on the time that was chosen
-    microseconds target{};  // what the clock should have shown when it began
+    QString note;           // for the operator, on the time that was chosen
+    microseconds target{};  // what the clock should have shown when the request began
     bool isSent = false;    // the clock may have been set
-    QString trouble;        // why that isn't known; if set, the clock is read again
+    QString trouble;        // why it isn't known whether it was set; if not empty, the clock is read again
 
     microseconds Target(Steady::time_point at) const {
         return target + duration_cast<microseconds>(at - began);
@@ -86,7 +87,7 @@ void TimedateExchange::Cancel(const std::shared_ptr<Work>& work) {
     GoOn();
 }
 
-// To the next request, or to rest.
+// Begins the next request soon, or closes the idle connection after a while.
 void TimedateExchange::GoOn() {
     limit_.reset();
     if (works_.empty())
@@ -119,7 +120,8 @@ void TimedateExchange::Limit(Milliseconds limit) {
     });
 }
 
-// Comes first on a new connection, so that reading the clock takes no longer than the way.
+// Called before the first ReadClock on a connection: connecting then doesn't lengthen the measured round
+// trip.
 void TimedateExchange::ReadZone(std::function<void(const QByteArray& zone)> then) {
     link_.ReadText("Timezone", [then = std::move(then)](const std::string& zone) {
         then(QByteArray::fromStdString(zone));
@@ -166,8 +168,9 @@ void TimedateExchange::Set(microseconds halfWay) {
     });
 }
 
-// A time that is that of this PC's clock means the PC's clock, which the dialog shows only to the second and
-// with some delay: returns that delay. Any other time holds from the beginning of the request.
+// If the requested time is that of this PC's clock, the clock should be set to the PC's exact time. The
+// dialog shows that only to the second and with some delay, so returns the difference to add. Any other time
+// applies as of the start of the request, so returns 0.
 microseconds TimedateExchange::BehindPc() const {
     const Work& work = *works_.front();
     const auto pcShows = ShownAt(SecondsOf(work.pcClock), QTimeZone::systemTimeZone());
@@ -177,7 +180,7 @@ microseconds TimedateExchange::BehindPc() const {
     return behind + work.pcClock % seconds(1);
 }
 
-// Only reads, whatever the clock shows: the write may still be on its way.
+// Reads the clock after an unanswered write. Never writes again, since the first write may still arrive.
 void TimedateExchange::Look(const Failure& why) {
     works_.front()->trouble = platform::ToQt(why.sentence);
     Report(tr("no answer; looking whether the clock was set"));

@@ -1,4 +1,4 @@
-// An exchange whose clock is that of its Linux system, set by systemd-timedated.
+// An exchange whose clock is the system clock of a Linux machine, set by systemd-timedated.
 #pragma once
 
 #include <QCoreApplication>
@@ -11,7 +11,7 @@
 
 namespace switchdesk {
 
-// Performs one request after the other. Times of items are in the exchange's time zone.
+// Performs one request after the other. Items contain times in the exchange's time zone.
 class TimedateExchange : public Exchange {
     Q_DECLARE_TR_FUNCTIONS(TimedateExchange)
 
@@ -29,7 +29,8 @@ class TimedateExchange : public Exchange {
     struct Work;
     struct Ticket;
 
-    // What the exchange's clock showed at a time of this PC's steady clock, give or take half the round trip.
+    // A reading of the exchange's clock, at a time of this PC's steady clock. Exact to `within`, half the
+    // round trip.
     struct Sample {
         Microseconds clock{}, within{};
         Steady::time_point at;
@@ -55,7 +56,7 @@ class TimedateExchange : public Exchange {
 
     platform::EventLoop& loop_;
     const bool maySet_;
-    std::list<std::shared_ptr<Work>> works_;  // the first is under way
+    std::list<std::shared_ptr<Work>> works_;  // the first one is being performed
     platform::HandleRef next_, limit_;
     TimedateLink link_;
 };

@@ -22,8 +22,8 @@ constexpr char service[] = "org.freedesktop.timedate1", path[] = "/org/freedeskt
                properties[] = "org.freedesktop.DBus.Properties";
 constexpr TextView notAllowed = u"CODE NOT ALLOWED", systemError = u"LNK_SYSERROR",
                    linkLost = u"LNK_CMD RERR";
-constexpr std::uint64_t noLimit = UINT64_MAX;  // who calls has one
-constexpr int stepsPerRound = 64;              // then timers and painting have their turn
+constexpr std::uint64_t noLimit = UINT64_MAX;  // the caller has its own limit
+constexpr int stepsPerRound = 64;              // then timers and painting get their turn
 
 bool IsOneOf(std::string_view name, std::initializer_list<std::string_view> names) {
     return std::find(names.begin(), names.end(), name) != names.end();
@@ -94,7 +94,7 @@ void TimedateLink::Send(const char* interface, const char* member,
         fill(call) >= 0 && sd_bus_call_async(bus_.get(), &slot, call, OnAnswer, this, noLimit) >= 0;
     sd_bus_message_unref(call);
     slot_.reset(slot);
-    // Never from inside the caller's own call.
+    // Later, so that neither `then` nor `failed_` runs inside the caller's call.
     soon_ = loop_.After(Milliseconds(0), [this, sent] { sent ? Serve() : EndOfBus(); });
 }
 
@@ -130,7 +130,7 @@ void TimedateLink::SetTime(std::int64_t time, std::function<void()> then) {
 }
 
 int TimedateLink::OnAnswer(sd_bus_message* answer, void* self, sd_bus_error*) noexcept {
-    // Acted on outside of the library, which can't be entered again from here.
+    // Only queued: handling it may call the library again, which forbids that inside its callbacks.
     static_cast<TimedateLink*>(self)->answer_ = platform::Shared(answer);
     return 1;
 }
@@ -149,7 +149,7 @@ void TimedateLink::Serve() {
         writable_ = loop_.WhenWritable(sd_bus_get_fd(bus_.get()), [this] { Serve(); });
 }
 
-// There may be more to serve, also if the answer leads to no other call.
+// Continues serving later, since more messages may be waiting even if the answer leads to no other call.
 void TimedateLink::Act(const MessageRef& answer) {
     answered_ = true;
     slot_.reset();
@@ -159,7 +159,7 @@ void TimedateLink::Act(const MessageRef& answer) {
     refusal ? failed_(FailureOf(*refusal)) : then(answer.get());
 }
 
-// With a tunnel, ssh says why, when it ends.
+// With a tunnel, ssh reports the reason when it ends.
 void TimedateLink::EndOfBus() {
     soon_.reset();
     readable_.reset();

@@ -13,7 +13,7 @@
 
 namespace switchdesk {
 
-// Carries one call at a time. Opens its connection for the first call, and keeps it.
+// Makes one call at a time. Opens its connection for the first call, and keeps it open.
 class TimedateLink {
     Q_DECLARE_TR_FUNCTIONS(TimedateLink)
 
@@ -24,15 +24,15 @@ class TimedateLink {
 
     bool IsOpen() const { return bus_ != nullptr; }
 
-    // The values of properties.
+    // Read a property, and call `then` with its value.
     void ReadText(const char* property, std::function<void(std::string value)> then);
     void ReadNumber(const char* property, std::function<void(std::uint64_t value)> then);
-    // Sets the clock to microseconds since 1970, UTC. Asks nobody for a password.
+    // Sets the clock. `time` is in microseconds since 1970, UTC. Never prompts for a password.
     void SetTime(std::int64_t time, std::function<void()> then);
 
-    // Forgets the call that is under way. A write may take effect all the same.
+    // Drops the pending call. If it is a write, it may still take effect.
     void Forget();
-    // Forgets it, and closes the connection.
+    // Drops the pending call, and closes the connection.
     void Close();
 
   private:
@@ -57,9 +57,9 @@ class TimedateLink {
     platform::BusRef bus_;
     platform::SlotRef slot_;
     Then then_;
-    platform::MessageRef answer_;  // has come, and is still to be acted on
+    platform::MessageRef answer_;  // received, not yet handled
     platform::HandleRef readable_, writable_, soon_;
-    bool answered_ = false;  // the connection has carried an answer
+    bool answered_ = false;  // an answer has arrived on this connection
 };
 
 }  // namespace switchdesk

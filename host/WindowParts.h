@@ -1,4 +1,4 @@
-// The parts of the window, in one style.
+// Makes the parts of the window, in one style.
 #pragma once
 
 #include <QString>
@@ -16,7 +16,7 @@ QLabel* MakeHeading(const QString& text);
 // A text beside a heading; a dash until it is set.
 QLabel* MakeNote(const QString& name, const QString& description);
 QHBoxLayout* MakeHeadingLine(const QString& heading, QLabel* note);
-// A read-only table of whole rows, with columns as wide as what is in them.
+// A read-only table in which whole rows are selected, with columns as wide as their contents.
 QTableWidget* MakeTable(const QString& name, const QString& accessibleName, const QStringList& columns);
 QPushButton* MakeButton(const QString& name, const QString& text);
 

@@ -9,8 +9,8 @@
 
 namespace switchdesk {
 
-// What the clocks of a zone show at a time, and the other way round: the times at which they show it,
-// earliest first. None if a change of the clocks skips it, two if they show it twice.
+// What the clocks of a zone show at a time, and the reverse: all times at which they show it, earliest first.
+// None if a clock change skips it, two if they show it twice.
 platform::DateParts ShownAt(std::int64_t time, const QTimeZone& zone);
 std::vector<std::int64_t> TimesShowing(const platform::DateParts& shown, const QTimeZone& zone);
 

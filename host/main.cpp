@@ -29,9 +29,9 @@ namespace {
 
 using platform::Text, platform::TextView;
 
-// How long a service waits for its first object before it ends.
+// How long a service waits for its first client before it ends.
 constexpr platform::Milliseconds unusedLimit{60000};
-// The host's own values in the store.
+// Where the host stores its own values.
 const Text storeSection = u"Switchdesk", backgroundKey = u"BACKGROUND";
 
 constexpr TextView familySection = u"VELMORA32";
@@ -43,7 +43,7 @@ void LoadTexts(QTranslator& texts, const std::vector<Text>& languages) {
     QCoreApplication::installTranslator(&texts);
 }
 
-// The words that boxes of the platform show.
+// Sets the texts that boxes of the platform show.
 void PutTexts(platform::Application& application) {
     application.waits.busyText =
         platform::FromQt(QCoreApplication::translate("main", "The clock add-in is busy. Keep waiting?"));
@@ -121,7 +121,7 @@ void Host::Serve() {
     });
 }
 
-// If another host has the class already, goes on without it: only stand-alone runs need it.
+// Ignores a failure if another host already serves the class: only stand-alone runs of the add-in need it.
 void Host::ServeBesideWindow() {
     try {
         Serve();
