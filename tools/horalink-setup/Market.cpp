@@ -28,19 +28,19 @@ fs::path InstalledTree() {
 void MakeLink(const fs::path& link, const fs::path& target) {
     std::error_code error;
     fs::create_directories(link.parent_path(), error);
-    if (fs::is_symlink(link, error)) fs::remove(link, error);  // one that leads nowhere
+    if (fs::is_symlink(link, error)) fs::remove(link, error);  // a dangling one
     fs::create_symlink(target, link, error);
-    if (error) throw Fault(link.native() + " can't be made: " + error.message());
+    if (error) throw Fault(link.native() + " can't be created: " + error.message());
 }
 
-// For everybody, the market is a link to the installed tree.
+// For all users, the market is a link to the installed tree.
 fs::path SharedTree(const std::string& market) {
     const fs::path tree = FamilyDirectory() / market;
     if (!platform::Exists(tree)) MakeLink(tree, InstalledTree().filename());
     return tree;
 }
 
-// For a user, only the programs are links: the directory takes the files of the user's own.
+// For one user, only the programs are links, since the directory also holds the user's own files.
 fs::path OwnTree(const std::string& market) {
     if (const fs::path shared = FamilyDirectory() / market; platform::Exists(shared / addIn)) return shared;
     const fs::path tree = platform::UserDirectory("XDG_DATA_HOME", ".local/share") / "VELMORA32" / market;
@@ -50,7 +50,8 @@ fs::path OwnTree(const std::string& market) {
     return tree;
 }
 
-// Ahead of the package's own file, where the session bus looks.
+// A directory that the session bus searches, if possible one that takes precedence over the package's own
+// file.
 fs::path SharedServices() {
     const auto directories = ServiceDirectories();
     const fs::path prefix = FamilyDirectory().parent_path().parent_path();
@@ -59,7 +60,7 @@ fs::path SharedServices() {
             std::find(directories.begin(), directories.end(), directory) != directories.end())
             return directory;
     throw Fault("the session bus looks neither in " + (prefix / "local/share").native() + " nor in " +
-                (prefix / "share").native() + "; XDG_DATA_DIRS names where it looks");
+                (prefix / "share").native() + "; XDG_DATA_DIRS sets where it looks");
 }
 
 void RequireFirst(const std::string& command) {
@@ -98,7 +99,7 @@ std::string ChooseMarket(const std::string& market) {
     try {
         platform::MakeSessionBusNames()->Reload();
     } catch (const platform::RuntimeError&) {
-        // Without a session there is no bus that has read the old files.
+        // Without a session bus, nothing needs to be reread.
     }
     return (isRoot ? "From their next login on, the hosts of all users get" : "Your hosts get") +
            std::string(" the add-in of market ") + market + ", " + (tree / addIn).native() + ".";

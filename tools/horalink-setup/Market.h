@@ -1,4 +1,4 @@
-// The market whose add-in hosts get.
+// Chooses the market whose add-in hosts get.
 #pragma once
 
 #include <filesystem>
@@ -6,14 +6,14 @@
 
 namespace setup {
 
-// The directory of the family that this tool is installed with, …/lib/VELMORA32.
+// The family's directory in the installation of this tool, …/lib/VELMORA32.
 std::filesystem::path FamilyDirectory();
 
 // Five letters, digits, "_" or "-", in upper case. Raises std::invalid_argument for anything else.
 std::string CheckedMarket(std::string code);
 
-// Lets the programs be started in a market, and the session bus start them there: for everybody where root
-// does it, else for the user. Returns what has been done in a sentence. Raises Fault.
+// Sets the programs up in a market, and makes the session bus start them there: for all users if root runs
+// this tool, else for this user. Returns a sentence that says what was done. Raises Fault.
 std::string ChooseMarket(const std::string& market);
 
 }  // namespace setup

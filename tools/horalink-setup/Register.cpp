@@ -24,7 +24,8 @@ bool IsMine(const fs::path& file) {
     return stat(file.c_str(), &status) == 0 && status.st_uid == geteuid();
 }
 
-// A process that has locked a file, or 0. "1: POSIX  ADVISORY  WRITE 4711 fd:00:1234 0 EOF"
+// A process that has locked a file, or 0. Reads lines such as "1: POSIX  ADVISORY  WRITE 4711 fd:00:1234 0
+// EOF".
 int LockHolder(const fs::path& file) {
     struct stat status{};
     if (stat(file.c_str(), &status) != 0) return 0;
@@ -47,13 +48,13 @@ std::string NameOf(int process) {
     return name;
 }
 
-// The file itself or, where it isn't there yet, the directory that it will be made in.
+// The file itself or, if it doesn't exist, the nearest existing directory above it.
 fs::path Nearest(fs::path place) {
     while (!platform::Exists(place) && place.has_relative_path()) place = place.parent_path();
     return place;
 }
 
-// A link on the way to a file that leads nowhere.
+// The first dangling link in a path, from the end, or an empty path.
 fs::path DeadLink(fs::path place) {
     std::error_code error;
     for (; place.has_relative_path(); place = place.parent_path())
@@ -62,7 +63,7 @@ fs::path DeadLink(fs::path place) {
     return {};
 }
 
-// For a register, and for what undoes a change of it.
+// True if there is too little space for a register and its journal.
 bool IsFull(const fs::path& place) {
     constexpr std::uintmax_t needed = 1 << 15;
     std::error_code error;
@@ -81,7 +82,7 @@ Problem ProblemOfPermission(const fs::path& place) {
         problem.remedy =
             MoveAway(place) + " && cp --no-preserve=mode " + Quoted(place.native() + ".old") + " " + name;
     else
-        return {problem.what, "Ask whoever looks after this computer to let you write there.", false};
+        return {problem.what, "Ask the administrator of this computer for permission to write there.", false};
     return problem;
 }
 
@@ -89,7 +90,7 @@ Problem ProblemOfPermission(const fs::path& place) {
 
 std::string MoveAway(const fs::path& file) {
     std::string commands;
-    // What is left to be undone in a database goes with it.
+    // A journal must stay with its database.
     for (const char* companion : {"-journal", "-wal", ""})
         if (platform::Exists(file.native() + companion) || !*companion)
             commands += (commands.empty() ? "" : " && ") + std::string("mv --backup=numbered ") +
@@ -113,11 +114,11 @@ Problem ProblemOfWriting(const fs::path& ownPlace) {
         return {"the register can't be written, since " + place.native() + " is no folder", MoveAway(place),
                 true};
     Problem problem = ProblemOfPermission(place);
-    // Changes go through a second file beside it.
+    // SQLite also creates a journal beside the register.
     if (problem.what.empty() && place == ownPlace) problem = ProblemOfPermission(place.parent_path());
     if (problem.what.empty() && IsFull(place))
-        return {"the register can't be written, since there is no room in " + ownPlace.parent_path().native(),
-                "Delete on that disk what nobody needs.", false};
+        return {"the register can't be written, since no space is left in " + ownPlace.parent_path().native(),
+                "Free some space on that disk.", false};
     return problem;
 }
 

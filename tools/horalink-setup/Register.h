@@ -1,4 +1,4 @@
-// Whether the add-in can write its version into the register.
+// Finds out whether the add-in can write its version into the register.
 #pragma once
 
 #include <filesystem>
@@ -8,17 +8,17 @@
 
 namespace setup {
 
-// Something that is wrong, and what to do about it: commands of the shell where `isCommand`, else a sentence.
+// A problem and its remedy: shell commands if `isCommand`, else a sentence.
 struct Problem {
     std::string what, remedy;
     bool isCommand = false;
 };
 
-// What keeps `file` from being written; nothing wrong where that is empty. `ownPlace` is where it's copied to
-// first.
+// The problem that prevents writing the register at `ownPlace`, where a shared one is copied first. Its texts
+// are empty if there is none.
 Problem ProblemOfWriting(const std::filesystem::path& ownPlace);
 
-// Moves a file of the user's own away, so that the shared one counts.
+// The shell commands that move a user's own file away, so that the shared one counts.
 std::string MoveAway(const std::filesystem::path& file);
 
 }  // namespace setup

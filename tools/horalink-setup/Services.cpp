@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* servicesFolder = "dbus-1/services";
-// Earlier versions went on otherwise.
+// How the first line begins. Its end differs between versions.
 constexpr const char* mark = "# Made by horalink-setup";
 
 std::string ContentOf(const fs::path& file) {
@@ -26,7 +26,7 @@ std::string ContentOf(const fs::path& file) {
 }
 
 void Write(const fs::path& file, const std::string& content) {
-    const fs::path draft = file.native() + ".new";  // no service file by its name
+    const fs::path draft = file.native() + ".new";  // the bus ignores this name
     std::error_code error;
     fs::create_directories(file.parent_path(), error);
     if (!(std::ofstream(draft) << content << std::flush)) throw Fault(file.native() + " can't be written");

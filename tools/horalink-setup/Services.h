@@ -11,14 +11,15 @@ namespace setup {
 
 inline constexpr const char* addInClass = "Horalink10013.cOLELayer";
 
-// Why something can't be done. Exit status 1.
+// Why a command failed. The exit status is then 1.
 struct Fault : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Where the bus looks, the first file for a class counts: of the session, of the user, of the site.
+// The directories that the bus searches, in order: of the session, of the user, of the site. The first file
+// for a class counts.
 std::vector<std::filesystem::path> ServiceDirectories();
-// The directory of the user in it, empty without a home.
+// The user's own directory among them, empty without a home.
 std::filesystem::path OwnServices();
 
 struct Service {
@@ -26,18 +27,18 @@ struct Service {
     std::string command;
 
     std::filesystem::path Program() const;
-    // By this tool, in this or an earlier version.
+    // True if this tool, in this or an earlier version, wrote the file.
     bool IsMadeHere() const;
 };
 // The first service file of a class in these directories.
 std::optional<Service> FindService(const std::string& name,
                                    const std::vector<std::filesystem::path>& directories);
 
-// Makes the bus start `command` for a class, by a file in `directory` unless those that count after it do so
-// already. Raises Fault where another program's file is in the way.
+// Makes the bus start `command` for a class. Writes a file in `directory`, unless the directories after it
+// already lead to that command. Raises Fault if `directory` has a file that this tool didn't write.
 void SetService(const std::string& name, const std::string& command, const std::filesystem::path& directory);
 
-// A word of a command line, as the bus and the shell read it.
+// Quotes a word of a command line, for the bus and the shell.
 std::string Quoted(const std::string& word);
 
 }  // namespace setup

@@ -59,7 +59,8 @@ fs::path DefaultProgram() {
     return FamilyDirectory() / "10001/ADDINS/horalink";
 }
 
-// As it was called where that names the market, and not where the links of a market lead.
+// The path by which the process was started, since it names the market. Its executable is where the market's
+// links lead.
 fs::path ProgramOf(int process) {
     const std::string folder = "/proc/" + std::to_string(process);
     std::string called;
@@ -68,7 +69,7 @@ fs::path ProgramOf(int process) {
     return called.starts_with('/') ? fs::path(called) : fs::read_symlink(folder + "/exe", error);
 }
 
-// By its beginning, as `horalink-lng check` does.
+// Judges by the start of the file, as `horalink-lng check` does.
 bool IsPicture(const fs::path& file) {
     using namespace std::string_view_literals;
     std::string start(1024, '\0');
@@ -101,16 +102,16 @@ class Look {
         text_ << "  " << Padded(what, 19) << value << "\n";
     }
 
-    // The program that the bus would start, or the installed one where that is none.
+    // Looks at the program that the bus would start, or at the installed one if that can't be run.
     void LookAtProgram() {
         const auto service = FindService(addInClass, ServiceDirectories());
         program_ = service ? service->Program() : DefaultProgram();
         if (service && program_.filename() == "horalink-setup")
-            Complain(service->file.native() + " is of an earlier version and starts nothing any more",
+            Complain(service->file.native() + " is of an earlier version and no longer starts anything",
                      "rm " + Quoted(service->file.native()), true);
         else if (access(program_.c_str(), X_OK) != 0 && service && program_ != DefaultProgram())
             Complain("for the class " + std::string(addInClass) + " the bus would start " +
-                         program_.native() + ", which isn't there",
+                         program_.native() + ", which doesn't exist",
                      Removal(*service), true);
         else if (access(program_.c_str(), X_OK) != 0)
             Complain("there is no program " + program_.native(), reinstall);
@@ -131,7 +132,8 @@ class Look {
         Line("languages", languages);
     }
 
-    // A file that others have made is kept, by a name that means nothing to the bus.
+    // The command that removes a service file. A file that this tool didn't write is kept, under a name that
+    // the bus ignores.
     static std::string Removal(const Service& service) {
         const bool isAllowed = access(service.file.parent_path().c_str(), W_OK) == 0;
         return (isAllowed ? "" : "sudo ") +
@@ -145,7 +147,7 @@ class Look {
                Text(file);
     }
 
-    // Where the first of them lies in the folder of a language: " (de)".
+    // The language of the first file, if it lies in a language's folder: " (de)".
     std::string LanguageOf(const std::vector<fs::path>& files) const {
         const std::string folder = files.empty() ? "" : files.front().parent_path().filename();
         const auto isIt = [&](const Text& each) {
@@ -160,7 +162,7 @@ class Look {
         for (std::size_t i = 1; i < files.size(); ++i) Line("", "  hides " + files[i].native());
     }
 
-    // A file of the user's own is moved away; one of the package is the package's to mend.
+    // A user's own file has to be moved away; for a file of the package, the package has to be reinstalled.
     void ComplainAbout(const char* kind, const fs::path& file, const std::string& why) {
         const bool isOwn = platform::Below(PathText(file), OwnTree()).has_value(),
                    isNamed = why.find(file.native()) != std::string::npos;
@@ -207,7 +209,7 @@ class Look {
                 for (const TextView field : {u"DefaultName", u"FileName"})
                     names.insert(rows->Field(field).ToTextOrEmpty());
         } catch (const platform::RuntimeError&) {
-            return;  // a problem by now
+            return;  // already reported
         }
         for (const Text& name : names) {
             const Text path = PathOf(u"BackGrnd", name);
@@ -251,7 +253,7 @@ class Look {
 
     std::string ProblemsInWords() const {
         if (problems_.empty()) return "\nNothing is wrong.\n";
-        std::string words = "\nWrong, and what to do about it\n";
+        std::string words = "\nWrong, and how to fix it\n";
         for (const Problem& problem : problems_)
             words += "  " + problem.what + "\n    " + (problem.isCommand ? "$ " : "") + problem.remedy + "\n";
         return words;

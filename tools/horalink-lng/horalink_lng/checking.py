@@ -1,4 +1,4 @@
-"""Judges databases: here what their rows must hold, and by `judge-texts` how the add-in itself takes them."""
+"""Checks databases: the rules for their rows here, and how the add-in itself reads them with `judge-texts`."""
 import contextlib
 import sqlite3
 import subprocess
@@ -80,12 +80,12 @@ class Database:
 
 
 def known_texts(files):
-    """The English texts by context, as far as the SQL gives them."""
+    """The English texts by context. Ignores statements that fail."""
     return {context: text for context, (text, _) in english(files, lambda *_: None).items()}
 
 
 def made(files, translation, findings, folder):
-    """The databases of files of SQL, with all that their statements and the translation make of them."""
+    """Makes databases from SQL files and a translation, and adds the faults found on the way."""
     if translation:
         for line, words in translation.faults(known_texts(files)):
             findings.add(translation.file, line, words)
@@ -101,14 +101,14 @@ def made(files, translation, findings, folder):
 def given(file):
     name = next((name for name in (*LANGUAGE_FILES, REGISTER_FILE) if name.lower() == file.name.lower()), None)
     if not name:
-        raise Fault(f"{file}: this is not the name of a database of the add-in; a translation has one like nl.po")
+        raise Fault(f"{file}: this is not the name of a database of the add-in; a translation is named like nl.po")
     if not file.is_file():
         raise Fault(f"{file}: there is no such file")
     return Database(name, file, Origin(file))
 
 
 def judge(databases, findings, schemas, checker, backgrounds):
-    """Adds what is wrong with the databases. `schemas` is the folder of the files of SQL."""
+    """Adds what is wrong with the databases. `schemas` is the folder of the SQL files."""
     whole = [database for database in databases if has_all_fields(database, findings, schemas)]
     for database in whole:
         with reading(database, findings):
@@ -121,7 +121,7 @@ def judge(databases, findings, schemas, checker, backgrounds):
 
 @contextlib.contextmanager
 def reading(database, findings):
-    """What ends the reading of a damaged database is a finding."""
+    """Turns an error in reading a damaged database into a finding."""
     try:
         yield
     except sqlite3.Error as error:
@@ -186,14 +186,14 @@ def ask_add_in(databases, findings, checker):
     except OSError as error:
         raise Fault(f"{checker}: {error.strerror}; in a checkout, ./run builds it") from error
     if ended.returncode:
-        raise Fault(f"{checker}: it ended with {ended.returncode}: {ended.stderr.strip()}")
+        raise Fault(f"{checker}: it ended with status {ended.returncode}: {ended.stderr.strip()}")
     for line in ended.stdout.splitlines():
         name, table, rowid, field, words = line.split("\t", 4)
         findings.add_of_row(databases[name], table, int(rowid) if rowid else None, field, words)
 
 
 def check(sources, translation, schemas, checker, backgrounds):
-    """All findings about files of SQL in a language, or about databases."""
+    """All findings about SQL files in a language, or about databases."""
     findings = Findings(translation)
     with tempfile.TemporaryDirectory() as scratch, contextlib.ExitStack() as opened:
         files = [file for file in sources if file.suffix == ".sql"]

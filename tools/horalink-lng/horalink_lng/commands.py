@@ -12,7 +12,7 @@ from horalink_lng.translation import Translation
 def arguments(version):
     parser = argparse.ArgumentParser(
         prog="horalink-lng", description="Makes and checks the texts of Horalink.",
-        epilog="The exit status is 0, or 1 after a fault, or 2 for a wrong call. See horalink-lng(1).")
+        epilog="The exit status is 0, 1 after a fault, or 2 for wrong arguments. See horalink-lng(1).")
     parser.add_argument("--version", action="version", version=f"horalink-lng {version}")
     commands = parser.add_subparsers(dest="command", required=True, metavar="pot | build | check")
     commands.add_parser("pot", help="write the template of a translation")
@@ -28,10 +28,10 @@ def arguments(version):
 
 
 def sources_of(named, data):
-    """The files to read, and the translation where one is named."""
+    """The files to read, and the translation if one is named."""
     translations = [file for file in named if file.suffix == ".po"]
     if translations and len(named) > 1:
-        raise Fault(f"{translations[0]}: a translation is checked alone")
+        raise Fault(f"{translations[0]}: a translation can't be combined with other files")
     if named and not translations:
         return named, None
     return [data / f"{name}.sql" for name in LANGUAGE_FILES], Translation(named[0]) if named else None

@@ -23,7 +23,7 @@ def fill(connection, file, translation=None, report=stop):
 
 
 def build(files, translation, folder):
-    """Makes the database of each file of SQL in the folder, all of them or none."""
+    """Makes the databases of all SQL files in the folder, or none of them."""
     folder.mkdir(parents=True, exist_ok=True)
     with tempfile.TemporaryDirectory(dir=folder) as scratch:
         for file in files:

@@ -1,4 +1,4 @@
-"""The English texts: for each database a file of SQL, NAME.sql."""
+"""The English texts: one SQL file, NAME.sql, for each database."""
 import dataclasses
 import sqlite3
 
@@ -6,14 +6,14 @@ from horalink_lng.tables import TABLES, fields
 
 
 class Fault(Exception):
-    """What ends a command: FILE[:LINE]: what is wrong."""
+    """An error that ends a command. Its text is FILE[:LINE]: what is wrong."""
 
 
 @dataclasses.dataclass
 class Statement:
     text: str
     line: int
-    note: str  # the comment of its paragraph
+    note: str  # the comment above it
 
 
 def statements(file):
@@ -45,7 +45,7 @@ def read(file):
 
 @dataclasses.dataclass
 class Origin:
-    """Where the rows and tables of a database come from."""
+    """The statements that created the rows and tables of a database."""
     file: object
     rows: dict = dataclasses.field(default_factory=dict)    # by table and rowid
     tables: dict = dataclasses.field(default_factory=dict)  # by table
@@ -63,7 +63,7 @@ def stop(file, line, words):
 
 
 def run(file, connection, report=stop):
-    """Runs a file of SQL. `report` gets file, line and words for each statement that fails; those after it run."""
+    """Runs an SQL file. Calls `report` with file, line and words for each statement that fails, and continues."""
     origin = Origin(file)
     for statement in statements(file):
         try:

@@ -1,4 +1,4 @@
-"""The tables of the add-in's databases: how their rows are called, and which fields are texts to translate."""
+"""The tables of the add-in's databases: how their rows are named, and which fields are texts to translate."""
 from dataclasses import dataclass
 
 LANGUAGE_FILES = ("Horalink.lng", "Common.LNG", "Horalink.hlp")
@@ -30,7 +30,7 @@ def fields(connection, table):
 
 
 def row_name(connection, table, rowid):
-    """The row by its key: 2, dlgAddin, dlgAddin.cmdButton.0. The index -1 of a control without one is left out."""
+    """The name of a row, from its key: 2, dlgAddin, dlgAddin.cmdButton.0. Leaves out the index -1, which means none."""
     key = ", ".join(f'"{field}"' for field in TABLES[table].key)
     values = connection.execute(f"SELECT {key} FROM {table} WHERE rowid = ?", [rowid]).fetchone()
     return ".".join(str(value) for field, value in zip(TABLES[table].key, values) if (field, value) != ("Index", -1))

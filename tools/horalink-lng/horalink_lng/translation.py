@@ -1,4 +1,4 @@
-"""A language: LANG.po, and beside it LANG.sql where the language needs fonts of its own."""
+"""A language: LANG.po, and beside it LANG.sql if the language needs its own fonts."""
 import os
 import re
 import subprocess
@@ -14,7 +14,7 @@ def library():
     return polib
 
 
-# Of msgfmt, for people who translate.
+# Messages of msgfmt, reworded for translators.
 DUPLICATE_WORDS = {"duplicate message definition...": "this text is in the file a second time; the last one counts",
                    "...this is the location of the first definition": "this text comes again further down"}
 
@@ -30,14 +30,14 @@ class Translation:
         content = read(file)
         try:
             entries = library().pofile(content)
-        except OSError as error:  # of the parser
+        except OSError as error:  # raised by the parser
             wrong = re.search(r"\(line (\d+)\)(: .*)?", str(error))
             raise Fault(f"{file}:{wrong[1] if wrong else 1}: this is not the syntax of a PO file"
                         f"{wrong[2] or '' if wrong else ''}") from error
         self.charset = entries.metadata.get("Content-Type", "").lower().partition("charset=")[2]
         self.entries = [entry for entry in entries if not entry.obsolete and entry.msgctxt]
         self.useless = [entry for entry in entries if not entry.obsolete and not entry.msgctxt]
-        # The parser counts from the first comment of an entry.
+        # The parser gives the line of an entry's first comment instead.
         lines = [number for number, line in enumerate(content.splitlines(), 1) if line.startswith("msgctxt")]
         self.lines = dict(zip((entry.msgctxt for entry in self.entries), lines))
         self.by_context = {entry.msgctxt: entry for entry in self.entries}
@@ -46,17 +46,17 @@ class Translation:
         return self.lines.get(context)
 
     def text(self, context, english):
-        """The translation; nothing where there is none, or one that is fuzzy or of another English text."""
+        """The translation; empty if there is none, or if it is fuzzy or belongs to another English text."""
         entry = self.by_context.get(context)
         return entry.msgstr if entry and entry.msgid == english and not entry.fuzzy else ""
 
     def faults(self, english):
-        """What gettext says of the file, and entries without use, as (line, words); `english` is texts by context."""
+        """Errors found by gettext, and useless entries, as (line, words). `english` has the texts by context."""
         yield from self._format_faults()
         if self.charset not in ("", "utf-8"):
             yield 1, "the Content-Type of the header has to say charset=UTF-8"
         for entry in self.useless:
-            yield entry.linenum, "the line msgctxt is missing, which tells where this text is shown"
+            yield entry.linenum, "the line msgctxt is missing, which says where this text is shown"
         for entry in self.entries:
             for words in self._entry_faults(entry, english):
                 yield self.lines[entry.msgctxt], f"{entry.msgctxt}: {words}"

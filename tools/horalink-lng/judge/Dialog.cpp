@@ -43,7 +43,7 @@ void ForEachRow(const Judged& addIn, Model& model, const std::string& table, Rou
     }
 }
 
-// The text that the design gives to a property, where an operator reads it.
+// Gets the text that a property has by design. True if the operator would see words in it.
 bool ShowsDesignText(const std::shared_ptr<forms::Control>& control, const char* property,
                      std::string& text) {
     ErrorState noSuchProperty;
@@ -76,7 +76,7 @@ void JudgeDesignTexts(const Judged& addIn, forms::Form& window, const std::map<C
         }
 }
 
-// A label loses what doesn't fit into its line.
+// A label cuts off what doesn't fit its line.
 void JudgeWidth(const Judged& addIn, const forms::Label& label, const Row& row) {
     const QFont font = forms::ToQt(*label.Font);
     const QString family = font.families().constFirst();

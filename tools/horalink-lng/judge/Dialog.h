@@ -1,4 +1,4 @@
-// The window: its texts, fonts and picture, and whether each text fits its place.
+// Judges the window: its texts, fonts and pictures, and whether each text fits its place.
 #pragma once
 
 #include "Judged.h"
@@ -7,7 +7,7 @@ namespace lng {
 
 void JudgeDialog(const Judged& addIn, Shelf& shelf);
 
-// The topics that the window's controls refer to, each with one of them.
+// The help topics that are needed, each with one control that refers to it.
 std::map<std::int32_t, std::string> NeededTopics(Shelf& shelf);
 
 }  // namespace lng

@@ -1,4 +1,4 @@
-// The databases that are judged, and the add-in's routines on them without a screen.
+// The databases to judge, and what the add-in's routines need to run on them without a screen.
 #pragma once
 
 #include <functional>
@@ -10,17 +10,17 @@
 
 namespace lng {
 
-// Where something is. Without a row it concerns the table, without a field the row.
+// The place of a finding. Without a row it concerns the whole table, without a field the whole row.
 struct Place {
     std::string database, table;
-    std::optional<std::int32_t> row = {};  // SQLite's number of it
+    std::optional<std::int32_t> row = {};  // SQLite's row number
     std::string field = {};
 };
 
-// A finding, as a line on the standard output for the tool that started this program.
+// Writes a finding as a line to standard output, for the tool that started this program.
 void Report(const Place& place, const std::string& message);
 
-// A row with the fields that were asked for; Null is the empty text.
+// A row with the requested fields; Null becomes an empty text.
 struct Row {
     std::int32_t number;  // SQLite's
     std::map<std::string, platform::Text> fields;
@@ -35,14 +35,14 @@ struct Judged {
                 const std::vector<std::string>& faults) const;
 };
 
-// Databases by a name, whatever their path.
+// Finds databases by their file name, whatever their directory.
 class Shelf : public platform::DatabaseEngine {
   public:
     std::map<std::string, platform::DatabaseRef> databases;  // by file name, in capitals
     platform::DatabaseRef OpenDatabase(platform::TextView path, bool readOnly = false) override;
 };
 
-// A database in which a query finds no row but one.
+// A database whose queries find only the row with this number.
 class OneRow : public platform::Database {
   public:
     OneRow(platform::Database& database, std::int32_t row) : database_(database), row_(row) {}
@@ -55,7 +55,7 @@ class OneRow : public platform::Database {
     std::int32_t row_;
 };
 
-// The services of the add-in: boxes are kept, every picture is there, and nothing else happens.
+// The services that the add-in's routines get. Records boxes, has every picture, and does nothing else.
 struct Desk {
     explicit Desk(platform::DatabaseEngine& engine);
     // The notice that the add-in showed since the last call, if any.

@@ -52,7 +52,7 @@ std::optional<Text> TokenIn(TextView text) {
     return std::nullopt;
 }
 
-// A piece that is one word after a "%": a token, in any case, or one of another program.
+// True for a piece that is one word after a "%": a token, in any case, or a token of another program.
 bool IsOneWord(TextView piece) {
     return piece.size() > 1 && piece.front() == u'%' &&
            std::all_of(piece.begin() + 1, piece.end(), IsWordCharacter) && IsLetter(piece[1]);
@@ -93,7 +93,7 @@ bool IsPlain(TextView piece) {
     return piece != noValue && !IsOneWord(piece) && piece.find(argument) == TextView::npos;
 }
 
-// Two texts with nothing but an "&" between them need none, so the "&" was meant to be read.
+// Two plain texts need no "&" between them, so the author meant the "&" to be shown.
 void AddSeparatorFaults(Faults& faults, const std::vector<Text>& pieces) {
     for (std::size_t i = 0; i + 1 < pieces.size(); ++i) {
         if (pieces[i].empty() || pieces[i + 1].empty())
@@ -114,7 +114,7 @@ void AddNameFaults(Faults& faults, TextView name) {
         faults.push_back(Cited(name) + " is no name of a button and counts for nothing");
 }
 
-// The values of a group of bits exclude each other.
+// True if a group of bits gets a second value: those exclude each other.
 bool Clashes(std::int32_t seen, std::int32_t value) {
     constexpr std::int32_t groups[] = {0xF, 0xF0, 0xF00};
     return (seen & value) != 0 || std::any_of(std::begin(groups), std::end(groups), [&](std::int32_t group) {

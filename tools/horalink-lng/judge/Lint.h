@@ -1,4 +1,4 @@
-// Texts that come out otherwise than their writer meant.
+// Finds texts that aren't shown as their author meant.
 #pragma once
 
 #include <string>
@@ -8,13 +8,13 @@
 
 namespace lng {
 
-// Of a text in the token language, judged by the add-in's own expansion.
+// The faults of a text in the token language, found by the add-in's own expansion.
 std::vector<std::string> TokenFaults(platform::TextView text);
 
-// Of a text that is shown as it is.
+// The faults of a text that is shown as it is.
 std::vector<std::string> PlainTextFaults(platform::TextView text);
 
-// Of a chain of button names.
+// The faults of a sum of button names.
 std::vector<std::string> ButtonFaults(platform::TextView text);
 
 }  // namespace lng

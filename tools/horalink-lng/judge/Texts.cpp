@@ -17,7 +17,7 @@ using namespace platform;
 
 constexpr const char *projectTable = "tProject", *messageTable = "tMessages", *boxTable = "tMsgBox",
                      *topicTable = "tTopics";
-constexpr TextView mark = u"\uE000";  // what a box is given; without a "%", it serves each %ST
+constexpr TextView mark = u"\uE000";  // the argument of a box; without a "%", it fills every %ST
 
 int Marks(const Text& text) {
     return static_cast<int>(std::count(text.begin(), text.end(), mark.front()));
@@ -35,7 +35,7 @@ struct BoxNumbers {
 void JudgeArguments(const Judged& judged, const Row& row, std::int16_t number, const MessageBox& box) {
     const int wanted = BoxNumbers::TakesText(number) ? 1 : 0, found = Marks(box.prompt);
     const bool isWellFormed =
-        TokenFaults(row.fields.at("Prompt")).empty();  // what is wrong else has been said
+        TokenFaults(row.fields.at("Prompt")).empty();  // other faults are already reported
     if (found < wanted && isWellFormed)
         judged.Report(boxTable, row, "Prompt", {"%ST is missing, so what the program puts in is not shown"});
     if (found > wanted && isWellFormed)
@@ -52,11 +52,11 @@ void JudgeHelpReference(const Judged& judged, Shelf& shelf, const Row& row, cons
         if (!FindTopic(shelf, *box.helpFile, box.helpContext))
             judged.Report(boxTable, row, "Context", {"the help file has no topic of this number"});
     } catch (const RuntimeError&) {
-        return;  // a help file that is not among those judged
+        return;  // the help file is not among those judged
     }
 }
 
-// Shows a box as the add-in does, and looks at what the operator would have seen.
+// Shows a box as the add-in does, and judges what the operator would have seen.
 void ShowBox(const Judged& judged, Shelf& shelf, std::int16_t mode, const Row& row, std::int16_t number) {
     Desk desk(shelf);
     horalink::ModuleData data;
@@ -97,7 +97,7 @@ void JudgeMessages(const Judged& addIn, Desk& desk) {
     MessageTexts messages;
     LoadMessageTable(desk.headless.boxes, messages, FromUtf8(messageTable), *addIn.database);
     if (const auto notice = desk.Notice()) return Report({addIn.name, messageTable}, *notice);
-    // Without the rows after these, buttons keep their English words.
+    // The rows after these are optional: without them, buttons keep their English texts.
     if (messages.texts.size() <= message::answerError)
         Report({addIn.name, messageTable}, "there are " + std::to_string(messages.texts.size()) +
                                                " rows, and the add-in needs " +
@@ -105,7 +105,7 @@ void JudgeMessages(const Judged& addIn, Desk& desk) {
     for (const Row& row : addIn.Rows(messageTable, {"ID", "Caption"})) {
         const Text& text = row.fields.at("Caption");
         addIn.Report(messageTable, row, "Caption", PlainTextFaults(text));
-        // This one becomes a part of a value for %ST, and those end at a "%".
+        // This text becomes part of a value for %ST, which ends at the first "%".
         Text args = text + u"%";
         if (row.fields.at("ID") == DecimalText(message::accessFailure) &&
             ExpandTextTokens(desk.headless.boxes, u"%ST", args) != text)

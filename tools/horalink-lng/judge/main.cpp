@@ -1,5 +1,5 @@
-// judge-texts HORALINK.LNG COMMON.LNG HORALINK.HLP: what the add-in makes of its databases. A name can be
-// empty.
+// judge-texts HORALINK.LNG COMMON.LNG HORALINK.HLP: reports faults that the add-in's own routines find in its
+// databases. An empty argument leaves a database out.
 #include <QGuiApplication>
 #include <iostream>
 
@@ -44,7 +44,7 @@ void JudgeAll(lng::Shelf& shelf) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);  // for the fonts alone
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);  // only fonts are needed
     const QGuiApplication fonts(argc, argv);
     if (argc != 4) return 2;
     try {
