@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Includes lead from a layer to one below it, and the add-in's folders include no library.
+"""Checks that includes lead from a layer to one below it, and that the add-in's folders include no library.
 
-  scripts/check-layers.py          fails where an include leads elsewhere
+  scripts/check-layers.py          fails if an include leads elsewhere
   scripts/check-layers.py --draw   also prints the folders and where their includes lead
 """
 import collections
@@ -10,7 +10,7 @@ import re
 import sys
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
-# From the top down. Folders of one layer don't know each other.
+# From the top down. Folders of one layer may not include each other.
 LAYERS = [
     ["src"],
     ["src/shell"],
@@ -49,9 +49,9 @@ def fault(folder, name, target):
     if target in (None, folder):
         return None
     if folder == "host":
-        return None if target.startswith("src/platform/") else "the companion host knows the platform alone"
+        return None if target.startswith("src/platform/") else "the companion host may only include the platform"
     if target in IMPLEMENTATIONS and folder != "src":
-        return "an implementation, which only main.cpp chooses"
+        return "an implementation, which only main.cpp may include"
     return None if RANK[target] > RANK[folder] else "not below"
 
 

@@ -1,4 +1,4 @@
-"""The whole way through the dialog and its host, by clicks and keys; each step in a picture."""
+"""Goes through the dialog and its host by clicks and keys, and takes a picture of each step."""
 import re
 from datetime import date
 
@@ -21,7 +21,7 @@ class Demonstration:
         pictures.mkdir(exist_ok=True)
 
     def run(self):
-        """Whether all of it came out as it should."""
+        """Returns whether every step gave the expected result."""
         self.open()
         self.picture("host", self.driver.window("switchdesk"))
         self.picture("dialog", self.window())
@@ -41,7 +41,7 @@ class Demonstration:
         self.driver.raise_window(self.dialog)
 
     def update_and_read(self, what, day):
-        """Sends what the dialog shows. The exchange's clock runs on from there, as the next lookup has to show."""
+        """Sends what the dialog shows. The next lookup has to show that the exchange's clock runs on from there."""
         seconds = self.held_seconds()
         self.press(self.texts.update, "update")
         shown = self.press(self.texts.lookup, "lookup-after-update")
@@ -60,7 +60,7 @@ class Demonstration:
             before = self.driver.value(section)
             self.driver.click(self.control(Role.SPIN_BUTTON, "updTime"), UPPER)
             wait_for(lambda: self.driver.value(section) != before, LIMIT, f"part {part} of the time to change")
-        # After this part of the time come the two boxes and the calendar.
+        # Tab leads from this part to the two check boxes and then to the calendar.
         self.choose_part(0)
         self.driver.press("Tab", "Tab", "Tab", "Next", "Return")
         self.driver.wait_until_enabled("horalink", self.texts.update)
@@ -95,7 +95,7 @@ class Demonstration:
         wait_for(lambda: not self.driver.has_window("switchdesk", title), LIMIT, "the help page to close")
 
     def close_and_open_again(self):
-        """The dialog comes back where it was left, on the background that was chosen."""
+        """Checks that the dialog reopens where it was closed, with the chosen background."""
         ground = self.corner()
         self.driver.move_window(self.dialog, 120, 90)
         moved = wait_for(lambda: self.driver.place(self.window())[0] < 200 and self.driver.place(self.window()), LIMIT,
@@ -109,11 +109,11 @@ class Demonstration:
         wait_for(lambda: self.corner() == ground, LIMIT, "the background to be as it was chosen")
         return self.report(True, f"the dialog is at {moved[0]}, {moved[1]} again, where it was closed")
 
-    # --- means ------------------------------------------------------------------------------------
+    # --- helpers ----------------------------------------------------------------------------------
 
     @staticmethod
     def report(good, what):
-        print(f"--- {what}" if good else f"--- NOT SO: {what}", flush=True)
+        print(f"--- {what}" if good else f"--- FAILED: {what}", flush=True)
         return good
 
     def window(self):
@@ -123,7 +123,7 @@ class Demonstration:
         return self.driver.find("horalink", self.texts.control(name, index), role)
 
     def corner(self):
-        """The colour of the dialog where only its background is."""
+        """The colour of the dialog at a point that shows only the background."""
         left, top, *_ = self.driver.place(self.window())
         return self.driver.colour(left + 12, top + 12)
 
@@ -132,7 +132,7 @@ class Demonstration:
         self.driver.picture(self.pictures / f"{self.steps:02}-{name}.png", window)
 
     def press(self, button, name):
-        """Presses a button of the dialog, reads the box that comes of it, and closes it; the dialog takes keys again."""
+        """Presses a button of the dialog, closes the box that opens and returns its text. The dialog is ready again."""
         self.driver.click(self.driver.find("horalink", button, Role.PUSH_BUTTON))
         box = self.driver.box("horalink", besides=[self.dialog])
         text = "\n".join(text for text in self.driver.texts(box) if text.strip())
@@ -152,6 +152,6 @@ class Demonstration:
 
         def shown():
             return [self.driver.value(section) for section in sections]
-        # It may go on while its parts are read.
+        # Reads twice, since the time may advance while its parts are read.
         hour, minute, second, half = wait_for(lambda: (time := shown()) == shown() and time, LIMIT, "the time to be read")
         return self.seconds(int(hour) % 12 + (12 if half == "PM" else 0), int(minute), int(second))

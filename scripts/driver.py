@@ -1,5 +1,5 @@
-"""Works a program as an operator does: finds its widgets by their accessible names, clicks them with real
-input events, and reads what its boxes say."""
+"""Operates a program as an operator does: finds its widgets by their accessible names, clicks them with real
+input events, and reads its boxes."""
 import os
 import re
 import subprocess
@@ -13,7 +13,7 @@ from gi.repository import GLib  # noqa: E402
 
 from sandbox import wait_for  # noqa: E402
 
-LIMIT = 25  # seconds for what comes at once on an idle machine
+LIMIT = 25  # seconds for what is immediate on an idle machine
 LARGEST_FRAME = 30  # pixels that a window manager draws at a side of a window
 MIDDLE = (0.5, 0.5)
 UPPER = (0.5, 0.25)  # the upper arrow of a spin control
@@ -21,13 +21,14 @@ Role = Atspi.Role
 
 
 def name_pattern(title):
-    """What xdotool finds a window by. The name that it looks at has letters beyond ASCII in locales alone that the
-    display's library knows."""
+    """The pattern by which xdotool finds a window. Any letters stand for those beyond ASCII, which xdotool sees only in
+    locales that the X library knows."""
     return "^" + re.sub(r"[^\x20-\x7e]+", "[^A-Za-z]+", re.escape(title)) + "$"
 
 
 class Driver:
-    """Drives the programs of one sandbox. One for each process: the accessibility bus is connected once."""
+    """Drives the programs of one sandbox. Only one for each process, since that connects to the accessibility
+    bus once."""
 
     def __init__(self, sandbox):
         self.sandbox = sandbox
@@ -47,15 +48,15 @@ class Driver:
                 yield child
 
     def nodes(self, node):
-        """A widget and all that lie in it."""
+        """A widget and all its descendants."""
         yield node
         for child in self._children(node):
             yield from self.nodes(child)
 
     @staticmethod
     def _runs(application, program):
-        """By its command, without asking it: a stopped program would not answer. It may be run by another
-        one, which then has it as an argument."""
+        """Judges by the command line, since a stopped program would not answer. If another program runs it, its name is
+        an argument."""
         try:
             command = Path(f"/proc/{application.get_process_id()}/cmdline").read_bytes().decode(errors="replace")
         except OSError:
@@ -75,32 +76,32 @@ class Driver:
                     if self.is_showing(window):
                         yield window
             except GLib.Error:
-                continue  # it went away while it was looked at
+                continue  # it closed while it was being read
 
     @staticmethod
     def is_showing(window):
-        """False for one that is listed but has left, which must not hide those after it."""
+        """False for a window that is listed but has closed: the search must go on after it."""
         try:
             return window.get_state_set().contains(Atspi.StateType.SHOWING)
         except GLib.Error:
             return False
 
     def find(self, program, name, role, seconds=LIMIT, window=None):
-        """A widget by its accessible name and its role, in any window or in that of a title."""
+        """Waits for a widget with this accessible name and role, in any window or in that with the title `window`."""
         return self._wait_to_see(lambda: next(
             (node for top in self.windows(program) if window in (None, top.get_name())
              for node in self.nodes(top) if node.get_name() == name and node.get_role() == role), None),
             seconds, f"'{name}' in {program}")
 
     def window(self, program, title=None, seconds=LIMIT):
-        """A window by its title, or the first."""
+        """Waits for a window with this title, or for any."""
         return self._wait_to_see(
             lambda: next((top for top in self.windows(program) if title in (None, top.get_name())), None),
             seconds, f"a window '{title}' of {program}")
 
     @staticmethod
     def _wait_to_see(look, seconds, what):
-        """Looks again where something goes while it is looked at."""
+        """Waits until `look` finds something; tries again if a widget closes while it is being read."""
         def look_safely():
             try:
                 return look()
@@ -119,7 +120,7 @@ class Driver:
         return title in self.titles(program)
 
     def texts(self, window):
-        """All texts of labels of a window."""
+        """The texts of all labels in a window."""
         return [node.get_name() for node in self.nodes(window) if node.get_role() == Role.LABEL]
 
     def buttons(self, window):
@@ -147,7 +148,7 @@ class Driver:
 
     @staticmethod
     def point_of(node, place=MIDDLE):
-        """A place of a widget, in parts of its width and height, on the screen."""
+        """A point of a widget on the screen; `place` is in fractions of the widget's width and height."""
         box = node.get_extents(Atspi.CoordType.SCREEN)
         return box.x + int(box.width * place[0]), box.y + int(box.height * place[1])
 
@@ -160,7 +161,7 @@ class Driver:
 
     @staticmethod
     def _tell_window(title, *command):
-        """A program speaks of a window as shown when it has asked for it; until the screen shows it, none is found."""
+        """Tries again, since a program reports a window as shown before it is on the screen, where xdotool finds it."""
         search = ["xdotool", "search", "--onlyvisible", "--name", name_pattern(title), *map(str, command)]
         wait_for(lambda: subprocess.run(search, check=False, stdout=subprocess.DEVNULL).returncode == 0, LIMIT,
                  f"the window '{title}' to be shown")
@@ -175,12 +176,12 @@ class Driver:
         wait_for(lambda: not self._has(box, Atspi.StateType.CHECKED), LIMIT, f"'{box.get_name()}' to lose its tick")
 
     def click_here(self):
-        """A click where the pointer is already."""
+        """Clicks where the pointer is."""
         self._xdotool("click", 1)
 
     def aim(self, node, place=MIDDLE):
-        """Moves the pointer to a widget. A program speaks of a window as shown when it has asked for it; until
-        the screen shows it, and where the window manager puts it, a click would go to what lies below."""
+        """Moves the pointer to a widget, and waits until its window is below it. A program reports a window as shown
+        before the window manager has placed it; until then a click would go to another window."""
         window = self._window_of(node)
 
         def look():
@@ -207,7 +208,7 @@ class Driver:
 
     @staticmethod
     def _ask_xdotool(*arguments):
-        """What it says; nothing where a window has closed meanwhile."""
+        """The output of xdotool; empty if a window has closed meanwhile."""
         return subprocess.run(["xdotool", *arguments], check=False, stdout=subprocess.PIPE,
                               stderr=subprocess.DEVNULL, text=True).stdout
 
@@ -238,7 +239,7 @@ class Driver:
 
     @staticmethod
     def value(node):
-        """The text of a box."""
+        """The text of a text box."""
         node.clear_cache()
         return Atspi.Text.get_text(node, 0, -1)
 
@@ -250,7 +251,7 @@ class Driver:
 
     @staticmethod
     def colour(x, y):
-        """What the screen shows at a point."""
+        """The colour of the screen at a point."""
         return subprocess.run(["import", "-silent", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "rgb:-"],
                               check=True, stdout=subprocess.PIPE).stdout
 
@@ -259,7 +260,7 @@ class Driver:
         command = ["import", "-silent", "-window", "root"]
         if window is not None:
             box = window.get_extents(Atspi.CoordType.SCREEN)
-            # The frame that the window manager draws lies outside.
+            # Adds the frame that the window manager draws around the window.
             command += ["-crop", f"{box.width + 2}x{box.height + 26}+{max(box.x - 1, 0)}+{max(box.y - 24, 0)}",
                         "+repage"]
         subprocess.run([*command, str(path)], check=True)

@@ -1,4 +1,4 @@
-"""How a program of several processes takes Ctrl+C, a closed terminal or a `kill`: it clears away, and says a word."""
+"""Lets a program of several processes end cleanly at Ctrl+C, a closed terminal or a `kill`, and report that."""
 import signal
 import sys
 
@@ -7,8 +7,8 @@ INTERRUPTED = 130  # the status that a shell gives for Ctrl+C
 
 
 def run(main):
-    """Gives the status of `main`, inside of which a signal is a KeyboardInterrupt. Those that follow are ignored, so
-    that nothing is left of what is being cleared away."""
+    """Runs `main` and returns its status. The first signal raises KeyboardInterrupt inside it; later ones are ignored,
+    so that they don't stop the cleanup."""
     def interrupt(*_):
         ignore()
         raise KeyboardInterrupt
@@ -23,6 +23,6 @@ def run(main):
 
 
 def ignore():
-    """By a routine that does nothing: programs that are started would inherit anything else."""
+    """Sets a handler that does nothing: started programs would inherit SIG_IGN."""
     for each in SIGNALS:
         signal.signal(each, lambda *_: None)

@@ -1,4 +1,4 @@
-"""Which machine this is, for what is measured or proved on it."""
+"""Names this machine, for records of measurements and tests."""
 import os
 import platform
 from pathlib import Path

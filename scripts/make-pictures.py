@@ -12,7 +12,7 @@ LANGUAGES = ("en", "de", "ja")
 
 
 def take(file, window):
-    """A picture of one window with its frame, of which no other window may cover a part."""
+    """Takes a picture of a window with its frame. No other window may cover any part of it."""
     from driver import name_pattern
     found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", name_pattern(window.get_name())],
                            check=True, capture_output=True, text=True)
@@ -38,7 +38,7 @@ def take_pictures(sandbox, pictures, language):
 
 
 def main(build, pictures, language=None):
-    if not language:  # the accessibility library can be connected once in a process
+    if not language:  # the accessibility library can connect only once in a process
         for each in LANGUAGES:
             subprocess.run([sys.executable, __file__, build, pictures, each], check=True)
         return

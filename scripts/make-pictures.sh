@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the pictures of the manuals anew, from the running program on a display of its own.
+# Retakes the pictures of the manuals from the running program, on a display of its own.
 #   scripts/make-pictures.sh [BUILD]   with the programs of a build folder; without one, of build/
 set -euo pipefail
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

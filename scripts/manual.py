@@ -1,4 +1,4 @@
-"""Pages of the manuals of which a part is written by a program, between two markers."""
+"""Pages of the manuals with a part that a program writes, between two markers."""
 import re
 
 END = "<!-- to here -->"
@@ -12,12 +12,12 @@ def _part(page, command):
     text = page.read_text(encoding="utf-8")
     found = re.search(f"(?<={re.escape(marker(command))}\n).*?(?={re.escape(END)})", text, re.S)
     if not found:
-        raise ValueError(f"{page} has no place for what {command} writes")
+        raise ValueError(f"{page} has no markers for what {command} writes")
     return text, found
 
 
 def written(page, command):
-    """What is there now."""
+    """The current content of the part."""
     return _part(page, command)[1][0].strip()
 
 

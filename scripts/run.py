@@ -25,7 +25,7 @@ def demonstrate(sandbox, pictures):
 
 
 def exchanges():
-    """The simulated ones, and this PC where its clock service can be asked."""
+    """The simulated exchanges, and this PC if it has a clock service."""
     names = [EXCHANGE, "Warehouse", "Branch 3"]
     with contextlib.suppress(dbus.DBusException):
         if "org.freedesktop.timedate1" in dbus.SystemBus().list_activatable_names():
@@ -40,8 +40,8 @@ def open_host(sandbox):
 def run_command(sandbox, command):
     if not shutil.which(command[0], path=sandbox.environment["PATH"]):
         if Path(command[0]).is_file():
-            sys.exit(f"run: '{command[0]}' can't be run; chmod +x makes it a command")
-        sys.exit(f"run: there is no command '{command[0]}'")
+            sys.exit(f"run: '{command[0]}' isn't executable; chmod +x makes it so")
+        sys.exit(f"run: command '{command[0]}' not found")
     return sandbox.start(command).wait()
 
 
@@ -57,7 +57,7 @@ def main(build, asked, way="", *rest):
     if asked:
         sandbox.speak()
     if way and sandbox.own_display:
-        print("run: there is no display, so windows open on a virtual one that nobody sees; Ctrl+C ends it",
+        print("run: no display found, so windows open on an invisible virtual one; Ctrl+C ends it",
               file=sys.stderr)
     with sandbox.lay_out():
         if way == "stand-alone":
@@ -70,7 +70,7 @@ def main(build, asked, way="", *rest):
 
 
 if __name__ == "__main__":
-    # What was started ends with the sandbox, however this one is ended.
+    # SIGTERM must also end the sandbox, and with it all programs started there.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
     try:
         sys.exit(main(*sys.argv[1:]))

@@ -1,7 +1,6 @@
-"""An installation of its own to run in: directory tree, settings, services, a private bus, a display.
+"""A separate installation to run in: directory tree, settings, services, a private bus, a display.
 
-Everything lies in one folder and nothing outside it is touched. The processes that were started here end
-with the sandbox.
+Everything lies in one folder, and nothing outside it is changed. Processes started here end with the sandbox.
 """
 import contextlib
 import os
@@ -31,7 +30,7 @@ BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus
     <allow receive_sender="*"/>
     <allow own="*"/>
   </policy>
-  <!-- As a desktop's own session bus has them. -->
+  <!-- The limits of a desktop's session bus. -->
   <limit name="max_incoming_bytes">1000000000</limit>
   <limit name="max_outgoing_bytes">1000000000</limit>
   <limit name="max_message_size">1000000000</limit>
@@ -44,7 +43,7 @@ BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus
 
 
 def wait_for(condition, seconds, what):
-    """The first true value of `condition`, asked again and again; fails when the limit has passed."""
+    """Polls `condition` until its value is true, and returns that. Raises TimeoutError after the limit."""
     end = time.monotonic() + seconds
     pause = select.poll()
     while True:
@@ -57,10 +56,10 @@ def wait_for(condition, seconds, what):
 
 
 class Sandbox:
-    """Lays everything out in `folder`; enter it to start the bus and, where there is none, a display.
+    """Lays everything out in `folder`. Entering it starts the bus and, if there is none, a display.
 
-    Readable programs offer their widgets to assistive programs, by which they are read and clicked from outside. On a
-    managed display of its own runs a window manager.
+    Readable programs offer their widgets to assistive programs, through which they are read and clicked. If managed,
+    a display of its own has a window manager.
     """
 
     def __init__(self, build, folder, own_display=False, readable=True, language="en", managed=True):
@@ -75,11 +74,11 @@ class Sandbox:
         self.managed = managed and shutil.which("openbox")
         if readable:
             self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
-            # What the toolkit says of a widget that went while an assistive program looked at it is not ours.
+            # Hides the toolkit's warnings about widgets that close while an assistive program reads them.
             self.environment["QT_LOGGING_RULES"] = "qt.accessibility.*=false"
 
     def speak(self):
-        """Names of days and months in the language, whose locale need not be installed for that."""
+        """Chooses the language of day and month names. Its locale needn't be installed."""
         country = {"ja": "JP", "zh": "CN"}.get(self.language, self.language.upper())
         for name in [name for name in self.environment if name.startswith("LC_")]:
             del self.environment[name]
@@ -98,7 +97,7 @@ class Sandbox:
         return self
 
     def install(self):
-        """The programs with their data and settings; anew, where they have been installed before."""
+        """Installs the programs with their data and settings, in place of an earlier installation."""
         for tree in (self.root, self.own):
             shutil.rmtree(tree, ignore_errors=True)
         for directory, name in (("ADDINS/DATABASE", "Horalink.lng"), ("ADDINS/HELP", "Horalink.hlp"),
@@ -139,7 +138,7 @@ class Sandbox:
                 XDG_DATA_HOME=str(self.folder / "home/data"),
                 XDG_CACHE_HOME=str(self.folder / "home/cache"),
                 XDG_RUNTIME_DIR=str(self.folder / "runtime"),
-                # The host by its name, and the interpreter that Debian's bus bindings belong to.
+                # Commands find the host by its name, and the interpreter that has Debian's bus bindings.
                 PATH=f"{self.host.parent}:{self.add_in.parent}:/usr/bin:/bin:" + os.environ.get("PATH", ""))
             if self.own_display:
                 self.environment.pop("WAYLAND_DISPLAY", None)
@@ -156,7 +155,7 @@ class Sandbox:
             self.end(process)
 
     def start(self, command, environment=None, **options):
-        """Starts a program in the sandbox; it ends with it."""
+        """Starts a program, which ends with the sandbox."""
         process = subprocess.Popen([str(part) for part in command], env=environment or self.environment,
                                    start_new_session=True, **options)
         self.processes.append(process)
@@ -164,7 +163,7 @@ class Sandbox:
 
     @staticmethod
     def ask_to_end(process):
-        """A program and all that it started; a stopped process ends only once it is continued."""
+        """Asks a program and all that it started to end. A stopped process ends only once it is continued."""
         with contextlib.suppress(ProcessLookupError):
             os.killpg(process.pid, signal.SIGTERM)
             os.killpg(process.pid, signal.SIGCONT)
@@ -195,8 +194,8 @@ class Sandbox:
             self._start_window_manager()
 
     def _start_window_manager(self):
-        """Waits until it manages windows: those of programs that came first would stay without frame and focus,
-        and lose clicks and keys."""
+        """Waits until it manages windows: those opened earlier would stay without frame and focus, and lose clicks
+        and keys."""
         manager = None
 
         def manages():
@@ -207,11 +206,12 @@ class Sandbox:
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             return asked.returncode == 0
         wait_for(manages, 20, "the window manager")
-        # It can miss a key of its own, such as Alt+F4, that is the first key of the display: let another be the first.
+        # It can miss a shortcut of its own, such as Alt+F4, if that is the first key on the display: sends another
+        # first.
         subprocess.run(["xdotool", "key", "Shift_L"], env=self.environment, check=True)
 
     def start_bus(self, name, environment):
-        """A bus that starts its services in an environment; returns its address."""
+        """Starts a bus, whose services get this environment; returns its address."""
         configuration = self.folder / f"{name}.conf"
         configuration.write_text(BUS_CONFIGURATION.format(
             socket=f"horalink-{os.getpid()}-{secrets.token_hex(8)}", services=self.folder / "services"))
@@ -224,7 +224,7 @@ class Sandbox:
         return address
 
     def own_register(self):
-        """The user's own register, as the first creation makes it."""
+        """The user's own register, copied as the first creation of an add-in does."""
         register = self.own / "MORA32/DATABASE/Register.mdb"
         if not register.exists():
             register.parent.mkdir(parents=True, exist_ok=True)

@@ -6,7 +6,7 @@ run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-at
               python3-gi fonts-liberation fonts-noto-cjk gettext sqlite3 tzdata)
 # The far side of a real exchange, for the tests: sshd, and Debian's clock service.
 test_packages=(openssh-server openssh-client systemd)
-# Each version of clang-format lays some lines out otherwise; this one is in Debian 12 and in 13.
+# Versions of clang-format differ in the layout of some lines; this one is in Debian 12 and in 13.
 check_packages=(clang-format-19 clang-tidy-19)
 long_packages=(valgrind)
 fuzz_packages=(clang libclang-rt-dev)
@@ -27,16 +27,16 @@ install_packages() {
     root=(sudo)
   fi
   "${root[@]}" apt-get update -qq
-  # Debian starts the servers that it installs; of this one the tests need the program only.
+  # Debian starts the servers that it installs, but the tests need only the program of this one.
   if [[ " ${missing[*]} " = *" openssh-server "* ]]; then
     "${root[@]}" install -d /etc/systemd/system
     "${root[@]}" ln -s /dev/null /etc/systemd/system/ssh.service 2>/dev/null || true
-    echo "Its own ssh.service stays masked; \"systemctl unmask ssh\" is for who wants to serve ssh here."
+    echo "ssh.service stays masked; \"systemctl unmask ssh\" allows this machine to serve ssh."
   fi
   DEBIAN_FRONTEND=noninteractive "${root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# Configures a folder; further arguments go to the configuring.
+# Configures a build folder; further arguments go to cmake.
 configure_tree() {
   local folder=$1
   shift
@@ -50,7 +50,7 @@ build_sanitized() {
   install_packages "${build_packages[@]}" "${fuzz_packages[@]}"
   mkdir -p "$top/build"
   (
-    flock 9  # hunts may be started side by side
+    flock 9  # several fuzzing runs may start at the same time
     configure_tree "$top/build/sanitized" -DCMAKE_CXX_COMPILER=clang++ -DHORALINK_SANITIZE=ON \
       -DHORALINK_WARNINGS_AS_ERRORS=ON -DCMAKE_BUILD_TYPE=Debug
     cmake --build "$top/build/sanitized" --target "$@"

@@ -1,4 +1,4 @@
-"""The texts of an installation by which its windows are found and clicked, in whatever language it has."""
+"""The texts by which the windows and controls of an installation are found, in its language."""
 import sqlite3
 from pathlib import Path
 
@@ -16,11 +16,11 @@ class Texts:
             database.close()
 
     def control(self, name, index=-1):
-        """What a control without a text of its own is called: its tool tip."""
+        """The accessible name of a control without a caption: its tool tip."""
         return self._text('SELECT ToolTipText FROM tControls WHERE ObjectName = ? AND "Index" = ?', name, index)
 
     def caption(self, name):
-        """The text of a control that has one."""
+        """The caption of a control that has one."""
         return self._text("SELECT Caption FROM tControls WHERE ObjectName = ?", name)
 
     def title(self, exchange):
