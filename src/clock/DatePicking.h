@@ -1,4 +1,4 @@
-// The date that the operator chooses.
+// Handles the date that the operator chooses in the calendar.
 #pragma once
 
 #include "clock/Layout.h"

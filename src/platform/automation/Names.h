@@ -10,7 +10,7 @@ inline constexpr char errorName[] = "org.velmora.Automation1.Error";
 inline constexpr char busyErrorName[] = "org.velmora.Automation1.Error.Busy";
 inline constexpr char annotationPrefix[] = "org.velmora.Automation1.";
 
-// The bus itself.
+// The names of the bus itself.
 inline constexpr char daemonName[] = "org.freedesktop.DBus";  // also its interface
 inline constexpr char daemonPath[] = "/org/freedesktop/DBus";
 

@@ -121,8 +121,8 @@ class Calendar : public Control {
     // Raises 13 if no day is chosen, or the month doesn't have it.
     Date CalendarValue() const;
 
-    // The operator chooses a date, or turns to another month, where no day is chosen yet. BeforeUpdate can
-    // refuse both.
+    // Called for the operator: choose a date, or turn to another month, in which no day is chosen yet.
+    // BeforeUpdate can refuse both.
     void ChooseDate(const DateParts& date);
     void TurnTo(std::int16_t year, std::int16_t month);
 

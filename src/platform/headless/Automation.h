@@ -13,7 +13,7 @@ namespace platform::headless {
 class Peer {
   public:
     bool IsAlive() const { return isAlive_; }
-    // Notifies everybody who watches.
+    // Notifies all watchers.
     void Die();
     bool IsStuck() const { return isStuck_; }
     void SetStuck(bool isStuck) { isStuck_ = isStuck; }

@@ -14,7 +14,7 @@ namespace platform::forms {
 
 enum class Direction { Up, Down };
 
-// Makes a step of the operator. Traps errors of the handlers.
+// Makes a step for the operator. Catches errors of the handlers.
 void Step(UpDown& spin, Direction direction);
 
 // The step of a key, if it is Up or Down without modifiers.
