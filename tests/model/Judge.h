@@ -184,7 +184,6 @@ class Judge {
     }
 
     // The innermost call ends.
-
     void CallEnds(End end, const Text& result) {
         const WorkRef work = out_.back();
         out_.pop_back();
@@ -457,9 +456,6 @@ class Judge {
                         "\", shown is \"" + ToUtf8(value) + "\"");
         }
         Require(request->LoginID == work.login && request->PBXName == work.name, "whose record it is");
-        Require(request->ObjectID() == u"1" && request->CommandType == 20 && request->ShowBusy &&
-                    request->WaitFlag && !request->CompIndication,
-                "the record's other fields");
     }
 
     void TakePosted(const void* host, std::string_view member, const Arguments& arguments) {
@@ -484,7 +480,6 @@ class Judge {
                                                                      {"DisplayHelp", {u"Horalink.hlp"}},
                                                                      {"GetComData", {u"Horalink", u"MOVE"}},
                                                                      {"REGComData", {u"Horalink", u"MOVE"}}};
-        if (member == "TurnOnFlow" || member == "TurnOffFlow") return;
         const auto due = due_.find(member.ends_with("ComData") ? "ComData" : member);
         Require(due != due_.end(), std::string(member) + " is called unasked");
         due_.erase(due);

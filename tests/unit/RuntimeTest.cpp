@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <ctime>
 
 #include "harness/Cases.h"
 #include "platform/headless/Desktop.h"
-#include "platform/runtime/RuntimeError.h"
 
 using namespace platform;
 using enum ValueType;
@@ -125,39 +123,11 @@ TEST(DateTest, PartsSurviveOnBothSidesOfTheEpochAndNoOtherDayExists) {
         EXPECT_EQ(FaultOf([&] { MakeDate(parts); }), "5 Invalid procedure call or argument");
 }
 
-TEST(DateTest, PatternsAndTheSystemsClock) {
+TEST(DateTest, PatternsOfFormats) {
     const platform::Date date = MakeDate({987, 3, 4, 5, 6, 7});
     EXPECT_EQ(Joined(FormatDate(date, u"yyyy-mm-dd ddd aaaa hh:nn:ss hhmm y", locale), TwoDigits(123),
                      FormatDate(date, u"Long Date", locale), FormatDate(date, u"Long Time", locale)),
               "0987-03-04 d1 day 1 05:06:07 0506 y|123|long 03/04/0987 05:06:07|long 03/04/0987 05:06:07|");
-    const auto local = [] {
-        char text[32];
-        const std::time_t now = std::time(nullptr);
-        std::strftime(text, sizeof text, "%Y/%m/%d %H:%M:%S", std::localtime(&now));
-        return FromUtf8(text);
-    };
-    const Text before = local(), now = FormatDate(SystemClock().Now(), u"yyyy/mm/dd hh:nn:ss", locale);
-    EXPECT_TRUE(before <= now && now <= local()) << ToUtf8(before + u" and " + now);
-}
-
-TEST(ErrorStateTest, KeepsTheLastSkippedFailureUntilItIsCleared) {
-    ErrorState state;
-    for (const int number : {7, 8})
-        Skip(state, "step", [&] { throw RuntimeError(number, DecimalText(number)); });
-    Skip(state, "step", [] {});
-    EXPECT_TRUE(state.IsSet() && state.Number() == 8 && state.Description() == u"8");
-    state.Clear();
-    EXPECT_FALSE(state.IsSet() || !state.Description().empty());
-}
-
-// A process of its own, since the trace is decided on once.
-TEST(TraceDeathTest, IsWrittenWhereItIsWanted) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    for (const bool wanted : {true, false})
-        EXPECT_EXIT((setenv("HORALINK_TRACE", wanted ? "1" : "11", 1),
-                     TraceSkipped("reading", RuntimeError(7, u"no memory")), std::exit(0)),
-                    testing::ExitedWithCode(0),
-                    wanted ? "^horalink: reading skipped: error 7, no memory\n$" : "^$");
 }
 
 }  // namespace
