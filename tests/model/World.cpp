@@ -107,8 +107,6 @@ class World {
         harness::AddSmallTexts(databases_);
         computer_.app.path = u"C:\\VELMORA32\\10001\\ADDINS";
         computer_.app.startMode = startedByAutomation;
-        computer_.app.major = 13;
-        computer_.pictures.hasAll = true;
         computer_.automation.wait = [this](int milliseconds) { WaitForRetry(milliseconds); };
         computer_.boxes.whileOpen = [this] { WhileBoxIsOpen(); };
     }
@@ -383,9 +381,9 @@ class World {
     }
 
     bool IsDead(const void* party) const {
-        return std::any_of(former_.begin(), former_.end(),
-                           [&](const auto& each) { return each.get() == party; }) ||
-               (party == host.get() && !host->peer->IsAlive());
+        const bool isFormer =
+            std::ranges::any_of(former_, [&](const auto& each) { return each.get() == party; });
+        return isFormer || (party == host.get() && !host->peer->IsAlive());
     }
 
     void Deliver(std::size_t kind, std::size_t login) {
@@ -502,8 +500,7 @@ class World {
     template <class What>
     static std::optional<What> TakeNextOf(std::vector<std::pair<std::string, What>>& all,
                                           std::string_view member) {
-        const auto next =
-            std::find_if(all.begin(), all.end(), [&](const auto& each) { return each.first == member; });
+        const auto next = std::ranges::find_if(all, [&](const auto& each) { return each.first == member; });
         if (next == all.end()) return {};
         const What taken = next->second;
         all.erase(next);
