@@ -165,9 +165,9 @@ TEST_F(DialogTest, TheTitleTakesOneMarkForEachName) {
         EXPECT_EQ(Window().Caption(), u"caption (" + Text(pbx) + u")");
     }
     EXPECT_EQ(desk.app.title, u"app title (Main) (MAIN) (Mai)");
-    desk.Calls();
-    Call(layer, "SetBackGround", 3);
-    EXPECT_EQ(desk.Calls().at(0), "rows 8 Select * From PictureFileName Where  ID = 3");
+    desk.pictures.files = {{main.Data().BackgroundDirectory + u"sand.svg", "sand"}};
+    Call(layer, "SetBackGround", 2);
+    EXPECT_EQ(Controls().imgBack->Picture()->Content(), "sand");
     Dialog().PutParent(nullptr);
 }
 
@@ -175,11 +175,13 @@ TEST_F(DialogTest, TheStartReadsAllThatNeedsNoWindow) {
     desk.settings.values[u"VELMORA32/10001/InstallPath"] = u"C:\\VELMORA32\\10001\\";
     main.Main();
     const std::string root = "C:\\VELMORA32\\10001\\";
-    EXPECT_EQ(desk.Calls()[0], "open " + root + "ADDINS\\..\\MORA32\\DATABASE\\Common.LNG read-only");
     EXPECT_EQ(Joined(main.Data().BackgroundDirectory, desk.app.helpFile, main.Data().MarketCode,
                      desk.app.buttons.ok, desk.app.buttons.giveUp),
               root + "ADDINS\\..\\BACKGRND\\|" + root + "ADDINS\\HELP\\Horalink.hlp|10001|ok|give up|");
     main.LoadAddIn();
+    EXPECT_EQ(desk.databases.opened, (Notes{root + "ADDINS\\..\\MORA32\\DATABASE\\Common.LNG read-only",
+                                            root + "ADDINS\\DATABASE\\Horalink.lng",
+                                            root + "ADDINS\\..\\MORA32\\DATABASE\\Register.mdb"}));
     EXPECT_EQ(desk.databases.Ask(u"Register.mdb", u"select Version from Registry where Title = 'clock'"),
               Value(u"13.0.1"));
     EXPECT_EQ(Joined(desk.app.helpFile, desk.app.waits.busyTimeout, desk.app.waits.pendingTimeout),
@@ -189,18 +191,17 @@ TEST_F(DialogTest, TheStartReadsAllThatNeedsNoWindow) {
     EXPECT_EQ(main.Data().MarketCode, u"10001") << "an unknown market is the first";
 }
 
-// Whatever fails first ends the process with its one notice.
-TEST_F(DialogTest, AStartThatFailsEndsTheProcess) {
-    const std::pair<const char16_t*, const char*> cases[] = {{u"Common.LNG", nullptr},
-                                                             {u"Horalink.lng", nullptr},
-                                                             {u"Horalink.lng", "drop table tProject"},
-                                                             {u"Horalink.lng", "drop table tMessages"},
-                                                             {u"Register.mdb", nullptr}};
-    for (const auto& [file, sql] : cases) {
+TEST_F(DialogTest, WhateverFailsFirstEndsTheProcessWithItsOneNotice) {
+    for (int call = 1, isOver = 0; !isOver; ++call) {
         Process process;
-        sql ? process.desk.databases.Add(file, sql) : process.desk.databases.Remove(file);
-        EXPECT_THROW((process.main.Main(), cOLELayer::Create(process.main)), Ended) << ToUtf8(file);
-        EXPECT_EQ(process.desk.Boxes().size(), 1U) << ToUtf8(file);
+        process.desk.databases.FailAt(call, DataError::DiskError);
+        try {
+            process.main.Main();
+            isOver = call > 10;
+            EXPECT_TRUE(isOver && !process.desk.databases.HasFailed());
+        } catch (const Ended&) {
+            EXPECT_EQ(process.desk.Boxes().size(), 1U) << call;
+        }
     }
 }
 

@@ -95,11 +95,10 @@ struct FormContentTest : testing::Test {
         databases.Add(u"a", "delete from " + table + "; insert into " + table +
                                 " select *, 'other' from (values " + rows + ") limit 1; insert into " +
                                 table + " select *, 'form' from (values " + rows + ")");
-        notes.clear(), computer.Calls();
+        notes.clear();
     }
     bool LoadForm(const std::string& sql) {
         databases.Add(u"a", sql);
-        computer.Calls();
         return LoadFormText(computer.boxes, *form, *databases.OpenDatabase(u"a", true));
     }
     bool LoadControls(const std::string& rows) {
@@ -152,27 +151,9 @@ TEST_F(FormContentTest, EachTypeTakesItsFontInItsOwnWay) {
             EXPECT_EQ(notes, expected) << type;
         }
     }
-    EXPECT_EQ(computer.Calls().back(), "close rows");
     Add(u"left", "Label", "left."), Add(u"emptied", "Label", "emptied.");
     EXPECT_TRUE(LoadControls("('left', -1, '-1', '-1', 9, '-1'), ('emptied', -1, null, null, 9, null)"));
     EXPECT_EQ(notes, (Notes{"emptied.Caption=", "emptied.ToolTipText="})) << "minus one leaves the text";
-}
-
-TEST_F(FormContentTest, AFailureInTheTextsIsOneShortNoticeAndEndsTheRows) {
-    auto& label = form->Add<forms::Label>(u"label");
-    const Table<const char*, std::string, const char*> cases = {
-        {"('label', -1, 'early', 'F', null, '-1')", Short("Invalid use of Null", 94), "early|F||"},
-        {"('label', 0, 'early', 'F', 9, 'tip')", Short("Control array element 'label(0)' doesn't exist", 340),
-         "|||"},
-        {"('none', -1, '-1', '-1', 9, '-1')", Short("Control 'none' not found", 730), "|||"},
-        {"('label', 40000, '-1', '-1', 9, '-1')", Short("Overflow", 6), "|||"}};
-    for (const auto& [row, notice, texts] : cases) {
-        label.Caption = u"";
-        label.Font->Name = u"";
-        EXPECT_FALSE(LoadControls(row + std::string(", ('label', -1, 'late', '-1', 9, 'late')")));
-        EXPECT_EQ(computer.Boxes(), Notes{notice});
-        EXPECT_EQ(Joined(label.Caption(), label.Font->Name(), label.ToolTipText()), texts) << row;
-    }
 }
 
 TEST_F(FormContentTest, TheFormsCaptionIsExpandedAndTheLastRowStands) {
@@ -183,7 +164,6 @@ TEST_F(FormContentTest, TheFormsCaptionIsExpandedAndTheLastRowStands) {
         LoadForm("insert into tForms values ('other', 'other', 'O', 7), ('form', 'first', 'A', 8),"
                  " ('form', 'One & %CR & %ST & Two', 'B', 9.75)"));
     EXPECT_EQ(texts(), "One\rTwo|B|9.75|");
-    EXPECT_EQ(computer.Calls().back(), "close rows");
     form->isMdi = true;
     EXPECT_TRUE(LoadForm("update tForms set Caption = '-1', FontName = 'C', FontSize = 10"));
     EXPECT_EQ(texts(), "-1|B|9.75|") << "a form of forms takes the caption alone";
@@ -228,10 +208,9 @@ TEST_F(FormContentTest, EachControlTakesThePictureInItsOwnWayUntilOneFails) {
          "panel1.Visible=False image.Move=0,0,31,15.5 notice panel1.Visible=True ", invalid}};
     for (const auto& [rows, done, notice] : cases) {
         const bool succeeds = notice.empty();
-        EXPECT_EQ(LoadPictures(succeeds, 0, rows + (succeeds ? "" : ", ('image', -1, 'one', 'me', -1)")),
-                  done);
+        const std::string next = succeeds ? "" : ", ('image', -1, 'one', 'me', -1)";
+        EXPECT_EQ(LoadPictures(succeeds, 0, rows + next), done);
         EXPECT_EQ(computer.Boxes(), succeeds ? Notes() : Notes{notice});
-        EXPECT_EQ(computer.Calls().back() == "close rows", succeeds);
     }
     EXPECT_FALSE(LoadFormPictures(computer.services, *form, nullptr, nullptr, 0, u"D\\"));
     EXPECT_EQ(computer.Boxes(), Notes{Short("Object variable is not set", 91)});
