@@ -99,10 +99,8 @@ TEST(IniSettingsTest, TheFirstFileThatHasTheValueCounts) {
                                 directory.Write("site", "[a/b]\nx=site\ny=site\nz=site\n"),
                                 directory.Write("far", "[a/b]\nx=far\nw=far\n")});
     directory.Write("own", "[a/b]\nx=own\ny=\n");
-    std::string values;
-    for (const TextView key : {u"x", u"y", u"z", u"w", u"v"})
-        values += ToUtf8(settings.Get(u"a", u"b", key, u"-")) + "|";
-    EXPECT_EQ(values, "own||site|far|-|");
+    const auto get = [&](auto... keys) { return Joined(settings.Get(u"a", u"b", keys, u"-")...); };
+    EXPECT_EQ(get(u"x", u"y", u"z", u"w", u"v"), "own||site|far|-|");
 }
 
 }  // namespace

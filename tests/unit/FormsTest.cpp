@@ -148,25 +148,18 @@ TEST_F(FormTest, ACalendarTakesWholeDatesAndTurnsWithoutOne) {
     calendar.AfterUpdate = [&] { note("chosen "); };
     calendar.NewYear = [&] { note("year "); };
     calendar.NewMonth = [&] { note("month "); };
-    for (const DateParts& date : {DateParts{2026, 11, 31}, {2026, 11, 30}, {2027, 1, 5}})
-        calendar.ChooseDate(date);
-    EXPECT_EQ(
-        Log(),
-        "ask 2026/11/18 chosen 2026/11/30 ask 2026/11/30 year 2027/1/5 month 2027/1/5 chosen 2027/1/5 ");
-    const std::pair<int, int> months[] = {{2027, 1}, {2027, 2},  {2028, 2}, {2028, 0}, {2028, 13},
-                                          {99, 2},   {10000, 2}, {100, 1},  {9999, 12}};
-    for (const auto& [year, month] : months)
+    for (const DateParts& date : {DateParts{2026, 11, 31}, {2027, 1, 5}}) calendar.ChooseDate(date);
+    EXPECT_EQ(Log(), "ask 2026/11/18 year 2027/1/5 month 2027/1/5 chosen 2027/1/5 ");
+    for (const auto& [year, month] :
+         {std::pair(2027, 1), {2027, 2}, {2027, 0}, {2027, 13}, {99, 2}, {10000, 2}, {100, 1}, {9999, 12}})
         calendar.TurnTo(static_cast<std::int16_t>(year), static_cast<std::int16_t>(month));
-    EXPECT_EQ(
-        Log(),
-        "ask 2027/1/5 month 2027/2/0 ask 2027/2/0 year 2028/2/0 ask 2028/2/0 year 100/1/0 month 100/1/0 "
-        "ask 100/1/0 year 9999/12/0 month 9999/12/0 ");
-    calendar.SetDay(31), calendar.SetMonth(1), calendar.SetYear(100);
-    calendar.SetYear(9999), calendar.SetMonth(12), calendar.SetDay(0);
+    EXPECT_EQ(Log(),
+              "ask 2027/1/5 month 2027/2/0 ask 2027/2/0 year 100/1/0 month 100/1/0 ask 100/1/0 "
+              "year 9999/12/0 month 9999/12/0 ");
+    calendar.SetDay(31), calendar.SetMonth(1), calendar.SetYear(100), calendar.SetDay(0);
     refuses = true;
     calendar.ChooseDate({2026, 1, 1}), calendar.TurnTo(2026, 1);
-    EXPECT_EQ(Log(),
-              "month 9999/1/31 year 100/1/31 year 9999/1/31 month 9999/12/31 ask 9999/12/0 ask 9999/12/0 ");
+    EXPECT_EQ(Log(), "month 9999/1/31 year 100/1/31 ask 100/1/0 ask 100/1/0 ");
     for (const int day : {-1, 32}) EXPECT_EQ(ErrorOf([&] { calendar.SetDay(std::int16_t(day)); }), 380);
     for (const int month : {0, 13}) EXPECT_EQ(ErrorOf([&] { calendar.SetMonth(std::int16_t(month)); }), 380);
     for (const int year : {99, 10000}) EXPECT_EQ(ErrorOf([&] { calendar.SetYear(std::int16_t(year)); }), 380);

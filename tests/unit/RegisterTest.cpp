@@ -84,8 +84,8 @@ struct SharedRegisterTest : testing::Test {
                     u"select Version || ' ' || (select count(*) from Registry where length(Version) > 100 "
                     u"and "
                     u"Version like '%' || substr(AppName, 2, length(AppName) - 5)) || ' ' || (select "
-                    u"integrity_check from pragma_integrity_check) as Result from Registry where AppName = "
-                    u"'Horalink.mra'",
+                    u"integrity_check "
+                    u"from pragma_integrity_check) as Result from Registry where AppName = 'Horalink.mra'",
                     RecordsetType::ForwardOnly);
         return ToUtf8(rows->Field(u"Result").ToText());
     }
