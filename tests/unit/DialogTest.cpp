@@ -157,6 +157,13 @@ TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
     EXPECT_EQ(host->Calls(), (Notes{"REGComData Horalink MOVE 3150,2295", "TurnOnFlow", "TurnOffFlow"}));
 }
 
+TEST_F(DialogTest, TheCountOverflowsAtSixteenBits) {
+    for (int i = 0; i < 32767; ++i) Dialog().IncrementCount();
+    EXPECT_EQ(FaultOf([&] { Dialog().IncrementCount(); }), "6 Overflow: IncrementCount");
+    for (int i = 0; i < 32767 + 32768; ++i) Dialog().DecrementCount();
+    EXPECT_EQ(FaultOf([&] { Dialog().DecrementCount(); }), "6 Overflow: DecrementCount");
+}
+
 TEST_F(DialogTest, TheTitleTakesOneMarkForEachName) {
     main.Main();
     const auto layer = cOLELayer::Create(main);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <ctime>
 
 #include "harness/Cases.h"
 #include "platform/headless/Desktop.h"
@@ -123,11 +124,19 @@ TEST(DateTest, PartsSurviveOnBothSidesOfTheEpochAndNoOtherDayExists) {
         EXPECT_EQ(FaultOf([&] { MakeDate(parts); }), "5 Invalid procedure call or argument");
 }
 
-TEST(DateTest, PatternsOfFormats) {
+TEST(DateTest, PatternsAndTheSystemsClock) {
     const platform::Date date = MakeDate({987, 3, 4, 5, 6, 7});
     EXPECT_EQ(Joined(FormatDate(date, u"yyyy-mm-dd ddd aaaa hh:nn:ss hhmm y", locale), TwoDigits(123),
                      FormatDate(date, u"Long Date", locale), FormatDate(date, u"Long Time", locale)),
               "0987-03-04 d1 day 1 05:06:07 0506 y|123|long 03/04/0987 05:06:07|long 03/04/0987 05:06:07|");
+    const auto local = [] {
+        char text[32];
+        const std::time_t now = std::time(nullptr);
+        std::strftime(text, sizeof text, "%Y/%m/%d %H:%M:%S", std::localtime(&now));
+        return FromUtf8(text);
+    };
+    const Text before = local(), now = FormatDate(SystemClock().Now(), u"yyyy/mm/dd hh:nn:ss", locale);
+    EXPECT_TRUE(before <= now && now <= local()) << ToUtf8(before + u" and " + now);
 }
 
 }  // namespace
