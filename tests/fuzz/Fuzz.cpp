@@ -11,13 +11,10 @@
 #include <sstream>
 
 #include "harness/Cases.h"
-#include "language/LanguageMsgBox.h"
-#include "language/TextTokens.h"
 #include "platform/automation/Introspection.h"
 #include "platform/automation/dbus/Wire.h"
 #include "platform/data/Dialect.h"
 #include "platform/desktop/IniSettings.h"
-#include "platform/headless/Desktop.h"
 #include "platform/runtime/Date.h"
 #include "platform/runtime/Paths.h"
 #include "platform/runtime/Value.h"
@@ -30,15 +27,6 @@ void Require(bool holds, const char* what) {
     if (holds) return;
     std::fprintf(stderr, "does not hold: %s\n", what);
     std::abort();
-}
-
-void TryButtons(std::string_view input) {
-    const Text text = FromUtf8(input);
-    std::int32_t sum = 0;
-    const auto error = ErrorOf([&] { sum = horalink::ParseMsgBoxButtons(text); });
-    Require(error == 0 || error == 6, "the one error is an overflow");
-    if (error == 0 && text.find(u'+') == Text::npos)
-        Require(sum == horalink::MsgBoxConstantValue(text), "one name is its value");
 }
 
 // Texts that are read as dates and numbers, one a line.
@@ -76,18 +64,6 @@ void TrySettings(std::string_view input) {
     Require(!value || value->find(u'\n') == value->npos, "a value is a part of one line");
     const std::string more = std::string(input) + "\n[VELMORA32/10001]\nInstallPath=\\SOMEWHERE\\\n";
     Require(IniValue(more, section, key) == value.value_or(u"\\SOMEWHERE\\"), "the first value counts");
-}
-
-// The first line holds the values, the rest the text.
-void TryTokens(std::string_view input) {
-    const std::size_t end = std::min(input.find('\n'), input.size());
-    const Text given = FromUtf8(input.substr(0, end));
-    Text args = given;
-    headless::Boxes boxes;
-    horalink::ExpandTextTokens(boxes, FromUtf8(input.substr(std::min(end + 1, input.size()))), args);
-    Require(given.ends_with(args), "values are used from the front");
-    Require(boxes.shown.empty() || args == given, "after a failure the values are as they were");
-    Require(boxes.shown.size() <= 1, "one failure is one notice");
 }
 
 MessageRef MakeMessage() {
@@ -166,9 +142,11 @@ void TryWire(std::string_view recipe) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const std::map<std::string, void (*)(std::string_view)> targets = {
-        {"buttons", TryButtons},   {"dates", TryDates},   {"dialect", TryDialect}, {"paths", TryPaths},
-        {"settings", TrySettings}, {"tokens", TryTokens}, {"wire", TryWire}};
+    static const std::map<std::string, void (*)(std::string_view)> targets = {{"dates", TryDates},
+                                                                              {"dialect", TryDialect},
+                                                                              {"paths", TryPaths},
+                                                                              {"settings", TrySettings},
+                                                                              {"wire", TryWire}};
     static const auto target = targets.at(std::getenv("FUZZ_TARGET"));
     target({reinterpret_cast<const char*>(data), size});
     return 0;

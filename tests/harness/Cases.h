@@ -27,7 +27,6 @@ template <class Call>
 std::int32_t ErrorOf(Call call) {
     return Raised(call).Number();
 }
-
 // The error's number and description, such as "6 Overflow".
 template <class Call>
 std::string FaultOf(Call call) {

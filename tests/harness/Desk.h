@@ -10,10 +10,8 @@ namespace desk {
 using Notes = std::vector<std::string>;
 
 struct Desk : platform::headless::Headless {
-    // What was done to the databases since the last call.
-    Notes Calls() { return std::exchange(databases.Calls(), {}); }
-    // The boxes that were shown since then, each "prompt|buttons|title|help file|help context", with "-" for
-    // a part that was left out.
+    // The boxes that were shown since this was asked last, each "prompt|buttons|title|help file|help
+    // context", with "-" for a part that was left out.
     Notes Boxes() {
         Notes all;
         for (const platform::MessageBox& box : boxes.Take()) {

@@ -12,39 +12,40 @@ using namespace platform;
 
 namespace {
 
-using NotesRef = std::shared_ptr<MemoryDatabases::Notes>;
+using FailuresRef = std::shared_ptr<MemoryDatabases::Failures>;
 
-class NotedRecordset : public Recordset {
+class FailingRecordset : public Recordset {
   public:
-    NotedRecordset(NotesRef notes, std::unique_ptr<Recordset> real)
-        : notes_(std::move(notes)), real_(std::move(real)) {}
-    bool EndOfFile() const override { return notes_->Call(), real_->EndOfFile(); }
-    Value Field(TextView name) const override { return notes_->Call(), real_->Field(name); }
-    void MoveNext() override { return notes_->Call(), real_->MoveNext(); }
-    std::int32_t RecordCount() const override { return notes_->Call(), real_->RecordCount(); }
-    void Edit() override { return notes_->Call("edit"), real_->Edit(); }
+    FailingRecordset(FailuresRef failures, std::unique_ptr<Recordset> real)
+        : failures_(std::move(failures)), real_(std::move(real)) {}
+    bool EndOfFile() const override { return failures_->Call(), real_->EndOfFile(); }
+    Value Field(TextView name) const override { return failures_->Call(), real_->Field(name); }
+    void MoveNext() override { failures_->Call(), real_->MoveNext(); }
+    std::int32_t RecordCount() const override { return failures_->Call(), real_->RecordCount(); }
+    void Edit() override { failures_->Call(), real_->Edit(); }
     void SetField(TextView name, const Value& value) override {
-        notes_->Call("set " + ToUtf8(name)), real_->SetField(name, value);
+        failures_->Call(), real_->SetField(name, value);
     }
-    void Update() override { return notes_->Call("update"), real_->Update(); }
-    void Close() override { return notes_->Call("close rows"), real_->Close(); }
+    void Update() override { failures_->Call(), real_->Update(); }
+    void Close() override { failures_->Call(), real_->Close(); }
 
   private:
-    NotesRef notes_;
+    FailuresRef failures_;
     std::unique_ptr<Recordset> real_;
 };
 
-class NotedDatabase : public Database {
+class FailingDatabase : public Database {
   public:
-    NotedDatabase(NotesRef notes, DatabaseRef real) : notes_(std::move(notes)), real_(std::move(real)) {}
+    FailingDatabase(FailuresRef failures, DatabaseRef real)
+        : failures_(std::move(failures)), real_(std::move(real)) {}
     std::unique_ptr<Recordset> OpenRecordset(TextView query, RecordsetType type) override {
-        notes_->Call("rows " + std::to_string(static_cast<int>(type)) + " " + ToUtf8(query));
-        return std::make_unique<NotedRecordset>(notes_, real_->OpenRecordset(query, type));
+        failures_->Call();
+        return std::make_unique<FailingRecordset>(failures_, real_->OpenRecordset(query, type));
     }
-    void Close() override { return notes_->Call("close"), real_->Close(); }
+    void Close() override { failures_->Call(), real_->Close(); }
 
   private:
-    NotesRef notes_;
+    FailuresRef failures_;
     DatabaseRef real_;
 };
 
@@ -52,16 +53,11 @@ int count = 0;
 
 }  // namespace
 
-void MemoryDatabases::Notes::Call() {
-    if (untilFailure == 0 || --untilFailure > 0) return;
-    ++failures;
+void MemoryDatabases::Failures::Call() {
+    if (until == 0 || --until > 0) return;
+    ++count;
     hasFailed = true;
-    throw MakeDataError(failure);
-}
-
-void MemoryDatabases::Notes::Call(std::string note) {
-    calls.push_back(std::move(note));
-    Call();
+    throw MakeDataError(kind);
 }
 
 // Names that begin with a slash are shared by the connections of a process; each engine has its own folder.
@@ -82,13 +78,6 @@ void MemoryDatabases::Add(TextView fileName, const std::string& sql) {
         throw std::logic_error(sql + ": " + sqlite3_errmsg(handle));
 }
 
-void MemoryDatabases::Remove(TextView fileName) {
-    const auto found = kept_.find(Text(fileName));
-    if (found == kept_.end()) throw std::logic_error("no database " + ToUtf8(fileName));
-    sqlite3_close(found->second);
-    kept_.erase(found);
-}
-
 Value MemoryDatabases::Ask(TextView fileName, TextView query) {
     const Text single = u"select (" + Text(query) + u") as Result";
     return OpenSqliteDatabase(PlaceOf(fileName), true)
@@ -97,10 +86,11 @@ Value MemoryDatabases::Ask(TextView fileName, TextView query) {
 }
 
 DatabaseRef MemoryDatabases::OpenDatabase(TextView path, bool readOnly) {
-    notes_->Call("open " + ToUtf8(path) + (readOnly ? " read-only" : ""));
+    opened.push_back(ToUtf8(path) + (readOnly ? " read-only" : ""));
+    failures_->Call();
     const Text fileName(path.substr(path.rfind(u'\\') + 1));
     if (!kept_.contains(fileName)) throw MakeDataError(DataError::FileNotFound, ToUtf8(path));
-    return std::make_shared<NotedDatabase>(notes_, OpenSqliteDatabase(PlaceOf(fileName), readOnly));
+    return std::make_shared<FailingDatabase>(failures_, OpenSqliteDatabase(PlaceOf(fileName), readOnly));
 }
 
 }  // namespace harness

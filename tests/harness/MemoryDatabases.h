@@ -24,32 +24,28 @@ class MemoryDatabases : public platform::DatabaseEngine {
 
     // Runs SQL in the database of that name, which it makes first where there is none.
     void Add(platform::TextView fileName, const std::string& sql);
-    void Remove(platform::TextView fileName);
     // The first column of the first row that a query in SQLite's dialect gives.
     platform::Value Ask(platform::TextView fileName, platform::TextView query);
     // The n-th call from now of the engine, a database or a record set raises the failure, just once; none
     // with 0.
-    void FailAt(int n, platform::DataError failure) { notes_->untilFailure = n, notes_->failure = failure; }
+    void FailAt(int n, platform::DataError failure) { failures_->until = n, failures_->kind = failure; }
     // How many calls have failed so since this was asked last.
-    int TakeFailures() { return std::exchange(notes_->failures, 0); }
-    bool HasFailed() const { return notes_->hasFailed; }
+    int TakeFailures() { return std::exchange(failures_->count, 0); }
+    bool HasFailed() const { return failures_->hasFailed; }
 
     // Finds the database by the name at the end of the path. 3024 where nobody has added it.
     platform::DatabaseRef OpenDatabase(platform::TextView path, bool readOnly) override;
 
-    struct Notes {
-        // What was opened, written and closed, in order, such as "open C:\A\B.LNG read-only", "rows 8 select
-        // ..." with the type of the record set, "edit", "set Version", "update", "close rows", "close".
-        std::vector<std::string> calls;
-        int untilFailure = 0, failures = 0;
-        bool hasFailed = false;
-        platform::DataError failure{};
+    // The paths that were opened, in order, with " read-only" behind them where they were.
+    std::vector<std::string> opened;
 
+    struct Failures {
+        int until = 0, count = 0;
+        bool hasFailed = false;
+        platform::DataError kind{};
         // Another call: raises the failure if it is this one's turn.
         void Call();
-        void Call(std::string note);
     };
-    std::vector<std::string>& Calls() { return notes_->calls; }
 
   private:
     std::string PlaceOf(platform::TextView fileName) const { return folder_ + platform::ToUtf8(fileName); }
@@ -57,7 +53,7 @@ class MemoryDatabases : public platform::DatabaseEngine {
     sqlite3_vfs* const formerVfs_;
     const std::string folder_;
     std::map<platform::Text, sqlite3*> kept_;  // a connection each, so that the content lives
-    const std::shared_ptr<Notes> notes_ = std::make_shared<Notes>();
+    const std::shared_ptr<Failures> failures_ = std::make_shared<Failures>();
 };
 
 // Adds Horalink.lng, Common.LNG and Register.mdb with every table and field that the add-in reads. Each text

@@ -67,7 +67,6 @@ struct Work {
         script.resume();
     }
     bool IsToLogOut() const { return next == "oPBX" || next == "LogOut"; }  // of an answer
-
     std::coroutine_handle<> script;
     std::string_view next;  // the call that has to come next, empty where none has
     Check check;            // of its arguments
@@ -144,7 +143,7 @@ class Judge {
 
     void HostDied(const void* host) {
         dead_.insert(host);
-        std::erase_if(posted_, [&](const Posted& each) { return each.place.host == host; });
+        std::erase_if(posted_, [&](const Posted& each) { return each.place.first == host; });
         for (const WorkRef& work : works_) {
             if (!work->isAnswer || work->IsToLogOut()) continue;
             work->isCutShort = work->isCutShort || !work->isRead;
@@ -184,7 +183,6 @@ class Judge {
     }
 
     // The innermost call ends.
-
     void CallEnds(End end, const Text& result) {
         const WorkRef work = out_.back();
         out_.pop_back();
@@ -242,7 +240,7 @@ class Judge {
         if (work->answer && work->answer->IsGood() && !work->isCutShort)
             toShow_ = isLoaded ? ShownFor(work->answer->taken, work->Tag()) : std::nullopt;
         if (phase_ == Phase::Waiting) return Rest();
-        const auto sending = std::find_if(works_.begin(), works_.end(), [&](const WorkRef& each) {
+        const auto sending = std::ranges::find_if(works_, [&](const WorkRef& each) {
             return each->isLoggedIn && each->login == work->login && !each->next.empty();
         });
         if (sending == works_.end()) return;
@@ -280,10 +278,8 @@ class Judge {
 
     // True where a click asked for it.
     bool TakesHide() {
-        const bool isAsked =
-            std::any_of(presses_.begin(), presses_.end(), [](const Press& each) { return each.button == 0; });
-        presses_.clear();
-        return isAsked;
+        const auto presses = std::exchange(presses_, {});
+        return std::ranges::find(presses, 0, &Press::button) != presses.end();
     }
 
     // --- what must hold -------------------------------------------------------------------------------
@@ -317,10 +313,9 @@ class Judge {
 
     // False while a wait and another call can be given up, which look alike.
     bool KnowsWhatIsGivenUp() const {
-        const bool isBefore = std::any_of(works_.begin(), works_.end(), [](const WorkRef& work) {
-            return work->isAnswer && !work->wasWaiting;
-        });
-        const bool isOther = std::find(out_.begin(), out_.end(), nullptr) != out_.end();
+        const bool isBefore = std::ranges::any_of(
+            works_, [](const WorkRef& work) { return work->isAnswer && !work->wasWaiting; });
+        const bool isOther = std::ranges::find(out_, nullptr) != out_.end();
         return phase_ != Phase::Waiting || !(isBefore || isOther);
     }
 
@@ -336,11 +331,7 @@ class Judge {
         int button;
         bool waits;
     };
-    struct Place {
-        const void* host = nullptr;
-        Text name;
-        friend bool operator==(const Place&, const Place&) = default;
-    };
+    using Place = std::pair<const void*, Text>;  // a host, and the name of its exchange
     struct Posted {
         Place place;
         Text login;
@@ -356,15 +347,13 @@ class Judge {
 
     WorkRef BeginRequest(const ShownClock& shown) {
         Require(phase_ == Phase::Idle, "a request begins while another is under way");
-        // Clicks that had to wait are taken after others that came later.
-        const bool isUnsure =
-            std::any_of(presses_.begin(), presses_.end(), [](const Press& each) { return each.waits; });
+        // Clicks that had to wait are taken after others that came later, and may be taken yet.
+        const bool isUnsure = std::ranges::any_of(presses_, &Press::waits);
         auto work = std::make_shared<Work>();
         for (const Press& press : presses_)
             if (isUnsure || &press == &presses_.back()) work->buttons.insert(press.button);
         work->shown = shown;
-        std::erase_if(presses_,
-                      [](const Press& each) { return !each.waits; });  // the others may be taken yet
+        std::erase_if(presses_, [](const Press& each) { return !each.waits; });
         phase_ = Phase::Asking;
         works_.push_back(work);
         work->script = Request(*work).handle;
@@ -457,9 +446,6 @@ class Judge {
                         "\", shown is \"" + ToUtf8(value) + "\"");
         }
         Require(request->LoginID == work.login && request->PBXName == work.name, "whose record it is");
-        Require(request->ObjectID() == u"1" && request->CommandType == 20 && request->ShowBusy &&
-                    request->WaitFlag && !request->CompIndication,
-                "the record's other fields");
     }
 
     void TakePosted(const void* host, std::string_view member, const Arguments& arguments) {
@@ -468,9 +454,8 @@ class Judge {
             asksToLogOut_ = true;
             return;
         }
-        const auto due = std::find_if(posted_.begin(), posted_.end(), [&](const Posted& each) {
-            return each.place == Place{host, arguments.at(0).ToText()} &&
-                   arguments.at(1).ToText() == each.login;
+        const auto due = std::ranges::find_if(posted_, [&](const Posted& each) {
+            return each.place == Place{host, TextOf(arguments, 0)} && TextOf(arguments, 1) == each.login;
         });
         Require(member == "LogOut" && due != posted_.end() && exchangesAsked_ > 0,
                 std::string(member) + " is sent unasked");
@@ -484,7 +469,6 @@ class Judge {
                                                                      {"DisplayHelp", {u"Horalink.hlp"}},
                                                                      {"GetComData", {u"Horalink", u"MOVE"}},
                                                                      {"REGComData", {u"Horalink", u"MOVE"}}};
-        if (member == "TurnOnFlow" || member == "TurnOffFlow") return;
         const auto due = due_.find(member.ends_with("ComData") ? "ComData" : member);
         Require(due != due_.end(), std::string(member) + " is called unasked");
         due_.erase(due);
@@ -508,8 +492,8 @@ class Judge {
     // While an answer is read, giving up ends the call that the reading is inside of, and a host that goes
     // ends it too.
     bool IsReadingForWait() const {
-        return std::any_of(works_.begin(), works_.end(),
-                           [](const WorkRef& work) { return work->isAnswer && work->wasWaiting; });
+        return std::ranges::any_of(works_,
+                                   [](const WorkRef& work) { return work->isAnswer && work->wasWaiting; });
     }
 
     void GiveUp(const Text& login, const Place& place) {
@@ -520,7 +504,7 @@ class Judge {
 
     // What is sent to a dead host arrives nowhere.
     void Post(const Text& login, const Place& place) {
-        if (!dead_.contains(place.host)) posted_.push_back({place, login});
+        if (!dead_.contains(place.first)) posted_.push_back({place, login});
     }
 
     Place Now() const { return {host_, name_}; }

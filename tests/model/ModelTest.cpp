@@ -34,12 +34,9 @@ TEST(ModelTest, HoldsInOrdersOfItsOwn) {
          "call back read, login given up", "pass 20 s", "give up"},
         // A month without a day, and the date of today after it.
         {"toggle 1", "turn to month 0", "click 1", "toggle 1", "pass 1 s"},
-        // The ends of the years and of each section.
+        // The ends of the years.
         {"toggle 1", "turn to month 2", "turn to month 5", "choose day 0", "turn to month 3",
          "turn to month 4"},
-        {"set the clock 0", "pass 1 s", "toggle 0", "enter section 0", "step up", "step down",
-         "enter section 1", "step up", "enter section 2", "step down", "step up", "enter section 3",
-         "step up", "toggle 0", "step up", "enter section 1", "step up", "pass 1 s"},
     };
     for (const Steps& order : orders) {
         const Outcome outcome = Play(order);

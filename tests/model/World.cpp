@@ -4,6 +4,7 @@
 #include <map>
 
 #include "exchange/dlgAddin.h"
+#include "harness/Cases.h"
 #include "harness/Desk.h"
 #include "model/Answer.h"
 #include "model/Judge.h"
@@ -27,11 +28,11 @@ const Words members = {"oPBX",        "Login",       "ShowMessage", "SendRequest
 const Words replied(members.begin(), members.begin() + 7);  // those that a reply can go wrong for
 const Words hung(members.begin(), members.begin() + 8);
 
-// What the host's members reply with, and the text where it is one.
-const Words replies = {"well",    "BUSY",        "ERROR",        "nothing",
-                       "a blank", "by an error", "by an object", "busy just now"};
-const std::optional<Text> replyTexts[] = {{}, u"BUSY", u"ERROR", u"", u" ", {}, {}, {}};
-constexpr std::size_t byAnError = 5, byAnObject = 6, busyJustNow = 7;
+// What the host's members reply with, the texts first.
+const Words replies = {"BUSY", "ERROR",       "nothing",      "a blank",
+                       "well", "by an error", "by an object", "busy just now"};
+constexpr const char16_t* replyTexts[] = {u"BUSY", u"ERROR", u"", u" "};
+constexpr std::size_t well = 4, byAnError = 5, byAnObject = 6, busyJustNow = 7;
 
 // The login of an answer.
 const Words logins = {"current login", "login given up", "nobody's login"};
@@ -59,14 +60,12 @@ Text Digits(int number, std::size_t width) {
     return FromUtf8(std::string(width - std::min(width, digits.size()), '0') + digits);
 }
 
-struct Month {
-    std::int16_t year, month;
-};
+using Month = std::pair<std::int16_t, std::int16_t>;  // with its year first
 constexpr Month months[] = {{2026, 12}, {2027, 1}, {1900, 5}, {2100, 5}, {1901, 2}, {2099, 12}};
 
 struct Ended {};
 struct Frame {
-    bool isBox = false, isDone = false;
+    bool isBox, isDone = false;
 };
 // What the dialog shows of date and time.
 struct ShownTime {
@@ -83,20 +82,7 @@ struct ShownTime {
                 Digits(hour, 2) + time[1] + time[2]};
     }
     std::string Words() const {
-        std::string words;
-        for (const int part : date) words += std::to_string(part) + " ";
-        for (const Text& part : time) words += ToUtf8(part) + " ";
-        return words;
-    }
-    void Step(int section, bool up) {
-        Text& text = time.at(static_cast<std::size_t>(section));
-        if (section == 3) {
-            text = text == u"PM" ? u"AM" : u"PM";
-            return;
-        }
-        const int first = section == 0 ? 1 : 0, count = section == 0 ? 12 : 60;
-        const int stepped = std::stoi(ToUtf8(text)) - first + (up ? 1 : count - 1);
-        text = Digits(stepped % count + first, 2);
+        return Joined(date[0], date[1], date[2], time[0], time[1], time[2], time[3]);
     }
 };
 
@@ -121,8 +107,6 @@ class World {
         harness::AddSmallTexts(databases_);
         computer_.app.path = u"C:\\VELMORA32\\10001\\ADDINS";
         computer_.app.startMode = startedByAutomation;
-        computer_.app.major = 13;
-        computer_.pictures.hasAll = true;
         computer_.automation.wait = [this](int milliseconds) { WaitForRetry(milliseconds); };
         computer_.boxes.whileOpen = [this] { WhileBoxIsOpen(); };
     }
@@ -220,8 +204,8 @@ class World {
         Look();
         judge_.CheckEnd();
         LookUpOnce();
-        while (!other->layers.empty()) Release(*other, 0);
-        while (!host->layers.empty()) Release(*host, 0);
+        for (const auto& party : {other.get(), host.get()})
+            while (!party->layers.empty()) Release(*party);
         throw Broken("the process lives although nobody holds an object");
     }
 
@@ -298,51 +282,29 @@ class World {
         ShownTime expected = Shown();
         if (isDate && !TracksDate()) expected.date = At(0).date;
         lastChange_ = computer_.timers.Now();
-        Change(expected, [&](headless::Window& window) { window.Toggle(box); });
+        Change(expected, [&](auto& window) { window.Toggle(box); });
         Require(!takes || box.Value() != value, "a tick box keeps its tick");
-    }
-
-    void Enter(std::size_t section) {
-        if (Operable()) section_ = TracksTime() ? -1 : int(section);
-        Change(Shown(), [&](headless::Window& window) { window.Enter(*Controls().txtTime[section]); });
-    }
-
-    void StepTime(bool up) {
-        ShownTime expected = Shown();
-        if (!TracksTime() && section_ >= 0) expected.Step(section_, up);
-        Change(expected, [&](headless::Window& window) { window.Step(*Controls().updTime, up); });
     }
 
     void ChooseDay(int day) {
         ShownTime expected = Shown();
         const DateParts chosen{expected.date[0], expected.date[1], day};
         if (!TracksDate()) expected.date[2] = day;
-        Change(expected, [&](headless::Window& window) { window.Choose(*Controls().Calendar, chosen); });
+        Change(expected, [&](auto& window) { window.Choose(*Controls().Calendar, chosen); });
     }
 
     void TurnTo(const Month& to) {
         ShownTime expected = Shown();
-        const bool isThere = expected.date[0] == to.year && expected.date[1] == to.month;
+        const auto [year, month] = to;
+        const bool isThere = expected.date[0] == year && expected.date[1] == month;
         const std::size_t taken = next_;
         if (!TracksDate() && !isThere) {
-            expected.date = {std::clamp<int>(to.year, 1901, 2099), to.month, 0};
-            if (Operable() && expected.date[0] != to.year) judge_.YearIsOut();
+            expected.date = {std::clamp<int>(year, 1901, 2099), month, 0};
+            if (Operable() && expected.date[0] != year) judge_.YearIsOut();
         }
-        Change(expected,
-               [&](headless::Window& window) { window.Turn(*Controls().Calendar, to.year, to.month); });
+        Change(expected, [&](auto& window) { window.Turn(*Controls().Calendar, to.first, to.second); });
         const bool isWithoutDay = next_ == taken && Operable() && Shown().date[2] == 0 && !isThere;
         Require(!isWithoutDay || !Controls().cmdButton[1]->Enabled, "an update is offered without a day");
-    }
-
-    void AskForTopic() {
-        headless::Window& window = *Window();
-        forms::CheckBox& box = *Controls().chkTrackDate;
-        const bool takes = Operable() != nullptr;
-        window.RightClick(box);
-        if (!takes) return;
-        Require(window.popped == Controls().mnuWhatsThis, "no menu is offered");
-        window.ChooseFromMenu(0);
-        Require(window.topic == box.WhatsThisHelpID, "no topic is shown");
     }
 
     // --- the host and the second client -------------------------------------------------------------------
@@ -364,16 +326,6 @@ class World {
         computer_.automation.Deliver();
     }
 
-    void SetBackGround(std::size_t number) {
-        // The texts are closed with the window, and the names of its pictures with them.
-        if (computer_.automation.served.empty()) judge_.NoteFailures(1);
-        Call(host->layers[0], "SetBackGround", static_cast<std::int16_t>(number));
-    }
-
-    void TurnFlow(bool on) {
-        if (client_.lock() && !IsDead(judge_.Host())) Call(client_.lock(), "TurnFlow", on);
-    }
-
     // A process that is ending grants nothing, whenever it was asked.
     void Create(Party& party) {
         if (!computer_.automation.served.empty()) {
@@ -389,9 +341,9 @@ class World {
         throw Broken("an object is granted after the name was given back");
     }
 
-    void Release(Party& party, std::size_t index) {
-        ObjectRef layer = party.layers[index];
-        party.layers.erase(party.layers.begin() + static_cast<std::ptrdiff_t>(index));
+    void Release(Party& party) {
+        ObjectRef layer = party.layers.front();
+        party.layers.erase(party.layers.begin());
         const bool isLast = isLeaving_ = --count_ <= 0;
         if (isLast) judge_.Unloaded();
         if (isLast && !IsDead(judge_.Host())) judge_.Comes("ComData");
@@ -425,13 +377,13 @@ class World {
         if (isKept && other->layers.empty()) Create(*other);
         judge_.HostDied(host.get());
         host->peer->Die();
-        while (!host->layers.empty()) Release(*host, 0);
+        while (!host->layers.empty()) Release(*host);
     }
 
     bool IsDead(const void* party) const {
-        return std::any_of(former_.begin(), former_.end(),
-                           [&](const auto& each) { return each.get() == party; }) ||
-               (party == host.get() && !host->peer->IsAlive());
+        const bool isFormer =
+            std::ranges::any_of(former_, [&](const auto& each) { return each.get() == party; });
+        return isFormer || (party == host.get() && !host->peer->IsAlive());
     }
 
     void Deliver(std::size_t kind, std::size_t login) {
@@ -444,16 +396,11 @@ class World {
         if (!client || key.empty()) return;
         const AnswerKind& its = AnswerKinds()[kind];
         const auto answer = &its == &AnswerKinds().back() ? nullptr : std::make_shared<Answer>(its, key);
-        if (answer)
-            answer->beforeRead = [this, &read = *answer](std::string_view member) {
-                ReadBegins(read, member);
-            };
+        if (answer) answer->beforeRead = [&](std::string_view member) { ReadBegins(*answer, member); };
         judge_.AnswerBegins(answer);
-        {
-            Arguments arguments{computer_.automation.Far(answer, host->peer)};
-            client->Invoke("CallBack", InvokeKind::Method, arguments);
-            Require(!arguments[0].ToObject(), "the host's variable is not emptied");
-        }
+        Arguments arguments{computer_.automation.Far(answer, host->peer)};
+        client->Invoke("CallBack", InvokeKind::Method, arguments);
+        Require(!arguments[0].ToObject(), "the host's variable is not emptied");
         judge_.AnswerEnds(!computer_.automation.served.empty());
         Require(answer.use_count() <= 2, "the answer is still referred to");
     }
@@ -477,7 +424,7 @@ class World {
             refused_.pop_back();
         else
             Arrive(party, member, arguments, isPosted);
-        const std::size_t reply = TakeNextOf(replies_, member);
+        const std::size_t reply = TakeNextOf(replies_, member).value_or(well);
         if (reply == busyJustNow && !isPosted) {
             refused_.push_back({computer_.automation.CallDepth(), &party});
             throw BusyError();
@@ -526,7 +473,7 @@ class World {
         if (member == "Login") client_ = arguments.at(1).ToObject();
         if (reply == byAnError) throw RuntimeError(1004, u"a fault of the host");
         const bool isAsked = member == "oPBX" || member == "Login" || member == "SendRequest";
-        if (isAsked && replyTexts[reply]) return *replyTexts[reply];
+        if (isAsked && reply < well) return replyTexts[reply];
         if (member == "oPBX") return reply == byAnObject ? Value(5.0) : Value(party.exchange);
         if (isAsked && reply == byAnObject) return party.object;
         if (member == "SendRequest") record_ = arguments.at(0).ToObject();
@@ -547,13 +494,13 @@ class World {
     void AnswerEarly() { Deliver(goodAnswer, currentLogin); }
 
     void MayHold(std::string_view member) {
-        if (const auto hold = TakeNextOf(holds_, member)) (this->*hold)();
+        if (const auto hold = TakeNextOf(holds_, member)) (this->**hold)();
     }
 
     template <class What>
-    static What TakeNextOf(std::vector<std::pair<std::string, What>>& all, std::string_view member) {
-        const auto next =
-            std::find_if(all.begin(), all.end(), [&](const auto& each) { return each.first == member; });
+    static std::optional<What> TakeNextOf(std::vector<std::pair<std::string, What>>& all,
+                                          std::string_view member) {
+        const auto next = std::ranges::find_if(all, [&](const auto& each) { return each.first == member; });
         if (next == all.end()) return {};
         const What taken = next->second;
         all.erase(next);
@@ -654,7 +601,7 @@ class World {
     std::vector<Refused> refused_;  // calls that were refused as busy
     std::weak_ptr<Object> record_;
     Milliseconds lastChange_{0};  // of the clock, or of what follows it
-    int count_ = 0, lastLogin_ = 0, section_ = -1;
+    int count_ = 0, lastLogin_ = 0;
     bool isShown_ = false, wasVisible_ = false, wasServed_ = false, isLeaving_ = false;
     std::string log_;
 };
@@ -701,11 +648,8 @@ const Kind kinds[] = {
     {"close the window", once, 3, onWindow, [](World& w, auto) { w.Close(); }},
     {"press F1", once, 3, onWindow, [](World& w, auto) { w.PressF1(); }},
     {"toggle", Numbers(2), 4, atRest, [](World& w, auto n) { w.Toggle(n == 1); }},
-    {"enter section", Numbers(4), 2, atRest, [](World& w, auto n) { w.Enter(n); }},
-    {"step", {"up", "down"}, 3, atRest, [](World& w, auto n) { w.StepTime(n == 0); }},
     {"choose day", Numbers(28), 1, atRest, [](World& w, auto n) { w.ChooseDay(int(n) + 1); }},
     {"turn to month", Numbers(6), 1, atRest, [](World& w, auto n) { w.TurnTo(months[n]); }},
-    {"ask for the topic", once, 2, atRest, [](World& w, auto) { w.AskForTopic(); }},
     {"close the box", once, 25, always, [](World& w, auto) { w.CloseFrame(true); }},
     {"give up", once, 15, always, [](World& w, auto) { w.Decide(true); }},
     {"keep waiting", once, 3, always, [](World& w, auto) { w.Decide(false); }},
@@ -718,15 +662,11 @@ const Kind kinds[] = {
     {"call back", Answers(), 2, byHost, [](World& w, auto n) { w.Deliver(n / 3, n % 3); }},
     {"register", Numbers(3), 2, byHost, [](World& w, auto n) { w.Register(*w.host, exchanges[n]); }},
     {"show", Numbers(2), 3, byHost, [](World& w, auto n) { w.Show(n == 1); }},
-    {"set background", Numbers(4), 1, byHost, [](World& w, auto n) { w.SetBackGround(n); }},
-    {"turn flow", Numbers(2), 1, byHost, [](World& w, auto n) { w.TurnFlow(n == 1); }},
     {"create", once, 3, always, [](World& w, auto) { w.CreateForHost(); }},
     {"create for another", once, 6, always, [](World& w, auto) { w.Create(*w.other); }},
     {"register by another", once, 0, byOther, [](World& w, auto) { w.Register(*w.other, u"Other"); }},
-    {"release the oldest", once, 2, byHost, [](World& w, auto) { w.Release(*w.host, 0); }},
-    {"release the newest", once, 2, byHost,
-     [](World& w, auto) { w.Release(*w.host, w.host->layers.size() - 1); }},
-    {"release of another", once, 2, byOther, [](World& w, auto) { w.Release(*w.other, 0); }},
+    {"release the oldest", once, 4, byHost, [](World& w, auto) { w.Release(*w.host); }},
+    {"release of another", once, 2, byOther, [](World& w, auto) { w.Release(*w.other); }},
     {"die", {"alone", "while another is there"}, 3, byHost, [](World& w, auto n) { w.Die(n == 1); }},
     {"get stuck", once, 2, always, [](World& w, auto) { w.host->peer->SetStuck(true); }},
     {"wake", once, 3, always, [](World& w, auto) { w.WakeHost(); }},

@@ -70,7 +70,6 @@ struct DialogTest : testing::Test, Process {
     std::shared_ptr<headless::Peer> peer = std::make_shared<headless::Peer>();
 };
 
-// What decides on looks, and on what a screen reader says.
 TEST_F(DialogTest, IsLaidOutByMarketAndFont) {
     for (const auto& [market, style] : {std::pair(u"90001", "2"), {u"10001", "1"}}) {
         ModuleData data;
@@ -78,39 +77,35 @@ TEST_F(DialogTest, IsLaidOutByMarketAndFont) {
         data.MarketCode = market;
         dlgAddin dialog(desk.services, data);
         dialog.Window().Load();
-        const DialogControls& all = dialog.Controls();
-        const forms::Calendar& calendar = *all.Calendar;
+        const forms::Calendar& calendar = *dialog.Controls().Calendar;
         EXPECT_EQ(Joined(calendar.MarketStyle(), calendar.CalendarValue(), calendar.gridcelleffect(),
                          calendar.showdateselectors() == selectors::hidden, calendar.ShowOption()),
                   std::string(style) + "|11/18/2026|2|True|True|");
         for (const auto& font : {calendar.dayfont, calendar.gridfont, calendar.titlefont})
             EXPECT_EQ(Joined(font->Name(), font->Size(), font->Charset()), "Form Sans|8|128|");
-        EXPECT_TRUE(all.chkTrack->TextLabel == all.lblTrack &&
-                    all.chkTrackDate->TextLabel == all.lblTrackDate);
-        for (const auto* label : {all.lblTrack, all.lblTrackDate})
-            EXPECT_TRUE(label->Font->Bold() && !label->Opaque);
-        for (const auto* box : all.txtTime)
-            EXPECT_TRUE(box->Locked() && !box->Border && box->Align == forms::Alignment::Center);
     }
 }
 
 TEST_F(DialogTest, EachSectionOfTheTimeIsSteppedInItsOwnRange) {
     Open();
-    const Table<std::size_t, Text, Text, Text> cases = {{0, u"09", u"10", u"08"}, {0, u"12", u"01", u"11"},
-                                                        {0, u"01", u"02", u"12"}, {1, u"59", u"00", u"58"},
-                                                        {2, u"00", u"01", u"59"}, {3, u"AM", u"PM", u"PM"},
+    Window().Show();
+    headless::Window& window = *desk.toolkit.Open();
+    const Table<std::size_t, Text, Text, Text> cases = {{0, u"12", u"01", u"11"}, {0, u"01", u"02", u"12"},
+                                                        {1, u"59", u"00", u"58"}, {2, u"00", u"01", u"59"},
                                                         {3, u"PM", u"AM", u"AM"}, {3, u"??", u"PM", u"PM"}};
     for (const auto& [section, from, up, down] : cases)
         for (const bool isUp : {true, false}) {
             auto& box = *Controls().txtTime[section];
             box.Text = from;
-            box.GotFocus();
+            window.Enter(box);
             EXPECT_EQ(box.Text(), from) << "the focus changes nothing";
-            isUp ? Controls().updTime->StepUp() : Controls().updTime->StepDown();
+            window.Step(*Controls().updTime, isUp);
             EXPECT_EQ(Joined(box.Text(), box.SelStart(), box.SelLength()), Joined(isUp ? up : down, 0, 2));
         }
     Controls().txtTime[3]->LostFocus();
-    Controls().updTime->StepUp();
+    Controls().chkTrack->SetValue(1);
+    EXPECT_FALSE(Controls().updTime->Enabled);
+    Controls().txtTime[3]->GotFocus(), Controls().updTime->StepUp();
     EXPECT_EQ(Controls().txtTime[3]->Text(), u"PM") << "no section is under edit";
 }
 
@@ -125,9 +120,10 @@ TEST_F(DialogTest, HelpIsOfferedOnTheRightControlsByTheRightButton) {
         if (!control->MouseUp) continue;
         control->MouseUp(forms::MouseButton::Left), control->MouseUp(forms::MouseButton::Middle);
         EXPECT_EQ(window.popped, nullptr) << ToUtf8(control->Name());
-        control->MouseUp(forms::MouseButton::Right);
-        EXPECT_EQ(std::exchange(window.popped, nullptr), Controls().mnuWhatsThis);
-        item();
+        window.RightClick(*control);
+        ASSERT_EQ(window.popped, Controls().mnuWhatsThis);
+        window.ChooseFromMenu(0);
+        window.popped = nullptr;
         topics += ToUtf8(control->Name()) + std::to_string(control->Index()) + " " +
                   std::to_string(*window.topic) + ", ";
     }
@@ -157,7 +153,8 @@ TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
     Dialog().PutParent(Host());
     EXPECT_EQ(placed({}), unmoved) << "with its host it stays";
     Call(Dialog().shared_from_this(), "FrmPositionSave");
-    EXPECT_EQ(host->Calls(), Notes{"REGComData Horalink MOVE 3150,2295"});
+    for (const bool on : {true, false}) Call(Dialog().shared_from_this(), "TurnFlow", on);
+    EXPECT_EQ(host->Calls(), (Notes{"REGComData Horalink MOVE 3150,2295", "TurnOnFlow", "TurnOffFlow"}));
 }
 
 TEST_F(DialogTest, TheCountOverflowsAtSixteenBits) {
@@ -175,9 +172,9 @@ TEST_F(DialogTest, TheTitleTakesOneMarkForEachName) {
         EXPECT_EQ(Window().Caption(), u"caption (" + Text(pbx) + u")");
     }
     EXPECT_EQ(desk.app.title, u"app title (Main) (MAIN) (Mai)");
-    desk.Calls();
-    Call(layer, "SetBackGround", 3);
-    EXPECT_EQ(desk.Calls().at(0), "rows 8 Select * From PictureFileName Where  ID = 3");
+    desk.pictures.files = {{main.Data().BackgroundDirectory + u"sand.svg", "sand"}};
+    Call(layer, "SetBackGround", 2);
+    EXPECT_EQ(Controls().imgBack->Picture()->Content(), "sand");
     Dialog().PutParent(nullptr);
 }
 
@@ -185,35 +182,33 @@ TEST_F(DialogTest, TheStartReadsAllThatNeedsNoWindow) {
     desk.settings.values[u"VELMORA32/10001/InstallPath"] = u"C:\\VELMORA32\\10001\\";
     main.Main();
     const std::string root = "C:\\VELMORA32\\10001\\";
-    EXPECT_EQ(desk.Calls()[0], "open " + root + "ADDINS\\..\\MORA32\\DATABASE\\Common.LNG read-only");
     EXPECT_EQ(Joined(main.Data().BackgroundDirectory, desk.app.helpFile, main.Data().MarketCode,
-                     main.Data().IsStandalone, desk.app.buttons.ok, desk.app.buttons.giveUp),
-              root + "ADDINS\\..\\BACKGRND\\|" + root + "ADDINS\\HELP\\Horalink.hlp|10001|False|ok|give up|");
-    desk.Calls();
+                     desk.app.buttons.ok, desk.app.buttons.giveUp),
+              root + "ADDINS\\..\\BACKGRND\\|" + root + "ADDINS\\HELP\\Horalink.hlp|10001|ok|give up|");
     main.LoadAddIn();
-    EXPECT_EQ(desk.Calls()[0], "open " + root + "ADDINS\\..\\MORA32\\DATABASE\\Register.mdb");
+    EXPECT_EQ(desk.databases.opened, (Notes{root + "ADDINS\\..\\MORA32\\DATABASE\\Common.LNG read-only",
+                                            root + "ADDINS\\DATABASE\\Horalink.lng",
+                                            root + "ADDINS\\..\\MORA32\\DATABASE\\Register.mdb"}));
     EXPECT_EQ(desk.databases.Ask(u"Register.mdb", u"select Version from Registry where Title = 'clock'"),
               Value(u"13.0.1"));
     EXPECT_EQ(Joined(desk.app.helpFile, desk.app.waits.busyTimeout, desk.app.waits.pendingTimeout),
               root + "ADDINS\\HELP\\Horalink.HLP|10000|20000|");
-    Process elsewhere;
-    elsewhere.desk.app.path = u"C:\\Tools";
-    elsewhere.main.Main();
-    EXPECT_EQ(elsewhere.main.Data().MarketCode, u"10001") << "an unknown market is the first";
+    desk.app.path = u"C:\\Tools";
+    main.Main();
+    EXPECT_EQ(main.Data().MarketCode, u"10001") << "an unknown market is the first";
 }
 
-// Whatever fails first ends the process with its one notice.
-TEST_F(DialogTest, AStartThatFailsEndsTheProcess) {
-    const std::pair<const char16_t*, const char*> cases[] = {{u"Common.LNG", nullptr},
-                                                             {u"Horalink.lng", nullptr},
-                                                             {u"Horalink.lng", "drop table tProject"},
-                                                             {u"Horalink.lng", "drop table tMessages"},
-                                                             {u"Register.mdb", nullptr}};
-    for (const auto& [file, sql] : cases) {
+TEST_F(DialogTest, WhateverFailsFirstEndsTheProcessWithItsOneNotice) {
+    for (int call = 1, isOver = 0; !isOver; ++call) {
         Process process;
-        sql ? process.desk.databases.Add(file, sql) : process.desk.databases.Remove(file);
-        EXPECT_THROW((process.main.Main(), cOLELayer::Create(process.main)), Ended) << ToUtf8(file);
-        EXPECT_EQ(process.desk.Boxes().size(), 1U) << ToUtf8(file);
+        process.desk.databases.FailAt(call, DataError::DiskError);
+        try {
+            process.main.Main();
+            isOver = call > 10;
+            EXPECT_TRUE(isOver && !process.desk.databases.HasFailed());
+        } catch (const Ended&) {
+            EXPECT_EQ(process.desk.Boxes().size(), 1U) << call;
+        }
     }
 }
 

@@ -21,10 +21,6 @@ struct NotedView : View, Toolkit {
 };
 
 struct FormTest : testing::Test {
-    template <class Type>
-    ObjectRef Added() {
-        return form.Add<Type>(u"c", 7).shared_from_this();
-    }
     std::string Log() { return std::exchange(log, ""); }
     std::string After(const std::function<void()>& step) { return step(), Log(); }
 
@@ -36,47 +32,14 @@ struct FormTest : testing::Test {
     int count = 0;
 };
 
-TEST_F(FormTest, EveryPropertyIsReachedByItsName) {
-    const std::string common = "Width Height Visible ToolTipText ";
-    const std::pair<ObjectRef, std::string> cases[] = {
-        {shared, "Caption Width Height Font "},
-        {form.Font, "Name Size Charset "},
-        {std::make_shared<Picture>(""), ""},
-        {Added<CommandButton>(), common + "Font Caption Picture "},
-        {Added<TextBox>(), common + "Font "},
-        {Added<Label>(), common + "Font Caption "},
-        {Added<CheckBox>(), common + "Font Caption "},
-        {Added<UpDown>(), common},
-        {Added<Calendar>(), common},
-        {Added<Timer>(), ""},
-        {Added<Image>(), common + "Picture "},
-        {Added<Menu>(), "Caption Visible "}};
-    for (const auto& [object, properties] : cases) {
-        std::string read;
-        std::vector<std::pair<std::string_view, Value>> given;
-        for (const Member& member : object->Class().members) {
-            if (member.kind == InvokeKind::PropertyGet) read += std::string(member.name) + " ";
-            if (member.kind != InvokeKind::PropertyPut || member.parameters.size() != 1) continue;
-            const Value number(static_cast<std::int32_t>(given.size()) + 1);
-            const ValueType type = member.parameters[0].type;
-            given.emplace_back(member.name, type == ValueType::Object ? Value(std::make_shared<Picture>(""))
-                                                                      : Converted(number, type));
-            Put(object, member.name, given.back().second);
-        }
-        EXPECT_EQ(read, properties) << object->Class().name;
-        for (const auto& [name, value] : given) {
-            const bool isRead = properties.find(name) != std::string::npos;
-            EXPECT_TRUE(!isRead || Get(object, name) == value) << object->Class().name << "." << name;
-        }
-    }
+TEST_F(FormTest, AControlIsReachedByTheNamesOfItsMembers) {
     auto& label = form.Add<Label>(u"label");
     const ObjectRef late = label.shared_from_this();
     Call(late, "Move", 1, 2, 3, 4), Put(late, "FontName", u"F"), Put(late, "FontSize", 2160);
     EXPECT_EQ(Joined(label.Left(), label.Top(), label.Width(), label.Height(), label.Font->Name(),
                      label.Font->Size()),
               "1|2|3|4|F|2160|");
-    for (const double size : {0.0, 2161.0})
-        EXPECT_EQ(FaultOf([&] { Put(late, "FontSize", size); }), "380 Invalid property value: Size");
+    for (const double size : {0.0, 2161.0}) EXPECT_EQ(ErrorOf([&] { Put(late, "FontSize", size); }), 380);
     Put(late, "FontSize", 0.5);
 }
 
@@ -132,11 +95,7 @@ TEST_F(FormTest, TimersRunOnlyWhileEnabledAndLoaded) {
     timer.Enabled = true;
     EXPECT_EQ(pass(99), "");
     timer.Interval = 50;
-    EXPECT_EQ(pass(49), "") << "starts anew";
-    timer.Interval = 0;
-    EXPECT_EQ(pass(500), "");
-    timer.Interval = 1;
-    EXPECT_EQ(pass(2), "tick tick ");
+    EXPECT_EQ(pass(49) + pass(1), "tick ") << "starts anew";
     form.Unload();
     EXPECT_EQ(pass(500), "");
 }
@@ -145,22 +104,20 @@ TEST_F(FormTest, ASelectionLiesInItsTextAndATickIsOneOrNone) {
     auto& box = form.Add<TextBox>(u"box");
     box.Text = u"12345";
     std::string selections;
-    for (const auto& [start, length] : {std::pair(1, 2), {1, 4}, {1, 5}, {5, 1}, {6, 1}}) {
+    for (const auto& [start, length] : {std::pair(1, 2), {1, 5}, {6, 1}}) {
         box.SetSelStart(start);
         selections += Joined(box.SelStart(), box.SelLength());
         box.SetSelLength(length);
         selections += Joined(box.SelLength());
     }
-    EXPECT_EQ(selections, "1|0|2|1|0|4|1|0|4|5|0|0|5|0|0|");
+    EXPECT_EQ(selections, "1|0|2|1|0|4|5|0|0|");
     auto& tick = form.Add<CheckBox>(u"tick");
     tick.SetValue(1);
     tick.Click = [&] { log += std::to_string(tick.Value()) + " "; };
     for (const bool isOn : {true, false, false, true}) tick.SetValue(isOn);
     EXPECT_EQ(Log(), "0 1 ");
-    EXPECT_EQ(Faults([&] { box.SetSelStart(-1); }, [&] { box.SetSelLength(-1); }, [&] { tick.SetValue(2); },
-                     [&] { tick.SetValue(-1); }),
-              "380 Invalid property value: SelStart|380 Invalid property value: SelLength|"
-              "380 Invalid property value: Value|380 Invalid property value: Value|");
+    EXPECT_EQ(ErrorOf([&] { box.SetSelStart(-1); }) + ErrorOf([&] { box.SetSelLength(-1); }), 2 * 380);
+    EXPECT_EQ(FaultOf([&] { tick.SetValue(2); }), "380 Invalid property value: Value");
 }
 
 TEST_F(FormTest, ArrowsStepThroughTheirRangeFromEndToEnd) {
@@ -176,8 +133,7 @@ TEST_F(FormTest, ArrowsStepThroughTheirRangeFromEndToEnd) {
     arrows.SetMin(4), arrows.StepUp(), arrows.StepDown();
     arrows.SetMax(5), arrows.SetValue(5), arrows.SetMin(-9), arrows.SetMax(-8);
     EXPECT_EQ(Log(), "4 up down 5 -8 ");
-    EXPECT_EQ(Faults([&] { arrows.SetValue(-10); }, [&] { arrows.SetValue(-7); }),
-              "380 Invalid property value: Value|380 Invalid property value: Value|");
+    EXPECT_EQ(ErrorOf([&] { arrows.SetValue(-10); }) + ErrorOf([&] { arrows.SetValue(-7); }), 2 * 380);
 }
 
 TEST_F(FormTest, ACalendarTakesWholeDatesAndTurnsWithoutOne) {
@@ -192,36 +148,22 @@ TEST_F(FormTest, ACalendarTakesWholeDatesAndTurnsWithoutOne) {
     calendar.AfterUpdate = [&] { note("chosen "); };
     calendar.NewYear = [&] { note("year "); };
     calendar.NewMonth = [&] { note("month "); };
-    for (const DateParts& date : {DateParts{2026, 11, 31}, {2026, 11, 30}, {2027, 1, 5}})
-        calendar.ChooseDate(date);
-    EXPECT_EQ(
-        Log(),
-        "ask 2026/11/18 chosen 2026/11/30 ask 2026/11/30 year 2027/1/5 month 2027/1/5 chosen 2027/1/5 ");
-    const std::pair<int, int> months[] = {{2027, 1}, {2027, 2},  {2028, 2}, {2028, 0}, {2028, 13},
-                                          {99, 2},   {10000, 2}, {100, 1},  {9999, 12}};
-    for (const auto& [year, month] : months)
+    for (const DateParts& date : {DateParts{2026, 11, 31}, {2027, 1, 5}}) calendar.ChooseDate(date);
+    EXPECT_EQ(Log(), "ask 2026/11/18 year 2027/1/5 month 2027/1/5 chosen 2027/1/5 ");
+    for (const auto& [year, month] :
+         {std::pair(2027, 1), {2027, 2}, {2027, 0}, {2027, 13}, {99, 2}, {10000, 2}, {100, 1}, {9999, 12}})
         calendar.TurnTo(static_cast<std::int16_t>(year), static_cast<std::int16_t>(month));
-    EXPECT_EQ(
-        Log(),
-        "ask 2027/1/5 month 2027/2/0 ask 2027/2/0 year 2028/2/0 ask 2028/2/0 year 100/1/0 month 100/1/0 "
-        "ask 100/1/0 year 9999/12/0 month 9999/12/0 ");
-    calendar.SetDay(31), calendar.SetMonth(1), calendar.SetYear(100);
-    calendar.SetYear(9999), calendar.SetMonth(12), calendar.SetDay(0);
+    EXPECT_EQ(Log(),
+              "ask 2027/1/5 month 2027/2/0 ask 2027/2/0 year 100/1/0 month 100/1/0 ask 100/1/0 "
+              "year 9999/12/0 month 9999/12/0 ");
+    calendar.SetDay(31), calendar.SetMonth(1), calendar.SetYear(100), calendar.SetDay(0);
     refuses = true;
     calendar.ChooseDate({2026, 1, 1}), calendar.TurnTo(2026, 1);
-    EXPECT_EQ(Log(),
-              "month 9999/1/31 year 100/1/31 year 9999/1/31 month 9999/12/31 ask 9999/12/0 ask 9999/12/0 ");
-    const std::string invalid = "380 Invalid property value: ";
-    EXPECT_EQ(
-        Faults([&] { calendar.SetDay(-1); }, [&] { calendar.SetDay(32); }, [&] { calendar.SetMonth(0); },
-               [&] { calendar.SetMonth(13); }, [&] { calendar.SetYear(99); },
-               [&] { calendar.SetYear(10000); }, [&] { calendar.CalendarValue(); }),
-        invalid + "day|" + invalid + "day|" + invalid + "month|" + invalid + "month|" + invalid + "year|" +
-            invalid + "year|13 Type mismatch: no day is chosen|");
-    calendar.SetDay(31);
-    EXPECT_EQ(Joined(calendar.CalendarValue(), calendar.titlefont->Size(), calendar.titlefont->Bold(),
-                     calendar.dayfont->Size(), calendar.dayfont->Bold()),
-              "12/31/9999|12|True|8.25|False|");
+    EXPECT_EQ(Log(), "month 9999/1/31 year 100/1/31 ask 100/1/0 ask 100/1/0 ");
+    for (const int day : {-1, 32}) EXPECT_EQ(ErrorOf([&] { calendar.SetDay(std::int16_t(day)); }), 380);
+    for (const int month : {0, 13}) EXPECT_EQ(ErrorOf([&] { calendar.SetMonth(std::int16_t(month)); }), 380);
+    for (const int year : {99, 10000}) EXPECT_EQ(ErrorOf([&] { calendar.SetYear(std::int16_t(year)); }), 380);
+    EXPECT_EQ(FaultOf([&] { calendar.CalendarValue(); }), "13 Type mismatch: no day is chosen");
 }
 
 }  // namespace

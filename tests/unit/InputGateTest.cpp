@@ -111,22 +111,4 @@ TEST_F(InputGateTest, WhatWaitsIsJudgedAgain) {
     }
 }
 
-TEST_F(InputGateTest, CloseWaitsAsLongAsItIsToBeSeen) {
-    form.Unloading = [this](bool& cancel) {
-        cancel = log.empty();
-        EXPECT_EQ(form.IsCloseWaiting(), cancel) << "the second one waits";
-        log += "close ";
-    };
-    hold = gate.Hold();
-    input->Close(), input->Close();
-    form.Enabled = false;
-    input->Close();
-    form.Enabled = true;
-    EXPECT_EQ(AfterTheHold(), "close close unloaded ");
-    form.Show();
-    log = "again ";
-    input->Close();
-    EXPECT_EQ(log, "again close unloaded ");
-}
-
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include "harness/Cases.h"
 #include "platform/headless/Desktop.h"
-#include "platform/runtime/RuntimeError.h"
 
 using namespace platform;
 using enum ValueType;
@@ -138,26 +137,6 @@ TEST(DateTest, PatternsAndTheSystemsClock) {
     };
     const Text before = local(), now = FormatDate(SystemClock().Now(), u"yyyy/mm/dd hh:nn:ss", locale);
     EXPECT_TRUE(before <= now && now <= local()) << ToUtf8(before + u" and " + now);
-}
-
-TEST(ErrorStateTest, KeepsTheLastSkippedFailureUntilItIsCleared) {
-    ErrorState state;
-    for (const int number : {7, 8})
-        Skip(state, "step", [&] { throw RuntimeError(number, DecimalText(number)); });
-    Skip(state, "step", [] {});
-    EXPECT_TRUE(state.IsSet() && state.Number() == 8 && state.Description() == u"8");
-    state.Clear();
-    EXPECT_FALSE(state.IsSet() || !state.Description().empty());
-}
-
-// A process of its own, since the trace is decided on once.
-TEST(TraceDeathTest, IsWrittenWhereItIsWanted) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    for (const bool wanted : {true, false})
-        EXPECT_EXIT((setenv("HORALINK_TRACE", wanted ? "1" : "11", 1),
-                     TraceSkipped("reading", RuntimeError(7, u"no memory")), std::exit(0)),
-                    testing::ExitedWithCode(0),
-                    wanted ? "^horalink: reading skipped: error 7, no memory\n$" : "^$");
 }
 
 }  // namespace
