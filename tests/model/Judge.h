@@ -80,7 +80,7 @@ struct Work {
     ShownClock shown;
     Text name;
     // An answer, that may be nothing at all.
-    bool isAnswer = false, isRead = false, isCutShort = false, wasWaiting = false;
+    bool isAnswer = false, isRead = false, isCutShort = false, wasWaiting = false, isAtLogin = false;
     std::shared_ptr<Answer> answer;
     Text tagBefore;
     std::optional<bool> isOfGivenUp;  // its login was given up before
@@ -145,7 +145,7 @@ class Judge {
         dead_.insert(host);
         std::erase_if(posted_, [&](const Posted& each) { return each.place.first == host; });
         for (const WorkRef& work : works_) {
-            if (!work->isAnswer || work->IsToLogOut()) continue;
+            if (!work->isAnswer || (work->IsToLogOut() && !work->isAtLogin)) continue;
             work->isCutShort = work->isCutShort || !work->isRead;
             EndReading(*work);
         }
@@ -217,6 +217,7 @@ class Judge {
         Work& work = *Innermost();
         work.isOut = isOut;
         if (member != "LoginID") return;
+        work.isAtLogin = isOut;
         Require(IsHostDead() || work.next.empty() || work.next == "oPBX",
                 "the host does not hear of " + std::string(work.next));
         // All else has been read by then. More may have been given up by the time that it is there.

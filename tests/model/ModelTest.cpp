@@ -32,6 +32,10 @@ TEST(ModelTest, HoldsInOrdersOfItsOwn) {
         // A wait that an answer to an earlier request interrupts can still be given up.
         {"click 2", "pass 100 ms", "pass 20 s", "give up", "click 2", "pass 100 ms",
          "call back read, login given up", "pass 20 s", "give up"},
+        // A host that dies before it names an answer's login.
+        {"hold LoginID", "click 1", "pass 20 s", "call back without ExtraData, nobody's login",
+         "call back with ErrCode 99, current login", "answer inside ShowResults", "hang in ShowMessage",
+         "call back with ErrCode Null, current login", "die while another is there"},
         // A month without a day, and the date of today after it.
         {"toggle 1", "turn to month 0", "click 1", "toggle 1", "pass 1 s"},
         // The ends of the years.
