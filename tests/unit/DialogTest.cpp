@@ -175,6 +175,8 @@ TEST_F(DialogTest, TheTitleTakesOneMarkForEachName) {
     desk.pictures.files = {{main.Data().BackgroundDirectory + u"sand.svg", "sand"}};
     Call(layer, "SetBackGround", 2);
     EXPECT_EQ(Controls().imgBack->Picture()->Content(), "sand");
+    Window().Unload();
+    EXPECT_EQ(host->Calls(), (Notes{"GetComData Horalink MOVE ", "UnloadChild 1"}));
     Dialog().PutParent(nullptr);
 }
 
@@ -223,10 +225,14 @@ struct ServedTest : DialogTest {
 };
 
 TEST_F(ServedTest, ADialogThatUnloadsItselfWhileItLoadsEndsNoService) {
-    desk.databases.Add(u"Horalink.lng", "drop table tControls");
-    ObjectRef layer = desk.automation.Create();
-    EXPECT_FALSE(Window().IsLoaded());
-    EXPECT_EQ(desk.automation.served, cOLELayer::className);
+    for (const char* sql : {"update tForms set FontSize = 0.4", "drop table tControls"}) {
+        desk.databases.Add(u"Horalink.lng", sql);
+        ObjectRef layer = desk.automation.Create();
+        EXPECT_FALSE(Window().IsLoaded()) << sql;
+        EXPECT_EQ(desk.automation.served, cOLELayer::className);
+        main.DropDialog();
+        main.Main();
+    }
 }
 
 TEST_F(ServedTest, OnlyAServerThatIsNotUsedEnds) {
@@ -235,6 +241,9 @@ TEST_F(ServedTest, OnlyAServerThatIsNotUsedEnds) {
     desk.boxes.whileOpen = [&] { desk.timers.Pass(600000); };
     EXPECT_THROW(desk.automation.grant(), Ended) << "by the notice, which the operator read for long";
     desk.timers.Pass(59999);
+    EXPECT_EQ(ends, 0);
+    desk.timers.Pass(1);
+    EXPECT_EQ(std::exchange(ends, 0), 1);
     ObjectRef layer = desk.automation.Create();
     desk.timers.Pass(600000);
     EXPECT_EQ(ends, 0);
@@ -300,6 +309,9 @@ TEST_F(StandaloneTest, WithoutAConnectionTheButtonsAreDeadAndWithoutANameNoDialo
     main.Main();
     EXPECT_FALSE(Window().IsLoaded());
     EXPECT_EQ(desk.automation.created.size(), 1U) << "that of the dialog above";
+    desk.app.command = u"Main";
+    desk.databases.Add(u"Horalink.lng", "drop table tControls");
+    EXPECT_THROW(AddInMain(desk.services).Main(), Ended);
 }
 
 }  // namespace

@@ -125,6 +125,10 @@ TEST(LookupAnswerTest, TheMarketDecidesTheFormAndAllItemsHaveToBeThere) {
     for (const char* items : {"", "0=2026;2=13:02:03", "1=11/18", "0=2026;1=13/18",
                               "0=2026;1=11/18;2= ", "0=LNK_TIMEOUT;1=11/18", "0=2026;1=11/18;7=DATA ERROR"})
         EXPECT_EQ(Clock(items), "error 13") << items;
+    cListRequest answer;
+    answer.AddToList(u"02", u"0", u"2026"), answer.AddToList(u"02", u"1", u"13/18");
+    EXPECT_EQ(FaultOf([&] { ClockText(answer, u"10001", headless::Locale()); }),
+              "13 item 0: SecondData \"2026\" and item 1: SecondData \"13/18\" aren't a date");
 }
 
 }  // namespace
