@@ -94,7 +94,7 @@ class PollLoop : public headless::Timers<EventLoop> {
     headless::Sources<int> holds_;
 };
 
-// One value of a basic type: a text or path as itself, anything else with the letter of its type.
+// A text or path as itself, anything else with the letter of its type.
 inline std::string ToldBasic(sd_bus_message* message, char type) {
     std::uint64_t raw = 0;
     sd_bus_message_read_basic(message, type, &raw);
@@ -163,7 +163,6 @@ class Stranger {
         serving_ = loop.Every(Milliseconds(1), [this] { Process(); });
     }
     sd_bus* Bus() const { return bus_.get(); }
-    // Leaves the bus without giving anything back.
     void Leave() { sd_bus_close(Bus()); }
 
     // Sends a call, with `types` and what follows as for the bus library. The result is the answer, once the
@@ -172,15 +171,13 @@ class Stranger {
     const MessageRef& Send(const Reference& to, const char* interface, const char* member,
                            const char* types = "", Parts... parts) {
         const auto keep = [](sd_bus_message* message, void* place, sd_bus_error*) {
-            *static_cast<MessageRef*>(place) = Shared(message);
-            return 1;
+            return *static_cast<MessageRef*>(place) = Shared(message), 1;
         };
         MessageRef& answer = answers_.emplace_back();
         sd_bus_call_method_async(Bus(), nullptr, to.owner.c_str(), to.path.c_str(), interface, member, keep,
                                  &answer, types, parts...);
         return answer;
     }
-    // What the answer says.
     template <class... Parts>
     std::string Call(Parts... parts) {
         const MessageRef& answer = Send(parts...);
@@ -198,8 +195,8 @@ class Stranger {
         sd_bus_call_method_async(Bus(), nullptr, to.owner.c_str(), to.path.c_str(), interface, member,
                                  nullptr, nullptr, types, parts...);
     }
-    // Takes in what has come once the daemon has handed on all that was sent before. It answers ahead of what
-    // its queues of the same round hold, but the second answer follows that.
+    // Takes in all that was sent before. The daemon answers ahead of what its queues of the same round hold,
+    // but the second answer follows that.
     void RoundTrip() {
         for (int i = 0; i < 2; ++i)
             sd_bus_call_method(Bus(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId", nullptr,
@@ -207,7 +204,7 @@ class Stranger {
         Process();
     }
 
-    // What to do with every call but those of the bus's own interfaces; by default they are kept unanswered.
+    // By default calls are kept unanswered.
     std::function<void(const MessageRef&)> whenCalled;
     std::vector<MessageRef> calls;
     // The calls since the last time, in their order.

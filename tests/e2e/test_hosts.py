@@ -11,7 +11,7 @@ import testbed
 from driver import Role
 from host import LIMIT, READ, clock, good, result
 from testbed import ADD_IN, CLOCK_READ, GIVE_UP, LOGIN_FAILED, LOOKUP, WAIT_BOX, OwnHostTest, chosen
-from testbed import set_up_without_service as setUpModule  # noqa: F401
+from testbed import set_up as setUpModule  # noqa: F401
 
 ANSWER, FAILED, NOTHING = [CLOCK_READ], [LOGIN_FAILED], []
 # The member at whose call the host gets the signal, if it sends that to itself; the boxes where it is killed, stands
@@ -28,7 +28,7 @@ STATES = {
 }
 FAULTS = ("killed", "stopped", "never wakes", "killed alone")  # alone: nobody else holds the add-in
 ALL = [(state, fault) for state in STATES for fault in FAULTS]
-QUICK = [case for case in ALL if case[1] != "never wakes" or case[0] in ("logging in", "telling")]
+QUICK = [case for case in ALL if case[1] in FAULTS[:2] or case[0] in ("logging in", "telling")]
 GOOD = good("L1")
 
 
@@ -92,7 +92,7 @@ class Hosts(OwnHostTest):
         """What the operator sees, what another host does, and what the stopped one gets when it wakes."""
         *boxes, calls = STATES[state][1:]
         for title in boxes[FAULTS.index(fault)]:
-            self.wait_for(lambda title=title: title in self.boxes(), f"the box '{title}'", LIMIT)
+            self.wait_for(lambda title=title: title in self.boxes(), f"the box '{title}'")
             self.close_box(title, GIVE_UP if title == WAIT_BOX else None)
         self.wait_for(lambda: not self.boxes(), "no box")
         if fault == "stopped" and state != "idle":

@@ -29,6 +29,7 @@ ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.c
 
 BUILD = Path(os.environ["HORALINK_BUILD"])
 OWN_TIME = BUILD / "tests/e2e/libown_time.so"
+STARTS_ADD_INS = {"test_hosts", "test_lives"}  # by themselves, and see their ends
 SHARE, ONLY = os.environ.get("HORALINK_SHARE", ""), os.environ.get("HORALINK_ONLY")
 
 # Those of the module of tests; the accessibility library can be connected only once in a process.
@@ -37,21 +38,16 @@ driver = None
 bus = None
 
 
-def set_up(starts_by_itself=True):
+def set_up():
     """Serves a module as its setUpModule."""
     global sandbox, driver, bus
     folder = BUILD / "tests/e2e" / f"{sys.argv[-1]}{SHARE.replace('/', '-of-')}"
     sandbox = Sandbox(BUILD, folder, own_display=True).lay_out()
-    if not starts_by_itself:
+    if STARTS_ADD_INS & set(sys.argv[-1].split(".")):
         (folder / f"services/{ADD_IN_CLASS}.service").unlink()
     unittest.enterModuleContext(sandbox)
     driver, bus = Driver(sandbox), dbus.bus.BusConnection(sandbox.environment["DBUS_SESSION_BUS_ADDRESS"])
     unittest.addModuleCleanup(bus.close)
-
-
-def set_up_without_service():
-    """The test starts the add-in, so that it sees the end of the process."""
-    set_up(starts_by_itself=False)
 
 
 def chosen(sample, every):
@@ -115,18 +111,16 @@ class EndToEndTest(unittest.TestCase):
     wait_for = staticmethod(lambda condition, what, seconds=LIMIT: wait_for(condition, seconds, what))
 
     def setUp(self):
-        self.begin()
-        self.addCleanup(self.leave_nothing_behind)
-
-    def begin(self):
         sandbox.install()
         self.started, self.clients = [], []
+        self.addCleanup(self.leave_nothing_behind)
 
     @contextlib.contextmanager
     def case(self, name):
         """One row of a table: a sub-test with all that a test has."""
         with self.subTest(name):
-            self.begin()
+            sandbox.install()
+            self.clients.clear()
             try:
                 yield
             finally:
@@ -154,8 +148,6 @@ class EndToEndTest(unittest.TestCase):
     def wait_until_gone(self, program=ADD_IN):
         self.wait_for(lambda: not pids(program), f"{program} to end")
 
-    # --- the dialog -------------------------------------------------------------------------------
-
     def press(self, button, program=ADD_IN):
         driver.click(driver.find(program, button, Role.PUSH_BUTTON))
 
@@ -164,6 +156,10 @@ class EndToEndTest(unittest.TestCase):
 
     def wait_until_enabled(self, button=LOOKUP):
         self.wait_for(lambda: self.is_enabled(button), f"'{button}' to be enabled")
+
+    def leave(self, window):
+        driver.raise_window(window)
+        driver.press("alt+F4")
 
     def boxes(self):
         return [title for title in driver.titles(ADD_IN) if not title.startswith("PBX Clock (")]
@@ -202,9 +198,9 @@ class OwnHostTest(EndToEndTest):
     def start_add_in(self, address=None, **changes):
         """A process that serves on a bus, and a client there."""
         client = self.join(address)
-        address = address or sandbox.environment["DBUS_SESSION_BUS_ADDRESS"]
-        environment = changed(DBUS_SESSION_BUS_ADDRESS=address, **changes)
-        add_in = self.start([sandbox.add_in, "-Embedding"], environment=environment)
+        if address:
+            changes["DBUS_SESSION_BUS_ADDRESS"] = address
+        add_in = self.start([sandbox.add_in, "-Embedding"], environment=changed(**changes))
         self.wait_for(lambda: client.ask(BUS, "/", BUS, "NameHasOwner", ADD_IN_CLASS), "the add-in to serve its class")
         return add_in, client
 

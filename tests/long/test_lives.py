@@ -23,7 +23,7 @@ from driver import Atspi, GLib, Role
 from host import BUS, BUSY, CALL, LIMIT, WRITE, Host, result
 from sandbox import wait_for
 from testbed import ADD_IN, BUILD, NOTICE, SHARE, OwnHostTest, changed, chosen, database_file, hasty
-from testbed import set_up_without_service as setUpModule  # noqa: F401
+from testbed import set_up as setUpModule  # noqa: F401
 
 UPDATE, LOOKUP = 1, 2  # places of the buttons in the dialog
 IDLE_LIMIT = 100  # seconds; a process that nobody has used ends after a minute
@@ -191,7 +191,7 @@ class FailingLife(Life):
 
 
 class Calls(testbed.EndToEndTest):
-    SAMPLE = {"file": 3, "full": 2, "kill": 3, "sqlite": 8, "bus": 12}
+    SAMPLE = {"file": 2, "full": 1, "kill": 2, "sqlite": 5, "bus": 7}
 
     def test_what_comes_of_it(self):
         good, sample, every = {}, [], []
@@ -276,7 +276,7 @@ AS_ANYBODY = ("setpriv", "--bounding-set=-dac_override,-dac_read_search") if os.
 
 
 class Files(testbed.EndToEndTest):
-    SAMPLE = 35
+    SAMPLE = 22
 
     @staticmethod
     def all_cases():

@@ -140,18 +140,25 @@ TEST_F(InputTest, EventsMayTakeTheFormAway) {
     }
 }
 
+// Of the arrows, in milliseconds: shorter than an operator's.
+constexpr int stepPause = 40;
+constexpr Milliseconds longerThanAStep = 120ms;
+
 // The arrow of the spin control and one of the calendar.
 class HeldArrowTest : public FormTest {
   protected:
     // Holds each arrow, which acts at each step, while `hold` goes on. The second place is beside the arrow.
     void HoldEach(const std::function<void()>& act, const std::function<void(QPoint, QPoint)>& hold) {
         spin.UpClick = calendar.NewMonth = [this, act] { Note("step")(), act(); };
-        const QPoint middle = PlaceOf("updTime"), half(0, 6), month = PlaceOf("Next month");
-        for (const auto& [arrow, beside] :
-             {std::pair(middle - half, middle + half), {month, PlaceOf("Previous month")}}) {
+        const QPoint half(0, 6), month = PlaceOf("Previous month") - PlaceOf("Next month");
+        for (const auto& [name, offset, beside] :
+             {std::tuple("updTime", -half, 2 * half), {"Next month", QPoint(), month}}) {
+            auto& widget = WidgetOf<QAbstractButton>(name);
+            widget.setAutoRepeatDelay(stepPause), widget.setAutoRepeatInterval(stepPause);
+            const QPoint arrow = PlaceOf(name) + offset;
             log.clear();
             Press(arrow);
-            hold(arrow, beside);
+            hold(arrow, arrow + beside);
             Release(arrow);
             EXPECT_EQ(After([] { Settle(longerThanAStep); }), "") << "it is released";
         }

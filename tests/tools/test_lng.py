@@ -37,14 +37,10 @@ MORE_TEXTS = [
     ("tMsgBox:0:Prompt", "Het is & %SP4 & %AND & %CR & %ST & 100 % of 5%", None),
     ("tMsgBox:1:Prompt", "Tekst (%ST) hier", 'the other text in "Tekst (%ST) hier" is lost'),
     ("tMsgBox:2:Prompt", "%ST & %ST", "%ST is here more than once, and there is one text for it"),
-    ("tMsgBox:2:Title", "%C", '"%C" is no token and is shown as it is'),
-    ("tMsgBox:3:Title", "Café & %CR & 中", None),
-    ("tMessages:1:Caption", "Klok %CR", "this text is shown as it is: %CR has no meaning here"),
     ("tMsgBox:4:Prompt", "Een tekst van meer dan veertig tekens, echt & ja", 'meer dan veertig tekens, e..." and "ja"'),
 ]
 BROKEN = [
     (b'msgid "a', ":1: end-of-file within string"),
-    (b'msgid "a"\nmsgstr "b"\nmsgid "c"\nmsgstr "d" e\n', ":4: this is not the syntax of a PO file"),
     (b'msgid "a"\nmsgstr "b"c"\n', ":2: this is not the syntax of a PO file: unescaped double quote found"),
     (b'\nmsgid "\xff"\n', ":2: this is not in UTF-8"),
     (b'msgid ""\nmsgstr "Content-Type: text/plain; charset=ISO-8859-1\\n"\n\nmsgid "a"\nmsgstr "b"\n',
