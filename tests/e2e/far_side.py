@@ -124,7 +124,6 @@ class FarSide:
         return int((self.folder / "ahead").read_text()) / 10**9
 
     def clock(self):
-        """What it shows, asked there; and how long the asking took."""
         asked = time.time()
         said = self.bus.call_blocking(TIMEDATE, TIMEDATE_PATH, PROPERTIES, "Get", "ss", [TIMEDATE, "TimeUSec"])
         return said / 10**6, time.time() - asked

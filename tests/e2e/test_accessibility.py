@@ -23,7 +23,6 @@ class Accessibility(EndToEndTest):
         return self.texts.control(*control[1:])
 
     def focused(self):
-        """The name of the control that has the keyboard."""
         return next((node.get_name() for node in testbed.driver.nodes(self.window)
                      if node.get_state_set().contains(Atspi.StateType.FOCUSED)), None)
 
@@ -45,9 +44,6 @@ class Accessibility(EndToEndTest):
         testbed.driver.press(key)
         self.wait_for(look, f"to hear of '{name}'")
 
-    def box(self):
-        return testbed.driver.box(ADD_IN, besides=[self.window.get_name()])
-
     def test_dialog(self):
         self.heard = []
         listener = Atspi.EventListener.new(lambda event: self.heard.append(
@@ -61,19 +57,19 @@ class Accessibility(EndToEndTest):
         self.start([testbed.sandbox.add_in, EXCHANGE])
         self.window = testbed.driver.window(ADD_IN, self.texts.title(EXCHANGE))
         self.wait_for(self.focused, "the dialog to have the keyboard")
-        self.check_what_is_read_out(DAY.format(date.today()))
+        self.check_what_is_read_out()
         stops = [self.focused()] + [self.press_tab() for _ in range(len(CONTROLS) + 1)]
         names = [self.name(control) for control in CONTROLS]
         self.assertEqual(stops[:len(names)] + stops[-1:], names + names[:1], "the calendar comes after them")
         self.work_by_keys()
         self.ask_what_this_is()
 
-    def check_what_is_read_out(self, today):
+    def check_what_is_read_out(self):
         nodes = list(testbed.driver.nodes(self.window))
         self.assertEqual(self.window.get_role(), Role.DIALOG)
         self.assertTrue(all(node.get_name() for node in nodes))
         self.assertFalse({node.get_role() for node in nodes} & {Role.UNKNOWN, Role.INVALID, Role.FILLER})
-        self.assertTrue(any(node.get_name().startswith(today) for node in nodes))
+        self.assertTrue(any(node.get_name().startswith(DAY.format(date.today())) for node in nodes))
         for control in CONTROLS:
             self.assertEqual(self.node(control).get_description(), self.name(control))
             self.assertIs(self.node(control).get_state_set().contains(Atspi.StateType.CHECKED), control in BOXES)
@@ -89,7 +85,7 @@ class Accessibility(EndToEndTest):
         testbed.driver.press("Up")
         self.wait_for(lambda: held() == {(before + 1) % 60}, "a step")
         self.press_at(LOOKUP, "space")
-        button = testbed.driver.button(self.box())
+        button = testbed.driver.button(testbed.driver.box(ADD_IN, besides=[self.window.get_name()]))
         self.wait_for(lambda: testbed.driver.is_focused(button), "the default button to have the keyboard")
         testbed.driver.press("Return")
         self.wait_for(lambda: self.focused() == self.name(LOOKUP), "the keyboard to come back")
@@ -102,7 +98,7 @@ class Accessibility(EndToEndTest):
         self.press_and_hear("Escape", *box)
         self.press_and_hear("shift+F10", *item)
         testbed.driver.press("Return")
-        topic = self.box()
+        topic = testbed.driver.box(ADD_IN, besides=[self.window.get_name()])
         self.assertTrue(topic.get_description())
         self.press_and_hear("Shift_L", Role.DIALOG, topic.get_name())
         self.press_and_hear("Escape", *box)

@@ -39,7 +39,6 @@ def wait_until_still(test, process):
 
 class Hosts(OwnHostTest):
     def start_all(self, state, fault):
-        """The add-in, a client that keeps it whatever comes, and the host."""
         self.add_in, self.keeper = self.start_add_in(**testbed.hasty(4 if fault == "never wakes" else 1))
         self.layer = result(self.keeper.create())
         self.harm = signal.SIGKILL if "killed" in fault else signal.SIGSTOP
@@ -53,7 +52,6 @@ class Hosts(OwnHostTest):
         testbed.driver.raise_window(testbed.dialog_title())
 
     def wait_for_calls(self, calls):
-        """Those that came since GetComData and `open`."""
         self.wait_for(lambda: self.log.read_text().splitlines()[2:] == calls, f"{calls}, of {self.log.read_text()}")
 
     def is_served(self):

@@ -63,7 +63,7 @@ def dialog_title(exchange=EXCHANGE):
 
 
 def running():
-    """The installation's programs that run, as names by process number."""
+    """The installation's programs, as names by process number."""
     found = {}
     for entry in Path("/proc").glob("[0-9]*"):
         with contextlib.suppress(OSError):
@@ -75,7 +75,7 @@ def running():
 
 
 def is_deserted():
-    """No program runs, and the bus knows it: what is asked of a name that still seems to be there gets lost."""
+    """Also in the eyes of the bus: what is asked of a name that still seems to be there gets lost."""
     return not running() and not any(bus.name_has_owner(name) for name in (ADD_IN_CLASS, EXCHANGE_CLASS))
 
 
@@ -84,7 +84,6 @@ def pids(program):
 
 
 def database_file(name):
-    """The one that the add-in opens; the register is the user's own."""
     return sandbox.own_register() if name == "Register.mdb" else next(sandbox.root.glob(f"*/DATABASE/*/{name}"))
 
 
@@ -94,12 +93,10 @@ def changed(**changes):
 
 
 def hasty(haste):
-    """The environment in which waits are over that many times as fast."""
     return {"LD_PRELOAD": str(OWN_TIME), "HASTE": str(haste)}
 
 
 def run(command, seconds=LIMIT, environment=None, **options):
-    """Runs a program to its end and catches what it prints."""
     return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=seconds, check=False,
                           env=environment or sandbox.environment, **options)
 
@@ -182,7 +179,6 @@ class EndToEndTest(unittest.TestCase):
         return text
 
     def assert_usable(self):
-        """The dialog is there, takes clicks, and a lookup succeeds."""
         self.assertEqual(self.boxes(), [])
         self.wait_until_enabled()
         self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
@@ -196,7 +192,6 @@ class OwnHostTest(EndToEndTest):
         return self.clients[-1]
 
     def start_add_in(self, address=None, **changes):
-        """A process that serves on a bus, and a client there."""
         client = self.join(address)
         if address:
             changes["DBUS_SESSION_BUS_ADDRESS"] = address
@@ -223,7 +218,6 @@ class Host:
         test.start([sandbox.host, "--log", self.log, "--open", exchange, *options], environment=environment)
 
     def open(self):
-        """Waits until the dialog is up and everything about it is logged."""
         self.wait_for_line("# Visible is written")
         driver.window(ADD_IN, dialog_title(self.exchange))
         return self
