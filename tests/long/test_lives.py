@@ -147,7 +147,6 @@ class Life:
         return [nodes for nodes in windows if are_dialogs == any(node.get_role() == Role.SPIN_BUTTON for node in nodes)]
 
     def nodes(self, *roles):
-        """Of the dialog, where it is there."""
         with contextlib.suppress(GLib.Error):
             return [node for nodes in self.windows(are_dialogs=True) for node in nodes if node.get_role() in roles]
         return []
@@ -163,7 +162,6 @@ class Life:
 
 
 def check_register(test, versions=(OLD, NEW), file=None):
-    """It is whole, and our row has one of these versions."""
     place = f"file:{file or database_file('Register.mdb')}?mode=rw"
     with contextlib.closing(sqlite3.connect(place, uri=True, timeout=10)) as database:
         test.assertEqual(database.execute("PRAGMA integrity_check").fetchall(), [("ok",)])
@@ -312,7 +310,6 @@ class Files(testbed.EndToEndTest):
 
 class Memory(testbed.EndToEndTest):
     def test_valgrind_finds_nothing(self):
-        """Nothing is read that was never written, used after its end, or lost."""
         report = testbed.sandbox.folder / "valgrind.txt"
         life = Life(presses=(LOOKUP, UPDATE), patience=10, prefix=[
             "valgrind", "--leak-check=full", "--errors-for-leak-kinds=definite", "--num-callers=30",
@@ -366,7 +363,6 @@ class Long(OwnHostTest):
         self.host.code = NO_BOX
 
     def measure(self):
-        """Memory, open files, and rules on the bus."""
         rollup = Path(f"/proc/{self.process.pid}/smaps_rollup").read_text(encoding="utf-8")
         about = self.host.ask(BUS, "/org/freedesktop/DBus", f"{BUS}.Debug.Stats", "GetConnectionStats", self.layer[0])
         return (sum(map(int, re.findall(r"^(?:Private_Dirty|Swap): +(\d+) kB", rollup, re.M))),
