@@ -1,6 +1,5 @@
-// A bus of the test's own with a loop, and on the thread of the test a server and a client of this system,
-// :1.0 and :1.1 on that bus, and a stranger, :1.2: messages by hand, and messages as texts. The contract's
-// names are written out here once more.
+// A bus of the test's own, and on the thread of the test a server and a client of this system, :1.0 and :1.1
+// on that bus, and a stranger, :1.2. The contract's names are written out here once more.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -78,7 +77,6 @@ class PollLoop : public headless::Timers<EventLoop> {
         poll(nullptr, 0, 1);
         Pass(1);
     }
-    // For ten seconds at most. Gives the condition.
     bool ServeUntil(const std::function<bool()>& condition) {
         const auto limit = Now() + Milliseconds(10000);
         while (!condition() && Now() < limit) ServeOnce();
@@ -94,7 +92,7 @@ class PollLoop : public headless::Timers<EventLoop> {
     headless::Sources<int> holds_;
 };
 
-// One value of a basic type: a text or path as itself, anything else with the letter of its type.
+// A text or path as itself, anything else with the letter of its type.
 inline std::string ToldBasic(sd_bus_message* message, char type) {
     std::uint64_t raw = 0;
     sd_bus_message_read_basic(message, type, &raw);
@@ -145,7 +143,7 @@ inline std::string Told(const MessageRef& shared) {
            (sd_bus_message_get_expect_reply(message) > 0 ? "" : "!") + (content.empty() ? "" : " " + content);
 }
 
-// Where an object is, as a stranger learns it from the first reference in a message.
+// Where an object is.
 struct Reference {
     std::string owner, path;
 };
@@ -163,7 +161,6 @@ class Stranger {
         serving_ = loop.Every(Milliseconds(1), [this] { Process(); });
     }
     sd_bus* Bus() const { return bus_.get(); }
-    // Leaves the bus without giving anything back.
     void Leave() { sd_bus_close(Bus()); }
 
     // Sends a call, with `types` and what follows as for the bus library. The result is the answer, once the
@@ -172,34 +169,30 @@ class Stranger {
     const MessageRef& Send(const Reference& to, const char* interface, const char* member,
                            const char* types = "", Parts... parts) {
         const auto keep = [](sd_bus_message* message, void* place, sd_bus_error*) {
-            *static_cast<MessageRef*>(place) = Shared(message);
-            return 1;
+            return *static_cast<MessageRef*>(place) = Shared(message), 1;
         };
         MessageRef& answer = answers_.emplace_back();
         sd_bus_call_method_async(Bus(), nullptr, to.owner.c_str(), to.path.c_str(), interface, member, keep,
                                  &answer, types, parts...);
         return answer;
     }
-    // What the answer says.
     template <class... Parts>
     std::string Call(Parts... parts) {
         const MessageRef& answer = Send(parts...);
         return loop_.ServeUntil([&] { return answer != nullptr; }) ? Told(answer) : "no answer";
     }
-    // A late-bound call with `count` arguments, each given with its type.
     template <class... Parts>
     std::string Invoke(const Reference& to, const char* member, int count = 0, Parts... parts) {
         return Call(to, objectInterface, "Invoke", "sqav", member, 1, count, parts...);
     }
-    // Sends a call that wants no answer.
     template <class... Parts>
     void Notify(const Reference& to, const char* interface, const char* member, const char* types = "",
                 Parts... parts) {
         sd_bus_call_method_async(Bus(), nullptr, to.owner.c_str(), to.path.c_str(), interface, member,
                                  nullptr, nullptr, types, parts...);
     }
-    // Takes in what has come once the daemon has handed on all that was sent before. It answers ahead of what
-    // its queues of the same round hold, but the second answer follows that.
+    // Takes in all that was sent before. The daemon answers ahead of what its queues of the same round hold,
+    // but the second answer follows that.
     void RoundTrip() {
         for (int i = 0; i < 2; ++i)
             sd_bus_call_method(Bus(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId", nullptr,
@@ -207,10 +200,9 @@ class Stranger {
         Process();
     }
 
-    // What to do with every call but those of the bus's own interfaces; by default they are kept unanswered.
+    // By default calls are kept unanswered.
     std::function<void(const MessageRef&)> whenCalled;
     std::vector<MessageRef> calls;
-    // The calls since the last time, in their order.
     std::string Heard() {
         std::string all;
         for (const MessageRef& call : std::exchange(calls, {})) all += (all.empty() ? "" : "; ") + Told(call);
@@ -221,7 +213,6 @@ class Stranger {
     void Return(const MessageRef& call, const char* types, Parts... parts) {
         sd_bus_reply_method_return(call.get(), types, parts...);
     }
-    // Answers a late-bound call, with no changed arguments.
     template <class... Parts>
     void ReturnResult(const MessageRef& call, const char* type, Parts... parts) {
         Return(call, "vav", type, parts..., 0);
@@ -303,7 +294,6 @@ class BusTest : public testing::Test {
     }
     std::unique_ptr<Automation> Connect() { return ConnectToSessionBus(loop, boxes, settings); }
 
-    // An object that the server makes, for the client or for the stranger.
     ObjectRef Created(ObjectRef object) {
         created = std::move(object);
         return client->CreateObject(u"Test.cScripted");
@@ -314,14 +304,12 @@ class BusTest : public testing::Test {
     }
     std::string CreateInstance() { return stranger.Call(factory, factoryInterface, "CreateInstance"); }
 
-    // The stranger calls Retain or Release, or a member without wanting an answer.
     std::string Plain(const Reference& object, const char* method) {
         return stranger.Call(object, objectInterface, method);
     }
     void Poke(const Reference& object) {
         stranger.Notify(object, objectInterface, "Invoke", "sqav", "Poke", 1, 0);
     }
-    // The stranger answers all late-bound calls with a text.
     void AnswerAll(const char* text) {
         stranger.whenCalled = [this, text](const MessageRef& call) {
             stranger.ReturnResult(call, "s", text);

@@ -42,11 +42,6 @@ def value(plain):
     return GLib.Variant(kind, plain)
 
 
-def connect(address):
-    flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
-    return Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
-
-
 def result(future):
     """What a call gives; of one that failed the name, the description and the number."""
     reply = future.result(LIMIT)
@@ -61,15 +56,14 @@ class Host:
     def __init__(self, address):
         self.calls, self.kept, self.clients, self.tags, self.messages = [], Counter(), {}, {}, {}
         self.calls_back, self.code, self.delay, self.last_call = True, 0, 0, 0.0
-        self.context = GLib.MainContext()
-        self.loop = GLib.MainLoop(self.context)
-        self.bus = connect(address)
-        self.bus.set_exit_on_close(False)
+        self.loop = GLib.MainLoop(GLib.MainContext())
+        flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+        self.bus = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
         self.thread = threading.Thread(target=self.run, daemon=True)
         self.thread.start()
 
     def run(self):
-        self.context.push_thread_default()
+        self.loop.get_context().push_thread_default()
         for path in ("/Host", "/Exchange"):
             self.bus.register_object(path, OBJECT, self.serve, None, None)
         self.loop.run()
@@ -82,11 +76,11 @@ class Host:
 
     def later(self, act, milliseconds=0):
         """In its own thread, at once where that is this one."""
-        if self.context.is_owner() and not milliseconds:
+        if self.loop.get_context().is_owner() and not milliseconds:
             return act()
         source = GLib.Timeout(milliseconds)
         source.set_callback(lambda *_: act() and False)
-        source.attach(self.context)
+        source.attach(self.loop.get_context())
 
     def behave(self, sender, call, answer):
         self.calls.append((sender, call))
@@ -94,7 +88,6 @@ class Host:
         self.later(answer, self.delay if call == "REGComData" else 0)
 
     def asked_by(self, layer):
-        """The calls from the process of an object."""
         return [call for sender, call in self.calls if sender == layer[0]]
 
     def serve(self, _bus, sender, path, _interface, method, parameters, invocation):
@@ -174,19 +167,16 @@ class Host:
         return layer
 
     def client(self):
-        """That of the last login."""
         return self.clients[f"L{len(self.clients)}"]
 
     def call_back(self):
         return self.invoke(self.client(), "CallBack", CALL, self.at(f"/Response/L{len(self.clients)}"))
 
     def ask(self, owner, path, interface, method, *arguments):
-        """A call of one of the bus's own interfaces."""
         asked = GLib.Variant("(s)", arguments) if arguments else None
         return self.bus.call_sync(owner, path, interface, method, asked, None, 0, LIMIT * 1000, None).unpack()[0]
 
     def objects(self, layer):
-        """All objects in the process of one."""
         tree = self.ask(layer[0], "/Object", f"{BUS}.Introspectable", "Introspect")
         return {f"/Object/{number}" for number in re.findall(r'node name="(\d+)"', tree)}
 
@@ -195,24 +185,18 @@ class Host:
 
 
 class Process(Host):
-    """Prints its calls, and at one of them gets a signal."""
-
-    def __init__(self, member, wanted, answers):
-        self.member, self.wanted = member, wanted
-        super().__init__(os.environ["DBUS_SESSION_BUS_ADDRESS"])
-        self.calls_back = bool(answers)
-
     def behave(self, sender, call, answer):
         print(call, flush=True)
-        if call.split()[0] == self.member:
-            self.member = None
-            signal.raise_signal(signal.Signals[self.wanted])  # takes effect before this thread goes on
+        if call.split()[0] == sys.argv[1]:
+            sys.argv[1] = ""
+            signal.raise_signal(signal.Signals[sys.argv[2]])  # takes effect before this thread goes on
         super().behave(sender, call, answer)
 
 
 if __name__ == "__main__":
     signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGUSR1})
-    host = Process(*sys.argv[1:])
+    host = Process(os.environ["DBUS_SESSION_BUS_ADDRESS"])
+    host.calls_back = bool(sys.argv[3])
     host.open()
     print("open", flush=True)
     while signal.sigwait({signal.SIGUSR1}):

@@ -11,7 +11,7 @@ import testbed
 from driver import Role
 from host import LIMIT, READ, clock, good, result
 from testbed import ADD_IN, CLOCK_READ, GIVE_UP, LOGIN_FAILED, LOOKUP, WAIT_BOX, OwnHostTest, chosen
-from testbed import set_up_without_service as setUpModule  # noqa: F401
+from testbed import set_up as setUpModule  # noqa: F401
 
 ANSWER, FAILED, NOTHING = [CLOCK_READ], [LOGIN_FAILED], []
 # The member at whose call the host gets the signal, if it sends that to itself; the boxes where it is killed, stands
@@ -28,7 +28,7 @@ STATES = {
 }
 FAULTS = ("killed", "stopped", "never wakes", "killed alone")  # alone: nobody else holds the add-in
 ALL = [(state, fault) for state in STATES for fault in FAULTS]
-QUICK = [case for case in ALL if case[1] != "never wakes" or case[0] in ("logging in", "telling")]
+QUICK = [case for case in ALL if case[1] in FAULTS[:2] or case[0] in ("logging in", "telling")]
 GOOD = good("L1")
 
 
@@ -39,7 +39,6 @@ def wait_until_still(test, process):
 
 class Hosts(OwnHostTest):
     def start_all(self, state, fault):
-        """The add-in, a client that keeps it whatever comes, and the host."""
         self.add_in, self.keeper = self.start_add_in(**testbed.hasty(4 if fault == "never wakes" else 1))
         self.layer = result(self.keeper.create())
         self.harm = signal.SIGKILL if "killed" in fault else signal.SIGSTOP
@@ -53,7 +52,6 @@ class Hosts(OwnHostTest):
         testbed.driver.raise_window(testbed.dialog_title())
 
     def wait_for_calls(self, calls):
-        """Those that came since GetComData and `open`."""
         self.wait_for(lambda: self.log.read_text().splitlines()[2:] == calls, f"{calls}, of {self.log.read_text()}")
 
     def is_served(self):
@@ -92,7 +90,7 @@ class Hosts(OwnHostTest):
         """What the operator sees, what another host does, and what the stopped one gets when it wakes."""
         *boxes, calls = STATES[state][1:]
         for title in boxes[FAULTS.index(fault)]:
-            self.wait_for(lambda title=title: title in self.boxes(), f"the box '{title}'", LIMIT)
+            self.wait_for(lambda title=title: title in self.boxes(), f"the box '{title}'")
             self.close_box(title, GIVE_UP if title == WAIT_BOX else None)
         self.wait_for(lambda: not self.boxes(), "no box")
         if fault == "stopped" and state != "idle":

@@ -29,6 +29,7 @@ ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.c
 
 BUILD = Path(os.environ["HORALINK_BUILD"])
 OWN_TIME = BUILD / "tests/e2e/libown_time.so"
+STARTS_ADD_INS = {"test_hosts", "test_lives"}  # by themselves, and see their ends
 SHARE, ONLY = os.environ.get("HORALINK_SHARE", ""), os.environ.get("HORALINK_ONLY")
 
 # Those of the module of tests; the accessibility library can be connected only once in a process.
@@ -37,21 +38,16 @@ driver = None
 bus = None
 
 
-def set_up(starts_by_itself=True):
+def set_up():
     """Serves a module as its setUpModule."""
     global sandbox, driver, bus
     folder = BUILD / "tests/e2e" / f"{sys.argv[-1]}{SHARE.replace('/', '-of-')}"
     sandbox = Sandbox(BUILD, folder, own_display=True).lay_out()
-    if not starts_by_itself:
+    if STARTS_ADD_INS & set(sys.argv[-1].split(".")):
         (folder / f"services/{ADD_IN_CLASS}.service").unlink()
     unittest.enterModuleContext(sandbox)
     driver, bus = Driver(sandbox), dbus.bus.BusConnection(sandbox.environment["DBUS_SESSION_BUS_ADDRESS"])
     unittest.addModuleCleanup(bus.close)
-
-
-def set_up_without_service():
-    """The test starts the add-in, so that it sees the end of the process."""
-    set_up(starts_by_itself=False)
 
 
 def chosen(sample, every):
@@ -67,7 +63,7 @@ def dialog_title(exchange=EXCHANGE):
 
 
 def running():
-    """The installation's programs that run, as names by process number."""
+    """The installation's programs, as names by process number."""
     found = {}
     for entry in Path("/proc").glob("[0-9]*"):
         with contextlib.suppress(OSError):
@@ -79,7 +75,7 @@ def running():
 
 
 def is_deserted():
-    """No program runs, and the bus knows it: what is asked of a name that still seems to be there gets lost."""
+    """Also in the eyes of the bus: what is asked of a name that still seems to be there gets lost."""
     return not running() and not any(bus.name_has_owner(name) for name in (ADD_IN_CLASS, EXCHANGE_CLASS))
 
 
@@ -88,7 +84,6 @@ def pids(program):
 
 
 def database_file(name):
-    """The one that the add-in opens; the register is the user's own."""
     return sandbox.own_register() if name == "Register.mdb" else next(sandbox.root.glob(f"*/DATABASE/*/{name}"))
 
 
@@ -98,12 +93,10 @@ def changed(**changes):
 
 
 def hasty(haste):
-    """The environment in which waits are over that many times as fast."""
     return {"LD_PRELOAD": str(OWN_TIME), "HASTE": str(haste)}
 
 
 def run(command, seconds=LIMIT, environment=None, **options):
-    """Runs a program to its end and catches what it prints."""
     return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=seconds, check=False,
                           env=environment or sandbox.environment, **options)
 
@@ -115,18 +108,16 @@ class EndToEndTest(unittest.TestCase):
     wait_for = staticmethod(lambda condition, what, seconds=LIMIT: wait_for(condition, seconds, what))
 
     def setUp(self):
-        self.begin()
-        self.addCleanup(self.leave_nothing_behind)
-
-    def begin(self):
         sandbox.install()
         self.started, self.clients = [], []
+        self.addCleanup(self.leave_nothing_behind)
 
     @contextlib.contextmanager
     def case(self, name):
         """One row of a table: a sub-test with all that a test has."""
         with self.subTest(name):
-            self.begin()
+            sandbox.install()
+            self.clients.clear()
             try:
                 yield
             finally:
@@ -154,8 +145,6 @@ class EndToEndTest(unittest.TestCase):
     def wait_until_gone(self, program=ADD_IN):
         self.wait_for(lambda: not pids(program), f"{program} to end")
 
-    # --- the dialog -------------------------------------------------------------------------------
-
     def press(self, button, program=ADD_IN):
         driver.click(driver.find(program, button, Role.PUSH_BUTTON))
 
@@ -164,6 +153,10 @@ class EndToEndTest(unittest.TestCase):
 
     def wait_until_enabled(self, button=LOOKUP):
         self.wait_for(lambda: self.is_enabled(button), f"'{button}' to be enabled")
+
+    def leave(self, window):
+        driver.raise_window(window)
+        driver.press("alt+F4")
 
     def boxes(self):
         return [title for title in driver.titles(ADD_IN) if not title.startswith("PBX Clock (")]
@@ -186,7 +179,6 @@ class EndToEndTest(unittest.TestCase):
         return text
 
     def assert_usable(self):
-        """The dialog is there, takes clicks, and a lookup succeeds."""
         self.assertEqual(self.boxes(), [])
         self.wait_until_enabled()
         self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
@@ -200,11 +192,10 @@ class OwnHostTest(EndToEndTest):
         return self.clients[-1]
 
     def start_add_in(self, address=None, **changes):
-        """A process that serves on a bus, and a client there."""
         client = self.join(address)
-        address = address or sandbox.environment["DBUS_SESSION_BUS_ADDRESS"]
-        environment = changed(DBUS_SESSION_BUS_ADDRESS=address, **changes)
-        add_in = self.start([sandbox.add_in, "-Embedding"], environment=environment)
+        if address:
+            changes["DBUS_SESSION_BUS_ADDRESS"] = address
+        add_in = self.start([sandbox.add_in, "-Embedding"], environment=changed(**changes))
         self.wait_for(lambda: client.ask(BUS, "/", BUS, "NameHasOwner", ADD_IN_CLASS), "the add-in to serve its class")
         return add_in, client
 
@@ -227,7 +218,6 @@ class Host:
         test.start([sandbox.host, "--log", self.log, "--open", exchange, *options], environment=environment)
 
     def open(self):
-        """Waits until the dialog is up and everything about it is logged."""
         self.wait_for_line("# Visible is written")
         driver.window(ADD_IN, dialog_title(self.exchange))
         return self

@@ -5,9 +5,7 @@
 // pass. With `kill` the process is killed ahead of the N-th call of `file`, with `full` the disk is full from
 // the N-th on. FAILING_CALLS_TRACE is a file that gets the name of each call of the family, with the code
 // after that of the one that failed.
-//
-// Only functions are here that can fail for a reason outside of the program, each with codes that it can
-// give.
+// Only functions are here that can fail for a reason outside of the program.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sqlite3.h>

@@ -23,7 +23,7 @@ from driver import Atspi, GLib, Role
 from host import BUS, BUSY, CALL, LIMIT, WRITE, Host, result
 from sandbox import wait_for
 from testbed import ADD_IN, BUILD, NOTICE, SHARE, OwnHostTest, changed, chosen, database_file, hasty
-from testbed import set_up_without_service as setUpModule  # noqa: F401
+from testbed import set_up as setUpModule  # noqa: F401
 
 UPDATE, LOOKUP = 1, 2  # places of the buttons in the dialog
 IDLE_LIMIT = 100  # seconds; a process that nobody has used ends after a minute
@@ -147,7 +147,6 @@ class Life:
         return [nodes for nodes in windows if are_dialogs == any(node.get_role() == Role.SPIN_BUTTON for node in nodes)]
 
     def nodes(self, *roles):
-        """Of the dialog, where it is there."""
         with contextlib.suppress(GLib.Error):
             return [node for nodes in self.windows(are_dialogs=True) for node in nodes if node.get_role() in roles]
         return []
@@ -163,7 +162,6 @@ class Life:
 
 
 def check_register(test, versions=(OLD, NEW), file=None):
-    """It is whole, and our row has one of these versions."""
     place = f"file:{file or database_file('Register.mdb')}?mode=rw"
     with contextlib.closing(sqlite3.connect(place, uri=True, timeout=10)) as database:
         test.assertEqual(database.execute("PRAGMA integrity_check").fetchall(), [("ok",)])
@@ -191,7 +189,7 @@ class FailingLife(Life):
 
 
 class Calls(testbed.EndToEndTest):
-    SAMPLE = {"file": 3, "full": 2, "kill": 3, "sqlite": 8, "bus": 12}
+    SAMPLE = {"file": 2, "full": 1, "kill": 2, "sqlite": 5, "bus": 7}
 
     def test_what_comes_of_it(self):
         good, sample, every = {}, [], []
@@ -276,7 +274,7 @@ AS_ANYBODY = ("setpriv", "--bounding-set=-dac_override,-dac_read_search") if os.
 
 
 class Files(testbed.EndToEndTest):
-    SAMPLE = 35
+    SAMPLE = 22
 
     @staticmethod
     def all_cases():
@@ -312,7 +310,6 @@ class Files(testbed.EndToEndTest):
 
 class Memory(testbed.EndToEndTest):
     def test_valgrind_finds_nothing(self):
-        """Nothing is read that was never written, used after its end, or lost."""
         report = testbed.sandbox.folder / "valgrind.txt"
         life = Life(presses=(LOOKUP, UPDATE), patience=10, prefix=[
             "valgrind", "--leak-check=full", "--errors-for-leak-kinds=definite", "--num-callers=30",
@@ -366,7 +363,6 @@ class Long(OwnHostTest):
         self.host.code = NO_BOX
 
     def measure(self):
-        """Memory, open files, and rules on the bus."""
         rollup = Path(f"/proc/{self.process.pid}/smaps_rollup").read_text(encoding="utf-8")
         about = self.host.ask(BUS, "/org/freedesktop/DBus", f"{BUS}.Debug.Stats", "GetConnectionStats", self.layer[0])
         return (sum(map(int, re.findall(r"^(?:Private_Dirty|Swap): +(\d+) kB", rollup, re.M))),

@@ -25,11 +25,8 @@ TEST(EventLoopTest, TimersGoOnAfterAnErrorAndEndInsideTheirCall) {
 }
 
 TEST(LocaleTest, TimesHaveNoZoneAndWeeksBeginWithSunday) {
-    const std::pair<const char16_t*, const char16_t*> cases[] = {{u"h:mm:ss Ap t", u"h:mm:ss Ap"},
-                                                                 {u"HH:mm:ss (t)", u"HH:mm:ss"},
-                                                                 {u"HH 'heures et' mm", u"HH 'heures et' mm"},
-                                                                 {u"tttt HH:mm:ss", u"HH:mm:ss"}};
-    for (const auto& [pattern, shown] : cases) EXPECT_EQ(FromQt(WithoutTimeZone(ToQt(pattern))), shown);
+    for (const auto* pattern : {u"tttt HH 'et' mm", u"HH 'et' mm (t)"})
+        EXPECT_EQ(FromQt(WithoutTimeZone(ToQt(pattern))), u"HH 'et' mm");
     const QtLocale locale(QLocale(QLocale::English, QLocale::UnitedStates));
     EXPECT_EQ(Joined(locale.DayName(1), locale.ShortDayName(2), locale.DayName(7)), "Sunday|Mon|Saturday|");
 }
@@ -37,8 +34,7 @@ TEST(LocaleTest, TimesHaveNoZoneAndWeeksBeginWithSunday) {
 TEST(PictureFilesTest, NamesWhatIsNoPictureByItsPathOnTheMachine) {
     const TemporaryDirectory directory;
     const Table<TextView, std::string, std::filesystem::path> cases = {
-        {u"\\BACKGRND\\TEXT.SVG", "481 ", directory.Write("Backgrnd/Text.svg", "no picture")},
-        {u"\\BACKGRND\\Half.svg", "481 ", directory.Write("Backgrnd/Half.svg", "<svg")},
+        {u"\\BACKGRND\\TEXT.SVG", "481 ", directory.Write("Backgrnd/Text.svg", "<svg")},
         {u"\\BACKGRND\\None.svg", "53 ", directory.Path() / "Backgrnd/None.svg"}};
     const QtPictureFiles files(Layers({directory.Path() / "own", directory.Path()}, {}));
     for (const auto& [path, number, real] : cases) {

@@ -80,7 +80,6 @@ TEST_F(HelpTest, TopicOrWhyThereIsNoneIsOnTheScreenAndGoesWithAClickAndWithEscap
     const Table<Text, std::int32_t, const char*, QPoint> cases = {
         {PathText(file), 3, "Time <1>|The hours", outside},
         {PathText(file), 4, "help topic 4", corner},
-        {u"", 3, "not found", outside},
         {missing, 3, "<b>missing</b>.hlp", corner}};
     for (const auto& [name, topic, said, place] : cases)
         for (const bool clicks : {false, true}) {

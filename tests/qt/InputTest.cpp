@@ -1,5 +1,4 @@
-// Which input reaches a form, whichever way it comes: by mouse, keyboard or wheel, or past all events of the
-// window by an assistive program.
+// Which input reaches a form, by mouse, keyboard, wheel or assistive program.
 #include <QLineEdit>
 
 #include "QtFixture.h"
@@ -9,7 +8,6 @@ namespace {
 
 class InputTest : public FormTest {
   protected:
-    // What an assistive program sees of a widget.
     QAccessibleInterface& SpokenOf(const char* name) const {
         return *QAccessible::queryAccessibleInterface(&WidgetOf(name));
     }
@@ -140,18 +138,25 @@ TEST_F(InputTest, EventsMayTakeTheFormAway) {
     }
 }
 
+// Of the arrows, in milliseconds: shorter than an operator's.
+constexpr int stepPause = 40;
+constexpr Milliseconds longerThanAStep = 120ms;
+
 // The arrow of the spin control and one of the calendar.
 class HeldArrowTest : public FormTest {
   protected:
     // Holds each arrow, which acts at each step, while `hold` goes on. The second place is beside the arrow.
     void HoldEach(const std::function<void()>& act, const std::function<void(QPoint, QPoint)>& hold) {
         spin.UpClick = calendar.NewMonth = [this, act] { Note("step")(), act(); };
-        const QPoint middle = PlaceOf("updTime"), half(0, 6), month = PlaceOf("Next month");
-        for (const auto& [arrow, beside] :
-             {std::pair(middle - half, middle + half), {month, PlaceOf("Previous month")}}) {
+        const QPoint half(0, 6), month = PlaceOf("Previous month") - PlaceOf("Next month");
+        for (const auto& [name, offset, beside] :
+             {std::tuple("updTime", -half, 2 * half), {"Next month", QPoint(), month}}) {
+            auto& widget = WidgetOf<QAbstractButton>(name);
+            widget.setAutoRepeatDelay(stepPause), widget.setAutoRepeatInterval(stepPause);
+            const QPoint arrow = PlaceOf(name) + offset;
             log.clear();
             Press(arrow);
-            hold(arrow, beside);
+            hold(arrow, arrow + beside);
             Release(arrow);
             EXPECT_EQ(After([] { Settle(longerThanAStep); }), "") << "it is released";
         }
@@ -184,7 +189,7 @@ TEST_F(HeldArrowTest, HoldingEndsWithWhatAHandlerDoes) {
         });
 }
 
-// A box whose text the spin control steps, as a section of a time field.
+// A section of a time field.
 class SpinTest : public FormTest {
   protected:
     SpinTest() {
@@ -215,10 +220,8 @@ TEST_F(SpinTest, MouseKeysAndWheelStepTheSectionOfASpinInService) {
         {"Up", [this] { Key(Qt::Key_Up); }, "up "},
         {"Down", [this] { Key(Qt::Key_Down, Qt::KeypadModifier); }, "down "},
         {"Ctrl+Up", [this] { Key(Qt::Key_Up, Qt::ControlModifier); }, ""},
-        {"wheel up", [this] { Wheel("txtMinute", 120); }, "up "},
         {"wheel down twice", [this] { Wheel("txtMinute", -240); }, "down down "},
-        {"small turns", [this] { Wheel("txtMinute", 90), Wheel("txtMinute", 60); }, "up "},
-        {"rest of the turn", [this] { Wheel("txtMinute", -30); }, ""},
+        {"small turns", [this] { Wheel("txtMinute", 90), Wheel("txtMinute", 150); }, "up up "},
         {"wheel over the arrows", [this] { Wheel("updTime", -120), Wheel("updTime", 120); }, "down up "},
         {"wheel elsewhere", [this] { Wheel("cmdButton", 120); }, ""}};
     WidgetOf("txtMinute").setFocus();

@@ -62,9 +62,6 @@ inline void Settle(Milliseconds time = 0ms) {
     Until([] { return false; }, time);
 }
 
-// Longer than the pauses between the steps of an arrow that is held.
-constexpr Milliseconds longerThanAStep = 600ms;
-
 // Runs `act` on the next box that comes up.
 inline HandleRef WhenBoxOpens(std::function<void(QWidget& box)> act) {
     return TheDesktop().Loop().Every(5ms, [act = std::move(act), done = false]() mutable {

@@ -35,7 +35,6 @@ REFUSALS = [
     ("mdb-export", "echo broken >&2", "it is damaged or encrypted: mdb-export ended with status 0: broken"),
     ("mdb-export", "kill -SEGV $$", "it is damaged or encrypted: mdb-export ended with status 139"),
     ("mdb-export", "printf '.shell touch %s/escaped\\n' \"$TOP\"", "its rows can't be copied"),
-    ("mdb-schema", "true", "Registry: its fields can't be read"),
     ("mdb-tables", "yes", "it is damaged or encrypted: mdb-tables ended with status 153"),
     ("Register.mdb", b"text", "Register.mdb: this is no Access file"),
     ("other.mdb", JET, "other.mdb: we have no database of this name"),
