@@ -3,6 +3,7 @@ come with the add-in: the companion, and the examples, which share no code with 
 import contextlib
 import os
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -131,6 +132,18 @@ class Hosts(EndToEndTest):
                          [f'# RegisterPBX("{name}") returned False' for name in ("Main Office", "Branch 3")])
         open_exchange("Branch 3", "Main Office")
         self.assert_usable()
+
+    def test_a_store_that_cannot_be_written_is_named_in_the_window(self):
+        folder = testbed.sandbox.folder / "home/data/switchdesk"
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.parent.mkdir(exist_ok=True)
+        folder.touch()
+        self.addCleanup(folder.unlink)
+        host = Host(self).open()
+        self.press(CLOSE_ADD_IN, SWITCHDESK)
+        host.wait_for_line("# add-in has left")
+        messages = testbed.driver.value(testbed.driver.find(SWITCHDESK, "Messages", Role.TEXT))
+        self.assertRegex(messages, f"The store can't be written: {folder}/store.ini$")
 
     def test_closes_at_once_though_the_add_in_is_frozen(self):
         for buttons in ([OPEN_ADD_IN], [CLOSE_ADD_IN, OPEN_ADD_IN]):

@@ -1,4 +1,6 @@
 // What is seen of the widgets, and read out.
+#include <QPainter>
+#include <QSvgRenderer>
 #include <QTextDocument>
 #include <algorithm>
 #include <cmath>
@@ -121,6 +123,17 @@ TEST(ContrastTest, TextAndShapesStandOutFromTheirGrounds) {
     for (const auto& [shape, ground] :
          {std::pair(accent, paper), {lineField, paper}, {accent, face}, {line, face}})
         EXPECT_GE(Contrast(shape, ground), 3) << std::hex << shape << " on " << ground;
+    for (const auto& entry : std::filesystem::directory_iterator(BACKGROUNDS)) {
+        QImage image(474, 291, QImage::Format_RGB32);
+        QPainter painter(&image);
+        QSvgRenderer renderer(QString::fromStdString(entry.path().string()));
+        renderer.render(&painter);
+        double least = renderer.isValid() ? 21 : 0;
+        for (int i = 0; i < image.width() * image.height(); ++i)
+            least = std::min(least,
+                             Contrast(ToQt(windowText), image.pixel(i % image.width(), i / image.width())));
+        EXPECT_GE(least, 4.5) << entry.path();
+    }
 }
 
 }  // namespace
