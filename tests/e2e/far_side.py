@@ -1,7 +1,7 @@
 """A machine at the far end of ssh: a real sshd on the loopback, Debian's clock service, and a bus for it.
 
 This machine's clock is safe: the service has one of its own (OwnTime.cpp), and runs without the capability to set
-another; where it would have that, it doesn't start. As a program this is a slow bridge, or a service that refuses.
+another; where it would have that, it doesn't start. As a program this replaces what Debian's can't be brought to do.
 """
 import contextlib
 import getpass
@@ -22,18 +22,18 @@ from gi.repository import GLib
 
 from sandbox import wait_for
 
-TIMEDATE, TIMEDATE_PATH = "org.freedesktop.timedate1", "/org/freedesktop/timedate1"
-PROPERTIES = "org.freedesktop.DBus.Properties"
-REFUSALS = {"refusing": "DBus.Error.InteractiveAuthorizationRequired", "ntp": "timedate1.AutomaticTimeSyncEnabled"}
-FAULTS = *REFUSALS, "absent", "bridgeless", "slow", "stop-before", "stop-after"
+TIMEDATE, UNITS, PROPERTIES = "org.freedesktop.timedate1", "org.freedesktop.systemd1", "org.freedesktop.DBus.Properties"
+TIMEDATE_PATH, UNIT_PATH = "/org/freedesktop/timedate1", "/org/freedesktop/systemd1/unit/far_2dntp_2eservice"
+FAULTS = "absent", "refusing", "ntp", "bridgeless", "slow", "stop-before", "stop-after"
 WAY = 0.5  # seconds that a slow connection takes in each direction
 FILES = {
     "service": """cd {folder} || exit 1
 capabilities=$(sed -n 's/^CapEff:\\t//p' /proc/self/status)
 [ $((0x$capabilities >> 25 & 1)) = 0 ] || {{ echo "this could set the machine's clock" >&2; exit 1; }}
 [ -e {clock} ] && [ ! -e absent ] || exit 1
-for refusal in refusing ntp; do [ ! -e $refusal ] || exec {python} {here} $refusal; done
-export OWN_CLOCK={folder} SYSTEMD_TIMEDATED_NTP_SERVICES= DBUS_SYSTEM_BUS_ADDRESS="$DBUS_STARTER_ADDRESS"
+[ ! -e refusing ] || exec {python} {here} {timedate}
+[ ! -e ntp ] || ntp=far-ntp.service
+export OWN_CLOCK={folder} SYSTEMD_TIMEDATED_NTP_SERVICES="$ntp" DBUS_SYSTEM_BUS_ADDRESS="$DBUS_STARTER_ADDRESS"
 LD_PRELOAD={clock} exec /usr/lib/systemd/systemd-timedated
 """,
     "bridge": """[ "$SSH_ORIGINAL_COMMAND" = systemd-stdio-bridge ] && [ ! -e {folder}/bridgeless ] || exit 127
@@ -88,13 +88,14 @@ class FarSide:
         for known, key in (("known", "host"), ("changed", "other")):
             (self.folder / known).write_text(f"far {(self.folder / f'{key}.pub').read_text()}")
         less = "/usr/bin/setpriv --bounding-set -sys_time --inh-caps -sys_time " if os.getuid() == 0 else ""
-        (sandbox.folder / f"services/{TIMEDATE}.service").write_text(
-            f"[D-BUS Service]\nName={TIMEDATE}\nExec={less}/bin/sh {self.folder}/service\n")
+        for name, command in ((TIMEDATE, f"{less}/bin/sh {self.folder}/service"),
+                              (UNITS, f"{sys.executable} {__file__} {UNITS}")):
+            (sandbox.folder / f"services/{name}.service").write_text(f"[D-BUS Service]\nName={name}\nExec={command}\n")
         address = sandbox.start_bus("far-bus", sandbox.environment)
         for name, text in FILES.items():
             (self.folder / name).write_text(text.format(
                 folder=self.folder, port=port, address=shlex.quote(address), user=getpass.getuser(), clock=clock,
-                python=sys.executable, here=__file__, modules=os.environ["PYTHONPATH"]))
+                python=sys.executable, here=__file__, timedate=TIMEDATE, modules=os.environ["PYTHONPATH"]))
         (self.folder / "bin/ssh").chmod(0o700)
         self.environment = {**sandbox.environment, "DBUS_SYSTEM_BUS_ADDRESS": address,
                             "PATH": f"{self.folder}/bin:{sandbox.environment['PATH']}"}
@@ -111,24 +112,30 @@ class FarSide:
         for name, text in (("zone", "America/New_York"), ("ahead", str(ahead * 10**9)), ("connections", "")):
             (self.folder / name).write_text(text)
         self.mend()
+        self.kill_service()
         for fault in faults:
             (self.folder / fault).touch()
 
     def mend(self):
         for fault in FAULTS:
             (self.folder / fault).unlink(missing_ok=True)
-        self.kill_service()
+        if pid := self.service():
+            if "far_side" in Path(f"/proc/{pid}/cmdline").read_text():
+                return self.kill_service()
+            os.kill(pid, signal.SIGCONT)
 
     def ahead(self):
         """Seconds that the clock is ahead of this machine's."""
         return int((self.folder / "ahead").read_text()) / 10**9
 
     def clock(self):
+        """What the service says of its clock when it is asked there, and how long the asking took."""
         asked = time.time()
         said = self.bus.call_blocking(TIMEDATE, TIMEDATE_PATH, PROPERTIES, "Get", "ss", [TIMEDATE, "TimeUSec"])
         return said / 10**6, time.time() - asked
 
     def service(self):
+        """The number of its process, if it runs."""
         with contextlib.suppress(dbus.DBusException):
             return int(self.bus.call_blocking(dbus.BUS_DAEMON_NAME, dbus.BUS_DAEMON_PATH, dbus.BUS_DAEMON_IFACE,
                                               "GetConnectionUnixProcessID", "s", [TIMEDATE]))
@@ -142,14 +149,17 @@ class FarSide:
         wait_for(lambda: (pid := self.service()) and ") T " in Path(f"/proc/{pid}/stat").read_text(), 20,
                  "the clock service to be stopped")
 
-    def connections(self, number=0):
-        """The processes that serve those who have come by ssh, which get a signal."""
-        return [pid for pid in map(int, (self.folder / "connections").read_text().split())
-                if Path(f"/proc/{pid}").exists() and not os.kill(pid, number)]
+    def connections(self):
+        """The processes that serve those who have come by ssh."""
+        return [int(pid) for pid in (self.folder / "connections").read_text().split() if Path(f"/proc/{pid}").exists()]
+
+    def signal_connections(self, number):
+        for pid in self.connections():
+            os.kill(pid, number)
 
 
 class Refusing(dbus.service.Object):
-    """A clock service that doesn't let the clock be set."""
+    """A clock service whose rules let nobody set the clock."""
 
     @dbus.service.method(PROPERTIES, "ss", "v")
     def Get(self, _interface, name):
@@ -157,8 +167,16 @@ class Refusing(dbus.service.Object):
 
     @dbus.service.method(TIMEDATE, "xbb")
     def SetTime(self, _time, relative, interactive):
-        error = "DBus.Error.Failed" if relative or interactive else REFUSALS[sys.argv[1]]
-        raise dbus.DBusException("no", name=f"org.freedesktop.{error}")
+        error = "Failed" if relative or interactive else "InteractiveAuthorizationRequired"
+        raise dbus.DBusException("no", name=f"org.freedesktop.DBus.Error.{error}")
+
+
+class Running(dbus.service.Object):
+    """The unit of an NTP service."""
+
+    @dbus.service.method(PROPERTIES, "s", "a{sv}")
+    def GetAll(self, _interface):
+        return {"LoadState": "loaded", "ActiveState": "active", "UnitFileState": "enabled"}
 
 
 def carry(source, sink):
@@ -176,6 +194,6 @@ if __name__ == "__main__":
     else:
         dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
         bus = dbus.bus.BusConnection(os.environ["DBUS_STARTER_ADDRESS"])
-        served = Refusing(bus, TIMEDATE_PATH)
-        bus.request_name(TIMEDATE)
+        served = Refusing(bus, TIMEDATE_PATH) if sys.argv[1] == TIMEDATE else Running(bus, UNIT_PATH)
+        bus.request_name(sys.argv[1])
         GLib.MainLoop().run()

@@ -12,7 +12,7 @@ from far_side import FarSide
 from testbed import ADD_IN, CLOCK_READ, LOOKUP, SWITCHDESK, UPDATE, Host
 
 AHEAD = 1000  # seconds: the far clock until it is set
-HASTE = 3  # for a host whose limits are reached, of 12 and 6 seconds
+HASTE = 2  # for a host whose limits are reached, of 12 and 6 seconds
 UPDATED, FAILED, NOT_READ = "The date and time of the PBX have been updated.", "Update Failed", "Reading Failed"
 NO_ANSWER, NOT_ALLOWED = "(no valid answer from the PBX)", "CODE NOT ALLOWED"
 NEW_YORK = ZoneInfo("America/New_York")
@@ -25,9 +25,14 @@ def setUpModule():
     far = FarSide(testbed.sandbox, testbed.OWN_TIME)
 
 
-def lose(number):
-    far.connections(signal.SIGKILL)
-    os.kill(far.service(), number)
+def lose_before():
+    far.signal_connections(signal.SIGKILL)
+    far.kill_service()
+
+
+def lose_after():
+    far.signal_connections(signal.SIGKILL)
+    os.kill(far.service(), signal.SIGCONT)
 
 
 # Where the exchange is and what is wrong there; what is done while the clock service is stopped in the middle of a
@@ -42,10 +47,8 @@ FAILURES = [
     ("ssh:far,set", "refusing", None, NOT_ALLOWED, "Its rules .polkit. don't let"),
     ("ssh:far,set", "ntp", None, NOT_ALLOWED, "It keeps its clock by NTP"),
     ("local", "", None, NOT_ALLOWED, "Its clock may only be read"),
-    ("ssh:far,set", "stop-before", lambda: lose(signal.SIGKILL), NO_ANSWER,
-     "The connection was lost. The clock was not set."),
-    ("ssh:far,set", "stop-after", lambda: lose(signal.SIGCONT), UPDATED,
-     "The connection was lost. The clock shows the new time."),
+    ("ssh:far,set", "stop-before", lose_before, NO_ANSWER, "The connection was lost. The clock was not set."),
+    ("ssh:far,set", "stop-after", lose_after, UPDATED, "The connection was lost. The clock shows the new time."),
     ("local,set", "stop-before", lambda: far.kill_service(), NO_ANSWER,
      "Its clock service ended without an answer. The clock was not set."),
     ("ssh:far,set", "stop-before", None, NO_ANSWER,
@@ -72,7 +75,7 @@ class Exchanges(testbed.EndToEndTest):
         self.assertRegex(self.host.lines("ShowMessage(")[-1], rf'ShowMessage\("{sentence}')
 
     def assert_shown(self):
-        """A lookup shows what the far clock shows where that is."""
+        """A lookup succeeds, and its box shows what the far clock shows where that is."""
         shown = datetime(*map(int, re.findall(r"\d+", self.look_up())), tzinfo=NEW_YORK).timestamp()
         clock, took = far.clock()
         self.assertLess(abs(shown - clock), 10 + took)  # the box was closed meanwhile
@@ -83,6 +86,8 @@ class Exchanges(testbed.EndToEndTest):
         self.assert_host_says(sentence)
         self.wait_until_enabled(button)
 
+    # --- setting by hand --------------------------------------------------------------------------
+
     def choose_day(self, day):
         for name in ("Follow the time of this PC", "Follow the date of this PC"):
             testbed.driver.untick(testbed.driver.find(ADD_IN, name, Role.CHECK_BOX))
@@ -91,6 +96,7 @@ class Exchanges(testbed.EndToEndTest):
         testbed.driver.press("Tab", "Tab", "Tab", *["Next"] * months, "Return", *["Right"] * (day.day - 1))
 
     def choose(self, name, wanted=None):
+        """A part of the time, and what it is to show."""
         part = testbed.driver.find(ADD_IN, name, Role.TEXT)
         testbed.driver.click(part)
         self.wait_for(lambda: testbed.driver.is_focused(part), f"'{name}' to be chosen")
@@ -126,6 +132,7 @@ class Exchanges(testbed.EndToEndTest):
         self.assertEqual(far.connections(), connection)
 
     def test_failures(self):
+        """When what was wrong there is mended, the dialog reads the clock, or says again that it can't."""
         for place, fault, act, text, sentence in FAILURES:
             with self.case(f"{place} {fault}: {sentence}"):
                 self.open(place, *fault.split(), haste=HASTE if fault == "stop-before" and not act else 1)
@@ -146,11 +153,13 @@ class Exchanges(testbed.EndToEndTest):
     def test_a_read_whose_add_in_ends_is_forgotten_and_a_write_is_reported(self):
         self.open("ssh:far,set")
         self.assert_shown()
-        far.connections(signal.SIGSTOP)
+        far.signal_connections(signal.SIGSTOP)
+        reading = "far: reading the clock"  # said only of what takes long
+        before = self.messages().count(reading)
         self.press(LOOKUP)
-        self.wait_for_message("far: reading the clock")
+        self.wait_for(lambda: self.messages().count(reading) > before, reading)
         self.kill_add_in("L2")
-        far.connections(signal.SIGCONT)
+        far.signal_connections(signal.SIGCONT)
         testbed.driver.raise_window("Switchdesk")
         testbed.driver.click(testbed.driver.find(SWITCHDESK, "Open clock add-in", Role.PUSH_BUTTON))
         testbed.driver.raise_window(testbed.dialog_title("far"))
@@ -160,11 +169,10 @@ class Exchanges(testbed.EndToEndTest):
         far.wait_until_service_stands_still()
         self.kill_add_in("L4")
         os.kill(far.service(), signal.SIGCONT)
-        self.wait_for_message("far: clock set")
+        self.wait_for(lambda: "far: clock set" in self.messages(), "the clock to be set")
 
-    def wait_for_message(self, text):
-        messages = testbed.driver.find(SWITCHDESK, "Messages", Role.TEXT)
-        self.wait_for(lambda: text in testbed.driver.value(messages), text)
+    def messages(self):
+        return testbed.driver.value(testbed.driver.find(SWITCHDESK, "Messages", Role.TEXT))
 
     def kill_add_in(self, key):
         os.kill(testbed.pids(ADD_IN)[0], signal.SIGKILL)
