@@ -1,16 +1,23 @@
 #include <gtest/gtest.h>
 #include <QDateTime>
 
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
 #include <sstream>
 
 #include "harness/Cases.h"
 #include "harness/Files.h"
 #include "host/Difference.h"
 #include "host/ExchangeObject.h"
+#include "host/HostObject.h"
 #include "host/Options.h"
+#include "host/ResponseObject.h"
 #include "host/SimulatedExchange.h"
 #include "host/Store.h"
 #include "host/ZoneTime.h"
+#include "platform/automation/Introspection.h"
 #include "platform/headless/Timers.h"
 #include "platform/qt/QtText.h"
 
@@ -172,6 +179,39 @@ TEST(ExchangeDeskTest, AKeyAloneEndsALogin) {
     Call(std::make_shared<ExchangeObject>(Observation{log, misbehaviour}, desk), "LogOut", u"B", key);
     EXPECT_EQ(desk.BusyBesides(u"B"), nullptr);
     EXPECT_EQ(desk.Login(u"B", nullptr), u"ERROR");
+}
+
+// The members of a class as the introspection files write them.
+std::map<std::string, std::string> MembersOf(const ClassDescription& described) {
+    std::map<std::string, std::string> members;
+    for (const Member& member : described.members) {
+        std::string line, type(SignatureOf(member.result));
+        for (const Parameter& parameter : member.parameters)
+            line += std::string(line.empty() ? "" : ", ") + std::string(parameter.name) + ": " +
+                    std::string(SignatureOf(parameter.type));
+        const char* const kind = member.kind == InvokeKind::Method        ? "call("
+                                 : member.kind == InvokeKind::PropertyGet ? "read("
+                                                                          : "write(";
+        std::string& all = members[std::string(member.name)];
+        all += (all.empty() ? "" : "; ") + (kind + line) + ")" + (type.empty() ? "" : ": " + type);
+    }
+    return members;
+}
+
+TEST(IntrospectionFilesTest, NameWhatThisHostServes) {
+    const std::pair<const char*, const ClassDescription&> cases[] = {
+        {"/host.xml", HostObject::Description()},
+        {"/exchange.xml", ExchangeObject::Description()},
+        {"/response.xml", ResponseObject::Description()}};
+    for (const auto& [name, described] : cases) {
+        std::ifstream file(std::string(INTROSPECTION) + name);
+        const std::string xml{std::istreambuf_iterator<char>(file), {}};
+        const std::regex annotation("Member\\.(\\w+)\" value=\"([^\"]*)\""), byReference(" by reference");
+        std::map<std::string, std::string> members;
+        for (std::sregex_iterator i(xml.begin(), xml.end(), annotation), end; i != end; ++i)
+            members[(*i)[1]] = std::regex_replace((*i)[2].str(), byReference, "");
+        EXPECT_EQ(members, MembersOf(described)) << name;
+    }
 }
 
 }  // namespace
