@@ -54,8 +54,8 @@ class Bench:
         self.sandbox.end(host)
         times, resident, shares = ({name: [each[name][column][0] for each in rounds] for name in commands}
                                   for column in range(3))
-        yield "start", "start to first paint, stand-alone", "ms", times["alone"], times["text"], 1.4
-        yield "start-created", "creation by a host to first paint", "ms", times["created"], times["text"], 1.4
+        yield "start", "first paint after a stand-alone start", "ms", times["alone"], times["text"], 1.4
+        yield "start-created", "first paint after a host's creation", "ms", times["created"], times["text"], 1.4
         yield "memory", "resident memory", "KiB", resident["created"], resident["text"], 1.18
         yield "memory-proportional", "proportional memory", "KiB", shares["created"], shares["text"], 1.25
         for peer in list(commands)[3:]:

@@ -22,8 +22,8 @@ namespace {
 constexpr Milliseconds requestLimit{12000}, lookLimit{6000};
 constexpr Milliseconds keptOpen{60000};
 constexpr platform::TextView writeFailed = u"LNK_CMD WERR";
-// A time this far behind the PC's clock still counts as the PC's time: the dialog updates with some delay,
-// and its request takes a while to arrive.
+// A time at most this much older than the PC's clock is taken for the PC's time: the dialog updates late, and
+// its request takes a while to arrive.
 constexpr microseconds followsPc = seconds(3);
 constexpr microseconds sameTime = seconds(1);
 

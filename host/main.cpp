@@ -121,7 +121,7 @@ void Host::Serve() {
     });
 }
 
-// Ignores a failure if another host already serves the class: only stand-alone runs of the add-in need it.
+// Only stand-alone runs of the add-in need the class, so the host goes on if another one serves it already.
 void Host::ServeBesideWindow() {
     try {
         Serve();

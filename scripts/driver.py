@@ -21,8 +21,8 @@ Role = Atspi.Role
 
 
 def name_pattern(title):
-    """The pattern by which xdotool finds a window. Any letters stand for those beyond ASCII, which xdotool sees only in
-    locales that the X library knows."""
+    """The regular expression that finds a window with this title in xdotool. Letters beyond ASCII match any others,
+    since xdotool reads them only in locales that the X library knows."""
     return "^" + re.sub(r"[^\x20-\x7e]+", "[^A-Za-z]+", re.escape(title)) + "$"
 
 

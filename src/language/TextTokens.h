@@ -6,7 +6,7 @@
 
 namespace horalink {
 
-// Stands for a missing text.
+// The value of a text that is missing.
 inline constexpr platform::TextView noValue = u"-1";
 
 // Expands a text: pieces separated by "&", each trimmed, with %CR, %AND, %SP, %SP4, and %ST for the next

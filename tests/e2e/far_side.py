@@ -180,6 +180,7 @@ class Running(dbus.service.Object):
 
 
 def carry(source, sink):
+    """Carries bytes late: the time that they take is what a slow connection is."""
     while data := os.read(source, 65536):
         time.sleep(WAY)
         os.write(sink, data)

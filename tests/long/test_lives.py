@@ -128,17 +128,16 @@ class Life:
 
     def wait(self, condition, what, seconds=LIMIT):
         """Closes boxes until the condition holds."""
-        end = time.monotonic() + seconds * self.patience
-        while not (value := condition()):
+        def look():
+            if value := condition():
+                return value
             if self.process.poll() is not None:
                 raise Ended(what)
-            if time.monotonic() > end:
-                raise TimeoutError(f"{what}, after {self.steps}, with {testbed.driver.titles(ADD_IN)}")
             with contextlib.suppress(GLib.Error):  # it went while it was looked at
                 for box, *_ in self.windows(are_dialogs=False):
                     self.close(box)
-            time.sleep(0.01)
-        return value
+            return None
+        return wait_for(look, seconds * self.patience, f"{what}, after {self.steps}")
 
     @staticmethod
     def windows(are_dialogs):

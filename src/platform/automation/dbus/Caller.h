@@ -19,7 +19,7 @@ class Caller {
     std::shared_ptr<Patience> NewPatience() const;
 
     // Sends a call and serves the process's other events until the answer arrives. A busy callee is retried
-    // until the operator gives up. A null `patience` stands for a new one. Keeps `kept` alive until the
+    // until the operator gives up. Without a `patience` the call gets a new one. Keeps `kept` alive until the
     // answer arrives, even if that is after the operator gave up; `tooLate` gets such an answer. Raises 462
     // if the operator gave up or the connection was lost, and the error that the answer carries.
     MessageRef Call(const MessageRef& call, std::shared_ptr<Patience> patience, std::shared_ptr<void> kept,

@@ -134,7 +134,7 @@ int Connection::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) no
 int Connection::OnAnswer(sd_bus_message* message, void* context, sd_bus_error*) noexcept {
     auto* outgoing = static_cast<OutgoingCall*>(context);
     Connection* connection = outgoing->connection;
-    // Tells Lose that this call has its answer.
+    // By this Lose sees that the call has its answer.
     outgoing->slot.reset();
     connection->due_.push_back(
         [connection, outgoing, answer = Shared(message)] { connection->Answer(*outgoing, answer); });
