@@ -39,29 +39,28 @@ ExchangeDesk::Named* ExchangeDesk::Find(const Text& name) {
     return found == exchanges_.end() ? nullptr : &*found;
 }
 
-ExchangeDesk::Session* ExchangeDesk::FindLogin(const Text& key) {
-    const auto found = std::find_if(sessions_.begin(), sessions_.end(), [&](const Session& session) {
-        return session.isLogin && session.key == key;
-    });
-    return found == sessions_.end() ? nullptr : &*found;
+ExchangeDesk::OpenKey* ExchangeDesk::FindLogin(const Text& key) {
+    const auto found = std::find_if(openKeys_.begin(), openKeys_.end(),
+                                    [&](const OpenKey& open) { return open.isLogin && open.key == key; });
+    return found == openKeys_.end() ? nullptr : &*found;
 }
 
 bool ExchangeDesk::IsBusy(const Text& name) const {
-    return std::any_of(sessions_.begin(), sessions_.end(),
-                       [&](const Session& session) { return session.isLogin && session.exchange == name; });
+    return std::any_of(openKeys_.begin(), openKeys_.end(),
+                       [&](const OpenKey& open) { return open.isLogin && open.exchange == name; });
 }
 
 const Text* ExchangeDesk::BusyBesides(const Text& name) const {
-    for (const Session& session : sessions_)
-        if (session.isLogin && session.exchange != name) return &session.exchange;
+    for (const OpenKey& open : openKeys_)
+        if (open.isLogin && open.exchange != name) return &open.exchange;
     return nullptr;
 }
 
 Text ExchangeDesk::Open(Text key, const Text& name, bool isLogin, const ObjectRef& client) {
-    Session& session = sessions_.emplace_back(Session{key, name, isLogin, client, nullptr, nullptr});
+    OpenKey& open = openKeys_.emplace_back(OpenKey{key, name, isLogin, client, nullptr, nullptr});
     // The login of a client that dies must not block the exchange for ever.
     if (client)
-        session.clientWatch = client->WhenOwnerGone([this, key] {
+        open.clientWatch = client->WhenOwnerGone([this, key] {
             observation_.log.Note("client of " + platform::ToUtf8(key) + " has left");
             Close(key);
         });
@@ -69,7 +68,7 @@ Text ExchangeDesk::Open(Text key, const Text& name, bool isLogin, const ObjectRe
 }
 
 void ExchangeDesk::Close(const Text& key) {
-    sessions_.remove_if([&](const Session& session) { return session.key == key; });
+    openKeys_.remove_if([&](const OpenKey& open) { return open.key == key; });
 }
 
 Text ExchangeDesk::Connect(const Text& name, const ObjectRef& client) {
@@ -95,11 +94,11 @@ Text ExchangeDesk::RefuseAsBusy(Named& exchange) {
 
 Text ExchangeDesk::Send(const ObjectRef& record) {
     const Request request = ReadRequest(record);
-    Session* session = FindLogin(request.loginId);
-    if (!session || session->exchange != request.exchange || session->answer) return Text(answer::error);
+    OpenKey* open = FindLogin(request.loginId);
+    if (!open || open->exchange != request.exchange || open->answer) return Text(answer::error);
     // Never at once: clients rely on SendRequest returning before CallBack arrives.
     if (observation_.misbehaviour.answers)
-        session->answer =
+        open->answer =
             loop_.After(observation_.misbehaviour.answerDelay, [this, request] { Perform(request); });
     return Key(u"R", lastRequest_);
 }
@@ -109,10 +108,10 @@ void ExchangeDesk::LogOut(const Text& key) {
 }
 
 void ExchangeDesk::Perform(const Request& request) {
-    Session* session = FindLogin(request.loginId);
+    OpenKey* open = FindLogin(request.loginId);
     Named* named = Find(request.exchange);
-    if (!session || !named) return;
-    session->answer = named->exchange->Perform(
+    if (!open || !named) return;
+    open->answer = named->exchange->Perform(
         request.items,
         {[this, name = named->name](const Text& step) { watcher_.report(name, step); },
          [this, request](Exchange::Outcome outcome) { Deliver(request, std::move(outcome)); }});
@@ -126,9 +125,9 @@ void ExchangeDesk::Deliver(const Request& request, Exchange::Outcome outcome) {
     }
     named.problem = outcome.failed ? outcome.message : Text();
     watcher_.changed();
-    const Session* session = FindLogin(request.loginId);
-    if (!session) return watcher_.report(request.exchange, outcome.message);
-    const ObjectRef client = session->client;
+    const OpenKey* open = FindLogin(request.loginId);
+    if (!open) return watcher_.report(request.exchange, outcome.message);
+    const ObjectRef client = open->client;
     CallBack(request.exchange, client,
              {std::move(outcome.items), 0, request.tag, request.loginId, std::move(outcome.message)});
 }

@@ -54,7 +54,7 @@ class ExchangeDesk {
     const platform::Text& Answering() const { return answering_; }
 
   private:
-    struct Session {
+    struct OpenKey {
         platform::Text key, exchange;
         bool isLogin = true;
         platform::ObjectRef client;
@@ -63,7 +63,7 @@ class ExchangeDesk {
     };
 
     Named* Find(const platform::Text& name);
-    Session* FindLogin(const platform::Text& key);
+    OpenKey* FindLogin(const platform::Text& key);
     bool IsBusy(const platform::Text& name) const;
     platform::Text Open(platform::Text key, const platform::Text& name, bool isLogin,
                         const platform::ObjectRef& client);
@@ -77,7 +77,7 @@ class ExchangeDesk {
     Observation observation_;
     Watcher watcher_{[](const platform::Text&, const platform::Text&) {}, [] {}};
     std::vector<Named> exchanges_;
-    std::list<Session> sessions_;
+    std::list<OpenKey> openKeys_;
     platform::Text answering_;
     int lastLogin_ = 0, lastConnection_ = 0, lastRequest_ = 0;
 };

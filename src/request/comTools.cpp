@@ -10,13 +10,13 @@ using platform::TextView;
 
 constexpr std::size_t fieldWidth = 25;
 
-struct Answer {
+struct AnswerText {
     TextView text;
     std::int16_t code;
 };
 
 // In matching order: the last text that matches wins ("LNK_STN", "LNK_STN_PS").
-constexpr Answer answers[] = {
+constexpr AnswerText answerTexts[] = {
     {u"DIGIT ERROR", 0},
     {u"DATA ERROR", 1},
     {u"CODE NOT ALLOWED", 2},
@@ -75,14 +75,14 @@ constexpr Answer answers[] = {
     {u"LNK_STN_NOT ASSIGNED", 93},
     {u"LNK_STN_ZOLANIP", 94},
 };
-static_assert(std::size(answers) == 57);
+static_assert(std::size(answerTexts) == 57);
 
 }  // namespace
 
 std::int16_t LookupAnswerText(TextView answer) {
     if (answer.size() > fieldWidth) answer.remove_prefix(answer.size() - fieldWidth);
     std::int16_t code = -1;
-    for (const Answer& known : answers)
+    for (const AnswerText& known : answerTexts)
         if (answer.starts_with(known.text)) code = known.code;
     return code;
 }

@@ -20,7 +20,7 @@ TEST_F(ConnectionTest, CreationFailsWith429AndTheCause) {
     expect(u"plain", "not the name of a class");
     expect({u"Test.c\0x", 8}, "not the name of a class");
     stranger.whenCalled = [&](const MessageRef& call) { stranger.Return(call, "o", "/Host"); };
-    expect(u"Test.cStranger", "Type mismatch: the answer to a call has another signature");
+    expect(u"Test.cStranger", "Type mismatch: the reply to a call has another signature");
     stranger.whenCalled = [&](const MessageRef& call) { stranger.Return(call, "(so)", "", "/"); };
     expect(u"Test.cStranger", "the factory gave nothing");
     EXPECT_EQ(Failure([&] { server->ServeClass("plain", nothing); }), "429 plain: no valid name");
@@ -63,7 +63,7 @@ TEST_F(ConnectionTest, WhatAnErrorMeansToTheCaller) {
         EXPECT_EQ(Failure([&] { Call(host, "Anything"); }), failure);
     }
     stranger.whenCalled = [&](const MessageRef& call) { stranger.Return(call, "v", "s", ""); };
-    EXPECT_EQ(Failure([&] { Call(host, "Anything"); }), "13 the answer to a call has another signature");
+    EXPECT_EQ(Failure([&] { Call(host, "Anything"); }), "13 the reply to a call has another signature");
 }
 
 // In a call, and between two attempts.

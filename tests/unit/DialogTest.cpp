@@ -11,7 +11,7 @@
 
 using namespace horalink;
 using namespace platform;
-using desk::Notes, desk::Short;
+using desk::Notes;
 
 namespace {
 
@@ -157,13 +157,6 @@ TEST_F(DialogTest, PlacesOutOfTheHostsStore) {
     EXPECT_EQ(host->Calls(), (Notes{"REGComData Horalink MOVE 3150,2295", "TurnOnFlow", "TurnOffFlow"}));
 }
 
-TEST_F(DialogTest, TheCountOverflowsAtSixteenBits) {
-    for (int i = 0; i < 32767; ++i) Dialog().IncrementCount();
-    EXPECT_EQ(FaultOf([&] { Dialog().IncrementCount(); }), "6 Overflow: IncrementCount");
-    for (int i = 0; i < 32767 + 32768; ++i) Dialog().DecrementCount();
-    EXPECT_EQ(FaultOf([&] { Dialog().DecrementCount(); }), "6 Overflow: DecrementCount");
-}
-
 TEST_F(DialogTest, TheTitleTakesOneMarkForEachName) {
     main.Main();
     const auto layer = cOLELayer::Create(main);
@@ -223,17 +216,6 @@ struct ServedTest : DialogTest {
     int ends = 0;
     ServerLife life{desk.automation, desk.timers, [this] { ++ends; }};
 };
-
-TEST_F(ServedTest, ADialogThatUnloadsItselfWhileItLoadsEndsNoService) {
-    for (const char* sql : {"update tForms set FontSize = 0.4", "drop table tControls"}) {
-        desk.databases.Add(u"Horalink.lng", sql);
-        ObjectRef layer = desk.automation.Create();
-        EXPECT_FALSE(Window().IsLoaded()) << sql;
-        EXPECT_EQ(desk.automation.served, cOLELayer::className);
-        main.DropDialog();
-        main.Main();
-    }
-}
 
 TEST_F(ServedTest, OnlyAServerThatIsNotUsedEnds) {
     desk.timers.Pass(59999);

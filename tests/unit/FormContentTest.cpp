@@ -45,24 +45,6 @@ struct NotedControl : forms::Control {
     const std::string prefix;
 };
 
-// A form of either kind that is painted anew by a note.
-struct NotedForm : forms::Form, forms::Toolkit {
-    NotedForm(Scheduler& scheduler, Notes& toWrite) : Form(u"form", scheduler, *this), notes(toWrite) {
-        Show();
-    }
-    const ClassDescription& Class() const override { return isMdi ? mdi : Form::Class(); }
-    std::unique_ptr<forms::View> MakeView(forms::Form&) override { return std::make_unique<View>(*this); }
-    struct View : headless::Window {
-        explicit View(NotedForm& form) : Window(form, form.gate, [] { return false; }), noted(form) {}
-        void FormChanged() override { noted.notes.push_back("Refresh"); }
-        NotedForm& noted;
-    };
-    forms::InputGate gate{Timers()};
-    const ClassDescription mdi{"MDIForm", Form::Class().members};
-    bool isMdi = false;
-    Notes& notes;
-};
-
 struct FormContentTest : testing::Test {
     FormContentTest() {
         databases.Add(u"a", R"(
@@ -75,6 +57,9 @@ struct FormContentTest : testing::Test {
                 (4, 'one', 'missing'), (5, 'two', 'one'), (5, null, 'x'), (5, 'one', 'two'), (-7, 'one', 'two'))");
         computer.pictures.files = {{u"D\\one", "1"}, {u"D\\two", "2"}, {u"D\\bad", ""}, {u"D\\-1", "no"}};
         computer.boxes.whileOpen = [this] { notes.push_back("notice"); };
+    }
+    std::shared_ptr<forms::Form> NewForm() {
+        return std::make_shared<forms::Form>(u"form", computer.timers, computer.toolkit);
     }
     void Add(const char16_t* name, const char* type, const std::string& path, std::int16_t index = -1,
              float width = 0) {
@@ -119,7 +104,7 @@ struct FormContentTest : testing::Test {
     Notes notes;
     desk::Desk computer;
     harness::MemoryDatabases& databases = computer.databases;
-    std::shared_ptr<NotedForm> form = std::make_shared<NotedForm>(computer.timers, notes);
+    std::shared_ptr<forms::Form> form = NewForm();
 };
 
 TEST_F(FormContentTest, EachTypeTakesItsFontInItsOwnWay) {
@@ -137,7 +122,7 @@ TEST_F(FormContentTest, EachTypeTakesItsFontInItsOwnWay) {
     for (const auto& [types, fonts, charset] : cases) {
         std::istringstream words(types);
         for (std::string type; words >> type;) {
-            form = std::make_shared<NotedForm>(computer.timers, notes);
+            form = NewForm();
             Add(u"control", type.c_str(), "", 3);
             EXPECT_TRUE(LoadControls("('Control', 3, 'C & %CR', 'F', 9, 'T')"));
             Notes expected{"Caption=C & %CR"};
@@ -146,7 +131,6 @@ TEST_F(FormContentTest, EachTypeTakesItsFontInItsOwnWay) {
                 expected.insert(expected.end(), {path + "Name=F", path + "Size=9"});
                 if (*charset) expected.push_back((path == "Font" ? "Font." : path) + "Charset=" + charset);
             }
-            if (type == "SSTab") expected.push_back("Refresh");
             expected.push_back("ToolTipText=T");
             EXPECT_EQ(notes, expected) << type;
         }
@@ -164,9 +148,6 @@ TEST_F(FormContentTest, TheFormsCaptionIsExpandedAndTheLastRowStands) {
         LoadForm("insert into tForms values ('other', 'other', 'O', 7), ('form', 'first', 'A', 8),"
                  " ('form', 'One & %CR & %ST & Two', 'B', 9.75)"));
     EXPECT_EQ(texts(), "One\rTwo|B|9.75|");
-    form->isMdi = true;
-    EXPECT_TRUE(LoadForm("update tForms set Caption = '-1', FontName = 'C', FontSize = 10"));
-    EXPECT_EQ(texts(), "-1|B|9.75|") << "a form of forms takes the caption alone";
     EXPECT_FALSE(LoadForm("update tForms set Caption = null"));
     EXPECT_EQ(computer.Boxes(), Notes{Short("Invalid use of Null", 94)});
 }

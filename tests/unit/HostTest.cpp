@@ -9,7 +9,6 @@
 
 #include "harness/Cases.h"
 #include "harness/Files.h"
-#include "host/Difference.h"
 #include "host/ExchangeObject.h"
 #include "host/HostObject.h"
 #include "host/Options.h"
@@ -121,21 +120,6 @@ TEST(SimulatedExchangeTest, ARefusedItemLeavesTheClockAlone) {
     }
     EXPECT_EQ(perform({{u"03", u"0", u"", u""}, {u"02", u"3", u"", u""}, {u"02", u"2", u"010203", u""}}),
               "CODE NOT USED=CODE NOT USED;DATA NOT FOUND=DATA NOT FOUND;010203=OK;");
-}
-
-TEST(DifferenceTest, IsRightWithinHalfTheRoundTrip) {
-    using std::chrono::microseconds;
-    const auto exact = [](double s) { return microseconds(static_cast<std::int64_t>(s * 1e6)); };
-    std::string texts;
-    for (const auto& [seconds, within] : {std::pair(-0.049, 0.0),
-                                          {0.3, 0.31},
-                                          {-0.31, 0.3},
-                                          {119, 0},
-                                          {-420, 0},
-                                          {-10800, 0},
-                                          {400 * 86400, 0}})
-        texts += DifferenceText({exact(seconds), exact(within)}).toStdString() + "|";
-    EXPECT_EQ(texts, "right|right|0.3 s slow|119 s fast|7 min slow|3 h slow|400 days fast|");
 }
 
 TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {

@@ -92,23 +92,4 @@ TEST_F(InputGateTest, WhatIsAcceptedWaitsForTheLastCallAndKeepsItsOrder) {
     EXPECT_TRUE(input->TakesNow());
 }
 
-TEST_F(InputGateTest, WhatWaitsIsJudgedAgain) {
-    const std::function<void()> meanwhile[] = {[this] { form.Enabled = false; }, [this] { isCovered = true; },
-                                               [this] { form.Hide(); },
-                                               [this] { form.Unload(), form.Show(), Log(), input.reset(); }};
-    for (const auto& happens : meanwhile) {
-        form.Enabled = true;
-        isCovered = false;
-        form.Show();
-        hold = gate.Hold();
-        Press(), Release(), input->Close();
-        EXPECT_EQ(Log(), "waits waits ");
-        EXPECT_TRUE(form.IsCloseWaiting());
-        happens();
-        EXPECT_EQ(form.IsCloseWaiting(), input != nullptr) << "a form that went has nothing to close";
-        EXPECT_EQ(AfterTheHold(), "");
-        EXPECT_FALSE(form.IsCloseWaiting());
-    }
-}
-
 }  // namespace

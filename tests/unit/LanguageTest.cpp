@@ -125,31 +125,6 @@ TEST_F(LanguageTest, EachModeTakesTitleAndHelpFromItsOwnPlace) {
     EXPECT_EQ(computer.Boxes(), Notes{"common|4|-|C:\\QA\\common.hlp|75"}) << "an & parts the path as well";
 }
 
-TEST_F(LanguageTest, AFailedBoxIsTheLongNoticeAndZero) {
-    databases.Add(u"Horalink.lng",
-                  "drop table tMsgBox; create table tMsgBox (MsgNo, Prompt, Buttons, Title);"
-                  "insert into tMsgBox values (0, null, '', ''), (1, '', null, ''),"
-                  " (2, '', '', null), (3, 'fine', 'vbOKOnly', 'fine')");
-    databases.Add(u"Common.LNG", "alter table tMsgBox drop Context");
-    const auto fail = [&](int mode, int number) {
-        EXPECT_EQ(Show(mode, number), 0);
-        return computer.Boxes();
-    };
-    for (const int number : {0, 1, 2}) EXPECT_EQ(fail(1, number), Notes{Long("Invalid use of Null", 94)});
-    EXPECT_EQ(fail(1, 77), Notes{Long("There is no current record", 3021)});
-    EXPECT_EQ(fail(2, 3), Notes{Long("The field 'HelpFile' was not found in Horalink.lng", 3061)});
-    EXPECT_EQ(fail(10, 0), Notes{Long("The field 'Context' was not found in Common.LNG", 3061)});
-    EXPECT_EQ(Show(1, 3, {.context = 40000}), 0);
-    EXPECT_EQ(computer.Boxes(), Notes{Long("Overflow", 6)});
-    databases.FailAt(5, DataError::DiskError);
-    EXPECT_EQ(Show(1, 3), 1) << "shown, and only the closing failed";
-    EXPECT_EQ(computer.Boxes(), (Notes{"fine|0|fine|..\\Mora32\\Help\\error.hlp|0",
-                                       Long("The database file can't be read or written", 3043)}));
-    data.AddInLanguageDb = nullptr;
-    EXPECT_EQ(Show(1, 3), 0);
-    EXPECT_EQ(computer.Boxes(), Notes{Long("Object variable is not set", 91)});
-}
-
 TEST_F(LanguageTest, MessagesStandByRankAndGiveTheButtonsTheirWords) {
     ASSERT_TRUE(LoadMessages());
     EXPECT_EQ(ButtonWords(), "ok|cancel|abort|retry|ignore|yes|no|help|keep waiting|give up|");
@@ -162,20 +137,6 @@ TEST_F(LanguageTest, MessagesStandByRankAndGiveTheButtonsTheirWords) {
     const MessageTexts& table = data.MessageTable;
     EXPECT_EQ(Joined(table[0], table[3], table[14]), "login failed||keep waiting|");
     EXPECT_EQ(FaultOf([&] { table[15]; }), "9 Subscript out of range: message 15");
-}
-
-TEST_F(LanguageTest, AMessageTableThatDoesNotAddUpIsRefused) {
-    const std::pair<const char*, std::string> cases[] = {
-        {"drop table tMessages; create table tMessages (ID, Caption)",
-         Long("Subscript out of range: the message table has no rows", 9)},
-        {"insert into tMessages values (0, 'a'), (0, 'a')", Long("There is no current record", 3021)},
-        {"insert into tMessages values (-2, 'text')", Long("Type mismatch", 13)},
-        {"insert into tMessages values (-3, 40000)", Long("Overflow", 6)}};
-    for (const auto& [sql, notice] : cases) {
-        databases.Add(u"Horalink.lng", sql);
-        EXPECT_FALSE(LoadMessages()) << sql;
-        EXPECT_EQ(computer.Boxes(), Notes{notice});
-    }
 }
 
 }  // namespace

@@ -74,21 +74,6 @@ TEST_F(LayersTest, TheUsersOwnFilesComeFirstAndTheLanguageAheadOfTheCommon) {
     EXPECT_EQ(Layers().OwnPlace(At("all/Texts/T")), At("all/Texts/T"));
 }
 
-TEST_F(LayersTest, LeadsThroughDirectoriesThatMayNotBeListed) {
-    directory.Write("Home/Anna/own/x");
-    directory.Write("Home/Lib/all/Addins/Database/Horalink.lng");
-    const fs::path tree = At("Home/Lib/all");
-    const Layers layers({At("Home/Anna/own"), tree}, {u"en"});
-    const std::vector<fs::path> closed = {directory.Path(), At("Home"), At("Home/Anna"), At("Home/Lib")};
-    for (const auto& each : closed) fs::permissions(each, fs::perms(0311));
-    {
-        const AnyUser user;
-        EXPECT_EQ(layers.Find(UpperCase(PathText(tree)) + u"\\ADDINS\\DATABASE\\Horalink.lng"),
-                  tree / "Addins/Database/Horalink.lng");
-    }
-    for (const auto& each : closed) fs::permissions(each, fs::perms(0700));
-}
-
 TEST(WantedLanguagesTest, AreThoseOfTheSettingOrOfTheEnvironment) {
     const Table<TextView, Environment, const char*> cases = {
         {u"", {}, "en "},

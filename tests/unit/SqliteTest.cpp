@@ -8,7 +8,6 @@
 #include "harness/Cases.h"
 #include "harness/Files.h"
 #include "platform/data/Dialect.h"
-#include "platform/data/sqlite/Failure.h"
 #include "platform/runtime/Paths.h"
 
 namespace platform {
@@ -80,17 +79,6 @@ TEST(DialectTest, TranslatesNamesAndStrings) {
               "[group] from t|");
 }
 
-TEST(FailureTest, CodesBecomeTheNumbersOfTheInterface) {
-    const auto faults = [](auto... codes) {
-        return Faults([codes] { throw SqliteFailure(codes, "why", "/a/F.mdb"); }...);
-    };
-    EXPECT_EQ(faults(SQLITE_BUSY_SNAPSHOT, SQLITE_CORRUPT, SQLITE_PERM, SQLITE_MISMATCH, SQLITE_FULL),
-              "3260 '/a/F.mdb' is locked by another program; try again in a moment|"
-              "3343 F.mdb is not a database, or it is damaged|"
-              "3027 '/a/F.mdb' can't be changed: it is read-only|"
-              "3317 The table doesn't accept the value: why|3043 F.mdb can't be read or written: why|");
-}
-
 TEST_F(SqliteTest, GivesEachKindOfValueAndNothingPastTheLastRow) {
     const Value kinds[] = {2147483647, -2147483647 - 1, 2147483648.0, -2147483649.0,
                            0.5,        u"Größe 𝄞",      Null(),       u""};
@@ -135,21 +123,6 @@ TEST_F(SqliteTest, RefusesQueriesWithANumberAndTheCause) {
         for (const auto type : {forwardOnly, dynaset})
             EXPECT_EQ(FaultOf([&, text = query] { Rows(text, type); }), fault);
     EXPECT_FALSE(Rows(u"select * from Kinds; \t\r\n", dynaset)->EndOfFile());
-}
-
-TEST_F(SqliteTest, NamesAFileThatCantBeOpenedByItsPathOnTheMachine) {
-    directory.Write("Empty.mdb"), directory.Write("Garbage.mdb", std::string(600, 'x'));
-    const std::string here = directory.Path().native();
-    const Text longName(300, u'x');
-    const Table<Text, std::string> cases = {
-        {u"", "3024 The file '" + here + "' was not found"},
-        {u"\\EMPTY.MDB", "3343 The file '" + here + "/Empty.mdb' is empty"},
-        {u"\\GARBAGE.MDB", "3343 Garbage.mdb is not a database, or it is damaged"},
-        {u"\\" + longName, "3051 You don't have permission to open '" + here + "/" + ToUtf8(longName) + "'"}};
-    for (const auto& [path, fault] : cases)
-        EXPECT_EQ(
-            FaultOf([&, name = path] { engine->OpenDatabase(UpperCase(PathText(directory.Path())) + name); }),
-            fault);
 }
 
 TEST_F(SqliteTest, ChangesTheCurrentRowAloneBetweenEditAndUpdate) {
@@ -197,17 +170,6 @@ TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
         EXPECT_EQ(FaultOf([&] { rows->Edit(); }), readOnly) << ToUtf8(query);
     }
     EXPECT_EQ(FaultOf([&] { Rows(horalink, forwardOnly)->Update(); }), readOnly);
-}
-
-TEST_F(SqliteTest, ColumnsNamedLikeTheRowsNumberLeadToNoOtherRow) {
-    for (const std::string columns : {"oid", "ROWID, oid", "_rowid_, RowId"}) {
-        RunElsewhere("drop table if exists [Say \"\"\"]; create table [Say \"\"\"] (a text, " + columns +
-                     ");" + "insert into [Say \"\"\"] (a, " + columns.substr(0, columns.find(',')) +
-                     ") values ('first', 1), ('second', 1)");
-        EXPECT_EQ(Change(*Rows(u"select * from [Say \"\"\"] where a = 'first'"), u"a", u"new"), "0 ")
-            << columns;
-        EXPECT_EQ(Single(u"select group_concat(a) from [Say \"\"\"]"), "new,second") << columns;
-    }
 }
 
 TEST_F(SqliteTest, LeavesTheRowAloneWhenTheTableRefusesTheValueOrTheRowIsGone) {

@@ -20,7 +20,7 @@ class BusyError : public RuntimeError {
 // The wait limits of outgoing calls, and the texts of their boxes. Read when a limit starts or is reached.
 struct WaitSettings {
     std::int32_t busyTimeout = 10000;    // milliseconds to retry a busy callee before asking
-    std::int32_t pendingTimeout = 5000;  // milliseconds to wait for an answer before asking
+    std::int32_t pendingTimeout = 5000;  // milliseconds to wait for a reply before asking
     Text busyTitle, busyText;
     Text pendingTitle, pendingText;
 };
@@ -55,7 +55,7 @@ class Automation {
     // returned unchanged.
     virtual ObjectRef Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) = 0;
 
-    // Calls a member without waiting for it. `answered`, if set, gets the result; an error answer is ignored.
+    // Calls a member without waiting for it. `answered`, if set, gets the result; an error reply is ignored.
     // A busy callee is retried until the busy limit.
     virtual void Post(const ObjectRef& object, std::string_view member, InvokeKind kind, Arguments arguments,
                       std::function<void(const Value&)> answered) = 0;
@@ -68,7 +68,7 @@ class Automation {
     virtual void StopServing() = 0;
 
     // Called just before the process ends: releases the names, refuses as busy all calls that still
-    // arrive, and sends the answers and calls that are queued.
+    // arrive, and sends the replies and calls that are queued.
     virtual void Leave() = 0;
 
     // Calls `changed` with true once other processes hold objects of this one, and with false once they hold

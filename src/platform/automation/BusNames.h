@@ -1,5 +1,5 @@
 // Names on the session bus, for tools that inspect an installation. All members raise 462 without a session
-// bus, or if it doesn't answer.
+// bus, or if it doesn't reply.
 #pragma once
 
 #include <set>

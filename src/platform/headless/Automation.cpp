@@ -44,7 +44,7 @@ class FarObject : public Object {
         while (true) {
             try {
                 patience->CallSent();
-                return Answer(*patience, member, kind, arguments);
+                return Reply(*patience, member, kind, arguments);
             } catch (const BusyError&) {
                 patience->CallRefused();
                 bus_.wait(retryInterval);
@@ -74,7 +74,7 @@ class FarObject : public Object {
   private:
     static constexpr int retryInterval = 200;  // milliseconds
 
-    Value Answer(const Patience& patience, std::string_view member, InvokeKind kind, Arguments& arguments) {
+    Value Reply(const Patience& patience, std::string_view member, InvokeKind kind, Arguments& arguments) {
         Arguments travelled = arguments;
         const Value result = Receive(member, kind, travelled);
         if (patience.IsGivenUp())

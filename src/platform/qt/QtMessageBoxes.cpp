@@ -8,12 +8,12 @@ namespace platform {
 
 namespace {
 
-enum Answer : std::int16_t { ok = 1, cancel, abort, retry, ignore, yes, no };
+enum Button : std::int16_t { ok = 1, cancel, abort, retry, ignore, yes, no };
 
 struct ButtonSet {
-    std::vector<std::pair<Text ButtonTexts::*, Answer>> buttons;
-    std::int16_t escapeAnswer;
-    std::int16_t leastAnswer;
+    std::vector<std::pair<Text ButtonTexts::*, Button>> buttons;
+    std::int16_t escapeButton;
+    std::int16_t leastButton;
 };
 
 // In the order of the constants, from okOnly to retryCancel.
@@ -63,10 +63,10 @@ std::int16_t QtMessageBoxes::Show(const MessageBox& box) {
     content.title = box.title ? *box.title : application_.title;
     content.prompt = box.prompt;
     content.sign = SignOf(box.buttons);
-    for (const auto& [word, answer] : set.buttons)
-        content.buttons.push_back({application_.buttons.*word, answer});
+    for (const auto& [word, button] : set.buttons)
+        content.buttons.push_back({application_.buttons.*word, button});
     content.defaultButton = static_cast<std::size_t>((box.buttons & defaultPart) / buttons::defaultButton2);
-    content.escapeAnswer = set.escapeAnswer;
+    content.escapeButton = set.escapeButton;
     if (box.buttons & buttons::helpButton) content.helpButton = application_.buttons.help;
     if (box.helpFile)
         content.showHelp = [&](QWidget& beside) { help_.Show(beside, box.helpContext, *box.helpFile); };
@@ -76,8 +76,8 @@ std::int16_t QtMessageBoxes::Show(const MessageBox& box) {
 
     BoxDialog dialog(content);
     dialog.Present();
-    const int answer = dialog.exec();
-    return answer != 0 ? static_cast<std::int16_t>(answer) : set.leastAnswer;
+    const int pressed = dialog.exec();
+    return pressed != 0 ? static_cast<std::int16_t>(pressed) : set.leastButton;
 }
 
 namespace {
@@ -90,7 +90,7 @@ BoxContent ContentOf(TextView title, TextView text, const ButtonTexts& buttons) 
     content.prompt = text;
     content.sign = BoxSign::Exclamation;
     content.buttons = {{buttons.keepWaiting, goOn}, {buttons.giveUp, giveUp}};
-    content.escapeAnswer = giveUp;
+    content.escapeButton = giveUp;
     return content;
 }
 

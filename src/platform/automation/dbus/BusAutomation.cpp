@@ -14,10 +14,10 @@ RuntimeError CannotCreate(TextView className, TextView cause) {
     return RuntimeError(ErrorNumber::CannotCreateObject, ToUtf8(className) + ": " + ToUtf8(cause));
 }
 
-ObjectRef CreatedObject(Session& session, sd_bus_message* answer) {
-    if (sd_bus_message_has_signature(answer, "(so)") <= 0)
-        throw RuntimeError(ErrorNumber::TypeMismatch, "the answer to a call has another signature");
-    return session.Received(ReadAddress(answer), sd_bus_message_get_sender(answer));
+ObjectRef CreatedObject(Session& session, sd_bus_message* reply) {
+    if (sd_bus_message_has_signature(reply, "(so)") <= 0)
+        throw RuntimeError(ErrorNumber::TypeMismatch, "the reply to a call has another signature");
+    return session.Received(ReadAddress(reply), sd_bus_message_get_sender(reply));
 }
 
 class BusAutomation : public Automation {
@@ -64,9 +64,9 @@ ObjectRef BusAutomation::Create(const std::string& className, const std::shared_
     const MessageRef call =
         session_->Bus().NewCall(className, bus::factoryPath, bus::factoryInterface, "CreateInstance");
     Session& session = *session_;
-    const MessageRef answer = session.Calls().Call(
+    const MessageRef reply = session.Calls().Call(
         call, patience, nullptr, [&session](sd_bus_message* late) { CreatedObject(session, late); });
-    return CreatedObject(session, answer.get());
+    return CreatedObject(session, reply.get());
 }
 
 ObjectRef BusAutomation::Within(const ObjectRef& object, const std::shared_ptr<Patience>& patience) {

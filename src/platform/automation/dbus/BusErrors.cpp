@@ -52,13 +52,13 @@ struct ErrorBody {
     std::int32_t number = 0;
 };
 
-ErrorBody ReadBody(sd_bus_message* answer) {
+ErrorBody ReadBody(sd_bus_message* reply) {
     ErrorBody body;
     const char* description = nullptr;
-    sd_bus_message_rewind(answer, true);
-    if (sd_bus_message_read_basic(answer, 's', &description) <= 0) return body;
+    sd_bus_message_rewind(reply, true);
+    if (sd_bus_message_read_basic(reply, 's', &description) <= 0) return body;
     body.description = description;
-    if (sd_bus_message_read_basic(answer, 'i', &body.number) <= 0) body.number = 0;
+    if (sd_bus_message_read_basic(reply, 'i', &body.number) <= 0) body.number = 0;
     return body;
 }
 
@@ -105,14 +105,14 @@ MessageRef ErrorAnswer(sd_bus_message* call, const char* name, const RuntimeErro
     const sd_bus_error content{name, description.c_str(), 0};
     sd_bus_message* message = nullptr;
     RequireSuccess(sd_bus_message_new_method_error(call, &message, &content));
-    MessageRef answer = Adopted(message);
+    MessageRef reply = Adopted(message);
     RequireSuccess(sd_bus_message_append(message, "i", error.Number()));
-    return answer;
+    return reply;
 }
 
-RuntimeError ErrorOfAnswer(sd_bus_message* answer) {
-    const std::string_view name = sd_bus_message_get_error(answer)->name;
-    const ErrorBody body = ReadBody(answer);
+RuntimeError ErrorOfReply(sd_bus_message* reply) {
+    const std::string_view name = sd_bus_message_get_error(reply)->name;
+    const ErrorBody body = ReadBody(reply);
     if (name == bus::errorName && body.number != 0)
         return RuntimeError(body.number, FromUtf8(body.description));
     const ErrorNumber number = NumberOfName(name);
@@ -120,8 +120,8 @@ RuntimeError ErrorOfAnswer(sd_bus_message* answer) {
     return RuntimeError(static_cast<std::int32_t>(number), FromUtf8(body.description));
 }
 
-bool IsBusy(sd_bus_message* answer) {
-    return sd_bus_message_is_method_error(answer, bus::busyErrorName) > 0;
+bool IsBusy(sd_bus_message* reply) {
+    return sd_bus_message_is_method_error(reply, bus::busyErrorName) > 0;
 }
 
 }  // namespace platform

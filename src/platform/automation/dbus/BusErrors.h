@@ -28,11 +28,11 @@ BusError InvalidArguments(std::string_view detail);
 // `result` comes from the bus library. Raises 462 if it means a lost connection, 440 for any other failure.
 void RequireSuccess(int result);
 
-// The answer to `call` that carries `error`. Replaces characters of its description that can't be sent.
+// The reply to `call` that carries `error`. Replaces characters of its description that can't be sent.
 MessageRef ErrorAnswer(sd_bus_message* call, const char* name, const RuntimeError& error);
 
 // The run-time error that an error message means to the caller.
-RuntimeError ErrorOfAnswer(sd_bus_message* answer);
-bool IsBusy(sd_bus_message* answer);
+RuntimeError ErrorOfReply(sd_bus_message* reply);
+bool IsBusy(sd_bus_message* reply);
 
 }  // namespace platform

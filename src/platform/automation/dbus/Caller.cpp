@@ -9,13 +9,13 @@ namespace {
 
 constexpr Milliseconds retryInterval{200};
 
-bool IsError(const MessageRef& answer) {
-    return answer && sd_bus_message_is_method_error(answer.get(), nullptr) > 0;
+bool IsError(const MessageRef& reply) {
+    return reply && sd_bus_message_is_method_error(reply.get(), nullptr) > 0;
 }
 
 }  // namespace
 
-// A pending call. The connection keeps it alive until the answer arrives, a timer until it is retried.
+// A pending call. The connection keeps it alive until the reply arrives, a timer until it is retried.
 class Caller::Outgoing : public std::enable_shared_from_this<Outgoing> {
   public:
     Outgoing(Caller& caller, MessageRef call, std::shared_ptr<void> kept)
@@ -24,13 +24,13 @@ class Caller::Outgoing : public std::enable_shared_from_this<Outgoing> {
 
     void Send() {
         caller_.connection_.SendCall(
-            call_.get(), [self = shared_from_this()](const MessageRef& answer) { self->Take(answer); });
+            call_.get(), [self = shared_from_this()](const MessageRef& reply) { self->Take(reply); });
         Sent();
     }
 
   protected:
     virtual void Sent() {}
-    virtual void Answered(const MessageRef& answer) = 0;
+    virtual void Answered(const MessageRef& reply) = 0;
     virtual bool IsTriedAgain() = 0;
 
     void Retry() {
@@ -44,10 +44,10 @@ class Caller::Outgoing : public std::enable_shared_from_this<Outgoing> {
             }
         });
     }
-    // Passes on an answer that no routine is waiting for.
-    static void Give(const Caller::Answered& taker, sd_bus_message* answer) {
+    // Passes on a reply that no routine is waiting for.
+    static void Give(const Caller::Answered& taker, sd_bus_message* reply) {
         try {
-            taker(answer);
+            taker(reply);
         } catch (const RuntimeError&) {
             // There is no caller to report this to.
             return;
@@ -58,9 +58,9 @@ class Caller::Outgoing : public std::enable_shared_from_this<Outgoing> {
     HandleRef retry_;
 
   private:
-    void Take(const MessageRef& answer) {
-        if (IsError(answer) && IsBusy(answer.get()) && IsTriedAgain()) return Retry();
-        Answered(answer);
+    void Take(const MessageRef& reply) {
+        if (IsError(reply) && IsBusy(reply.get()) && IsTriedAgain()) return Retry();
+        Answered(reply);
     }
 
     MessageRef call_;
@@ -76,25 +76,25 @@ class Caller::Awaited : public Outgoing {
           tooLate_(std::move(tooLate)) {}
 
     bool IsOver() const { return isAnswered_ || patience_->IsGivenUp(); }
-    // Ends the call, except that a late answer is still taken.
+    // Ends the call, except that a late reply is still taken.
     void Stop() {
         isLate_ = !isAnswered_;
         retry_.reset();
         patience_->CallEnded();
     }
-    // Raises 462 if there is no answer, and the error that an answer carries.
-    MessageRef Answer() const {
+    // Raises 462 if there is no reply, and the error that a reply carries.
+    MessageRef Reply() const {
         if (!isAnswered_) patience_->RequireOngoing();
-        if (!answer_) throw RuntimeError(ErrorNumber::ServerGone, "the connection to the bus was lost");
-        if (IsError(answer_)) throw ErrorOfAnswer(answer_.get());
-        return answer_;
+        if (!reply_) throw RuntimeError(ErrorNumber::ServerGone, "the connection to the bus was lost");
+        if (IsError(reply_)) throw ErrorOfReply(reply_.get());
+        return reply_;
     }
 
   private:
     void Sent() override { patience_->CallSent(); }
-    void Answered(const MessageRef& answer) override {
-        if (isLate_) return answer && !IsError(answer) ? Give(tooLate_, answer.get()) : void();
-        answer_ = answer;
+    void Answered(const MessageRef& reply) override {
+        if (isLate_) return reply && !IsError(reply) ? Give(tooLate_, reply.get()) : void();
+        reply_ = reply;
         isAnswered_ = true;
     }
     bool IsTriedAgain() override {
@@ -105,7 +105,7 @@ class Caller::Awaited : public Outgoing {
 
     std::shared_ptr<Patience> patience_;
     Caller::Answered tooLate_;
-    MessageRef answer_;
+    MessageRef reply_;
     bool isAnswered_ = false, isLate_ = false;
 };
 
@@ -117,8 +117,8 @@ class Caller::Posted : public Outgoing {
           busyLimit_(caller.loop_, caller.settings_) {}
 
   private:
-    void Answered(const MessageRef& answer) override {
-        if (answer && !IsError(answer)) Give(answered_, answer.get());
+    void Answered(const MessageRef& reply) override {
+        if (reply && !IsError(reply)) Give(answered_, reply.get());
     }
     bool IsTriedAgain() override { return !busyLimit_.ReachedByRefusal(); }
 
@@ -142,7 +142,7 @@ MessageRef Caller::Call(const MessageRef& call, std::shared_ptr<Patience> patien
         const ScopeExit stop([&] { awaited->Stop(); });
         connection_.WaitUntil([&] { return awaited->IsOver(); });
     }
-    return awaited->Answer();
+    return awaited->Reply();
 }
 
 void Caller::Post(const MessageRef& call, std::shared_ptr<void> kept, Answered answered) {

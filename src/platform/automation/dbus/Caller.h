@@ -1,4 +1,4 @@
-// Makes outgoing calls and waits for their answers.
+// Makes outgoing calls and waits for their replies.
 #pragma once
 
 #include <functional>
@@ -18,14 +18,14 @@ class Caller {
 
     std::shared_ptr<Patience> NewPatience() const;
 
-    // Sends a call and serves the process's other events until the answer arrives. A busy callee is retried
+    // Sends a call and serves the process's other events until the reply arrives. A busy callee is retried
     // until the operator gives up. Without a `patience` the call gets a new one. Keeps `kept` alive until the
-    // answer arrives, even if that is after the operator gave up; `tooLate` gets such an answer. Raises 462
-    // if the operator gave up or the connection was lost, and the error that the answer carries.
+    // reply arrives, even if that is after the operator gave up; `tooLate` gets such a reply. Raises 462
+    // if the operator gave up or the connection was lost, and the error that the reply carries.
     MessageRef Call(const MessageRef& call, std::shared_ptr<Patience> patience, std::shared_ptr<void> kept,
                     Answered tooLate);
 
-    // Sends a call and returns. Keeps `kept` alive until the answer arrives; `answered` gets the answer
+    // Sends a call and returns. Keeps `kept` alive until the reply arrives; `answered` gets the reply
     // unless it is an error. A busy callee is retried until the busy limit. Raises 462 if the connection is
     // lost.
     void Post(const MessageRef& call, std::shared_ptr<void> kept, Answered answered);

@@ -120,7 +120,7 @@ void Connection::Defer(std::function<void()> call) {
 }
 
 int Connection::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) noexcept {
-    // The library itself handles answers, signals and calls of the Peer interface.
+    // The library itself handles replies, signals and calls of the Peer interface.
     if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0 ||
         sd_bus_message_is_method_call(message, peerInterface, nullptr) > 0)
         return 0;
@@ -134,17 +134,17 @@ int Connection::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) no
 int Connection::OnAnswer(sd_bus_message* message, void* context, sd_bus_error*) noexcept {
     auto* outgoing = static_cast<OutgoingCall*>(context);
     Connection* connection = outgoing->connection;
-    // By this Lose sees that the call has its answer.
+    // By this Lose sees that the call has its reply.
     outgoing->slot.reset();
     connection->due_.push_back(
-        [connection, outgoing, answer = Shared(message)] { connection->Answer(*outgoing, answer); });
+        [connection, outgoing, reply = Shared(message)] { connection->Reply(*outgoing, reply); });
     return 1;
 }
 
-void Connection::Answer(OutgoingCall& outgoing, const MessageRef& answer) {
+void Connection::Reply(OutgoingCall& outgoing, const MessageRef& reply) {
     const auto answered = std::move(outgoing.answered);
     outgoing_.remove_if([&](const OutgoingCall& call) { return &call == &outgoing; });
-    answered(answer);
+    answered(reply);
 }
 
 void Connection::Pump() {
@@ -241,13 +241,13 @@ void Connection::GiveNamesBack() {
     FollowWriteQueue();
 }
 
-// The bus answers in the order of the requests.
+// The bus replies in the order of the requests.
 int Connection::OnNameReleased(sd_bus_message*, void* self, sd_bus_error*) noexcept {
     static_cast<Connection*>(self)->releases_.pop_front();
     return 1;
 }
 
-// Calls that were sent to a name while it was owned arrive before the answer to its release.
+// Calls that were sent to a name while it was owned arrive before the reply to its release.
 void Connection::Leave() {
     leaving_ = true;
     GiveNamesBack();
@@ -280,7 +280,7 @@ void Connection::Lose() {
     readable_.reset();
     writable_.reset();
     for (OutgoingCall& outgoing : outgoing_)
-        if (outgoing.slot) due_.push_back([this, &outgoing] { Answer(outgoing, nullptr); });
+        if (outgoing.slot) due_.push_back([this, &outgoing] { Reply(outgoing, nullptr); });
     if (whenLost_) due_.push_back(whenLost_);
     sd_bus_close(bus_.get());
     Continue();

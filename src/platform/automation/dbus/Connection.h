@@ -12,8 +12,8 @@
 
 namespace platform {
 
-// Handles each message before it takes the next, so that an answer received before a call also takes effect
-// before it. Callbacks of the library only queue messages: handling one may wait for answers, which calls the
+// Handles each message before it takes the next, so that a reply received before a call also takes effect
+// before it. Callbacks of the library only queue messages: handling one may wait for replies, which calls the
 // library again, and the library forbids that inside its callbacks.
 class Connection {
   public:
@@ -36,9 +36,9 @@ class Connection {
     // Raises 462 without a connection, 440 for what the library refuses.
     MessageRef NewCall(const std::string& destination, const std::string& path, const char* interface,
                        const char* member);
-    // Sends an answer, or a call that wants none. Raises as NewCall.
+    // Sends a reply, or a call that wants none. Raises as NewCall.
     void Send(sd_bus_message* message);
-    // Sends a call, without a timeout. `answered` runs later, in its own step, with the answer, or with null
+    // Sends a call, without a timeout. `answered` runs later, in its own step, with the reply, or with null
     // if the connection was lost. Raises as NewCall.
     void SendCall(sd_bus_message* call, std::function<void(const MessageRef&)> answered);
 
@@ -95,7 +95,7 @@ class Connection {
     bool HasUnsent() const;
     void FollowWriteQueue();
     void Lose();
-    void Answer(OutgoingCall& outgoing, const MessageRef& answer);
+    void Reply(OutgoingCall& outgoing, const MessageRef& reply);
     void RequireSent(int result);
 
     EventLoop& loop_;

@@ -33,11 +33,11 @@ void InvokeLateBound(IncomingCall& call, Object& object) {
     const Value result = object.Invoke(member, kind, arguments);
     call.ReturnVariant(result);
     arguments.resize(given.size());
-    sd_bus_message* answer = call.Answer();
-    RequireSuccess(sd_bus_message_open_container(answer, 'a', "v"));
+    sd_bus_message* reply = call.Reply();
+    RequireSuccess(sd_bus_message_open_container(reply, 'a', "v"));
     for (std::size_t i = 0; i < given.size(); ++i)
         arguments[i] == given[i] ? call.ReturnGiven(given[i]) : call.ReturnVariant(arguments[i]);
-    RequireSuccess(sd_bus_message_close_container(answer));
+    RequireSuccess(sd_bus_message_close_container(reply));
 }
 
 // Far more than several hosts, each with its own exchange, need; far less than the stack has room for.
@@ -60,7 +60,7 @@ bool IsPropertyCall(const IncomingCall& call) {
 
 void ReturnXml(IncomingCall& call, const std::string& xml) {
     call.RequireSignature("");
-    RequireSuccess(sd_bus_message_append_basic(call.Answer(), 's', xml.c_str()));
+    RequireSuccess(sd_bus_message_append_basic(call.Reply(), 's', xml.c_str()));
 }
 
 // For a call that nothing at its path serves: reports an unknown method if the path has the interface,
@@ -118,10 +118,10 @@ void Dispatcher::RouteToFactory(IncomingCall& call) {
 
 void Dispatcher::CreateInstance(IncomingCall& call) {
     call.RequireSignature("");
-    // Without an answer, nobody would hold the object.
+    // Without a reply, nobody would hold the object.
     if (!call.WantsAnswer()) return;
     // Allocated first: once created, the object counts as in use.
-    call.Answer();
+    call.Reply();
     creations_.push_back(&call);
     const ScopeExit unlist([&] { std::erase(creations_, &call); });
     const ObjectRef object = CreatorFor(call.Destination())();

@@ -91,7 +91,7 @@ void Exports::LeaveIfUnused(Entries::iterator entry) {
     SettleSoon();
 }
 
-// Used where no caller will settle, e.g. after an answer that ended a loan.
+// Used where no caller will settle, e.g. after a reply that ended a loan.
 void Exports::SettleSoon() {
     if (!settling_) settling_ = loop_.After(Milliseconds(0), [this] { Settle(); });
 }

@@ -35,7 +35,7 @@ class Exports {
     // True if there are objects that Settle has to notify.
     bool HasDepartures() const { return !departed_.empty(); }
     // Notifies the objects whose last client has left, and reports whether any clients remain if that has
-    // changed. Separate from Release, so that the answer to a release can be sent first.
+    // changed. Separate from Release, so that the reply to a release can be sent first.
     void Settle();
 
   private:

@@ -34,7 +34,7 @@ ObjectRef IncomingCall::Borrowed(const Address& address) {
     if (address.IsNothing()) return nullptr;
     if (session_->Bus().IsOwn(address.owner)) {
         ObjectRef object = session_->OwnObject(address);
-        // The object keeps its path until the answer is sent, which may contain the path again.
+        // The object keeps its path until the reply is sent, which may contain the path again.
         given_.PathOf(object);
         return object;
     }
@@ -56,23 +56,23 @@ Arguments IncomingCall::Variants() {
     return values;
 }
 
-sd_bus_message* IncomingCall::Answer() {
-    if (!answer_) {
-        sd_bus_message* answer = nullptr;
-        RequireSuccess(sd_bus_message_new_method_return(message_.get(), &answer));
-        answer_ = Adopted(answer);
+sd_bus_message* IncomingCall::Reply() {
+    if (!reply_) {
+        sd_bus_message* reply = nullptr;
+        RequireSuccess(sd_bus_message_new_method_return(message_.get(), &reply));
+        reply_ = Adopted(reply);
         returned_ = std::make_unique<Loan>(session_->Own());
     }
-    return answer_.get();
+    return reply_.get();
 }
 
 void IncomingCall::ReturnVariant(const Value& value) {
-    AppendVariant(Answer(), value,
+    AppendVariant(Reply(), value,
                   [this](const ObjectRef& object) { return session_->AddressOf(object, *returned_); });
 }
 
 void IncomingCall::ReturnTyped(const Value& value, ValueType type) {
-    AppendTyped(Answer(), value, type,
+    AppendTyped(Reply(), value, type,
                 [this](const ObjectRef& object) { return session_->AddressOf(object, *returned_); });
 }
 
@@ -81,18 +81,18 @@ void IncomingCall::ReturnCreated(const ObjectRef& object) {
     if (isRefused_) returned_ = std::make_unique<Loan>(session_->Own());
     const Address address = session_->AddressOf(object, *returned_);
     if (isRefused_) throw BusyError();
-    AppendAddress(Answer(), address);
+    AppendAddress(Reply(), address);
 }
 
 void IncomingCall::ReturnGiven(const Value& value) {
-    AppendVariant(Answer(), value,
+    AppendVariant(Reply(), value,
                   [this](const ObjectRef& object) { return session_->AddressOf(object, given_); });
 }
 
 void IncomingCall::Serve(const std::function<void(IncomingCall&)>& serve) {
     try {
         serve(*this);
-        Answer();
+        Reply();
     } catch (const BusError& error) {
         Fail(error.Name(), error);
     } catch (const BusyError& error) {
@@ -115,7 +115,7 @@ void IncomingCall::RefuseAsBusy() {
 void IncomingCall::Fail(const char* name, const RuntimeError& error) {
     if (returned_ && isCreation_) returned_->Forfeit();
     returned_.reset();
-    answer_ = ErrorAnswer(message_.get(), name, error);
+    reply_ = ErrorAnswer(message_.get(), name, error);
 }
 
 // By now all arguments have been destroyed, so any other reference to a borrowed object means that somebody
@@ -129,12 +129,12 @@ void IncomingCall::SendAnswer() {
     if (!WantsAnswer() || isRefused_) return;
     Connection& connection = session_->Bus();
     try {
-        connection.Send(answer_.get());
+        connection.Send(reply_.get());
     } catch (const RuntimeError& error) {
         // A caller that can still be reached would otherwise wait for ever.
         if (!connection.IsLost()) {
             Fail(bus::errorName, error);
-            connection.Send(answer_.get());
+            connection.Send(reply_.get());
         }
     }
     // If the caller has left meanwhile, these references are released with all others that it held.

@@ -12,7 +12,7 @@
 namespace platform {
 
 // Objects among the arguments are borrowed: those that are still referenced when the call is answered are
-// retained. Each object in the answer counts as a reference of the caller.
+// retained. Each object in the reply counts as a reference of the caller.
 class IncomingCall {
   public:
     IncomingCall(std::shared_ptr<Session> session, MessageRef message);
@@ -36,9 +36,9 @@ class IncomingCall {
     Value Typed(ValueType type);
     Arguments Variants();
 
-    // Write the answer in order, directly to Answer() or by the members below. ReturnGiven returns an
+    // Write the reply in order, directly to Reply() or by the members below. ReturnGiven returns an
     // argument that the callee left unchanged.
-    sd_bus_message* Answer();
+    sd_bus_message* Reply();
     void ReturnVariant(const Value& value);
     void ReturnTyped(const Value& value, ValueType type);
     // Returns an object that this call created. If it can't be sent to the caller, it is notified that its
@@ -46,10 +46,10 @@ class IncomingCall {
     void ReturnCreated(const ObjectRef& object);
     void ReturnGiven(const Value& value);
 
-    // Runs `serve` and sends the answer. A failure becomes an error answer.
+    // Runs `serve` and sends the reply. A failure becomes an error reply.
     void Serve(const std::function<void(IncomingCall&)>& serve);
 
-    // Answers the call while it is still being served. Serve then sends no second answer.
+    // Answers the call while it is still being served. Serve then sends no second reply.
     void RefuseAsBusy();
 
   private:
@@ -59,7 +59,7 @@ class IncomingCall {
     ObjectRef Borrowed(const Address& address);
 
     std::shared_ptr<Session> session_;
-    MessageRef message_, answer_;
+    MessageRef message_, reply_;
     std::string_view path_, interface_, member_;
     std::string sender_;
     Loan given_;

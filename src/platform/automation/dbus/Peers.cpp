@@ -15,9 +15,9 @@ std::string RuleFor(const std::string& name) {
            name + "'";
 }
 
-bool SaysNobody(sd_bus_message* answer) {
+bool SaysNobody(sd_bus_message* reply) {
     int hasOwner = 1;
-    return sd_bus_message_read_basic(answer, 'b', &hasOwner) > 0 && hasOwner == 0;
+    return sd_bus_message_read_basic(reply, 'b', &hasOwner) > 0 && hasOwner == 0;
 }
 
 }  // namespace
@@ -61,8 +61,8 @@ void Peers::Subscribe(const std::string& name, const std::shared_ptr<Peer>& peer
     const MessageRef question =
         connection_.NewCall(bus::daemonName, bus::daemonPath, bus::daemonName, "NameHasOwner");
     sd_bus_message_append_basic(question.get(), 's', name.c_str());
-    connection_.SendCall(question.get(), [this, name](const MessageRef& answer) {
-        if (answer && SaysNobody(answer.get())) Left(name);
+    connection_.SendCall(question.get(), [this, name](const MessageRef& reply) {
+        if (reply && SaysNobody(reply.get())) Left(name);
     });
 }
 

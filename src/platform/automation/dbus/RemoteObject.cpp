@@ -13,7 +13,7 @@ std::shared_ptr<Session> Required(const std::weak_ptr<Session>& session) {
     throw RuntimeError(ErrorNumber::ServerGone, "the connection to the bus is closed");
 }
 
-// What was sent with a call. Kept until the answer arrives, since the callee may use the objects among the
+// What was sent with a call. Kept until the reply arrives, since the callee may use the objects among the
 // arguments until then.
 struct Sent {
     explicit Sent(Session& session) : loan(session.Own()) {}
@@ -22,22 +22,22 @@ struct Sent {
     std::vector<ObjectRef> objects;
 };
 
-// Reads an answer, and compares its arguments with those that were sent.
-class AnswerReader {
+// Reads a reply, and compares its arguments with those that were sent.
+class ReplyReader {
   public:
-    AnswerReader(Session& session, sd_bus_message* answer, const Sent& sent)
-        : session_(session), answer_(answer), sent_(sent), sender_(sd_bus_message_get_sender(answer)) {}
+    ReplyReader(Session& session, sd_bus_message* reply, const Sent& sent)
+        : session_(session), reply_(reply), sent_(sent), sender_(sd_bus_message_get_sender(reply)) {}
 
     Value Result() {
-        return ReadVariant(answer_,
+        return ReadVariant(reply_,
                            [this](const Address& address) { return session_.Received(address, sender_); });
     }
 
-    // Leaves arguments unchanged that the answer omits or returns as they were sent.
+    // Leaves arguments unchanged that the reply omits or returns as they were sent.
     void TakeBack(Arguments& arguments) {
         Arguments taken = arguments;
         std::size_t i = 0;
-        ReadVariants(answer_, [&] {
+        ReadVariants(reply_, [&] {
             if (i == taken.size())
                 throw RuntimeError(ErrorNumber::TypeMismatch, "too many arguments came back");
             Value after = Entry(i);
@@ -50,7 +50,7 @@ class AnswerReader {
   private:
     // The callee counts a reference only if it has replaced the object.
     Value Entry(std::size_t i) {
-        return ReadVariant(answer_, [this, i](const Address& address) {
+        return ReadVariant(reply_, [this, i](const Address& address) {
             if (sent_.objects[i] && address == sent_.addresses[i]) return sent_.objects[i];
             return session_.Received(address, sender_);
         });
@@ -62,7 +62,7 @@ class AnswerReader {
     }
 
     Session& session_;
-    sd_bus_message* answer_;
+    sd_bus_message* reply_;
     const Sent& sent_;
     std::string sender_;
 };
@@ -89,10 +89,10 @@ MessageRef InvokeMessage(Session& session, const Address& address, std::string_v
     return call;
 }
 
-Value TakeAnswer(Session& session, sd_bus_message* answer, const Sent& sent, Arguments& arguments) {
-    if (sd_bus_message_has_signature(answer, "vav") <= 0)
-        throw RuntimeError(ErrorNumber::TypeMismatch, "the answer to a call has another signature");
-    AnswerReader reader(session, answer, sent);
+Value TakeReply(Session& session, sd_bus_message* reply, const Sent& sent, Arguments& arguments) {
+    if (sd_bus_message_has_signature(reply, "vav") <= 0)
+        throw RuntimeError(ErrorNumber::TypeMismatch, "the reply to a call has another signature");
+    ReplyReader reader(session, reply, sent);
     Value result = reader.Result();
     reader.TakeBack(arguments);
     return result;
@@ -110,7 +110,7 @@ void RemoteObject::Retain() {
     owns_ = true;
 }
 
-// Doesn't wait for an answer: if the object's process has left, there is nothing to count.
+// Doesn't wait for a reply: if the object's process has left, there is nothing to count.
 void RemoteObject::Notify(const char* method) noexcept {
     const auto session = session_.lock();
     if (!session) return;
@@ -133,15 +133,15 @@ Value RemoteObject::Invoke(std::string_view member, InvokeKind kind, Arguments& 
     const auto sent = std::make_shared<Sent>(*session);
     const MessageRef call = InvokeMessage(*session, address_, member, kind, arguments, *sent);
     const auto given = arguments.size();
-    const MessageRef answer = session->Calls().Call(
+    const MessageRef reply = session->Calls().Call(
         call, patience_, sent,
         [&bus = *session, &travelled = *sent, given, patience = patience_](sd_bus_message* late) {
-            // References in the late answer are released as soon as nothing in this process holds them.
+            // References in the late reply are released as soon as nothing in this process holds them.
             Arguments dropped(given);
-            const Value result = TakeAnswer(bus, late, travelled, dropped);
+            const Value result = TakeReply(bus, late, travelled, dropped);
             if (patience && patience->Late) patience->Late(result);
         });
-    return TakeAnswer(*session, answer.get(), *sent, arguments);
+    return TakeReply(*session, reply.get(), *sent, arguments);
 }
 
 void RemoteObject::Post(std::string_view member, InvokeKind kind, const Arguments& arguments,
@@ -150,9 +150,9 @@ void RemoteObject::Post(std::string_view member, InvokeKind kind, const Argument
     const auto sent = std::make_shared<Sent>(*session);
     const MessageRef call = InvokeMessage(*session, address_, member, kind, arguments, *sent);
     session->Calls().Post(call, sent,
-                          [&bus = *session, &travelled = *sent, arguments, answered](sd_bus_message* answer) {
+                          [&bus = *session, &travelled = *sent, arguments, answered](sd_bus_message* reply) {
                               Arguments after = arguments;
-                              const Value result = TakeAnswer(bus, answer, travelled, after);
+                              const Value result = TakeReply(bus, reply, travelled, after);
                               if (answered) answered(result);
                           });
 }

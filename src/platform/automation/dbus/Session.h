@@ -29,7 +29,7 @@ class Session : public std::enable_shared_from_this<Session> {
     // The object of this process at an address. Raises 462 if its path is no longer in use.
     ObjectRef OwnObject(const Address& address) const;
 
-    // The object for a reference that an answer of `sender` contained; the result owns that reference.
+    // The object for a reference that a reply of `sender` contained; the result owns that reference.
     ObjectRef Received(const Address& address, const std::string& sender);
 
     // Sends queued messages, then notifies objects whose last client has left.

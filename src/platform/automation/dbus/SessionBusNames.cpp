@@ -39,10 +39,10 @@ class SessionBusNames : public BusNames {
   private:
     MessageRef Ask(const char* method) {
         if (!bus_) bus_ = Connected();
-        sd_bus_message* answer = nullptr;
+        sd_bus_message* reply = nullptr;
         RequireAnswer(sd_bus_call_method(bus_.get(), bus::daemonName, bus::daemonPath, bus::daemonName,
-                                         method, nullptr, &answer, ""));
-        return Adopted(answer);
+                                         method, nullptr, &reply, ""));
+        return Adopted(reply);
     }
 
     std::set<std::string> List(const char* method) {

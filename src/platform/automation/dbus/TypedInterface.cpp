@@ -37,9 +37,9 @@ void ReturnProperty(IncomingCall& call, Object& object, const Member& member) {
     Arguments none;
     const Value value = InvokeMember(object, member, none);
     const std::string signature(SignatureOf(member.result));
-    RequireSuccess(sd_bus_message_open_container(call.Answer(), 'v', signature.c_str()));
+    RequireSuccess(sd_bus_message_open_container(call.Reply(), 'v', signature.c_str()));
     call.ReturnTyped(value, member.result);
-    RequireSuccess(sd_bus_message_close_container(call.Answer()));
+    RequireSuccess(sd_bus_message_close_container(call.Reply()));
 }
 
 void GetProperty(IncomingCall& call, Object& object, std::string_view name) {
@@ -57,16 +57,16 @@ void SetProperty(IncomingCall& call, Object& object, std::string_view name) {
 }
 
 void GetAllProperties(IncomingCall& call, Object& object) {
-    sd_bus_message* answer = call.Answer();
-    RequireSuccess(sd_bus_message_open_container(answer, 'a', "{sv}"));
+    sd_bus_message* reply = call.Reply();
+    RequireSuccess(sd_bus_message_open_container(reply, 'a', "{sv}"));
     for (const Member& member : object.Class().members) {
         if (member.IsWrite() || member.IsMethod()) continue;
-        RequireSuccess(sd_bus_message_open_container(answer, 'e', "sv"));
-        AppendText(answer, FromUtf8(member.name));
+        RequireSuccess(sd_bus_message_open_container(reply, 'e', "sv"));
+        AppendText(reply, FromUtf8(member.name));
         ReturnProperty(call, object, member);
-        RequireSuccess(sd_bus_message_close_container(answer));
+        RequireSuccess(sd_bus_message_close_container(reply));
     }
-    RequireSuccess(sd_bus_message_close_container(answer));
+    RequireSuccess(sd_bus_message_close_container(reply));
 }
 
 // False for the late-bound interface, which has no properties. Raises 438 for an unknown interface.
@@ -106,7 +106,7 @@ void ServeProperties(IncomingCall& call, Object& object) {
     const bool hasProperties = HasProperties(object, call.String());
     if (method == "GetAll" && hasProperties) return GetAllProperties(call, object);
     if (method == "GetAll") {
-        RequireSuccess(sd_bus_message_append(call.Answer(), "a{sv}", 0));
+        RequireSuccess(sd_bus_message_append(call.Reply(), "a{sv}", 0));
         return;
     }
     const std::string_view name = call.String();
