@@ -21,7 +21,7 @@ from gi.repository import GLib
 
 from sandbox import wait_for
 
-TIMEDATE, PATH, PROPERTIES = "org.freedesktop.timedate1", "/org/freedesktop/timedate1", "org.freedesktop.DBus.Properties"
+TIMEDATE, PROPERTIES = "org.freedesktop.timedate1", "org.freedesktop.DBus.Properties"
 ZONE, AHEAD = "America/New_York", 1000  # seconds: how far its clock is ahead of this machine's until it is set
 FAULTS = "absent", "refusing", "bridgeless", "stop-before", "stop-after"
 FILES = {
@@ -34,7 +34,7 @@ export OWN_CLOCK={folder} OWN_ZONE={zone} SYSTEMD_TIMEDATED_NTP_SERVICES=
 DBUS_SYSTEM_BUS_ADDRESS="$DBUS_STARTER_ADDRESS" LD_PRELOAD={clock} exec /usr/lib/systemd/systemd-timedated
 """,
     "bridge": """[ "$SSH_ORIGINAL_COMMAND" = systemd-stdio-bridge ] && [ ! -e {folder}/bridgeless ] || exit 127
-echo $PPID $$ >>{folder}/connections
+echo $$ >{folder}/connection
 exec systemd-stdio-bridge --bus-path={address}
 """,
     "sshd_config": """ListenAddress 127.0.0.1:{port}
@@ -43,7 +43,6 @@ AuthorizedKeysFile {folder}/key.pub
 ForceCommand /bin/sh {folder}/bridge
 PidFile none
 StrictModes no
-UsePAM no
 PasswordAuthentication no
 """,
     "ssh_config": """Host closed
@@ -104,7 +103,6 @@ class FarSide:
     def reset(self, fault):
         """Has this fault alone; a second word says more of it."""
         (self.folder / "ahead").write_text(str(AHEAD * 10**9))
-        (self.folder / "connections").write_text("")
         self.mend()
         if fault:
             name, _, more = fault.partition(" ")
@@ -134,11 +132,9 @@ class FarSide:
         wait_for(lambda: (pid := self.service()) and ") T " in Path(f"/proc/{pid}/stat").read_text(), 20,
                  "the clock service to be stopped")
 
-    def signal_connections(self, number):
-        """To the processes that serve those who have come by ssh."""
-        for pid in (self.folder / "connections").read_text().split():
-            with contextlib.suppress(ProcessLookupError):
-                os.kill(int(pid), number)
+    def cut_connection(self):
+        """That of the last who has come by ssh."""
+        os.kill(int((self.folder / "connection").read_text()), signal.SIGKILL)
 
 
 class Refusing(dbus.service.Object):
@@ -156,6 +152,6 @@ class Refusing(dbus.service.Object):
 if __name__ == "__main__":
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
     bus = dbus.bus.BusConnection(os.environ["DBUS_STARTER_ADDRESS"])
-    served = Refusing(bus, PATH)
+    served = Refusing(bus, "/org/freedesktop/timedate1")
     bus.request_name(TIMEDATE)
     GLib.MainLoop().run()

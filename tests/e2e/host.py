@@ -18,18 +18,6 @@ LIMIT = 40  # seconds; the add-in waits for 20 before it asks the operator
 OBJECT = Gio.DBusNodeInfo.new_for_xml((SOURCES / "docs/introspection/host.xml").read_text()).interfaces[0]
 
 
-def good(key):
-    """What the add-in calls in a good lookup."""
-    return ["oPBX", f"Login {EXCHANGE}", f"ShowMessage PBX clock request: {key}", "oPBX", "SendRequest LOOKUP_CLOCK",
-            "ShowMessage PBX clock request: R", f"ShowResults PBX Clock ({EXCHANGE}) /Response/{key}", "ShowMessage OK",
-            "ShowCode 0", "oPBX", f"LogOut {EXCHANGE} {key}"]
-
-
-def clock(key):
-    """The time that the box of an answer shows, which says whose answer it is."""
-    return f"09:02:{int(key[1:]) % 60:02}"
-
-
 def value(plain):
     kind = "(y)" if plain == EMPTY else {bool: "b", int: "n", str: "s", tuple: "(so)"}[type(plain)]
     return GLib.Variant(kind, plain)
@@ -47,7 +35,7 @@ class Host:
     add-in holds, `delay` is what REGComData takes in milliseconds, `halts_at` a member that it halts in."""
 
     def __init__(self, address):
-        self.calls, self.kept, self.clients, self.tags, self.messages = [], Counter(), {}, {}, {}
+        self.calls, self.kept, self.clients, self.tags = [], Counter(), {}, {}
         self.calls_back, self.code, self.delay, self.last_call, self.halts_at = True, 0, 0, 0.0, ""
         self.halted, self.wakes = threading.Event(), threading.Event()
         self.loop = GLib.MainLoop(GLib.MainContext())
@@ -99,8 +87,8 @@ class Host:
         member, _, arguments = parameters.unpack()
 
         def answer(plain):
-            answers = GLib.Variant("v", value(plain)), parameters.get_child_value(2)
-            invocation.return_value(GLib.Variant.new_tuple(*answers))
+            given = GLib.Variant("v", value(plain))
+            invocation.return_value(GLib.Variant.new_tuple(given, parameters.get_child_value(2)))
 
         if path.startswith("/Response/"):
             return answer(self.respond(path.rpartition("/")[2], member, *arguments))
@@ -134,12 +122,9 @@ class Host:
         self.invoke(record, "Tag", READ).add_done_callback(tagged)
 
     def respond(self, key, member, *arguments):
-        if member == "Message":
-            self.messages[key] = arguments[0] if arguments else self.messages.get(key, "")
-            return self.messages[key]
-        item = arguments[0] if arguments else 0
-        return {"Count": 3, "CMD": "02", "FirstData": str(item), "SecondData": ("2026", "07/04 SAT", clock(key))[item],
-                "ExtraData": "OK", "ErrCode": self.code, "Tag": self.tags[key], "LoginID": key}[member]
+        item = arguments[0] if member.endswith("Data") else 0
+        return {"Count": 3, "CMD": "02", "FirstData": str(item), "SecondData": ("2026", "07/04 SAT", "09:02:00")[item],
+                "ExtraData": "OK", "ErrCode": self.code, "Message": "OK", "Tag": self.tags[key], "LoginID": key}[member]
 
     def send(self, target, interface, method, parameters=None):
         """Sends in the order of these calls; gives the reply that is to come."""

@@ -25,12 +25,12 @@ def setUpModule():
 
 
 def lose_before():
-    far.signal_connections(signal.SIGKILL)
+    far.cut_connection()
     far.kill_service()
 
 
 def lose_after():
-    far.signal_connections(signal.SIGKILL)
+    far.cut_connection()
     os.kill(far.service(), signal.SIGCONT)
 
 
@@ -80,7 +80,7 @@ class Exchanges(testbed.EndToEndTest):
     def ask(self, button, text, title, sentence):
         self.press(button)
         self.expect(text, title, sentence)
-        self.wait_until_enabled(button)
+        testbed.driver.wait_until_enabled(ADD_IN, button)
 
     def expect(self, text, title, sentence):
         self.assertIn(text, self.close_box(title))
@@ -133,7 +133,7 @@ class Exchanges(testbed.EndToEndTest):
                     act()
                 self.expect(text, CLOCK_READ if text == UPDATED else FAILED, sentence)
                 self.assertIs(round(far.ahead()) == AHEAD, text != UPDATED)
-                self.wait_until_enabled(UPDATE)
+                testbed.driver.wait_until_enabled(ADD_IN, UPDATE)
                 far.mend()
                 if place.startswith(("ssh:far", "local")):
                     self.assert_shown()

@@ -58,7 +58,7 @@ class Programs(OwnHostTest):
             add_in = self.start([testbed.sandbox.add_in, EXCHANGE], environment=changed(**changes),
                                 stderr=subprocess.PIPE, text=True)
             if not changes:
-                self.assert_usable()
+                self.look_up()
                 self.press(UPDATE)
                 self.assertEqual(self.close_box(CLOCK_READ), "The date and time of the PBX have been updated.")
             self.leave(title)
@@ -91,7 +91,7 @@ class Programs(OwnHostTest):
         for command in EXAMPLES:
             with self.case(command[-1].name):
                 process = self.start(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
-                self.assert_usable()
+                self.look_up()
                 self.press(UPDATE)
                 self.assertEqual(self.close_box("Update Failed").count("CODE NOT ALLOWED"), 3)
                 self.leave(dialog_title("Example"))

@@ -22,7 +22,7 @@ from sandbox import Sandbox, wait_for
 
 EXCHANGE = "Main Office"
 ADD_IN, SWITCHDESK = "horalink", "switchdesk"
-LOOKUP, UPDATE, CLOSE = "Read the clock of the PBX", "Set the clock of the PBX", "Close this window"
+LOOKUP, UPDATE = "Read the clock of the PBX", "Set the clock of the PBX"
 CLOCK_READ, LOGIN_FAILED, NOTICE = "PBX Clock", "Login Failed", "System Fatal Notice"  # titles of boxes
 WAIT_BOX, GIVE_UP = "Horalink – Waiting for an Answer", "Give up"  # and the button that ends a wait
 ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.cPBXOle"
@@ -33,9 +33,7 @@ STARTS_ADD_INS = {"test_hosts", "test_lives"}  # by themselves, and see their en
 SHARE, ONLY = os.environ.get("HORALINK_SHARE", ""), os.environ.get("HORALINK_ONLY")
 
 # Those of the module of tests; the accessibility library can be connected only once in a process.
-sandbox = None
-driver = None
-bus = None
+sandbox = driver = bus = None
 
 
 def set_up():
@@ -151,9 +149,6 @@ class EndToEndTest(unittest.TestCase):
     def is_enabled(self, button=LOOKUP, program=ADD_IN):
         return driver.is_enabled(driver.find(program, button, Role.PUSH_BUTTON))
 
-    def wait_until_enabled(self, button=LOOKUP):
-        self.wait_for(lambda: self.is_enabled(button), f"'{button}' to be enabled")
-
     def leave(self, window):
         driver.raise_window(window)
         driver.press("alt+F4")
@@ -175,13 +170,9 @@ class EndToEndTest(unittest.TestCase):
         out, which it does after the box."""
         self.press(LOOKUP)
         text = self.close_box(CLOCK_READ)
-        self.wait_until_enabled()
+        self.assertRegex(text, r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
+        driver.wait_until_enabled(ADD_IN, LOOKUP)
         return text
-
-    def assert_usable(self):
-        self.assertEqual(self.boxes(), [])
-        self.wait_until_enabled()
-        self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
 
 
 class OwnHostTest(EndToEndTest):
@@ -192,10 +183,10 @@ class OwnHostTest(EndToEndTest):
         return self.clients[-1]
 
     def start_add_in(self, address=None, **changes):
+        address = address or sandbox.environment["DBUS_SESSION_BUS_ADDRESS"]
         client = self.join(address)
-        if address:
-            changes["DBUS_SESSION_BUS_ADDRESS"] = address
-        add_in = self.start([sandbox.add_in, "-Embedding"], environment=changed(**changes))
+        environment = changed(DBUS_SESSION_BUS_ADDRESS=address, **changes)
+        add_in = self.start([sandbox.add_in, "-Embedding"], environment=environment)
         self.wait_for(lambda: client.ask(BUS, "/", BUS, "NameHasOwner", ADD_IN_CLASS), "the add-in to serve its class")
         return add_in, client
 
