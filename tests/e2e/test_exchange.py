@@ -15,27 +15,12 @@ HASTE = 2  # for a host whose limits are reached, of 12 and 6 seconds
 UPDATED, FAILED, NOT_READ = "The date and time of the PBX have been updated.", "Update Failed", "Reading Failed"
 NO_ANSWER, NOT_ALLOWED = "(no valid answer from the PBX)", "CODE NOT ALLOWED"
 NEW_YORK = ZoneInfo(ZONE)
-far = None
-
-
-def setUpModule():
-    global far
-    testbed.set_up()
-    far = FarSide(testbed.sandbox, testbed.OWN_TIME)
-
-
-def lose_before():
-    far.cut_connection()
-    far.kill_service()
-
-
-def lose_after():
-    far.cut_connection()
-    os.kill(far.service(), signal.SIGCONT)
-
-
-# Where the exchange is and what is wrong there; what is done while the clock service is stopped in the middle of a
-# write; what the operator sees and the host says.
+# The day on which the clocks are put forward next over there, from two to three.
+DAYS = [date.today() + timedelta(days=ahead) for ahead in range(1, 400)]
+CHANGE = next(day for day in DAYS if datetime(day.year, day.month, day.day, 2, 30, tzinfo=NEW_YORK).astimezone(
+    timezone.utc).astimezone(NEW_YORK).hour != 2)
+# Where the exchange is and what is wrong there; what the clock service gets, and its connection is lost, while it is
+# stopped in the middle of a write; what the operator sees and the host says.
 FAILURES = [
     ("ssh:closed,set", "", None, NO_ANSWER, "It can't be reached: .*Connection refused"),
     ("ssh:keyless,set", "", None, NO_ANSWER, "It refused this user's ssh keys"),
@@ -48,20 +33,22 @@ FAILURES = [
     ("ssh:far,set", "refusing org.freedesktop.timedate1.AutomaticTimeSyncEnabled", None, NOT_ALLOWED,
      "It keeps its clock by NTP"),
     ("local", "", None, NOT_ALLOWED, "Its clock may only be read"),
-    ("ssh:far,set", "stop-before", lose_before, NO_ANSWER, "The connection was lost. The clock was not set."),
-    ("ssh:far,set", "stop-after", lose_after, UPDATED, "The connection was lost. The clock shows the new time."),
-    ("local,set", "stop-before", lambda: far.kill_service(), NO_ANSWER,
+    ("ssh:far,set", "stop-before", signal.SIGKILL, NO_ANSWER, "The connection was lost. The clock was not set."),
+    ("ssh:far,set", "stop-after", signal.SIGCONT, UPDATED, "The connection was lost. The clock shows the new time."),
+    ("local,set", "stop-before", signal.SIGKILL, NO_ANSWER,
      "Its clock service ended without an answer. The clock was not set."),
     ("ssh:far,set", "stop-before", None, NO_ANSWER,
      "It didn't answer in time. Whether the clock was set isn't known: read it."),
 ]
 
 
-def next_change():
-    """The day on which the clocks are put forward next over there, from two to three."""
-    days = (date.today() + timedelta(days=ahead) for ahead in range(1, 400))
-    return next(day for day in days if datetime(day.year, day.month, day.day, 2, 30, tzinfo=NEW_YORK).astimezone(
-        timezone.utc).astimezone(NEW_YORK).hour != 2)
+far = None
+
+
+def setUpModule():
+    global far
+    testbed.set_up()
+    far = FarSide(testbed.sandbox, testbed.OWN_TIME)
 
 
 class Exchanges(testbed.EndToEndTest):
@@ -86,13 +73,6 @@ class Exchanges(testbed.EndToEndTest):
         self.assertIn(text, self.close_box(title))
         self.assertRegex(self.host.lines("ShowMessage(")[-1], rf'ShowMessage\("{sentence}')
 
-    def choose_day(self, day):
-        for name in ("Follow the time of this PC", "Follow the date of this PC"):
-            testbed.driver.untick(testbed.driver.find(ADD_IN, name, Role.CHECK_BOX))
-        self.choose("Hour")
-        months = (day.year - date.today().year) * 12 + day.month - date.today().month
-        testbed.driver.press("Tab", "Tab", "Tab", *["Next"] * months, "Return", *["Right"] * (day.day - 1))
-
     def choose(self, name, wanted=None):
         """A part of the time, and what it is to show."""
         part = testbed.driver.find(ADD_IN, name, Role.TEXT)
@@ -109,28 +89,33 @@ class Exchanges(testbed.EndToEndTest):
         self.ask(UPDATE, UPDATED, CLOCK_READ, "clock set")
         shown = datetime.fromtimestamp(time.time() + far.ahead(), NEW_YORK).replace(tzinfo=None)
         self.assertLess(abs(datetime.now() - shown), timedelta(seconds=0.25))
-        change = next_change()
-        self.choose_day(change)
+        for name in ("Follow the time of this PC", "Follow the date of this PC"):
+            testbed.driver.untick(testbed.driver.find(ADD_IN, name, Role.CHECK_BOX))
+        self.choose("Hour")  # three controls ahead of the calendar
+        months = (CHANGE.year - date.today().year) * 12 + CHANGE.month - date.today().month
+        testbed.driver.press("Tab", "Tab", "Tab", *["Next"] * months, "Return", *["Right"] * (CHANGE.day - 1))
         self.choose("AM or PM", "AM")
         self.choose("Hour", "02")
         self.ask(UPDATE, "DATA ERROR", FAILED, "Its clocks skip that time")
         minute, second, hour = (int(self.choose(*part)) for part in (["Minute"], ["Second"], ["Hour", "03"]))
         sent = time.time()
         self.ask(UPDATE, UPDATED, CLOCK_READ, "clock set")
-        chosen = datetime(change.year, change.month, change.day, hour, minute, second, tzinfo=NEW_YORK)
+        chosen = datetime(CHANGE.year, CHANGE.month, CHANGE.day, hour, minute, second, tzinfo=NEW_YORK)
         # It counts from somewhere between the click and the end.
         self.assertTrue(sent < chosen.timestamp() - far.ahead() < time.time(), (sent, chosen, far.ahead()))
         self.assert_shown()
 
     def test_failures(self):
         """When what was wrong there is mended, the dialog reads the clock, or says again that it can't."""
-        for place, fault, act, text, sentence in FAILURES:
+        for place, fault, number, text, sentence in FAILURES:
             with self.case(f"{place} {fault}: {sentence}"):
-                self.open(place, fault, haste=HASTE if fault == "stop-before" and not act else 1)
+                self.open(place, fault, haste=HASTE if fault == "stop-before" and not number else 1)
                 self.press(UPDATE)
-                if act:
+                if number:
                     far.wait_until_service_stands_still()
-                    act()
+                    if place.startswith("ssh"):
+                        far.cut_connection()
+                    os.kill(far.service(), number)
                 self.expect(text, CLOCK_READ if text == UPDATED else FAILED, sentence)
                 self.assertIs(round(far.ahead()) == AHEAD, text != UPDATED)
                 testbed.driver.wait_until_enabled(ADD_IN, UPDATE)

@@ -7,7 +7,7 @@ import subprocess
 import sys
 
 import testbed
-from driver import Role
+from driver import Atspi, GLib, Role
 from host import BUSY, result
 from sandbox import SOURCES
 from testbed import (ADD_IN, BUILD, CLOCK_READ, EXCHANGE, LIMIT, NOTICE, SWITCHDESK, UPDATE, Host, OwnHostTest, changed,
@@ -17,7 +17,6 @@ from testbed import set_up as setUpModule  # noqa: F401
 NO_BUS = {"DBUS_SESSION_BUS_ADDRESS": "unix:path=/none"}
 EXAMPLES = [(sys.executable, SOURCES / "examples/host.py"), (BUILD / "examples/example-host",),
             (sys.executable, SOURCES / "examples/minimal_host.py")]
-OPEN_ADD_IN, CLOSE_ADD_IN = "Open clock add-in", "Close add-in"
 
 
 class Programs(OwnHostTest):
@@ -73,19 +72,37 @@ class Programs(OwnHostTest):
             self.assertGreater(done.returncode, 0)
             self.assertRegex(done.stderr, rf"^\S*horalink: [^\n]*{why}[^\n]*\n$")
 
+    def test_assistive_programs_hear_of_the_dialog_and_its_menu(self):
+        heard = []
+        listener = Atspi.EventListener.new(
+            lambda event: heard.append(event.source.get_role()) if event.detail1 else None)
+        listener.register("object:state-changed:focused")
+        self.addCleanup(listener.deregister, "object:state-changed:focused")
+        self.start([testbed.sandbox.add_in, EXCHANGE])
+        window = testbed.driver.window(ADD_IN, dialog_title())
+        self.assertEqual(window.get_role(), Role.DIALOG)
+        self.assertEqual([node.get_role() for node in testbed.driver.nodes(window) if not node.get_name()], [])
+        minute = testbed.driver.find(ADD_IN, "Minute", Role.TEXT)
+        spin = testbed.driver.find(ADD_IN, "Change the selected part of the time", Role.SPIN_BUTTON)
+        testbed.driver.untick(testbed.driver.find(ADD_IN, "Follow the time of this PC", Role.CHECK_BOX))
+        testbed.driver.click(minute)
+        self.wait_for(lambda: Atspi.Value.get_current_value(spin) == int(testbed.driver.value(minute)), "its value")
+        for key, role in (("Menu", Role.MENU_ITEM), ("Escape", Role.TEXT)):
+            testbed.driver.press(key)
+            self.wait_for(lambda role=role: GLib.MainContext.default().iteration(False) or heard[-1:] == [role], key)
+
     def test_the_companion_closes_at_once_though_the_add_in_is_frozen(self):
-        for buttons in ([OPEN_ADD_IN], [CLOSE_ADD_IN, OPEN_ADD_IN]):
-            with self.case(buttons):
-                host = Host(self).open()
-                add_in, *_ = pids(ADD_IN)
-                os.kill(add_in, signal.SIGSTOP)
-                for button in buttons:
-                    self.press(button, SWITCHDESK)
-                    self.wait_for(lambda: not self.is_enabled(button, SWITCHDESK), f"'{button}' to be disabled")
-                self.leave(host.window)
-                self.wait_until_gone(SWITCHDESK)
-                self.assertEqual(pids(ADD_IN), [add_in])
-                os.kill(add_in, signal.SIGKILL)
+        host = Host(self).open()
+        add_in, *_ = pids(ADD_IN)
+        os.kill(add_in, signal.SIGSTOP)
+        for name in ("Close add-in", "Open clock add-in"):
+            button = testbed.driver.find(SWITCHDESK, name, Role.PUSH_BUTTON)
+            testbed.driver.click(button)
+            self.wait_for(lambda button=button: not testbed.driver.is_enabled(button), f"'{name}' to be disabled")
+        self.leave(host.window)
+        self.wait_until_gone(SWITCHDESK)
+        self.assertEqual(pids(ADD_IN), [add_in])
+        os.kill(add_in, signal.SIGKILL)
 
     def test_lookup_update_the_end_of_the_window_and_no_add_in_with_the_examples(self):
         for command in EXAMPLES:

@@ -17,15 +17,13 @@ import dbus.bus
 
 import host
 from driver import LIMIT, Driver, Role
-from host import BUS
-from sandbox import Sandbox, wait_for
+from host import ADD_IN_CLASS, BUS, EXCHANGE
+from sandbox import CLASS_NAMES, Sandbox, wait_for
 
-EXCHANGE = "Main Office"
 ADD_IN, SWITCHDESK = "horalink", "switchdesk"
 LOOKUP, UPDATE = "Read the clock of the PBX", "Set the clock of the PBX"
 CLOCK_READ, LOGIN_FAILED, NOTICE = "PBX Clock", "Login Failed", "System Fatal Notice"  # titles of boxes
 WAIT_BOX, GIVE_UP = "Horalink – Waiting for an Answer", "Give up"  # and the button that ends a wait
-ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.cPBXOle"
 
 BUILD = Path(os.environ["HORALINK_BUILD"])
 OWN_TIME = BUILD / "tests/e2e/libown_time.so"
@@ -74,7 +72,7 @@ def running():
 
 def is_deserted():
     """Also in the eyes of the bus: what is asked of a name that still seems to be there gets lost."""
-    return not running() and not any(bus.name_has_owner(name) for name in (ADD_IN_CLASS, EXCHANGE_CLASS))
+    return not running() and not any(bus.name_has_owner(name) for name in CLASS_NAMES)
 
 
 def pids(program):
@@ -94,9 +92,9 @@ def hasty(haste):
     return {"LD_PRELOAD": str(OWN_TIME), "HASTE": str(haste)}
 
 
-def run(command, seconds=LIMIT, environment=None, **options):
-    return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=seconds, check=False,
-                          env=environment or sandbox.environment, **options)
+def run(command, environment=None):
+    return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=LIMIT, check=False,
+                          env=environment or sandbox.environment)
 
 
 class EndToEndTest(unittest.TestCase):
@@ -115,7 +113,6 @@ class EndToEndTest(unittest.TestCase):
         """One row of a table: a sub-test with all that a test has."""
         with self.subTest(name):
             sandbox.install()
-            self.clients.clear()
             try:
                 yield
             finally:
@@ -133,6 +130,7 @@ class EndToEndTest(unittest.TestCase):
             sandbox.end(process)
             sandbox.processes.remove(process)
         self.started.clear()
+        self.clients.clear()
         try:
             self.wait_for(is_deserted, "all programs to end")
         except TimeoutError:
@@ -145,9 +143,6 @@ class EndToEndTest(unittest.TestCase):
 
     def press(self, button, program=ADD_IN):
         driver.click(driver.find(program, button, Role.PUSH_BUTTON))
-
-    def is_enabled(self, button=LOOKUP, program=ADD_IN):
-        return driver.is_enabled(driver.find(program, button, Role.PUSH_BUTTON))
 
     def leave(self, window):
         driver.raise_window(window)
@@ -213,9 +208,9 @@ class Host:
         driver.window(ADD_IN, dialog_title(self.exchange))
         return self
 
-    def lines(self, *starts):
+    def lines(self, start):
         lines = self.log.read_text(encoding="utf-8").splitlines() if self.log.exists() else []
-        return [line for line in lines if line.startswith(starts or "")]
+        return [line for line in lines if line.startswith(start)]
 
     def wait_for_line(self, start):
         self.test.wait_for(lambda: self.lines(start), f"'{start}' in {self.log.name}")
