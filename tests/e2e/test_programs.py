@@ -78,6 +78,11 @@ class Programs(OwnHostTest):
             lambda event: heard.append(event.source.get_role()) if event.detail1 else None)
         listener.register("object:state-changed:focused")
         self.addCleanup(listener.deregister, "object:state-changed:focused")
+
+        def last_heard():
+            while GLib.MainContext.default().iteration(False):
+                pass
+            return heard[-1:]
         self.start([testbed.sandbox.add_in, EXCHANGE])
         window = testbed.driver.window(ADD_IN, dialog_title())
         self.assertEqual(window.get_role(), Role.DIALOG)
@@ -87,9 +92,9 @@ class Programs(OwnHostTest):
         testbed.driver.untick(testbed.driver.find(ADD_IN, "Follow the time of this PC", Role.CHECK_BOX))
         testbed.driver.click(minute)
         self.wait_for(lambda: Atspi.Value.get_current_value(spin) == int(testbed.driver.value(minute)), "its value")
-        for key, role in (("Menu", Role.MENU_ITEM), ("Escape", Role.TEXT)):
+        for key, role in (("Menu", Role.MENU_ITEM), ("Return", Role.DIALOG), ("Escape", Role.TEXT)):
             testbed.driver.press(key)
-            self.wait_for(lambda role=role: GLib.MainContext.default().iteration(False) or heard[-1:] == [role], key)
+            self.wait_for(lambda role=role: last_heard() == [role], f"what '{key}' brings")
 
     def test_the_companion_closes_at_once_though_the_add_in_is_frozen(self):
         host = Host(self).open()
