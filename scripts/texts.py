@@ -19,10 +19,6 @@ class Texts:
         """The accessible name of a control without a caption: its tool tip."""
         return self._text('SELECT ToolTipText FROM tControls WHERE ObjectName = ? AND "Index" = ?', name, index)
 
-    def caption(self, name):
-        """The caption of a control that has one."""
-        return self._text("SELECT Caption FROM tControls WHERE ObjectName = ?", name)
-
     def title(self, exchange):
         """The title of the dialog for an exchange."""
         return f"{self._text('SELECT Caption FROM tForms WHERE ObjectName = ?', 'dlgAddin')} ({exchange})"

@@ -1,13 +1,6 @@
-"""A host that is written against the contract alone and shares no code with the programs. It misbehaves on request.
-
-As a program it is a process that can be killed and stopped: `host.py MEMBER SIGNAL ANSWERS` opens the add-in, prints
-each call that it gets, and sends itself the signal before it answers the first call of the member. Without ANSWERS it
-answers a request when it gets USR1.
-"""
-import os
+"""A host that is written against the contract alone and shares no code with the programs. It misbehaves on request."""
+import contextlib
 import re
-import signal
-import sys
 import threading
 import time
 from collections import Counter
@@ -25,18 +18,6 @@ LIMIT = 40  # seconds; the add-in waits for 20 before it asks the operator
 OBJECT = Gio.DBusNodeInfo.new_for_xml((SOURCES / "docs/introspection/host.xml").read_text()).interfaces[0]
 
 
-def good(key):
-    """What the add-in calls in a good lookup."""
-    return ["oPBX", f"Login {EXCHANGE}", f"ShowMessage PBX clock request: {key}", "oPBX", "SendRequest LOOKUP_CLOCK",
-            "ShowMessage PBX clock request: R", f"ShowResults PBX Clock ({EXCHANGE}) /Response/{key}", "ShowMessage OK",
-            "ShowCode 0", "oPBX", f"LogOut {EXCHANGE} {key}"]
-
-
-def clock(key):
-    """The time that the box of an answer shows, which says whose answer it is."""
-    return f"09:02:{int(key[1:]) % 60:02}"
-
-
 def value(plain):
     kind = "(y)" if plain == EMPTY else {bool: "b", int: "n", str: "s", tuple: "(so)"}[type(plain)]
     return GLib.Variant(kind, plain)
@@ -51,11 +32,12 @@ def result(future):
 
 class Host:
     """Serves in a thread of its own. `clients` are those of the keys of logins, `kept` counts the references that the
-    add-in holds, `delay` is what REGComData takes in milliseconds."""
+    add-in holds, `delay` is what REGComData takes in milliseconds, `halts_at` a member that it halts in."""
 
     def __init__(self, address):
-        self.calls, self.kept, self.clients, self.tags, self.messages = [], Counter(), {}, {}, {}
-        self.calls_back, self.code, self.delay, self.last_call = True, 0, 0, 0.0
+        self.calls, self.kept, self.clients, self.tags = [], Counter(), {}, {}
+        self.calls_back, self.code, self.delay, self.last_call, self.halts_at = True, 0, 0, 0.0, ""
+        self.halted, self.wakes = threading.Event(), threading.Event()
         self.loop = GLib.MainLoop(GLib.MainContext())
         flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
         self.bus = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
@@ -68,7 +50,13 @@ class Host:
             self.bus.register_object(path, OBJECT, self.serve, None, None)
         self.loop.run()
 
+    def halt(self):
+        """Nothing is heard of it any more, until it is woken."""
+        self.halted.set()
+        self.wakes.wait()
+
     def leave(self):
+        self.wakes.set()
         self.later(self.loop.quit)
         self.thread.join()
         if not self.bus.is_closed():
@@ -85,6 +73,8 @@ class Host:
     def behave(self, sender, call, answer):
         self.calls.append((sender, call))
         self.last_call = time.monotonic()
+        if call.split()[0] == self.halts_at:
+            self.halt()
         self.later(answer, self.delay if call == "REGComData" else 0)
 
     def asked_by(self, layer):
@@ -97,8 +87,8 @@ class Host:
         member, _, arguments = parameters.unpack()
 
         def answer(plain):
-            answers = GLib.Variant("v", value(plain)), parameters.get_child_value(2)
-            invocation.return_value(GLib.Variant.new_tuple(*answers))
+            given = GLib.Variant("v", value(plain))
+            invocation.return_value(GLib.Variant.new_tuple(given, parameters.get_child_value(2)))
 
         if path.startswith("/Response/"):
             return answer(self.respond(path.rpartition("/")[2], member, *arguments))
@@ -132,21 +122,21 @@ class Host:
         self.invoke(record, "Tag", READ).add_done_callback(tagged)
 
     def respond(self, key, member, *arguments):
-        if member == "Message":
-            self.messages[key] = arguments[0] if arguments else self.messages.get(key, "")
-            return self.messages[key]
-        item = arguments[0] if arguments else 0
-        return {"Count": 3, "CMD": "02", "FirstData": str(item), "SecondData": ("2026", "07/04 SAT", clock(key))[item],
-                "ExtraData": "OK", "ErrCode": self.code, "Tag": self.tags[key], "LoginID": key}[member]
+        item = arguments[0] if member.endswith("Data") else 0
+        return {"Count": 3, "CMD": "02", "FirstData": str(item), "SecondData": ("2026", "07/04 SAT", "09:02:00")[item],
+                "ExtraData": "OK", "ErrCode": self.code, "Message": "OK", "Tag": self.tags[key], "LoginID": key}[member]
 
     def send(self, target, interface, method, parameters=None):
         """Sends in the order of these calls; gives the reply that is to come."""
         message = Gio.DBusMessage.new_method_call(*target, CONTRACT + interface, method)
         message.set_body(parameters or GLib.Variant("()", ()))
         future = Future()
+
+        def answered(bus, reply):
+            with contextlib.suppress(GLib.Error):  # the connection was closed meanwhile
+                future.set_result(bus.send_message_with_reply_finish(reply))
         self.later(lambda: self.bus.send_message_with_reply(
-            message, Gio.DBusSendMessageFlags.NONE, GLib.MAXINT32, None,
-            lambda bus, reply: future.set_result(bus.send_message_with_reply_finish(reply))))
+            message, Gio.DBusSendMessageFlags.NONE, GLib.MAXINT32, None, answered))
         return future
 
     def invoke(self, target, member, kind, *arguments):
@@ -182,22 +172,3 @@ class Host:
 
     def at(self, path):
         return self.bus.get_unique_name(), path
-
-
-class Process(Host):
-    def behave(self, sender, call, answer):
-        print(call, flush=True)
-        if call.split()[0] == sys.argv[1]:
-            sys.argv[1] = ""
-            signal.raise_signal(signal.Signals[sys.argv[2]])  # takes effect before this thread goes on
-        super().behave(sender, call, answer)
-
-
-if __name__ == "__main__":
-    signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGUSR1})
-    host = Process(os.environ["DBUS_SESSION_BUS_ADDRESS"])
-    host.calls_back = bool(sys.argv[3])
-    host.open()
-    print("open", flush=True)
-    while signal.sigwait({signal.SIGUSR1}):
-        host.call_back()

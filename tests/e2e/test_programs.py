@@ -1,29 +1,25 @@
 """Programs together: what a good start brings, what a failed one shows and says to who asked for it, and the hosts that
 come with the add-in: the companion, and the examples, which share no code with it."""
-import contextlib
 import os
 import re
-import shutil
 import signal
 import subprocess
 import sys
-from datetime import date
 
 import testbed
-from driver import Role
+from driver import Atspi, GLib, Role
 from host import BUSY, result
 from sandbox import SOURCES
-from testbed import (ADD_IN, BUILD, CLOCK_READ, CLOSE, EXCHANGE, LIMIT, LOOKUP, NOTICE, SWITCHDESK, UPDATE,
-                     EndToEndTest, Host, OwnHostTest, changed, database_file, dialog_title, pids, run)
+from testbed import (ADD_IN, BUILD, CLOCK_READ, EXCHANGE, LIMIT, NOTICE, SWITCHDESK, UPDATE, Host, OwnHostTest, changed,
+                     database_file, dialog_title, pids, run)
 from testbed import set_up as setUpModule  # noqa: F401
 
 NO_BUS = {"DBUS_SESSION_BUS_ADDRESS": "unix:path=/none"}
 EXAMPLES = [(sys.executable, SOURCES / "examples/host.py"), (BUILD / "examples/example-host",),
             (sys.executable, SOURCES / "examples/minimal_host.py")]
-OPEN_ADD_IN, CLOSE_ADD_IN = "Open clock add-in", "Close add-in"
 
 
-class OnTheBus(OwnHostTest):
+class Programs(OwnHostTest):
     def test_a_failure_is_one_notice_and_an_error(self):
         """The end of a start that fails takes the objects with it that are there already. The good one before has made
         the register the user's own, and nothing else."""
@@ -54,36 +50,20 @@ class OnTheBus(OwnHostTest):
         calls = ["GetComData", "REGComData"]
         self.wait_for(lambda: all(host.asked_by(layer) == calls for layer in layers[:-1]), "their calls")
 
-
-class AsAProgram(OwnHostTest):
-    """Which creates the host's exchange object by the name of its class."""
-
-    @contextlib.contextmanager
-    def alone(self, title, exchange=EXCHANGE, errors="^$", **environment):
-        """Closes it in the end, which it survives."""
-        add_in = self.start([testbed.sandbox.add_in, exchange], environment=changed(**environment),
-                            stderr=subprocess.PIPE, text=True)
-        yield
-        self.leave(title)
-        self.assertRegex(add_in.communicate(timeout=LIMIT)[1], errors)
-        self.assertEqual(add_in.returncode, 0)
-
-    def test_lookup_and_update_with_a_service_of_the_bus(self):
-        with self.alone(dialog_title()):
-            self.assert_usable()
-            self.press(UPDATE)
-            self.assertEqual(self.close_box(CLOCK_READ), "The date and time of the PBX have been updated.")
-            self.assert_usable()
-        self.wait_until_gone(SWITCHDESK)
-
-    def test_without_a_connection_it_can_only_be_closed(self):
-        for exchange, title in (("Attic", dialog_title("Attic")), (EXCHANGE, "PBX Clock")):
-            with self.alone(title, exchange):
-                self.assertEqual([self.is_enabled(button) for button in (LOOKUP, UPDATE, CLOSE)], [False, False, True])
+    def test_a_program_by_itself_has_a_service_of_the_bus_for_a_host(self):
+        """Without a bus, the program has a dialog that can be closed."""
+        for title, errors, changes in ((dialog_title(), "", {}), (
+                "PBX Clock", r"horalink: can't reach the session bus: [^\n]+\n", NO_BUS)):
+            add_in = self.start([testbed.sandbox.add_in, EXCHANGE], environment=changed(**changes),
+                                stderr=subprocess.PIPE, text=True)
+            if not changes:
+                self.look_up()
+                self.press(UPDATE)
+                self.assertEqual(self.close_box(CLOCK_READ), "The date and time of the PBX have been updated.")
+            self.leave(title)
+            self.assertRegex(add_in.communicate(timeout=LIMIT)[1], f"^{errors}$")
+            self.assertEqual(add_in.returncode, 0)
             self.wait_until_gone(SWITCHDESK)
-            testbed.sandbox.host.unlink(missing_ok=True)
-        with self.alone("PBX Clock", errors=r"^horalink: can't reach the session bus: [^\n]+\n$", **NO_BUS):
-            pass
 
     def test_without_surroundings_there_is_one_line(self):
         for changes, argument, why in (({"DISPLAY": None}, EXCHANGE, "no display"), (NO_BUS, "-Embedding", "server"),
@@ -92,78 +72,48 @@ class AsAProgram(OwnHostTest):
             self.assertGreater(done.returncode, 0)
             self.assertRegex(done.stderr, rf"^\S*horalink: [^\n]*{why}[^\n]*\n$")
 
+    def test_assistive_programs_hear_of_the_dialog_and_its_menu(self):
+        heard = []
+        listener = Atspi.EventListener.new(
+            lambda event: heard.append(event.source.get_role()) if event.detail1 else None)
+        listener.register("object:state-changed:focused")
+        self.addCleanup(listener.deregister, "object:state-changed:focused")
 
-class Hosts(EndToEndTest):
-    def test_what_was_passed_over_is_traced_and_the_login_of_one_that_dies_is_given_back(self):
-        host = Host(self, "--trace", "--item=0:SecondData=MMXXVI", "--lack=ShowCode").open()
-        self.press(LOOKUP)
-        self.close_box("Reading Failed")
-        log = (testbed.sandbox.folder / "bus.log").read_text(encoding="utf-8")
-        self.assertEqual(re.findall(r"^horalink: ([^,\n]*)", log, re.M), [
-            "ShowCode skipped: error 438", 'item 0: SecondData "MMXXVI" and item 1: SecondData '
-            f'"{date.today():%m/%d}" aren\'t a date: reading failed'])
-        self.leave_nothing_behind()
-        host = Host(self, "--answer=never", "--logins=1").open()
-        self.press(LOOKUP)
-        host.wait_for_line('ShowMessage("PBX clock request: R1"')
-        os.kill(*pids(ADD_IN), signal.SIGKILL)
-        host.wait_for_line("# add-in has left")
-        self.press(OPEN_ADD_IN, SWITCHDESK)
-        self.press(LOOKUP)
-        host.wait_for_line('Login("Main Office", <object>) -> "L2"')
+        def last_heard():
+            while GLib.MainContext.default().iteration(False):
+                pass
+            return heard[-1:]
+        self.start([testbed.sandbox.add_in, EXCHANGE])
+        window = testbed.driver.window(ADD_IN, dialog_title())
+        self.assertEqual(window.get_role(), Role.DIALOG)
+        self.assertEqual([node.get_role() for node in testbed.driver.nodes(window) if not node.get_name()], [])
+        minute = testbed.driver.find(ADD_IN, "Minute", Role.TEXT)
+        spin = testbed.driver.find(ADD_IN, "Change the selected part of the time", Role.SPIN_BUTTON)
+        testbed.driver.untick(testbed.driver.find(ADD_IN, "Follow the time of this PC", Role.CHECK_BOX))
+        testbed.driver.click(minute)
+        self.wait_for(lambda: Atspi.Value.get_current_value(spin) == int(testbed.driver.value(minute)), "its value")
+        for key, role in (("Menu", Role.MENU_ITEM), ("Return", Role.DIALOG), ("Escape", Role.TEXT)):
+            testbed.driver.press(key)
+            self.wait_for(lambda role=role: last_heard() == [role], f"what '{key}' brings")
 
-    def test_an_answer_under_way_is_asked_about_before_another_exchange_opens(self):
-        def open_exchange(window, name, *answer):
-            window = f"Switchdesk \u2013 {window}"
-            testbed.driver.raise_window(window)
-            testbed.driver.click(testbed.driver.find(SWITCHDESK, name, Role.TABLE_CELL, window=window))
-            for button in (OPEN_ADD_IN, *answer):
-                self.press(button, SWITCHDESK)
-        host = Host(self, "--answer=late:10000", "--logins=1").open()
-        self.press(LOOKUP)
-        host.wait_for_line('ShowMessage("PBX clock request: R1"')
-        open_exchange("Main Office", "Branch 3", "Open Branch 3")
-        open_exchange("Branch 3", "Warehouse", "Wait")
-        self.close_box(CLOCK_READ)
-        host.wait_for_line('LogOut("Branch 3", "L1")')
-        messages = testbed.driver.value(testbed.driver.find(SWITCHDESK, "Messages", Role.TEXT))
-        self.assertRegex(messages, r"Main Office: clock read$")
-        self.assertEqual(host.lines("# RegisterPBX"),
-                         [f'# RegisterPBX("{name}") returned False' for name in ("Main Office", "Branch 3")])
-        open_exchange("Branch 3", "Main Office")
-        self.assert_usable()
-
-    def test_a_store_that_cannot_be_written_is_named_in_the_window(self):
-        folder = testbed.sandbox.folder / "home/data/switchdesk"
-        shutil.rmtree(folder, ignore_errors=True)
-        folder.parent.mkdir(exist_ok=True)
-        folder.touch()
-        self.addCleanup(folder.unlink)
+    def test_the_companion_closes_at_once_though_the_add_in_is_frozen(self):
         host = Host(self).open()
-        self.press(CLOSE_ADD_IN, SWITCHDESK)
-        host.wait_for_line("# add-in has left")
-        messages = testbed.driver.value(testbed.driver.find(SWITCHDESK, "Messages", Role.TEXT))
-        self.assertRegex(messages, f"The store can't be written: {folder}/store.ini$")
-
-    def test_closes_at_once_though_the_add_in_is_frozen(self):
-        for buttons in ([OPEN_ADD_IN], [CLOSE_ADD_IN, OPEN_ADD_IN]):
-            with self.case(buttons):
-                host = Host(self).open()
-                add_in, *_ = pids(ADD_IN)
-                os.kill(add_in, signal.SIGSTOP)
-                for button in buttons:
-                    self.press(button, SWITCHDESK)
-                    self.wait_for(lambda: not self.is_enabled(button, SWITCHDESK), f"'{button}' to be disabled")
-                self.leave(host.window)
-                self.wait_until_gone(SWITCHDESK)
-                self.assertEqual(pids(ADD_IN), [add_in])
-                os.kill(add_in, signal.SIGKILL)
+        add_in, *_ = pids(ADD_IN)
+        os.kill(add_in, signal.SIGSTOP)
+        for name in ("Close add-in", "Open clock add-in"):
+            button = testbed.driver.find(SWITCHDESK, name, Role.PUSH_BUTTON)
+            testbed.driver.click(button)
+            self.wait_for(lambda button=button: not testbed.driver.is_enabled(button), f"'{name}' to be disabled")
+        self.leave(host.window)
+        self.wait_until_gone(SWITCHDESK)
+        self.assertEqual(pids(ADD_IN), [add_in])
+        os.kill(add_in, signal.SIGKILL)
 
     def test_lookup_update_the_end_of_the_window_and_no_add_in_with_the_examples(self):
         for command in EXAMPLES:
             with self.case(command[-1].name):
                 process = self.start(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
-                self.assert_usable()
+                self.look_up()
                 self.press(UPDATE)
                 self.assertEqual(self.close_box("Update Failed").count("CODE NOT ALLOWED"), 3)
                 self.leave(dialog_title("Example"))

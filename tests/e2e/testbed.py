@@ -17,15 +17,13 @@ import dbus.bus
 
 import host
 from driver import LIMIT, Driver, Role
-from host import BUS
-from sandbox import Sandbox, wait_for
+from host import ADD_IN_CLASS, BUS, EXCHANGE
+from sandbox import CLASS_NAMES, Sandbox, wait_for
 
-EXCHANGE = "Main Office"
 ADD_IN, SWITCHDESK = "horalink", "switchdesk"
-LOOKUP, UPDATE, CLOSE = "Read the clock of the PBX", "Set the clock of the PBX", "Close this window"
+LOOKUP, UPDATE = "Read the clock of the PBX", "Set the clock of the PBX"
 CLOCK_READ, LOGIN_FAILED, NOTICE = "PBX Clock", "Login Failed", "System Fatal Notice"  # titles of boxes
 WAIT_BOX, GIVE_UP = "Horalink – Waiting for an Answer", "Give up"  # and the button that ends a wait
-ADD_IN_CLASS, EXCHANGE_CLASS = "Horalink10013.cOLELayer", "SwitchDeskProj10001.cPBXOle"
 
 BUILD = Path(os.environ["HORALINK_BUILD"])
 OWN_TIME = BUILD / "tests/e2e/libown_time.so"
@@ -33,9 +31,7 @@ STARTS_ADD_INS = {"test_hosts", "test_lives"}  # by themselves, and see their en
 SHARE, ONLY = os.environ.get("HORALINK_SHARE", ""), os.environ.get("HORALINK_ONLY")
 
 # Those of the module of tests; the accessibility library can be connected only once in a process.
-sandbox = None
-driver = None
-bus = None
+sandbox = driver = bus = None
 
 
 def set_up():
@@ -76,7 +72,7 @@ def running():
 
 def is_deserted():
     """Also in the eyes of the bus: what is asked of a name that still seems to be there gets lost."""
-    return not running() and not any(bus.name_has_owner(name) for name in (ADD_IN_CLASS, EXCHANGE_CLASS))
+    return not running() and not any(bus.name_has_owner(name) for name in CLASS_NAMES)
 
 
 def pids(program):
@@ -96,9 +92,9 @@ def hasty(haste):
     return {"LD_PRELOAD": str(OWN_TIME), "HASTE": str(haste)}
 
 
-def run(command, seconds=LIMIT, environment=None, **options):
-    return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=seconds, check=False,
-                          env=environment or sandbox.environment, **options)
+def run(command, environment=None):
+    return subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=LIMIT, check=False,
+                          env=environment or sandbox.environment)
 
 
 class EndToEndTest(unittest.TestCase):
@@ -117,7 +113,6 @@ class EndToEndTest(unittest.TestCase):
         """One row of a table: a sub-test with all that a test has."""
         with self.subTest(name):
             sandbox.install()
-            self.clients.clear()
             try:
                 yield
             finally:
@@ -135,6 +130,7 @@ class EndToEndTest(unittest.TestCase):
             sandbox.end(process)
             sandbox.processes.remove(process)
         self.started.clear()
+        self.clients.clear()
         try:
             self.wait_for(is_deserted, "all programs to end")
         except TimeoutError:
@@ -147,12 +143,6 @@ class EndToEndTest(unittest.TestCase):
 
     def press(self, button, program=ADD_IN):
         driver.click(driver.find(program, button, Role.PUSH_BUTTON))
-
-    def is_enabled(self, button=LOOKUP, program=ADD_IN):
-        return driver.is_enabled(driver.find(program, button, Role.PUSH_BUTTON))
-
-    def wait_until_enabled(self, button=LOOKUP):
-        self.wait_for(lambda: self.is_enabled(button), f"'{button}' to be enabled")
 
     def leave(self, window):
         driver.raise_window(window)
@@ -175,13 +165,9 @@ class EndToEndTest(unittest.TestCase):
         out, which it does after the box."""
         self.press(LOOKUP)
         text = self.close_box(CLOCK_READ)
-        self.wait_until_enabled()
+        self.assertRegex(text, r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
+        driver.wait_until_enabled(ADD_IN, LOOKUP)
         return text
-
-    def assert_usable(self):
-        self.assertEqual(self.boxes(), [])
-        self.wait_until_enabled()
-        self.assertRegex(self.look_up(), r"\d{4}/\d\d/\d\d \(\w{3}\)\n\d\d:\d\d:\d\d")
 
 
 class OwnHostTest(EndToEndTest):
@@ -192,10 +178,10 @@ class OwnHostTest(EndToEndTest):
         return self.clients[-1]
 
     def start_add_in(self, address=None, **changes):
+        address = address or sandbox.environment["DBUS_SESSION_BUS_ADDRESS"]
         client = self.join(address)
-        if address:
-            changes["DBUS_SESSION_BUS_ADDRESS"] = address
-        add_in = self.start([sandbox.add_in, "-Embedding"], environment=changed(**changes))
+        environment = changed(DBUS_SESSION_BUS_ADDRESS=address, **changes)
+        add_in = self.start([sandbox.add_in, "-Embedding"], environment=environment)
         self.wait_for(lambda: client.ask(BUS, "/", BUS, "NameHasOwner", ADD_IN_CLASS), "the add-in to serve its class")
         return add_in, client
 
@@ -222,9 +208,9 @@ class Host:
         driver.window(ADD_IN, dialog_title(self.exchange))
         return self
 
-    def lines(self, *starts):
+    def lines(self, start):
         lines = self.log.read_text(encoding="utf-8").splitlines() if self.log.exists() else []
-        return [line for line in lines if line.startswith(starts or "")]
+        return [line for line in lines if line.startswith(start)]
 
     def wait_for_line(self, start):
         self.test.wait_for(lambda: self.lines(start), f"'{start}' in {self.log.name}")

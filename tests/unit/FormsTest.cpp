@@ -35,7 +35,7 @@ TEST_F(FormTest, LoadsOnceAndUnloadsOnceUnlessRefusedOrUnloadedWhileLoading) {
     form.Unloading = [&](bool& cancel) { cancel = refuses, log += "unload "; };
     form.Unloaded = [&] { log += "gone "; };
     EXPECT_EQ(After([&] { form.Unload(), form.Load(), form.SetFocus(), form.Show(), form.Unload(); }),
-              "load form unload ");
+              "load unload ");
     EXPECT_TRUE(form.Visible() && form.IsLoaded());
     refuses = false;
     EXPECT_EQ(After([&] { form.Unload(), form.Unload(); }), "unload gone ");
