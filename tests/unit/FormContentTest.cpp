@@ -82,10 +82,6 @@ struct FormContentTest : testing::Test {
                                 table + " select *, 'form' from (values " + rows + ")");
         notes.clear();
     }
-    bool LoadForm(const std::string& sql) {
-        databases.Add(u"a", sql);
-        return LoadFormText(computer.boxes, *form, *databases.OpenDatabase(u"a", true));
-    }
     bool LoadControls(const std::string& rows) {
         Fill("tControls", rows);
         return LoadControlsText(computer.boxes, *form, *databases.OpenDatabase(u"a", true));
@@ -138,18 +134,6 @@ TEST_F(FormContentTest, EachTypeTakesItsFontInItsOwnWay) {
     Add(u"left", "Label", "left."), Add(u"emptied", "Label", "emptied.");
     EXPECT_TRUE(LoadControls("('left', -1, '-1', '-1', 9, '-1'), ('emptied', -1, null, null, 9, null)"));
     EXPECT_EQ(notes, (Notes{"emptied.Caption=", "emptied.ToolTipText="})) << "minus one leaves the text";
-}
-
-TEST_F(FormContentTest, TheFormsCaptionIsExpandedAndTheLastRowStands) {
-    const auto texts = [&] { return Joined(form->Caption(), form->Font->Name(), form->Font->Size()); };
-    EXPECT_TRUE(LoadForm("")) << "no row";
-    EXPECT_EQ(texts(), "|MS Sans Serif|8.25|");
-    EXPECT_TRUE(
-        LoadForm("insert into tForms values ('other', 'other', 'O', 7), ('form', 'first', 'A', 8),"
-                 " ('form', 'One & %CR & %ST & Two', 'B', 9.75)"));
-    EXPECT_EQ(texts(), "One\rTwo|B|9.75|");
-    EXPECT_FALSE(LoadForm("update tForms set Caption = null"));
-    EXPECT_EQ(computer.Boxes(), Notes{Short("Invalid use of Null", 94)});
 }
 
 TEST_F(FormContentTest, ASetReplacesDefaultNamesAndZeroNever) {

@@ -25,10 +25,10 @@ void SetEnvironment(const Environment& environment) {
         environment.contains(name) ? setenv(name, environment.at(name).c_str(), 1) : unsetenv(name);
 }
 
-std::string Joined(const auto& parts) {
-    std::string joined;
-    for (const auto& part : parts) joined += fs::path(part).string() + " ";
-    return joined;
+std::string Listed(const auto& parts) {
+    std::string listed;
+    for (const auto& part : parts) listed += fs::path(part).string() + " ";
+    return listed;
 }
 
 // The user's own tree is `own`; `all` is what everybody shares.
@@ -62,7 +62,7 @@ TEST_F(LayersTest, TheUsersOwnFilesComeFirstAndTheLanguageAheadOfTheCommon) {
         std::vector<fs::path> found;
         for (const auto& file : In(languages).FindAll(Shared(path)))
             found.push_back(file.lexically_relative(directory.Path()));
-        EXPECT_EQ(Joined(found), files) << ToUtf8(path);
+        EXPECT_EQ(Listed(found), files) << ToUtf8(path);
     }
     const Layers layers = In({u"de"});
     EXPECT_EQ(layers.Find(Shared(u"TEXTS\\none")), At("all/Texts/none")) << "keeps its spelling";
@@ -87,7 +87,7 @@ TEST(WantedLanguagesTest, AreThoseOfTheSettingOrOfTheEnvironment) {
         {u"../..:/x:.", {{"LANG", "de"}}, "en "}};  // no names of folders
     for (const auto& [setting, environment, languages] : cases) {
         SetEnvironment(environment);
-        EXPECT_EQ(Joined(WantedLanguages(setting)), languages);
+        EXPECT_EQ(Listed(WantedLanguages(setting)), languages);
     }
 }
 
@@ -102,7 +102,7 @@ TEST(SettingsFilesTest, AreTheUsersOwnAndThoseOfTheSite) {
         {Environment(), "/etc/xdg/velmora/settings.ini "}};
     for (const auto& [environment, files] : cases) {
         SetEnvironment(environment);
-        EXPECT_EQ(Joined(SettingsFiles()), files);
+        EXPECT_EQ(Listed(SettingsFiles()), files);
     }
 }
 
@@ -127,10 +127,10 @@ TEST_F(LayersTest, AnInstallationIsFoundByThePathOfItsProgram) {
         headless::Settings settings;
         settings.values[u"VELMORA32/10001/InstallPath"] = installPath;
         const auto found = FindInstallation(ProgramFile(At(program)), settings);
-        EXPECT_EQ(ToUtf8(found.market) + " " + Joined(found.layers.Trees()), expected) << program;
+        EXPECT_EQ(ToUtf8(found.market) + " " + Listed(found.layers.Trees()), expected) << program;
     }
     const fs::path elsewhere = directory.Write("build/src/horalink");
-    EXPECT_EQ(Joined(FindInstallation(elsewhere, headless::Settings()).layers.Trees()),
+    EXPECT_EQ(Listed(FindInstallation(elsewhere, headless::Settings()).layers.Trees()),
               At("build").string() + " ");
 }
 

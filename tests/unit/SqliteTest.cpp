@@ -152,26 +152,6 @@ TEST_F(SqliteTest, ChangesTheCurrentRowAloneBetweenEditAndUpdate) {
               "13 Type mismatch13 Type mismatch");
 }
 
-TEST_F(SqliteTest, RowsThatAreNotThoseOfATableAreNotEdited) {
-    RunElsewhere(
-        "create table Other (x, y); insert into Other values (1, 2);"
-        "create table Named (a primary key, RowID) without rowid; insert into Named values (1, 1);"
-        "create table Taken (rowid, oid, _ROWID_); insert into Taken values (1, 1, 1);"
-        "create view Misleading as select Count as rowid, AppName, Version from Registry;");
-    const std::string readOnly = "3027 The record can't be changed: the database or the query is read-only";
-    for (const TextView query :
-         {u"SELECT * FROM Kinds UNION SELECT COUNT(*) FROM Kinds ORDER BY Value",
-          u"select AppName from Registry, Other", u"select distinct AppName from Registry",
-          u"select AppName from Registry group by AppName", u"select count(*) as c from Registry",
-          u"select * from Named", u"select * from Taken", u"select AppName, Version from Misleading",
-          u"select * from (select AppName from Registry limit 1)"}) {
-        const auto rows = Rows(query);
-        EXPECT_FALSE(rows->EndOfFile());
-        EXPECT_EQ(FaultOf([&] { rows->Edit(); }), readOnly) << ToUtf8(query);
-    }
-    EXPECT_EQ(FaultOf([&] { Rows(horalink, forwardOnly)->Update(); }), readOnly);
-}
-
 TEST_F(SqliteTest, LeavesTheRowAloneWhenTheTableRefusesTheValueOrTheRowIsGone) {
     RunElsewhere("create table Strict (a text not null, b); insert into Strict values ('a', 'b')");
     const auto rows = Rows(u"select * from Strict");
