@@ -13,7 +13,6 @@
 #include "host/HostObject.h"
 #include "host/Options.h"
 #include "host/ResponseObject.h"
-#include "host/SimulatedExchange.h"
 #include "host/Store.h"
 #include "host/ZoneTime.h"
 #include "platform/automation/Introspection.h"
@@ -85,41 +84,6 @@ TEST(ZoneTimeTest, KnowsWhatClocksSkipAndWhatTheyShowTwice) {
         }
         EXPECT_EQ(found, hours) << name << " " << shown.hour;
     }
-}
-
-TEST(SimulatedExchangeTest, ARefusedItemLeavesTheClockAlone) {
-    headless::Timers<Scheduler> timers;
-    headless::Clock pc{timers};
-    SimulatedExchange exchange{timers, pc, 7};
-    // The items of an answer, each as its value and what has become of it.
-    const auto perform = [&](std::vector<Item> items) {
-        std::string answers;
-        const HandleRef work = exchange.Perform(
-            std::move(items), {{}, [&](const Exchange::Outcome& outcome) {
-                                   for (const Item& item : outcome.items)
-                                       answers += ToUtf8(item.second + u"=" + item.extra) + ";";
-                               }});
-        timers.Pass(0);
-        return answers;
-    };
-    const Table<Text, Text, Text, const char*, const char*, const char*> cases = {
-        {u"1900", u"111800", u"000000", "DATA ERROR", "OK", "OK"},
-        {u"2026", u"111804", u"130203", "DATA ERROR", "DATA ERROR", "OK"},  // another day of the week
-        {u"2026", u"111813", u"130203", "OK", "DATA ERROR", "OK"},
-        {u"2026", u"111803", u"240000", "OK", "OK", "DATA ERROR"},
-        {u"2026", u"111803", u"235960", "OK", "OK", "DATA ERROR"},
-        {u"2026", u"111803", u"1302030", "OK", "OK", "DATA ERROR"},
-        {u"2o26", u"1118o3", u"13:02:", "DATA ERROR", "DATA ERROR", "DATA ERROR"}};
-    const std::vector<Item> read = {
-        {u"02", u"0", u"", u""}, {u"02", u"1", u"", u""}, {u"02", u"2", u"", u""}};
-    for (const auto& [year, day, time, ofYear, ofDay, ofTime] : cases) {
-        EXPECT_EQ(perform({{u"02", u"0", year, u""}, {u"02", u"1", day, u""}, {u"02", u"2", time, u""}}),
-                  ToUtf8(year) + "=" + ofYear + ";" + ToUtf8(day) + "=" + ofDay + ";" + ToUtf8(time) + "=" +
-                      ofTime + ";");
-        EXPECT_EQ(perform(read), "2026=OK;11/18 WED=OK;13:09:03=OK;");
-    }
-    EXPECT_EQ(perform({{u"03", u"0", u"", u""}, {u"02", u"3", u"", u""}, {u"02", u"2", u"010203", u""}}),
-              "CODE NOT USED=CODE NOT USED;DATA NOT FOUND=DATA NOT FOUND;010203=OK;");
 }
 
 TEST(StoreTest, KeepsAnyTextUnderAnyNameUnlessItCannotBeWritten) {

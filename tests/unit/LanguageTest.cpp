@@ -71,16 +71,6 @@ struct LanguageTest : testing::Test {
         return Joined(computer.app.title, waits.busyTitle, waits.busyText, waits.pendingTitle,
                       waits.pendingText);
     }
-    bool LoadMessages() {
-        return LoadMessageTable(computer.boxes, data.MessageTable, u"tMessages",
-                                *databases.OpenDatabase(u"Horalink.lng", true));
-    }
-    std::string ButtonWords() {
-        ButtonTexts words;
-        TakeButtonTexts(data.MessageTable, words);
-        return Joined(words.ok, words.cancel, words.abort, words.retry, words.ignore, words.yes, words.no,
-                      words.help, words.keepWaiting, words.giveUp);
-    }
     desk::Desk computer;
     harness::MemoryDatabases& databases = computer.databases;
     ModuleData data;
@@ -123,20 +113,6 @@ TEST_F(LanguageTest, EachModeTakesTitleAndHelpFromItsOwnPlace) {
     computer.app.path = u"C:\\Q & A";
     Show(10, 0);
     EXPECT_EQ(computer.Boxes(), Notes{"common|4|-|C:\\QA\\common.hlp|75"}) << "an & parts the path as well";
-}
-
-TEST_F(LanguageTest, MessagesStandByRankAndGiveTheButtonsTheirWords) {
-    ASSERT_TRUE(LoadMessages());
-    EXPECT_EQ(ButtonWords(), "ok|cancel|abort|retry|ignore|yes|no|help|keep waiting|give up|");
-    databases.Add(u"Horalink.lng",
-                  "update tMessages set Caption = null where ID in (4, 8);"
-                  "delete from tMessages where ID in (3, 16)");
-    ASSERT_TRUE(LoadMessages());
-    EXPECT_EQ(ButtonWords(), "OK|abort|retry|ignore|yes|no|help|keep waiting|Keep waiting|Give up|")
-        << "a gap moves the texts after it down";
-    const MessageTexts& table = data.MessageTable;
-    EXPECT_EQ(Joined(table[0], table[3], table[14]), "login failed||keep waiting|");
-    EXPECT_EQ(FaultOf([&] { table[15]; }), "9 Subscript out of range: message 15");
 }
 
 }  // namespace

@@ -1,14 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "harness/Cases.h"
-#include "harness/Desk.h"
-#include "locator/VersionRecord.h"
 #include "locator/comRegMarket.h"
 #include "locator/comRegMora32.h"
+#include "platform/headless/Desktop.h"
 
 using namespace horalink;
 using namespace platform;
-using desk::Notes, desk::Short;
 
 namespace {
 
@@ -54,29 +52,6 @@ TEST(DirectoryTest, FollowsTheSettingTheKeywordAndThePath) {
     EXPECT_EQ(printer(u"20002", u"PRINTER"), "X\\VELMORA32\\10001\\ADDINS\\|");
     EXPECT_EQ(printer(u"2000") + printer(u"200002"),
               "X\\VELMORA32\\10001\\ADDINS\\|X\\VELMORA32\\10001\\ADDINS\\|");
-}
-
-TEST(VersionRecordTest, TheFirstRowOfTheNameTakesTheVersionAndEveryFailureIsOneNotice) {
-    desk::Desk computer;
-    computer.app.path = u"C:\\Tools";
-    computer.databases.Add(u"Register.mdb",
-                           "create table Registry (AppName, Version, Other);"
-                           "insert into Registry values ('Another.mra', '1', 'a'),"
-                           " ('Horalink.mra', '2', 'b'), ('Horalink.mra', '3', 'c')");
-    const auto update = [&](TextView name) {
-        return UpdateAddInVersion(computer.services, u"Mora32", name, u"13.0.1");
-    };
-    EXPECT_TRUE(update(u"Horalink.mra") && update(u"Nobody.mra"));
-    EXPECT_EQ(computer.databases.opened.back(), "C:\\TOOLS\\DATABASE\\Register.mdb");
-    EXPECT_EQ(computer.databases.Ask(u"Register.mdb",
-                                     u"select group_concat(AppName || Version || Other) from Registry"),
-              Value(u"Another.mra1a,Horalink.mra13.0.1b,Horalink.mra3c"));
-    EXPECT_EQ(computer.Boxes(), Notes{});
-    for (int call = 1; call <= 8; ++call) {
-        computer.databases.FailAt(call, DataError::DiskError);
-        EXPECT_FALSE(update(u"Horalink.mra")) << call;
-        EXPECT_EQ(computer.Boxes(), Notes{Short("The database file can't be read or written", 3043)}) << call;
-    }
 }
 
 }  // namespace
