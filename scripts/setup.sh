@@ -8,7 +8,6 @@ run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-at
 test_packages=(openssh-server openssh-client systemd)
 # Versions of clang-format differ in the layout of some lines; this one is in Debian 12 and in 13.
 check_packages=(clang-format-19 clang-tidy-19)
-long_packages=(valgrind)
 fuzz_packages=(clang libclang-rt-dev)
 bench_packages=(libxcb1-dev libxcb-damage0-dev libxcb-xtest0-dev)
 

@@ -80,12 +80,12 @@ QWidget* FitToScreen(QLabel& text) {
 }  // namespace
 
 BoxDialog::BoxDialog(const BoxContent& content)
-    : escapeAnswer_(content.escapeAnswer), showHelp_(content.showHelp) {
+    : escapeButton_(content.escapeButton), showHelp_(content.showHelp) {
     setWindowTitle(ToShow(content.title));
     setAccessibleDescription(WithLineFeeds(content.prompt));
     setWindowModality(Qt::ApplicationModal);
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint);
-    setWindowFlag(Qt::WindowCloseButtonHint, escapeAnswer_ != 0);
+    setWindowFlag(Qt::WindowCloseButtonHint, escapeButton_ != 0);
     setWindowFlag(Qt::WindowStaysOnTopHint, content.onTop);
     if (content.rightToLeft) setLayoutDirection(Qt::RightToLeft);
 
@@ -155,7 +155,7 @@ void BoxDialog::keyPressEvent(QKeyEvent* event) {
 }
 
 void BoxDialog::reject() {
-    if (escapeAnswer_ != 0) done(escapeAnswer_);
+    if (escapeButton_ != 0) done(escapeButton_);
 }
 
 namespace {

@@ -28,7 +28,7 @@ struct BoxContent {
     BoxSign sign = BoxSign::None;
     std::vector<Button> buttons;
     std::size_t defaultButton = 0;                  // counted over the buttons, then the help button
-    std::int16_t escapeAnswer = 0;                  // of Escape and closing; 0 to ignore both
+    std::int16_t escapeButton = 0;                  // of Escape and closing; 0 to ignore both
     TextView helpButton;                            // empty for none
     std::function<void(QWidget& beside)> showHelp;  // for F1 and the help button; disabled if null
     bool onTop = false;
@@ -55,7 +55,7 @@ class BoxDialog : public QDialog {
     QLayout* MakeButtons(const BoxContent& content);
     void PlaceOver(QWidget& window);
 
-    std::int16_t escapeAnswer_;
+    std::int16_t escapeButton_;
     std::function<void(QWidget& beside)> showHelp_;
 };
 
