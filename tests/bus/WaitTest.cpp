@@ -1,4 +1,4 @@
-// What goes on while an outgoing call waits for its answer.
+// What goes on while an outgoing call waits for its answer, and when the bus is lost.
 #include "BusTest.h"
 #include "platform/automation/Patience.h"
 
@@ -12,9 +12,9 @@ struct WaitTest : BusTest {
     }
     // The stranger takes calls after so many that it refuses as busy.
     void RefuseFirst(std::size_t refusals) {
-        stranger.calls.clear();
-        stranger.whenCalled = [this, refusals](const MessageRef& call) {
-            stranger.calls.size() <= refusals ? stranger.Refuse(call) : stranger.Answer(call, "taken");
+        calls.clear();
+        whenCalled = [this, refusals](const MessageRef& call) {
+            calls.size() <= refusals ? Refuse(call) : Answer(call, "taken");
         };
     }
     void Pass(int milliseconds) {
@@ -22,7 +22,7 @@ struct WaitTest : BusTest {
         loop.ServeUntil([&] { return loop.Now() > end; });
     }
     // Keeps what the call borrows, so that it can be called after the answer.
-    void Retain() { stranger.Send(borrowed, objectInterface, "Retain"); }
+    void Retain() { Send(borrowed, objectInterface, "Retain"); }
 
     const ObjectRef poked = Scripted([this](Arguments&) { return events += "called ", Value(); });
     const std::function<void(const Value&)> note = [this](const Value& answer) {
@@ -34,12 +34,12 @@ struct WaitTest : BusTest {
 // Both messages lie ready when the client looks: what came first has to take effect first.
 TEST_F(WaitTest, AnswerAndCallTakeEffectInTheirOrder) {
     for (const bool answerFirst : {false, true}) {
-        stranger.whenCalled = [&](const MessageRef& call) {
+        whenCalled = [&](const MessageRef& call) {
             Retain();
-            if (answerFirst) stranger.Answer(call, "");
-            stranger.Poke(borrowed);
-            if (!answerFirst) stranger.Answer(call, "");
-            stranger.RoundTrip();
+            if (answerFirst) Answer(call, "");
+            Poke(borrowed);
+            if (!answerFirst) Answer(call, "");
+            RoundTrip();
         };
         Call(host, "Take", poked);
         events += "returned ";
@@ -50,10 +50,10 @@ TEST_F(WaitTest, AnswerAndCallTakeEffectInTheirOrder) {
 TEST_F(WaitTest, ALoopOnTopOfAnAnsweredWaitIsServed) {
     // A message box that a timer opens while a call is out.
     const auto box = loop.Every(Milliseconds(1), [&] {
-        if (stranger.calls.empty()) return;
+        if (calls.empty()) return;
         Retain();
-        stranger.Answer(std::exchange(stranger.calls, {})[0], "");
-        stranger.Poke(borrowed);
+        Answer(std::exchange(calls, {})[0], "");
+        Poke(borrowed);
         ExpectEvents("called ");
         events += "closed ";
     });
@@ -65,14 +65,14 @@ TEST_F(WaitTest, InnerAndOuterWaitEndEachWithItsOwnAnswer) {
     // The stranger holds the outer call, calls the client, and answers the inner call after the outer one.
     MessageRef outer;
     const ObjectRef mine = Scripted([&](Arguments&) { return note(Call(host, "Inner")), Value(); });
-    stranger.whenCalled = [&](const MessageRef& call) {
+    whenCalled = [&](const MessageRef& call) {
         EXPECT_GE(loop.Holds(), 1) << "clicks and keys wait";
         if (!outer) {
             outer = call;
-            return stranger.Poke(borrowed);
+            return Poke(borrowed);
         }
-        stranger.Answer(outer, "outer");
-        stranger.Answer(call, "inner");
+        Answer(outer, "outer");
+        Answer(call, "inner");
     };
     note(Call(host, "Outer", mine));
     EXPECT_EQ(events, "inner outer ");
@@ -87,15 +87,15 @@ TEST_F(WaitTest, ABusyCalleeIsTriedAgainUntilTheOperatorGivesUp) {
         EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), givesUp ? 462 : 0);
         // At 0, 200 (a box), 400 and 600.
         EXPECT_EQ(boxes.opened.size(), 1U);
-        EXPECT_EQ(stranger.calls.size(), givesUp ? 2U : 4U);
+        EXPECT_EQ(calls.size(), givesUp ? 2U : 4U);
     }
     // A call that was given up is not made again, nor where the refusal comes later.
     settings.pendingTimeout = 20;
-    stranger.whenCalled = nullptr;
+    whenCalled = nullptr;
     EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462);
-    stranger.Refuse(stranger.calls.back());
+    Refuse(calls.back());
     Pass(300);
-    EXPECT_EQ(stranger.calls.size(), 3U);
+    EXPECT_EQ(calls.size(), 3U);
 }
 
 TEST_F(WaitTest, AfterGivingUpALateAnswerGoesToTheWorkAndItsReferencesGoBack) {
@@ -108,30 +108,68 @@ TEST_F(WaitTest, AfterGivingUpALateAnswerGoesToTheWorkAndItsReferencesGoBack) {
     EXPECT_EQ(ErrorOf([&] { Call(work, "Take", Watched()); }), 462);
     EXPECT_EQ(ErrorOf([&] { Call(work, "Anything"); }), 462) << "the rest of the work is not done";
     EXPECT_EQ(events, "") << "the callee may still use what it borrowed";
-    const MessageRef call = std::exchange(stranger.calls, {}).at(0);
+    const MessageRef call = std::exchange(calls, {}).at(0);
     sd_bus_reply_method_return(call.get(), "vav", "(so)", ":1.2", "/Result", 0);
     ExpectEvents("freed ");
     EXPECT_TRUE(std::exchange(lateResult, Value()).IsObject());
-    ExpectHeard("/Result Release!; ");
+    ExpectEvents("/Result Release ");
     EXPECT_EQ(ErrorOf([&] { client->CreateObject(u"Test.cStranger"); }), 429);
-    const MessageRef creation = std::exchange(stranger.calls, {}).at(0);
+    const MessageRef creation = std::exchange(calls, {}).at(0);
     sd_bus_reply_method_return(creation.get(), "(so)", ":1.2", "/Made");
-    ExpectHeard("/Made Release!; ");
+    ExpectEvents("/Made Release ");
 }
 
 TEST_F(WaitTest, APostedCallIsNotWaitedForAndTriedAgainUntilTheBusyLimit) {
     const auto post = [&] { client->Post(host, "Take", InvokeKind::Method, {Value(u"this")}, note); };
     RefuseFirst(1);
     post();
-    EXPECT_TRUE(stranger.calls.empty());
+    EXPECT_TRUE(calls.empty());
     ExpectEvents("taken ");
-    EXPECT_EQ(stranger.calls.size(), 2U);
+    EXPECT_EQ(calls.size(), 2U);
     RefuseFirst(2);
     post();
     Pass(700);
-    EXPECT_EQ(stranger.calls.size(), 2U) << "at 0 and 200 milliseconds";
+    EXPECT_EQ(calls.size(), 2U) << "at 0 and 200 milliseconds";
     EXPECT_EQ(events, "");
     EXPECT_TRUE(boxes.opened.empty() && loop.Holds() == 0);
+}
+
+// In a call, and between two attempts.
+struct LossTest : BusTest, testing::WithParamInterface<bool> {};
+INSTANTIATE_TEST_SUITE_P(Twice, LossTest, testing::Bool());
+
+TEST_P(LossTest, EndsWaitsAndGivesBackReferences) {
+    server->WhenInUse([&](bool inUse) { events += inUse ? "used " : "unused "; });
+    const ObjectRef held = Created(Watched());
+    ExpectEvents("used ");
+    bool isLost = false;
+    const auto watch = held->WhenOwnerGone([&] { isLost = true; });
+    HandleRef stopping;
+    whenCalled = [&](const MessageRef& call) {
+        if (!GetParam()) return bus.Stop();
+        Refuse(call);
+        stopping = loop.After(Milliseconds(100), [&] { bus.Stop(); });
+    };
+    EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 462);
+    ExpectEvents("leaves gone freed unused ");
+    EXPECT_TRUE(loop.ServeUntil([&] { return isLost; }));
+    // Everything that comes later fails at once.
+    EXPECT_EQ(ErrorOf([&] { Call(held, "Anything"); }), 462);
+    EXPECT_EQ(ErrorOf([&] { client->CreateObject(u"Test.cScripted"); }), 429);
+    EXPECT_EQ(ErrorOf([&] { client->ServeClass("Test.cLater", create); }), 429);
+    client->Leave();
+    loop.ServeOnce();
+}
+
+TEST_F(WaitTest, ACallThatArrivesWhileANameIsAskedForIsServed) {
+    // The library takes it in along with the daemon's answer, and the descriptor doesn't show it.
+    const Reference object =
+        CreateForStranger(Watched([&](Arguments&) { return events += "called ", Value(); }));
+    Poke(object);
+    RoundTrip();
+    server->ServeClass("Test.cLater", create);
+    EXPECT_EQ(events, "");
+    ExpectEvents("called ");
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
-// What the desktop gives beside windows: the loop, the texts of the locale, and picture files.
+// What the desktop gives beside input: the loop, the locale's texts, pictures, and what is read out.
+#include <QTextDocument>
+
 #include "QtFixture.h"
 #include "harness/Cases.h"
 #include "harness/Files.h"
@@ -42,6 +44,33 @@ TEST(PictureFilesTest, NamesWhatIsNoPictureByItsPathOnTheMachine) {
     directory.Write("own/Backgrnd/text.svg", own);
     EXPECT_EQ(files.Dir(shared), u"text.svg");
     EXPECT_EQ(load()->Content(), own);
+}
+
+TEST_F(FormTest, ItsTextsAreReadOut) {
+    const Text huge(5'000'000, u'x'), cut = Text(4000, u'x') + u"\u2026";
+    const Text caption = u"Read & set [*]", tip = u" A <b>tip</b> ";
+    const auto red = std::make_shared<forms::Picture>(
+        R"(<svg xmlns="http://www.w3.org/2000/svg"><rect width="9" height="9"/></svg>)");
+    const Table<Text, Text, forms::PictureRef, Text> cases = {{caption, tip, nullptr, caption},
+                                                              {caption, tip, red, tip},
+                                                              {caption, u"", red, caption},
+                                                              {u" ", u" ", nullptr, u"cmdButton"},
+                                                              {huge, huge, nullptr, cut}};
+    for (const auto& [text, tipText, picture, name] : cases) {
+        form.Caption = text;
+        button.Caption = text;
+        button.ToolTipText = tipText;
+        button.Picture = picture;
+        const QWidget& widget = WidgetOf("cmdButton");
+        const Text description = tipText == huge ? cut : tipText;
+        EXPECT_EQ(FromQt(widget.accessibleName()), name);
+        EXPECT_EQ(FromQt(widget.accessibleDescription()), description);
+        QTextDocument shown;
+        Qt::mightBeRichText(widget.toolTip()) ? shown.setHtml(widget.toolTip())
+                                              : shown.setPlainText(widget.toolTip());
+        EXPECT_EQ(FromQt(shown.toPlainText()), description);
+        EXPECT_EQ(FromQt(Handle()->title()), text == huge ? cut : text);
+    }
 }
 
 }  // namespace

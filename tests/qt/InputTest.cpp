@@ -71,13 +71,9 @@ TEST_F(InputTest, PressAndReleaseAreRefusedAsOne) {
 
 TEST_F(InputTest, ABoxShowsWhatTheModelSays) {
     track.Click = [this] { Note("check")(), track.SetValue(0); };
-    auto& shown = WidgetOf<QAbstractButton>("chkTrack");
     Click("chkTrack");
     EXPECT_EQ(log, "check check ");
-    EXPECT_FALSE(shown.isChecked());
-    form.Enabled = false;
-    shown.click();  // past the events of the window
-    EXPECT_FALSE(shown.isChecked());
+    EXPECT_FALSE(WidgetOf<QAbstractButton>("chkTrack").isChecked());
 }
 
 TEST_F(InputTest, ATextIsChangedOnlyWhereTheOperatorMay) {
@@ -137,43 +133,33 @@ TEST_F(InputTest, EventsMayTakeTheFormAway) {
     }
 }
 
-// Holds the arrow of the spin control, with pauses shorter than an operator's.
-struct HeldArrowTest : FormTest {
-    static constexpr int pause = 40;
-    static constexpr Milliseconds longer = 120ms;
-    // The second place is outside of the arrow.
-    void HoldWhile(const std::function<void(QPoint arrow, QPoint beside)>& act) {
+TEST_F(InputTest, AnArrowStepsWhileItIsHeldUntilAHandlerOrTheReleaseEndsIt) {
+    constexpr Milliseconds longer = 120ms;  // than the pauses, which are shorter than an operator's
+    const QPoint half(0, 6), arrow = PlaceOf("updTime") - half, beside = arrow + 2 * half;
+    const auto hold = [&](const std::function<void()>& act) {
         auto& widget = WidgetOf<QAbstractButton>("updTime");
-        widget.setAutoRepeatDelay(pause), widget.setAutoRepeatInterval(pause);
-        const QPoint half(0, 6), arrow = PlaceOf("updTime") - half;
+        widget.setAutoRepeatDelay(40), widget.setAutoRepeatInterval(40);
         log.clear();
         Press(arrow);
-        act(arrow, arrow + 2 * half);
+        act();
         Release(arrow);
         EXPECT_EQ(After([] { Settle(longer); }), "") << "it is released";
-    }
-};
-
-TEST_F(HeldArrowTest, StepsUntilTheReleaseAndPausesOutside) {
-    HoldWhile([this](QPoint arrow, QPoint beside) {
-        EXPECT_EQ(log, "up ") << "the first step waits for nothing";
+    };
+    hold([&] {
         QTest::mouseMove(Handle(), beside);
         Settle(longer);
-        EXPECT_EQ(log, "up ");
+        EXPECT_EQ(log, "up ") << "the first step waits for nothing, and outside there are none";
         QTest::mouseMove(Handle(), arrow);
         EXPECT_TRUE(Until([this] { return log.starts_with("up up up "); }));
     });
-}
-
-TEST_F(HeldArrowTest, HoldingEndsWithWhatAHandlerDoes) {
     const auto answerLate = [](QWidget& box) { Settle(longer), PressReturn(box); };
     const std::function<void()> acts[] = {[&] { ShowBox(answerLate); }, [this] { EnableControls(false); },
                                           [this] { form.Enabled = false; }, [this] { form.Hide(); }};
     for (const auto& act : acts) {
-        spin.UpClick = [&] { Note("step")(), act(); };
-        HoldWhile([this](QPoint, QPoint) {
+        spin.UpClick = [&] { Note("up")(), act(); };
+        hold([&] {
             Settle(longer);
-            EXPECT_EQ(log, "step ");
+            EXPECT_EQ(log, "up ");
             EnableControls(true);
             form.Enabled = true;
             form.Show();
@@ -181,69 +167,42 @@ TEST_F(HeldArrowTest, HoldingEndsWithWhatAHandlerDoes) {
     }
 }
 
-// A section of a time field.
-struct SpinTest : InputTest {
-    SpinTest() {
-        minute.Spin = &spin;
-        spin.SetMax(59);
-        spin.Change = [this] {
-            minute.Text = (spin.Value() < 10 ? u"0" : u"") + DecimalText(spin.Value());
-            minute.GotFocus();
-        };
-        // The focus selects the section.
-        minute.GotFocus = [this] { minute.SetSelStart(0), minute.SetSelLength(2); };
-    }
-    QPoint Upper() const { return PlaceOf("updTime") - QPoint(0, 6); }
-    QPoint Lower() const { return PlaceOf("updTime") + QPoint(0, 6); }
-    void ExpectSectionSelected() const {
-        const auto& box = WidgetOf<QLineEdit>("txtMinute");
-        EXPECT_EQ(box.selectedText().toStdU16String(), minute.Text());
-        EXPECT_TRUE(box.hasFocus());
-        EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-    }
-};
-
-TEST_F(SpinTest, MouseKeysAndWheelStepTheSectionOfASpinInService) {
+TEST_F(InputTest, ASectionIsPickedAsAWholeAndSteppedWhileItsSpinIsInService) {
+    minute.Spin = &spin;
+    spin.SetMax(59);
+    // The focus selects the section.
+    minute.GotFocus = [this] { minute.SetSelStart(0), minute.SetSelLength(2); };
+    spin.Change = [this] {
+        minute.Text = (spin.Value() < 10 ? u"0" : u"") + DecimalText(spin.Value());
+        minute.GotFocus();
+    };
+    const QPoint inside = PlaceOf("txtMinute"), aside = inside - QPoint(5, 0);
+    const QPoint half(0, 6), arrows = PlaceOf("updTime");
     const Table<const char*, std::function<void()>, const char*> inputs = {
-        {"upper arrow", [this] { Click(Upper()); }, "up "},
-        {"lower arrow", [this] { Click(Lower()); }, "down "},
-        {"right button", [this] { Click(Upper(), Qt::RightButton); }, ""},
-        {"Up", [this] { Key(Qt::Key_Up); }, "up "},
-        {"Down", [this] { Key(Qt::Key_Down, Qt::KeypadModifier); }, "down "},
-        {"Ctrl+Up", [this] { Key(Qt::Key_Up, Qt::ControlModifier); }, ""},
-        {"wheel down twice", [this] { Wheel("txtMinute", -240); }, "down down "},
-        {"small turns", [this] { Wheel("txtMinute", 90), Wheel("txtMinute", 150); }, "up up "},
-        {"wheel over the arrows", [this] { Wheel("updTime", -120), Wheel("updTime", 120); }, "down up "},
-        {"wheel elsewhere", [this] { Wheel("cmdButton", 120); }, ""}};
-    WidgetOf("txtMinute").setFocus();
+        {"click, which brings the focus", [&] { Click(inside); }, ""},
+        {"double click", [&] { QTest::mouseDClick(Handle(), Qt::LeftButton, {}, inside); }, ""},
+        {"drag", [&] { Press(inside), QTest::mouseMove(Handle(), aside), Release(aside); }, ""},
+        {"right click", [&] { Click(inside, Qt::RightButton); }, ""},
+        {"End", [&] { Key(Qt::Key_End, Qt::ShiftModifier); }, ""},
+        {"Up", [&] { Key(Qt::Key_Up); }, "up "},
+        {"Down", [&] { Key(Qt::Key_Down, Qt::KeypadModifier); }, "down "},
+        {"Ctrl+Up", [&] { Key(Qt::Key_Up, Qt::ControlModifier); }, ""},
+        {"upper arrow", [&] { Click(arrows - half); }, "up "},
+        {"lower arrow", [&] { Click(arrows + half); }, "down "},
+        {"arrow by the right button", [&] { Click(arrows, Qt::RightButton); }, ""},
+        {"wheel down twice", [&] { Wheel("txtMinute", -240); }, "down down "},
+        {"small turns", [&] { Wheel("txtMinute", 90), Wheel("txtMinute", 150); }, "up up "},
+        {"wheel over the arrows", [&] { Wheel("updTime", -120), Wheel("updTime", 120); }, "down up "},
+        {"wheel elsewhere", [&] { Wheel("cmdButton", 120); }, ""}};
+    const auto& shown = WidgetOf<QLineEdit>("txtMinute");
     for (const bool inService : {true, false}) {
         spin.Enabled = inService;
         for (const auto& [name, act, steps] : inputs) {
             EXPECT_EQ(After(act), inService ? steps : "") << name;
-            ExpectSectionSelected();
+            EXPECT_EQ(FromQt(shown.selectedText()), minute.Text()) << name;
+            EXPECT_TRUE(shown.hasFocus() && !QApplication::activePopupWidget()) << name;
         }
         EXPECT_EQ(minute.Text(), u"00");
-    }
-    spin.Enabled = true;
-    WidgetOf("updTime").setFocus();
-    EXPECT_EQ(After([this] { Key(Qt::Key_Up), Wheel("txtMinute", 120), Wheel("updTime", -120); }),
-              "up down ");
-}
-
-TEST_F(SpinTest, SectionIsPickedAsAWhole) {
-    const QPoint inside = PlaceOf("txtMinute"), aside = inside - QPoint(5, 0);
-    // The first click brings the focus.
-    const Table<const char*, std::function<void()>> acts = {
-        {"click", [&] { Click(inside); }},
-        {"double click", [&] { QTest::mouseDClick(Handle(), Qt::LeftButton, {}, inside); }},
-        {"drag", [&] { Press(inside), QTest::mouseMove(Handle(), aside), Release(aside); }},
-        {"Left", [&] { Key(Qt::Key_Left); }},
-        {"End", [&] { Key(Qt::Key_End, Qt::ShiftModifier); }},
-        {"right click", [&] { Click(inside, Qt::RightButton); }}};
-    for (const auto& [name, act] : acts) {
-        SCOPED_TRACE(name);
-        act();
-        ExpectSectionSelected();
     }
 }
 
