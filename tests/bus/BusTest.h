@@ -21,8 +21,6 @@ namespace platform::test {
 
 inline constexpr char factoryInterface[] = "org.velmora.Automation1.Factory";
 inline constexpr char objectInterface[] = "org.velmora.Automation1.Object";
-inline constexpr char errorName[] = "org.velmora.Automation1.Error";
-inline constexpr char busyErrorName[] = "org.velmora.Automation1.Error.Busy";
 
 // Starts a daemon and makes it the session bus of the environment.
 struct PrivateBus {
@@ -103,14 +101,11 @@ inline std::string ToldContent(sd_bus_message* message) {
     const char* contents = nullptr;
     while (sd_bus_message_peek_type(message, &type, &contents) > 0) {
         if (!all.empty()) all += ' ';
-        if (!contents) {
-            all += ToldBasic(message, type);
-            continue;
-        }
-        sd_bus_message_enter_container(message, type, contents);
-        const std::string inside = ToldContent(message);
-        sd_bus_message_exit_container(message);
-        all += type == 'v' ? "<" + inside + ">" : type == 'a' ? "[" + inside + "]" : "(" + inside + ")";
+        if (contents) sd_bus_message_enter_container(message, type, contents);
+        const std::string told = contents ? ToldContent(message) : ToldBasic(message, type);
+        if (contents) sd_bus_message_exit_container(message);
+        const char* around = type == 'v' ? "<>" : type == 'a' ? "[]" : "()";
+        all += contents ? around[0] + told + around[1] : told;
     }
     return all;
 }
@@ -212,7 +207,9 @@ class BusTest : public testing::Test {
     void Answer(const MessageRef& call, const char* text) {
         sd_bus_reply_method_return(call.get(), "vav", "s", text, 0);
     }
-    void Refuse(const MessageRef& call) { sd_bus_reply_method_errorf(call.get(), busyErrorName, "later"); }
+    void Refuse(const MessageRef& call) {
+        sd_bus_reply_method_errorf(call.get(), "org.velmora.Automation1.Error.Busy", "later");
+    }
     void TakeCalls() {
         for (sd_bus_message* message = nullptr; sd_bus_process(stranger.get(), &message) > 0;) {
             const MessageRef call = Adopted(message);

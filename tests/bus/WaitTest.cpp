@@ -163,9 +163,7 @@ TEST_P(LossTest, EndsWaitsAndGivesBackReferences) {
 
 TEST_F(WaitTest, ACallThatArrivesWhileANameIsAskedForIsServed) {
     // The library takes it in along with the daemon's answer, and the descriptor doesn't show it.
-    const Reference object =
-        CreateForStranger(Watched([&](Arguments&) { return events += "called ", Value(); }));
-    Poke(object);
+    Poke(CreateForStranger(poked));
     RoundTrip();
     server->ServeClass("Test.cLater", create);
     EXPECT_EQ(events, "");

@@ -7,10 +7,6 @@ namespace {
 using namespace forms;
 
 struct CalendarTest : FormTest {
-    void SetUp() override {
-        FormTest::SetUp();
-        Widget().setFocus();
-    }
     void Set(int year, int month, int day) {
         calendar.SetDay(static_cast<std::int16_t>(day));
         calendar.SetMonth(static_cast<std::int16_t>(month));
@@ -33,6 +29,7 @@ TEST_F(CalendarTest, KeysMoveTheDay) {
         {2003, 10, 0, Qt::Key_Space, {}, "2003|10|1|"},
         {2003, 11, 31, Qt::Key_Down, {}, "2003|11|8|"},  // a day that the month lacks is none
         {9999, 12, 31, Qt::Key_Right, {}, "9999|12|31|"}};
+    Widget().setFocus();
     for (const auto& [year, month, day, key, modifiers, result] : cases) {
         Set(year, month, day);
         Key(key, modifiers);
@@ -67,23 +64,13 @@ TEST_F(CalendarTest, SelectorsTurnByMouseAndKeyboard) {
     }
     const auto& first = WidgetOf("Previous month");
     EXPECT_EQ(first.accessibleName().toStdString(), "November 2002");
+    Widget().setFocus();
     Key(Qt::Key_Tab);
     Key(Qt::Key_Space);
     EXPECT_EQ(Shown(), "2002|11|0|");
     calendar.showdateselectors = 2;
     EXPECT_FALSE(first.isVisible());
     EXPECT_TRUE(Widget().hasFocus());
-}
-
-TEST(MonthPageTest, PlacesOfDays) {
-    const Table<QDate, Qt::DayOfWeek, PageCell> cases = {{{2003, 10, 1}, Qt::Sunday, {0, 3}},
-                                                         {{2003, 6, 30}, Qt::Monday, {5, 0}},
-                                                         {{2003, 6, 1}, Qt::Sunday, {0, 0}}};
-    for (const auto& [date, first, cell] : cases) {
-        const MonthPage page(date.year(), date.month(), first);
-        EXPECT_EQ(page.CellOf(date.day()), cell) << date.toString().toStdString();
-        EXPECT_EQ(page.WeekdayOf(cell.column), date.dayOfWeek());
-    }
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
 // What the desktop gives beside input: the loop, the locale's texts, pictures, and what is read out.
-#include <QTextDocument>
-
 #include "QtFixture.h"
 #include "harness/Cases.h"
 #include "harness/Files.h"
@@ -65,10 +63,6 @@ TEST_F(FormTest, ItsTextsAreReadOut) {
         const Text description = tipText == huge ? cut : tipText;
         EXPECT_EQ(FromQt(widget.accessibleName()), name);
         EXPECT_EQ(FromQt(widget.accessibleDescription()), description);
-        QTextDocument shown;
-        Qt::mightBeRichText(widget.toolTip()) ? shown.setHtml(widget.toolTip())
-                                              : shown.setPlainText(widget.toolTip());
-        EXPECT_EQ(FromQt(shown.toPlainText()), description);
         EXPECT_EQ(FromQt(Handle()->title()), text == huge ? cut : text);
     }
 }

@@ -24,7 +24,6 @@ struct Surroundings : ::testing::Environment {
     void SetUp() override {
         setenv("QT_QPA_PLATFORM", "offscreen", 0);
         setenv("LC_ALL", "C.UTF-8", 1);
-        setenv("TZ", "UTC", 1);
         application.title = u"Default title";
         desktop = OpenDesktop(count, values, application, *engine);
     }
