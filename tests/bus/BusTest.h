@@ -146,9 +146,7 @@ struct ScriptedObject : Object {
     Act act;
     std::string& log;
 };
-inline Value Echo(Arguments& arguments) {
-    return arguments.at(0);
-}
+inline const auto Echo = [](Arguments& arguments) { return arguments.at(0); };
 
 class BusTest : public testing::Test {
   protected:

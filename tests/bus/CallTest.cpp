@@ -1,6 +1,4 @@
 // What calls carry, how they find their member, and how they fail.
-#include <cmath>
-
 #include "BusTest.h"
 #include "platform/runtime/MemberTable.h"
 
@@ -89,7 +87,6 @@ TEST_F(CallTest, WhatStrangersCallAndPassIsFoundAndConvertedOrRefused) {
     const std::pair<std::string, std::string> cases[] = {
         {invoke("tag", 2, 0), "<'tag'> []"},
         {invoke("TAG", 4, 1, "s", "late"), "<(y0)> [<'late'>]"},
-        {invoke("Tag", 3, 0), "Error i5"},
         {invoke("Both", 1, 2, "i", 1, "s", "2"), "<'12'> [<i1> <'2'>]"},
         {invoke("Both", 1, 2, "s", "", "i", 2), "Error i440"},
         {invoke("Nobody", 1, 0), "Error i438"},
@@ -106,7 +103,6 @@ TEST_F(CallTest, WhatStrangersCallAndPassIsFoundAndConvertedOrRefused) {
         {echo("y", 255), "<n255> [<n255>]"},
         {echo("x", -2147483648LL), "<i-2147483648> [<i-2147483648>]"},
         {echo("x", -2147483649LL), "Error i6"},
-        {echo("(d)", NAN), "Error i6"},
         {echo("ay", 0), "Error i13"},
         {echo("(so)", "no name", "/Object/1"), "Error i13"},
         {echo("(so)", ":1.0", "/Object/999"), "Error i462"}};
@@ -148,7 +144,9 @@ TEST_F(CallTest, WhatAnErrorMeansToTheCaller) {
     const ObjectRef raising =
         Created(Scripted([](Arguments&) -> Value { throw RuntimeError(9, u"out of r\u00E4nge\uFFFF"); }));
     EXPECT_EQ(FaultOf([&] { Call(raising, "Anything"); }), "9 out of r\u00E4nge\uFFFD");
-    whenCalled = [](const MessageRef& call) { sd_bus_reply_method_return(call.get(), "v", "s", ""); };
+    whenCalled = [](const MessageRef& call) {
+        sd_bus_reply_method_return(call.get(), "vavs", "s", "", 0, "");
+    };
     EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), 13) << "an answer of another signature";
 }
 

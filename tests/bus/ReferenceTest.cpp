@@ -4,9 +4,7 @@
 namespace platform::test {
 namespace {
 
-struct ReferenceTest : BusTest {
-    ObjectRef kept;
-};
+using ReferenceTest = BusTest;
 
 TEST_F(ReferenceTest, ReferencesAreCountedForEachHolder) {
     server->WhenInUse([&](bool inUse) { events += inUse ? "used " : "unused "; });
@@ -29,6 +27,13 @@ TEST_F(ReferenceTest, ReferencesAreCountedForEachHolder) {
     EXPECT_EQ(handed.use_count(), 1);
 }
 
+TEST_F(ReferenceTest, ACreationUnderWayIsRefusedOnceNoMoreIsServed) {
+    create = [&] { return server->StopServing(), Watched(); };
+    EXPECT_EQ(CreateInstance(), "Busy i440");
+    EXPECT_TRUE(CreateInstance().starts_with("ServiceUnknown"));
+    ExpectEvents("leaves gone freed ");
+}
+
 TEST_F(ReferenceTest, AFailedOrUnheardAnswerCountsNothing) {
     const ObjectRef handed = Watched();
     const Reference giver =
@@ -41,6 +46,7 @@ TEST_F(ReferenceTest, AFailedOrUnheardAnswerCountsNothing) {
 }
 
 TEST_F(ReferenceTest, AKeptArgumentIsRetainedAheadOfTheAnswerAlsoWhereTheCallFails) {
+    ObjectRef kept;
     bool keeps = false, fails = false;
     const auto act = [&](Arguments& a) {
         if (keeps) kept = a[0].ToObject();
@@ -80,7 +86,7 @@ TEST_F(ReferenceTest, WhatComesBackIsOwnedOrOnesOwnOrRetainedWhereItIs) {
     EXPECT_EQ(events, "");
     made = nullptr;
     ExpectEvents("leaves gone freed ");
-    kept = Call(echoing, "Echo", host).ToObject();
+    ObjectRef kept = Call(echoing, "Echo", host).ToObject();
     ExpectEvents("/Host Retain ");
     kept = nullptr;
     ExpectEvents("/Host Release ");

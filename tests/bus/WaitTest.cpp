@@ -21,8 +21,6 @@ struct WaitTest : BusTest {
         const auto end = loop.Now() + Milliseconds(milliseconds);
         loop.ServeUntil([&] { return loop.Now() > end; });
     }
-    // Keeps what the call borrows, so that it can be called after the answer.
-    void Retain() { Send(borrowed, objectInterface, "Retain"); }
 
     const ObjectRef poked = Scripted([this](Arguments&) { return events += "called ", Value(); });
     const std::function<void(const Value&)> note = [this](const Value& answer) {
@@ -35,7 +33,7 @@ struct WaitTest : BusTest {
 TEST_F(WaitTest, AnswerAndCallTakeEffectInTheirOrder) {
     for (const bool answerFirst : {false, true}) {
         whenCalled = [&](const MessageRef& call) {
-            Retain();
+            Send(borrowed, objectInterface, "Retain");
             if (answerFirst) Answer(call, "");
             Poke(borrowed);
             if (!answerFirst) Answer(call, "");
@@ -51,7 +49,7 @@ TEST_F(WaitTest, ALoopOnTopOfAnAnsweredWaitIsServed) {
     // A message box that a timer opens while a call is out.
     const auto box = loop.Every(Milliseconds(1), [&] {
         if (calls.empty()) return;
-        Retain();
+        Send(borrowed, objectInterface, "Retain");
         Answer(std::exchange(calls, {})[0], "");
         Poke(borrowed);
         ExpectEvents("called ");

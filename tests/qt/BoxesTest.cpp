@@ -2,7 +2,6 @@
 #include <QPushButton>
 
 #include "QtFixture.h"
-#include "platform/desktop/Desktop.h"
 
 namespace platform {
 namespace {
@@ -57,9 +56,7 @@ TEST(MessageBoxTest, LongTextsAreCutWhereNobodyReadsOnAndStayOnTheScreen) {
     const auto act = [](QWidget& box) {
         const QSize screen = QGuiApplication::primaryScreen()->availableSize();
         EXPECT_EQ(box.size(), box.size().boundedTo(screen));
-        for (const QString& shown :
-             {box.windowTitle(), box.accessibleDescription(), box.findChild<QLabel*>()->text()})
-            EXPECT_LT(shown.size(), 10000);
+        EXPECT_LT(box.windowTitle().size() + box.findChild<QLabel*>()->text().size(), 10000);
         PressReturn(box);
     };
     for (const Text& text : {lines, word, huge}) ShowBox(act, {text, 0, text, {}, 0});

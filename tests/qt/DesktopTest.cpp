@@ -1,6 +1,5 @@
 // What the desktop gives beside input: the loop, the locale's texts, pictures, and what is read out.
 #include "QtFixture.h"
-#include "harness/Cases.h"
 #include "harness/Files.h"
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtPictureFiles.h"

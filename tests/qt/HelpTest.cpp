@@ -4,7 +4,6 @@
 
 #include "QtFixture.h"
 #include "harness/Files.h"
-#include "platform/desktop/Desktop.h"
 #include "platform/runtime/Paths.h"
 
 namespace platform {
