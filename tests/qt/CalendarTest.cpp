@@ -38,6 +38,7 @@ TEST_F(CalendarTest, KeysMoveTheDay) {
 }
 
 TEST_F(CalendarTest, AClickChoosesADayUnlessRefused) {
+    EXPECT_EQ(MonthPage(2003, 10, Qt::Sunday).CellOf(1), (PageCell{0, 3})) << "a Wednesday";
     const QPoint aWeek(0, Widget().DayRect(1).height());
     calendar.AfterUpdate = Note("chosen");
     Click(PlaceOfDay(20), Qt::RightButton);
