@@ -12,7 +12,6 @@
 
 #include "harness/Cases.h"
 #include "harness/Files.h"
-#include "platform/automation/Patience.h"
 #include "platform/automation/dbus/BusAutomation.h"
 #include "platform/automation/dbus/Handles.h"
 #include "platform/headless/Desktop.h"
@@ -20,35 +19,27 @@
 
 namespace platform::test {
 
-inline constexpr char factoryPath[] = "/Factory", factoryInterface[] = "org.velmora.Automation1.Factory";
+inline constexpr char factoryInterface[] = "org.velmora.Automation1.Factory";
 inline constexpr char objectInterface[] = "org.velmora.Automation1.Object";
-inline constexpr char errorName[] = "org.velmora.Automation1.Error";
-inline constexpr char busyErrorName[] = "org.velmora.Automation1.Error.Busy";
 
 // Starts a daemon and makes it the session bus of the environment.
-class PrivateBus {
-  public:
+struct PrivateBus {
     PrivateBus() {
-        const std::string address = "unix:path=" + (directory_.Path() / "socket").string();
-        const std::string daemon = "exec dbus-daemon --session --nofork --print-pid --address=" + address;
-        output_ = popen((daemon + " 2>/dev/null").c_str(), "r");
+        const std::string address = "unix:path=" + (directory.Path() / "socket").string();
+        const std::string command = "dbus-daemon --session --fork --print-pid --address=" + address;
+        std::FILE* const output = popen(command.c_str(), "r");
         // The number comes once the daemon listens.
-        if (std::fscanf(output_, "%d", &daemon_) != 1)
-            throw std::runtime_error("the bus daemon did not start");
+        if (std::fscanf(output, "%d", &daemon) != 1) throw std::runtime_error("the bus daemon did not start");
+        pclose(output);
         setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
     }
     ~PrivateBus() { Stop(); }
-
     void Stop() {
-        if (!output_) return;
-        kill(daemon_, SIGKILL);
-        pclose(std::exchange(output_, nullptr));
+        if (daemon != 0) kill(std::exchange(daemon, 0), SIGKILL);
     }
 
-  private:
-    TemporaryDirectory directory_;
-    std::FILE* output_ = nullptr;
-    pid_t daemon_ = 0;
+    TemporaryDirectory directory;
+    pid_t daemon = 0;
 };
 
 // Each round takes a millisecond of its timers, and no less of the computer's: a routine whose wait is over
@@ -99,8 +90,8 @@ inline std::string ToldBasic(sd_bus_message* message, char type) {
     if (type == 's') return "'" + std::string(std::bit_cast<const char*>(raw)) + "'";
     if (type == 'o') return std::bit_cast<const char*>(raw);
     if (type == 'd') return "d" + std::to_string(std::bit_cast<double>(raw));
-    const auto number = type == 'n' ? static_cast<std::int16_t>(raw) : static_cast<std::int32_t>(raw);
-    return type + std::to_string(number);
+    return type +
+           std::to_string(type == 'n' ? static_cast<std::int16_t>(raw) : static_cast<std::int32_t>(raw));
 }
 
 // What is left of a message or container.
@@ -110,238 +101,157 @@ inline std::string ToldContent(sd_bus_message* message) {
     const char* contents = nullptr;
     while (sd_bus_message_peek_type(message, &type, &contents) > 0) {
         if (!all.empty()) all += ' ';
-        if (!contents) {
-            all += ToldBasic(message, type);
-            continue;
-        }
-        sd_bus_message_enter_container(message, type, contents);
-        const std::string inside = ToldContent(message);
-        sd_bus_message_exit_container(message);
-        all += type == 'v' ? "<" + inside + ">" : type == 'a' ? "[" + inside + "]" : "(" + inside + ")";
+        if (contents) sd_bus_message_enter_container(message, type, contents);
+        const std::string told = contents ? ToldContent(message) : ToldBasic(message, type);
+        if (contents) sd_bus_message_exit_container(message);
+        const char* around = type == 'v' ? "<>" : type == 'a' ? "[]" : "()";
+        all += contents ? around[0] + told + around[1] : told;
     }
     return all;
 }
 
-// A description without the words that its number has in any case.
-inline std::string Detail(const std::string& description) {
-    const auto colon = description.find(": ");
-    return colon == std::string::npos ? description : description.substr(colon + 2);
-}
-
-// An answer as its content, an error as name, number and detail, a call with path and member, and "!" where
-// it wants no answer.
+// An answer as its content, an error as its name and number, a call with path and member.
 inline std::string Told(const MessageRef& shared) {
     sd_bus_message* message = shared.get();
     sd_bus_message_rewind(message, true);
     const std::string content = ToldContent(message);
     if (const sd_bus_error* error = sd_bus_message_get_error(message)) {
-        const std::string name = error->name, number = content.substr(content.rfind(' ') + 1);
-        return name.substr(name.rfind('.') + 1) + ' ' + number + ' ' + Detail(error->message);
+        const std::string name = error->name;
+        return name.substr(name.rfind('.') + 1) + content.substr(content.rfind(' '));
     }
     if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) return content;
-    return std::string(sd_bus_message_get_path(message)) + ' ' + sd_bus_message_get_member(message) +
-           (sd_bus_message_get_expect_reply(message) > 0 ? "" : "!") + (content.empty() ? "" : " " + content);
+    const std::string path = sd_bus_message_get_path(message), member = sd_bus_message_get_member(message);
+    return path + ' ' + member + (content.empty() ? "" : " " + content);
 }
 
 // Where an object is.
 struct Reference {
     std::string owner, path;
 };
-inline Reference ReferenceIn(const std::string& told) {
-    const auto owner = told.find("(':") + 2, path = told.find("' ", owner), end = told.find(')', path);
-    return {told.substr(owner, path - owner), told.substr(path + 2, end - path - 2)};
-}
+inline const Reference factory{"Test.cScripted", "/Factory"};
 
-class Stranger {
-  public:
-    explicit Stranger(PollLoop& loop) : loop_(loop) {
-        sd_bus* bus = nullptr;
-        if (sd_bus_open_user(&bus) < 0) throw std::runtime_error("no bus");
-        bus_.reset(bus);
-        serving_ = loop.Every(Milliseconds(1), [this] { Process(); });
+// An object with one act, whichever member is called, that tells what becomes of it.
+struct ScriptedObject : Object {
+    using Act = std::function<Value(Arguments&)>;
+    ScriptedObject(Act itsAct, std::string& itsLog) : act(std::move(itsAct)), log(itsLog) {}
+    ~ScriptedObject() override { log += "freed "; }
+    const ClassDescription& Class() const override {
+        static const ClassDescription description{"Scripted", {}};
+        return description;
     }
-    sd_bus* Bus() const { return bus_.get(); }
-    void Leave() { sd_bus_close(Bus()); }
+    Value Invoke(std::string_view, InvokeKind, Arguments& arguments) override { return act(arguments); }
+    void LastClientLeaves() override { log += "leaves "; }
+    void LastClientGone() override { log += "gone "; }
 
-    // Sends a call, with `types` and what follows as for the bus library. The result is the answer, once the
-    // loop has been served for so long.
+    Act act;
+    std::string& log;
+};
+inline const auto Echo = [](Arguments& arguments) { return arguments.at(0); };
+
+class BusTest : public testing::Test {
+  protected:
+    BusTest() {
+        server->ServeClass("Test.cScripted", [this] { return create(); });
+        sd_bus* opened = nullptr;
+        sd_bus_open_user(&opened);
+        stranger.reset(opened);
+        sd_bus_request_name(opened, "Test.cStranger", 0);
+        whenCalled = [](const MessageRef& call) {
+            sd_bus_reply_method_return(call.get(), "(so)", ":1.2", "/Host");
+        };
+        host = client->CreateObject(u"Test.cStranger");
+        whenCalled = nullptr;
+        EXPECT_EQ(Told(std::exchange(calls, {}).at(0)), "/Factory CreateInstance");
+    }
+
+    // The stranger sends a call, with `types` and what follows as for the bus library. The result is the
+    // answer, once the loop has been served for so long.
     template <class... Parts>
     const MessageRef& Send(const Reference& to, const char* interface, const char* member,
                            const char* types = "", Parts... parts) {
         const auto keep = [](sd_bus_message* message, void* place, sd_bus_error*) {
             return *static_cast<MessageRef*>(place) = Shared(message), 1;
         };
-        MessageRef& answer = answers_.emplace_back();
-        sd_bus_call_method_async(Bus(), nullptr, to.owner.c_str(), to.path.c_str(), interface, member, keep,
-                                 &answer, types, parts...);
+        MessageRef& answer = answers.emplace_back();
+        sd_bus_call_method_async(stranger.get(), nullptr, to.owner.c_str(), to.path.c_str(), interface,
+                                 member, keep, &answer, types, parts...);
         return answer;
     }
     template <class... Parts>
-    std::string Call(Parts... parts) {
+    std::string Ask(Parts... parts) {
         const MessageRef& answer = Send(parts...);
-        return loop_.ServeUntil([&] { return answer != nullptr; }) ? Told(answer) : "no answer";
+        return loop.ServeUntil([&] { return answer != nullptr; }) ? Told(answer) : "no answer";
     }
     template <class... Parts>
-    std::string Invoke(const Reference& to, const char* member, int count = 0, Parts... parts) {
-        return Call(to, objectInterface, "Invoke", "sqav", member, 1, count, parts...);
+    std::string Invoke(const Reference& to, int count = 0, Parts... parts) {
+        return Ask(to, objectInterface, "Invoke", "sqav", "Member", 1, count, parts...);
     }
-    template <class... Parts>
-    void Notify(const Reference& to, const char* interface, const char* member, const char* types = "",
-                Parts... parts) {
-        sd_bus_call_method_async(Bus(), nullptr, to.owner.c_str(), to.path.c_str(), interface, member,
-                                 nullptr, nullptr, types, parts...);
+    void Poke(const Reference& to) { Send(to, objectInterface, "Invoke", "sqav", "Poke", 1, 0); }
+    std::string CreateInstance() { return Ask(factory, factoryInterface, "CreateInstance"); }
+    Reference CreateForStranger(ObjectRef object) {
+        created = std::move(object);
+        const std::string told = CreateInstance();  // such as "(':1.0' /Object/1)"
+        return {":1.0", told.substr(8, told.size() - 9)};
     }
     // Takes in all that was sent before. The daemon answers ahead of what its queues of the same round hold,
     // but the second answer follows that.
     void RoundTrip() {
         for (int i = 0; i < 2; ++i)
-            sd_bus_call_method(Bus(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId", nullptr,
-                               nullptr, "");
-        Process();
+            sd_bus_call_method(stranger.get(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId",
+                               nullptr, nullptr, "");
     }
 
-    // By default calls are kept unanswered.
-    std::function<void(const MessageRef&)> whenCalled;
-    std::vector<MessageRef> calls;
-    std::string Heard() {
-        std::string all;
-        for (const MessageRef& call : std::exchange(calls, {})) all += (all.empty() ? "" : "; ") + Told(call);
-        return all;
+    // The stranger notes a call that wants no answer and keeps the others, and answers Invoke so.
+    void Answer(const MessageRef& call, const char* text) {
+        sd_bus_reply_method_return(call.get(), "vav", "s", text, 0);
     }
-
-    template <class... Parts>
-    void Return(const MessageRef& call, const char* types, Parts... parts) {
-        sd_bus_reply_method_return(call.get(), types, parts...);
+    void Refuse(const MessageRef& call) {
+        sd_bus_reply_method_errorf(call.get(), "org.velmora.Automation1.Error.Busy", "later");
     }
-    template <class... Parts>
-    void ReturnResult(const MessageRef& call, const char* type, Parts... parts) {
-        Return(call, "vav", type, parts..., 0);
-    }
-    void Refuse(const MessageRef& call) { sd_bus_reply_method_errorf(call.get(), busyErrorName, "later"); }
-
-  private:
-    void Process() {
-        for (sd_bus_message* message = nullptr; sd_bus_process(Bus(), &message) > 0;) {
-            if (!message) continue;
+    void TakeCalls() {
+        for (sd_bus_message* message = nullptr; sd_bus_process(stranger.get(), &message) > 0;) {
             const MessageRef call = Adopted(message);
-            if (sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) continue;
+            if (!message || sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) continue;
+            if (sd_bus_message_get_expect_reply(message) <= 0) {
+                events += Told(call) + " ";
+                continue;
+            }
             calls.push_back(call);
             if (whenCalled) whenCalled(call);
         }
     }
 
-    PollLoop& loop_;
-    std::list<MessageRef> answers_;
-    BusRef bus_;
-    HandleRef serving_;
-};
-
-inline const Reference factory{"Test.cScripted", factoryPath};
-
-// An object whose members a test writes down where it needs them.
-struct ScriptedObject : Object {
-    explicit ScriptedObject(ClassDescription its) : description(std::move(its)) {}
-    ~ScriptedObject() override { told("freed"); }
-    const ClassDescription& Class() const override { return description; }
-    void LastClientLeaves() override { told("leaves"); }
-    void LastClientGone() override { told("gone"); }
-
-    ClassDescription description;
-    std::function<void(std::string_view)> told = [](std::string_view) {};
-};
-
-inline std::shared_ptr<ScriptedObject> Scripted(std::vector<Member> members = {}) {
-    return std::make_shared<ScriptedObject>(ClassDescription{"Scripted", std::move(members)});
-}
-
-// A method with at most so many arguments of any kind; `call` takes those that came and gives a result or
-// nothing.
-template <class Function>
-Member Method(std::string_view name, std::size_t arguments, Function call) {
-    return {name, InvokeKind::Method,
-            std::vector<Parameter>(arguments, {"Argument", ValueType::Variant, true}), ValueType::Variant,
-            [call](Object&, const Member&, Arguments& given) {
-                if constexpr (std::is_void_v<std::invoke_result_t<Function, Arguments&>>)
-                    return call(given), Value();
-                else
-                    return Value(call(given));
-            }};
-}
-
-inline Member Echo() {
-    return Method("Echo", 1, [](Arguments& a) { return a[0]; });
-}
-
-// Number and detail of what a call raises, or nothing.
-template <class Act>
-std::string Failure(Act act) {
-    const RuntimeError error = Raised(act);
-    return error.Number() == 0 ? ""
-                               : std::to_string(error.Number()) + ' ' + Detail(ToUtf8(error.Description()));
-}
-
-class BusTest : public testing::Test {
-  protected:
-    BusTest() {
-        server->ServeClass("Test.cScripted", [this] { return create(); });
-        sd_bus_request_name(stranger.Bus(), "Test.cStranger", 0);
-        stranger.whenCalled = [this](const MessageRef& call) {
-            stranger.Return(call, "(so)", ":1.2", "/Host");
-        };
-        host = client->CreateObject(u"Test.cStranger");
-        stranger.whenCalled = nullptr;
-        EXPECT_EQ(stranger.Heard(), "/Factory CreateInstance");
-    }
-    std::unique_ptr<Automation> Connect() { return ConnectToSessionBus(loop, boxes, settings); }
-
     ObjectRef Created(ObjectRef object) {
         created = std::move(object);
         return client->CreateObject(u"Test.cScripted");
     }
-    Reference CreateForStranger(ObjectRef object) {
-        created = std::move(object);
-        return ReferenceIn(CreateInstance());
+    // An object whose end is of no interest, and one whose events are noted.
+    ObjectRef Scripted(ScriptedObject::Act act) {
+        return std::make_shared<ScriptedObject>(std::move(act), unwatched);
     }
-    std::string CreateInstance() { return stranger.Call(factory, factoryInterface, "CreateInstance"); }
-
-    std::string Plain(const Reference& object, const char* method) {
-        return stranger.Call(object, objectInterface, method);
+    ObjectRef Watched(ScriptedObject::Act act = Echo) {
+        return std::make_shared<ScriptedObject>(std::move(act), events);
     }
-    void Poke(const Reference& object) {
-        stranger.Notify(object, objectInterface, "Invoke", "sqav", "Poke", 1, 0);
-    }
-    void AnswerAll(const char* text) {
-        stranger.whenCalled = [this, text](const MessageRef& call) {
-            stranger.ReturnResult(call, "s", text);
-        };
-    }
-
-    // What a test lets be noted, in its order, with a space after each.
-    void Note(std::string_view event) { (events += event) += ' '; }
-    std::shared_ptr<ScriptedObject> Watched(std::vector<Member> members = {}) {
-        const auto object = Scripted(std::move(members));
-        object->told = [this](std::string_view event) { Note(event); };
-        return object;
-    }
-    // Serves until exactly this has been noted, or the stranger has heard exactly this, since the last time.
+    // Serves until exactly this has been noted since the last time.
     void ExpectEvents(const std::string& expected) {
         loop.ServeUntil([&] { return events == expected; });
         EXPECT_EQ(std::exchange(events, ""), expected);
     }
-    void ExpectHeard(const std::string& expected) {
-        loop.ServeUntil([&] { return !stranger.calls.empty(); });
-        EXPECT_EQ(stranger.Heard(), expected);
-    }
 
-    std::string events;
+    std::string events, unwatched;
     PrivateBus bus;
     PollLoop loop;
     headless::WaitBoxes boxes;
     WaitSettings settings;
     ObjectRef created;
     std::function<ObjectRef()> create = [this] { return std::move(created); };
-    std::unique_ptr<Automation> server = Connect(), client = Connect();
-    Stranger stranger{loop};
+    std::unique_ptr<Automation> server = ConnectToSessionBus(loop, boxes, settings);
+    std::unique_ptr<Automation> client = ConnectToSessionBus(loop, boxes, settings);
+    std::list<MessageRef> answers;
+    std::vector<MessageRef> calls;
+    std::function<void(const MessageRef&)> whenCalled;
+    BusRef stranger;
+    const HandleRef taking = loop.Every(Milliseconds(1), [this] { TakeCalls(); });
     ObjectRef host;  // of the stranger's, held by the client
 };
 

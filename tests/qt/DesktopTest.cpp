@@ -1,6 +1,5 @@
-// What the desktop gives beside windows: the loop, the texts of the locale, and picture files.
+// What the desktop gives beside input: the loop, the locale's texts, pictures, and what is read out.
 #include "QtFixture.h"
-#include "harness/Cases.h"
 #include "harness/Files.h"
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtPictureFiles.h"
@@ -33,20 +32,38 @@ TEST(LocaleTest, TimesHaveNoZoneAndWeeksBeginWithSunday) {
 
 TEST(PictureFilesTest, NamesWhatIsNoPictureByItsPathOnTheMachine) {
     const TemporaryDirectory directory;
-    const Table<TextView, std::string, std::filesystem::path> cases = {
-        {u"\\BACKGRND\\TEXT.SVG", "481 ", directory.Write("Backgrnd/Text.svg", "<svg")},
-        {u"\\BACKGRND\\None.svg", "53 ", directory.Path() / "Backgrnd/None.svg"}};
+    const std::string file = directory.Write("Backgrnd/Text.svg", "<svg");
     const QtPictureFiles files(Layers({directory.Path() / "own", directory.Path()}, {}));
-    for (const auto& [path, number, real] : cases) {
-        const Text asked = UpperCase(PathText(directory.Path())) + Text(path);
-        const std::string fault = FaultOf([&] { files.LoadPicture(asked); });
-        EXPECT_TRUE(fault.starts_with(number) && fault.ends_with(": '" + real.native() + "'")) << fault;
-    }
-    const std::string own = "<svg xmlns='http://www.w3.org/2000/svg' width='7' height='5'/>";
     const Text shared = PathText(directory.Path() / "Backgrnd") + u"\\TEXT.SVG";
+    const auto load = [&] { return files.LoadPicture(shared); };
+    EXPECT_EQ(FaultOf(load), "481 Invalid picture: '" + file + "'");
+    const std::string own = "<svg xmlns='http://www.w3.org/2000/svg' width='7' height='5'/>";
     directory.Write("own/Backgrnd/text.svg", own);
     EXPECT_EQ(files.Dir(shared), u"text.svg");
-    EXPECT_EQ(files.LoadPicture(shared)->Content(), own);
+    EXPECT_EQ(load()->Content(), own);
+}
+
+TEST_F(FormTest, ItsTextsAreReadOut) {
+    const Text huge(5'000'000, u'x'), cut = Text(4000, u'x') + u"\u2026";
+    const Text caption = u"Read & set [*]", tip = u" A <b>tip</b> ";
+    const auto red = std::make_shared<forms::Picture>(
+        R"(<svg xmlns="http://www.w3.org/2000/svg"><rect width="9" height="9"/></svg>)");
+    const Table<Text, Text, forms::PictureRef, Text> cases = {{caption, tip, nullptr, caption},
+                                                              {caption, tip, red, tip},
+                                                              {caption, u"", red, caption},
+                                                              {u" ", u" ", nullptr, u"cmdButton"},
+                                                              {huge, huge, nullptr, cut}};
+    for (const auto& [text, tipText, picture, name] : cases) {
+        form.Caption = text;
+        button.Caption = text;
+        button.ToolTipText = tipText;
+        button.Picture = picture;
+        const QWidget& widget = WidgetOf("cmdButton");
+        const Text description = tipText == huge ? cut : tipText;
+        EXPECT_EQ(FromQt(widget.accessibleName()), name);
+        EXPECT_EQ(FromQt(widget.accessibleDescription()), description);
+        EXPECT_EQ(FromQt(Handle()->title()), text == huge ? cut : text);
+    }
 }
 
 }  // namespace

@@ -1,17 +1,23 @@
 // Which input reaches a form, by mouse, keyboard, wheel or assistive program.
+#include <QAccessible>
 #include <QLineEdit>
+#include <QWheelEvent>
 
 #include "QtFixture.h"
 
 namespace platform {
 namespace {
 
-class InputTest : public FormTest {
-  protected:
+struct InputTest : FormTest {
     QAccessibleInterface& SpokenOf(const char* name) const {
         return *QAccessible::queryAccessibleInterface(&WidgetOf(name));
     }
     static HandleRef Hold() { return TheDesktop().Loop().HoldInput(); }
+    void Wheel(const char* name, int angle) const {
+        const QPointF place = PlaceOf(name);
+        QWheelEvent event(place, Window()->mapToGlobal(place), {}, {0, angle}, {}, {}, {}, false);
+        QCoreApplication::sendEvent(Handle(), &event);
+    }
 };
 
 TEST_F(InputTest, IsTakenRefusedOrHeldWhicheverWayItComes) {
@@ -44,61 +50,33 @@ TEST_F(InputTest, IsTakenRefusedOrHeldWhicheverWayItComes) {
     EXPECT_TRUE(Until([&] { return log == all + "unloaded "; })) << log;
 }
 
-TEST_F(InputTest, PressAndReleaseAreRefusedAsOne) {
-    track.MouseUp = Note("released");
+TEST_F(InputTest, NothingStaysPressedOnAFormThatIsDisabled) {
     auto& shown = WidgetOf<QAbstractButton>("cmdButton");
     shown.setFocus();
-    const auto press = [this] { QTest::keyPress(Handle(), Qt::Key_Space); };
-    const auto release = [this] { QTest::keyRelease(Handle(), Qt::Key_Space); };
-    const QPoint box = PlaceOf("chkTrack");
-    form.Enabled = false;
-    press(), Press(box), Press(box, Qt::RightButton);
-    form.Enabled = true;
-    release(), Release(box), Release(box, Qt::RightButton);
-    press();
+    QTest::keyPress(Handle(), Qt::Key_Space);
     EXPECT_TRUE(shown.isDown());
     form.Enabled = false;
-    EXPECT_FALSE(shown.isDown()) << "nothing stays pressed on a form that is disabled";
+    EXPECT_FALSE(shown.isDown());
     form.Enabled = true;
-    release();
+    QTest::keyRelease(Handle(), Qt::Key_Space);
     EXPECT_EQ(log, "");
-    press(), release();
-    EXPECT_EQ(log, "click ");
 }
 
 TEST_F(InputTest, ABoxShowsWhatTheModelSays) {
     track.Click = [this] { Note("check")(), track.SetValue(0); };
-    auto& shown = WidgetOf<QAbstractButton>("chkTrack");
     Click("chkTrack");
     EXPECT_EQ(log, "check check ");
+    auto& shown = WidgetOf<QAbstractButton>("chkTrack");
     EXPECT_FALSE(shown.isChecked());
     form.Enabled = false;
     shown.click();  // past the events of the window
     EXPECT_FALSE(shown.isChecked());
 }
 
-TEST_F(InputTest, ATextIsChangedOnlyWhereTheOperatorMay) {
-    auto& text = *SpokenOf("txtMinute").editableTextInterface();
-    const auto shown = [this] {
-        EXPECT_EQ(FromQt(WidgetOf<QLineEdit>("txtMinute").text()), minute.Text());
-        return ToUtf8(minute.Text());
-    };
-    const auto afterInsertion = [&] { return text.insertText(0, QStringLiteral("9")), shown(); };
-    minute.SetSelStart(2);
-    text.replaceText(0, 2, QStringLiteral("99"));  // which leaves the cursor where it is
-    EXPECT_EQ(shown(), "00") << "locked";
-    minute.Locked = false;
-    form.Enabled = false;
-    EXPECT_EQ(afterInsertion(), "00") << "disabled";
-    form.Enabled = true;
-    HandleRef hold = Hold();
-    EXPECT_EQ(afterInsertion(), "00") << "a call is out";
-    hold.reset();
-    EXPECT_TRUE(Until([&] { return shown() == "900"; }));
-    WidgetOf("txtMinute").setFocus();
-    for (const auto key : {Qt::Key_End, Qt::Key_1, Qt::Key_Home, Qt::Key_2}) Key(key);
-    EXPECT_EQ(shown(), "29001");
-    EXPECT_EQ(minute.SelStart(), 1);
+TEST_F(InputTest, AnAssistiveProgramDoesNotChangeALockedText) {
+    SpokenOf("txtMinute").editableTextInterface()->insertText(0, QStringLiteral("9"));
+    EXPECT_EQ(WidgetOf<QLineEdit>("txtMinute").text().toStdString(), "00");
+    EXPECT_EQ(minute.Text(), u"00");
 }
 
 TEST_F(InputTest, FocusGoesAwayFromADisabledControlButNotToABox) {
@@ -119,7 +97,6 @@ TEST_F(InputTest, EventsMayTakeTheFormAway) {
     const Table<std::function<void()>, const char*, Qt::Key> cases = {
         {[&] { button.Click = away; }, "cmdButton", {}},
         {[&] { track.Click = away; }, "chkTrack", {}},
-        {[&] { image.MouseUp = away; }, "imgBack", {}},
         {[&] { spin.UpClick = away; }, "updTime", Qt::Key_Up},
         {[&] { calendar.AfterUpdate = away; }, "Calendar", {}},
         {[] {}, "Calendar", Qt::Key_Right},
@@ -138,121 +115,73 @@ TEST_F(InputTest, EventsMayTakeTheFormAway) {
     }
 }
 
-// Of the arrows, in milliseconds: shorter than an operator's.
-constexpr int stepPause = 40;
-constexpr Milliseconds longerThanAStep = 120ms;
-
-// The arrow of the spin control and one of the calendar.
-class HeldArrowTest : public FormTest {
-  protected:
-    // Holds each arrow, which acts at each step, while `hold` goes on. The second place is beside the arrow.
-    void HoldEach(const std::function<void()>& act, const std::function<void(QPoint, QPoint)>& hold) {
-        spin.UpClick = calendar.NewMonth = [this, act] { Note("step")(), act(); };
-        const QPoint half(0, 6), month = PlaceOf("Previous month") - PlaceOf("Next month");
-        for (const auto& [name, offset, beside] :
-             {std::tuple("updTime", -half, 2 * half), {"Next month", QPoint(), month}}) {
-            auto& widget = WidgetOf<QAbstractButton>(name);
-            widget.setAutoRepeatDelay(stepPause), widget.setAutoRepeatInterval(stepPause);
-            const QPoint arrow = PlaceOf(name) + offset;
-            log.clear();
-            Press(arrow);
-            hold(arrow, arrow + beside);
-            Release(arrow);
-            EXPECT_EQ(After([] { Settle(longerThanAStep); }), "") << "it is released";
-        }
-    }
-};
-
-TEST_F(HeldArrowTest, StepsUntilTheReleaseAndPausesOutside) {
-    HoldEach([] {},
-             [this](QPoint arrow, QPoint beside) {
-                 EXPECT_EQ(log, "step ") << "the first step waits for nothing";
-                 PointAt(beside);
-                 Settle(longerThanAStep);
-                 EXPECT_EQ(log, "step ");
-                 PointAt(arrow);
-                 EXPECT_TRUE(Until([this] { return log.starts_with("step step step "); }));
-             });
-}
-
-TEST_F(HeldArrowTest, HoldingEndsWithWhatAHandlerDoes) {
-    const auto answerLate = [](QWidget& box) { Settle(longerThanAStep), PressReturn(box); };
+TEST_F(InputTest, AnArrowStepsWhileItIsHeldUntilAHandlerOrTheReleaseEndsIt) {
+    constexpr Milliseconds longer = 120ms;  // than the pauses, which are shorter than an operator's
+    const QPoint half(0, 6), arrow = PlaceOf("updTime") - half, beside = arrow + 2 * half;
+    const auto hold = [&](const std::function<void()>& act) {
+        auto& widget = WidgetOf<QAbstractButton>("updTime");
+        widget.setAutoRepeatDelay(40), widget.setAutoRepeatInterval(40);
+        log.clear();
+        Press(arrow);
+        act();
+        Release(arrow);
+        EXPECT_EQ(After([] { Settle(longer); }), "") << "it is released";
+    };
+    hold([&] {
+        EXPECT_TRUE(log.starts_with("up ")) << "the first step waits for nothing";
+        QTest::mouseMove(Handle(), beside);
+        EXPECT_EQ(After([] { Settle(longer); }), "") << "outside";
+        QTest::mouseMove(Handle(), arrow);
+        EXPECT_TRUE(Until([this] { return log.starts_with("up up up "); }));
+    });
+    const auto answerLate = [](QWidget& box) { Settle(longer), PressReturn(box); };
     const std::function<void()> acts[] = {[&] { ShowBox(answerLate); }, [this] { EnableControls(false); },
                                           [this] { form.Enabled = false; }, [this] { form.Hide(); }};
-    for (const auto& act : acts)
-        HoldEach(act, [this](QPoint, QPoint) {
-            Settle(longerThanAStep);
-            EXPECT_EQ(log, "step ");
+    for (const auto& act : acts) {
+        spin.UpClick = [&] { Note("up")(), act(); };
+        hold([&] {
+            Settle(longer);
+            EXPECT_EQ(log, "up ");
             EnableControls(true);
             form.Enabled = true;
             form.Show();
         });
+    }
 }
 
-// A section of a time field.
-class SpinTest : public FormTest {
-  protected:
-    SpinTest() {
-        minute.Spin = &spin;
-        spin.SetMax(59);
-        spin.Change = [this] {
-            minute.Text = (spin.Value() < 10 ? u"0" : u"") + DecimalText(spin.Value());
-            minute.GotFocus();
-        };
-        // The focus selects the section.
-        minute.GotFocus = [this] { minute.SetSelStart(0), minute.SetSelLength(2); };
-    }
-    QPoint Upper() const { return PlaceOf("updTime") - QPoint(0, 6); }
-    QPoint Lower() const { return PlaceOf("updTime") + QPoint(0, 6); }
-    void ExpectSectionSelected() const {
-        const auto& box = WidgetOf<QLineEdit>("txtMinute");
-        EXPECT_EQ(box.selectedText().toStdU16String(), minute.Text());
-        EXPECT_TRUE(box.hasFocus());
-        EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-    }
-};
-
-TEST_F(SpinTest, MouseKeysAndWheelStepTheSectionOfASpinInService) {
+TEST_F(InputTest, ASectionIsPickedAsAWholeAndSteppedWhileItsSpinIsInService) {
+    minute.Spin = &spin;
+    spin.SetMax(59);
+    // The focus selects the section.
+    minute.GotFocus = [this] { minute.SetSelStart(0), minute.SetSelLength(2); };
+    spin.Change = [this] {
+        minute.Text = (spin.Value() < 10 ? u"0" : u"") + DecimalText(spin.Value());
+        minute.GotFocus();
+    };
+    const QPoint inside = PlaceOf("txtMinute"), aside = inside - QPoint(5, 0);
+    const QPoint half(0, 6), arrows = PlaceOf("updTime");
     const Table<const char*, std::function<void()>, const char*> inputs = {
-        {"upper arrow", [this] { Click(Upper()); }, "up "},
-        {"lower arrow", [this] { Click(Lower()); }, "down "},
-        {"right button", [this] { Click(Upper(), Qt::RightButton); }, ""},
-        {"Up", [this] { Key(Qt::Key_Up); }, "up "},
-        {"Down", [this] { Key(Qt::Key_Down, Qt::KeypadModifier); }, "down "},
-        {"Ctrl+Up", [this] { Key(Qt::Key_Up, Qt::ControlModifier); }, ""},
-        {"wheel down twice", [this] { Wheel("txtMinute", -240); }, "down down "},
-        {"small turns", [this] { Wheel("txtMinute", 90), Wheel("txtMinute", 150); }, "up up "},
-        {"wheel over the arrows", [this] { Wheel("updTime", -120), Wheel("updTime", 120); }, "down up "},
-        {"wheel elsewhere", [this] { Wheel("cmdButton", 120); }, ""}};
-    WidgetOf("txtMinute").setFocus();
+        {"click, which brings the focus", [&] { Click(inside); }, ""},
+        {"drag", [&] { Press(inside), QTest::mouseMove(Handle(), aside), Release(aside); }, ""},
+        {"right click", [&] { Click(inside, Qt::RightButton); }, ""},
+        {"Up", [&] { Key(Qt::Key_Up); }, "up "},
+        {"Down", [&] { Key(Qt::Key_Down, Qt::KeypadModifier); }, "down "},
+        {"Ctrl+Up", [&] { Key(Qt::Key_Up, Qt::ControlModifier); }, ""},
+        {"upper arrow", [&] { Click(arrows - half); }, "up "},
+        {"lower arrow", [&] { Click(arrows + half); }, "down "},
+        {"wheel down twice", [&] { Wheel("txtMinute", -240); }, "down down "},
+        {"small turns", [&] { Wheel("txtMinute", 90), Wheel("txtMinute", 150); }, "up up "},
+        {"wheel over the arrows", [&] { Wheel("updTime", -120), Wheel("updTime", 120); }, "down up "},
+        {"wheel elsewhere", [&] { Wheel("cmdButton", 120); }, ""}};
+    const auto& shown = WidgetOf<QLineEdit>("txtMinute");
     for (const bool inService : {true, false}) {
         spin.Enabled = inService;
         for (const auto& [name, act, steps] : inputs) {
             EXPECT_EQ(After(act), inService ? steps : "") << name;
-            ExpectSectionSelected();
+            EXPECT_EQ(FromQt(shown.selectedText()), minute.Text()) << name;
+            EXPECT_TRUE(shown.hasFocus() && !QApplication::activePopupWidget()) << name;
         }
         EXPECT_EQ(minute.Text(), u"00");
-    }
-    spin.Enabled = true;
-    WidgetOf("updTime").setFocus();
-    EXPECT_EQ(After([this] { Key(Qt::Key_Up), Wheel("txtMinute", 120), Wheel("updTime", -120); }),
-              "up down ");
-}
-
-TEST_F(SpinTest, SectionIsPickedAsAWhole) {
-    const QPoint inside = PlaceOf("txtMinute"), aside = inside - QPoint(5, 0);
-    // The first click brings the focus.
-    const Table<const char*, std::function<void()>> acts = {
-        {"click", [&] { Click(inside); }},
-        {"double click", [&] { QTest::mouseDClick(Handle(), Qt::LeftButton, {}, inside); }},
-        {"drag", [&] { Press(inside), PointAt(aside), Release(aside); }},
-        {"Left", [&] { Key(Qt::Key_Left); }},
-        {"End", [&] { Key(Qt::Key_End, Qt::ShiftModifier); }},
-        {"right click", [&] { Click(inside, Qt::RightButton); }}};
-    for (const auto& [name, act] : acts) {
-        SCOPED_TRACE(name);
-        act();
-        ExpectSectionSelected();
     }
 }
 

@@ -5,7 +5,6 @@
 #include "exchange/dlgAddin.h"
 #include "harness/Cases.h"
 #include "harness/Desk.h"
-#include "platform/automation/NoAutomation.h"
 #include "shell/ServerLife.h"
 #include "shell/cOLELayer.h"
 
@@ -69,22 +68,6 @@ struct DialogTest : testing::Test, Process {
     std::shared_ptr<NotedHost> host = std::make_shared<NotedHost>();
     std::shared_ptr<headless::Peer> peer = std::make_shared<headless::Peer>();
 };
-
-TEST_F(DialogTest, IsLaidOutByMarketAndFont) {
-    for (const auto& [market, style] : {std::pair(u"90001", "2"), {u"10001", "1"}}) {
-        ModuleData data;
-        data.AddInLanguageDb = desk.databases.OpenDatabase(u"Horalink.lng", true);
-        data.MarketCode = market;
-        dlgAddin dialog(desk.services, data);
-        dialog.Window().Load();
-        const forms::Calendar& calendar = *dialog.Controls().Calendar;
-        EXPECT_EQ(Joined(calendar.MarketStyle(), calendar.CalendarValue(), calendar.gridcelleffect(),
-                         calendar.showdateselectors() == selectors::hidden, calendar.ShowOption()),
-                  std::string(style) + "|11/18/2026|2|True|True|");
-        for (const auto& font : {calendar.dayfont, calendar.gridfont, calendar.titlefont})
-            EXPECT_EQ(Joined(font->Name(), font->Size(), font->Charset()), "Form Sans|8|128|");
-    }
-}
 
 TEST_F(DialogTest, EachSectionOfTheTimeIsSteppedInItsOwnRange) {
     Open();
@@ -273,20 +256,17 @@ TEST_F(StandaloneTest, ConnectsByTheCommandLineAndWorksWithoutAHostObject) {
 }
 
 TEST_F(StandaloneTest, WithoutAConnectionTheButtonsAreDeadAndWithoutANameNoDialogIsMade) {
-    NoAutomation none(desk.timers, desk.waits, desk.app.waits);
-    const Services alone{desk.app,    desk.clock, desk.locale, desk.settings, desk.databases, none,
-                         desk.timers, desk.boxes, desk.screen, desk.toolkit,  desk.pictures,  [] {}};
     host->answers["ConnectToPbx"] = [](Arguments&) { return u""; };
-    for (const Services* services : {&alone, &std::as_const(desk.services)}) {
-        AddInMain start(*services);
+    {
+        AddInMain start(desk.services);
         start.Main();
         const auto& buttons = start.Dialog().Controls().cmdButton;
         EXPECT_EQ(Joined(start.Dialog().Window().Visible(), start.Dialog().CheckLoadError(),
                          buttons[button::hide]->Enabled(), buttons[button::update]->Enabled(),
                          buttons[button::lookup]->Enabled()),
-                  Joined(true, services == &alone, true, false, false));
+                  "True|False|True|False|False|");
+        EXPECT_EQ(desk.Boxes(), Notes());
     }
-    EXPECT_EQ(desk.Boxes(), Notes());
     desk.app.command = u"";
     main.Main();
     EXPECT_FALSE(Window().IsLoaded());

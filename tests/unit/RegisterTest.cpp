@@ -129,33 +129,5 @@ TEST_F(SharedRegisterTest, IsCopiedToBeChangedAloneAndNotOverACopyThatIsThere) {
     EXPECT_EQ(State(own), "13.0.1 1");
 }
 
-TEST_F(SharedRegisterTest, FailuresSayWhatCannotBeWrittenAndLeaveNothing) {
-    const auto notice = [&] {
-        EXPECT_FALSE(Update());
-        const auto boxes = computer.boxes.Take();
-        return boxes.size() == 1 ? ToUtf8(boxes[0].prompt) : "";
-    };
-    directory.Write("own", "no directory");
-    EXPECT_EQ(notice(), "'" + own.string() + "' can't be written: Not a directory [3043]");
-    fs::remove(At("own"));
-    directory.Write("own/MORA32/DATABASE/Register.mdb-journal");
-    EXPECT_EQ(notice(),
-              "'" + own.string() + "-journal' belongs to a database that is missing; delete it [3343]");
-    fs::remove(own.string() + "-journal");
-    fs::permissions(directory.Path(), fs::perms(0711));
-    fs::permissions(own.parent_path(), fs::perms(0555));
-    {
-        const AnyUser user;
-        EXPECT_EQ(notice(), "'" + own.string() + "' can't be written: Permission denied [3027]");
-    }
-    fs::permissions(own.parent_path(), fs::perms(0755));
-    for (const std::string& foreign : {std::string("no database at all"), std::string()}) {
-        directory.Write("own/MORA32/DATABASE/Register.mdb", foreign);
-        EXPECT_NE(notice(), "");
-        EXPECT_EQ(Content(own), foreign) << "it is never replaced";
-    }
-    EXPECT_EQ(OwnFiles(), "Register.mdb ");
-}
-
 }  // namespace
 }  // namespace platform
