@@ -48,13 +48,11 @@ struct NotedControl : forms::Control {
 struct FormContentTest : testing::Test {
     FormContentTest() {
         databases.Add(u"a", R"(
-            create table tForms (ObjectName, Caption, FontName, FontSize);
             create table tControls (ObjectName, [Index], Caption, FontName, FontSize, ToolTipText, FormName);
             create table tPicture (ObjectName, [Index], FileName, BasePanel, BasePanelIndex, FormName))");
-        databases.Add(u"common", R"(
-            create table PictureFileName (ID, DefaultName, FileName);
-            insert into PictureFileName values (0, 'one', 'two'), (3, 'ONE', 'two'), (3, 'one', 'bad'),
-                (4, 'one', 'missing'), (5, 'two', 'one'), (5, null, 'x'), (5, 'one', 'two'), (-7, 'one', 'two'))");
+        // The set 0 names no other pictures.
+        databases.Add(u"common", R"(create table PictureFileName (ID, DefaultName, FileName);
+                                    insert into PictureFileName values (0, 'one', 'two'))");
         computer.pictures.files = {{u"D\\one", "1"}, {u"D\\two", "2"}, {u"D\\bad", ""}, {u"D\\-1", "no"}};
         computer.boxes.whileOpen = [this] { notes.push_back("notice"); };
     }
@@ -66,14 +64,6 @@ struct FormContentTest : testing::Test {
         const auto control = std::make_shared<NotedControl>(*form, type, notes, path, name, index);
         control->Place(1, 2, width, width / 2);
         form->Adopt(control);
-    }
-    void AddPanels() {
-        form->Width = 7110;
-        form->Height = 4365;
-        Add(u"image", "Image", "image."), Add(u"image", "Image", "image2.", 2);
-        Add(u"tree", "SSTree", "tree."), Add(u"list", "SSListBar", "list.");
-        Add(u"panel", "SSPanel", "panel.", -1, 30), Add(u"panel", "PictureBox", "panel1.", 1, 31);
-        Add(u"frame", "Frame", "frame.", -1, 32);
     }
     // Puts rows of the form in place of those of a table, after one of another form, and forgets the notes.
     void Fill(const std::string& table, const std::string& rows) {
@@ -87,12 +77,11 @@ struct FormContentTest : testing::Test {
         return LoadControlsText(computer.boxes, *form, *databases.OpenDatabase(u"a", true));
     }
     // What was done to the controls, in order.
-    std::string LoadPictures(bool succeeds, int set, const std::string& rows) {
+    std::string LoadPictures(bool succeeds, const std::string& rows) {
         const auto addIn = databases.OpenDatabase(u"a", false),
                    common = databases.OpenDatabase(u"common", true);
         Fill("tPicture", rows);
-        EXPECT_EQ(succeeds, LoadFormPictures(computer.services, *form, addIn.get(), common.get(),
-                                             static_cast<std::int16_t>(set), u"D\\"));
+        EXPECT_EQ(succeeds, LoadFormPictures(computer.services, *form, addIn.get(), common.get(), 0, u"D\\"));
         std::string done;
         for (const std::string& note : notes) done += note + " ";
         return done;
@@ -136,23 +125,13 @@ TEST_F(FormContentTest, EachTypeTakesItsFontInItsOwnWay) {
     EXPECT_EQ(notes, (Notes{"emptied.Caption=", "emptied.ToolTipText="})) << "minus one leaves the text";
 }
 
-TEST_F(FormContentTest, ASetReplacesDefaultNamesAndZeroNever) {
-    AddPanels();
-    const auto load = [this](int set) { return LoadPictures(true, set, "('image', -1, 'one', 'me', -1)"); };
-    const std::string one = "image.Move=0,0,7110,4365 image.Picture=1 ",
-                      two = "image.Move=0,0,7110,4365 image.Picture=2 ";
-    EXPECT_EQ(load(0), one);
-    EXPECT_EQ(load(3), two) << "the first row of a key wins";
-    EXPECT_EQ(load(-7), two);
-    EXPECT_EQ(load(4), "") << "no file is tried in place of another";
-    EXPECT_EQ(load(5) + load(6), one + one) << "what can't be read falls back";
-    databases.Add(u"common", "drop table PictureFileName");
-    EXPECT_EQ(load(3), one);
-    EXPECT_EQ(computer.Boxes(), Notes{});
-}
-
 TEST_F(FormContentTest, EachControlTakesThePictureInItsOwnWayUntilOneFails) {
-    AddPanels();
+    form->Width = 7110;
+    form->Height = 4365;
+    Add(u"image", "Image", "image."), Add(u"image", "Image", "image2.", 2);
+    Add(u"tree", "SSTree", "tree."), Add(u"list", "SSListBar", "list.");
+    Add(u"panel", "SSPanel", "panel.", -1, 30), Add(u"panel", "PictureBox", "panel1.", 1, 31);
+    Add(u"frame", "Frame", "frame.", -1, 32);
     const std::string invalid = Short("Invalid picture", 481), null = Short("Invalid use of Null", 94);
     // Rows, what is done, and the notice if one fails; then there are no rows after it.
     const Table<std::string, std::string, std::string> cases = {
@@ -174,7 +153,7 @@ TEST_F(FormContentTest, EachControlTakesThePictureInItsOwnWayUntilOneFails) {
     for (const auto& [rows, done, notice] : cases) {
         const bool succeeds = notice.empty();
         const std::string next = succeeds ? "" : ", ('image', -1, 'one', 'me', -1)";
-        EXPECT_EQ(LoadPictures(succeeds, 0, rows + next), done);
+        EXPECT_EQ(LoadPictures(succeeds, rows + next), done);
         EXPECT_EQ(computer.Boxes(), succeeds ? Notes() : Notes{notice});
     }
     EXPECT_FALSE(LoadFormPictures(computer.services, *form, nullptr, nullptr, 0, u"D\\"));

@@ -91,21 +91,6 @@ TEST(WantedLanguagesTest, AreThoseOfTheSettingOrOfTheEnvironment) {
     }
 }
 
-TEST(SettingsFilesTest, AreTheUsersOwnAndThoseOfTheSite) {
-    const Table<Environment, const char*> cases = {
-        {{{"XDG_CONFIG_HOME", "/c"}, {"HOME", "/h"}},
-         "/c/velmora/settings.ini /etc/xdg/velmora/settings.ini "},
-        {{{"HOME", "/h"}, {"XDG_CONFIG_DIRS", "/s:rel::/t"}},
-         "/h/.config/velmora/settings.ini /s/velmora/settings.ini /t/velmora/settings.ini "},
-        {{{"XDG_CONFIG_HOME", "rel"}, {"HOME", "/h"}, {"XDG_CONFIG_DIRS", ""}},
-         "/h/.config/velmora/settings.ini /etc/xdg/velmora/settings.ini "},
-        {Environment(), "/etc/xdg/velmora/settings.ini "}};
-    for (const auto& [environment, files] : cases) {
-        SetEnvironment(environment);
-        EXPECT_EQ(Listed(SettingsFiles()), files);
-    }
-}
-
 TEST_F(LayersTest, AnInstallationIsFoundByThePathOfItsProgram) {
     directory.Write("lib/VELMORA32/10001/ADDINS/horalink");
     directory.Write("home/data/velmora32/20002/x");

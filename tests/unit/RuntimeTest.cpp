@@ -30,16 +30,6 @@ TEST(TextTest, Utf8GoesThereAndBackAndBrokenInputIsReplaced) {
         "\xED\x9F\xBF\xEE\x80\x80\xF4\x8F\xBF\xBF\uFFFD\uFFFDa\uFFFD\uFFFD\uFFFD\xEE\x80\x80");
 }
 
-TEST(TextTest, PiecesAndLetterCase) {
-    EXPECT_EQ(Joined(Left(u"abc", 2), Left(u"a", 2), Right(u"abc", 2), Right(u"abc", 3), Right(u"a", 2),
-                     Mid(u"abc", 2), Mid(u"abc", 1, 1), Mid(u"abc", 3, 9), Mid(u"abc", 4), Trim(u"  a b "),
-                     Trim(u"\ta"), Trim(u"  ")),
-              "ab|a|bc|abc|a|bc|a|c||a b|\ta||");
-    EXPECT_EQ(UpperCase(u"az`{AZж\u00DF\u00E9\u00FF1"), u"AZ`{AZЖ\u00DF\u00C9\u01781");
-    EXPECT_TRUE(EqualsIgnoringCase(u"GRÖßE ж", u"größe Ж"));
-    EXPECT_FALSE(EqualsIgnoringCase(u"a", u"ab") || EqualsIgnoringCase(u"a", u"b"));
-}
-
 // Values as a type: each as the number of its kind, a colon and its text, or the number of the fault.
 template <class... Values>
 std::string As(ValueType type, const Values&... values) {

@@ -1,7 +1,11 @@
 #include "platform/data/sqlite/SqliteEngine.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <stdarg.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -9,6 +13,20 @@
 #include "harness/Files.h"
 #include "platform/data/Dialect.h"
 #include "platform/runtime/Paths.h"
+
+namespace {
+bool hasNamelessFiles = true;
+}
+
+// Some file systems have no files without a name.
+extern "C" int open(const char* name, int flags, ...) {
+    va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) ? va_arg(rest, mode_t) : 0;
+    va_end(rest);
+    if (!hasNamelessFiles && (flags & O_TMPFILE) == O_TMPFILE) return errno = EOPNOTSUPP, -1;
+    return static_cast<int>(syscall(SYS_openat, AT_FDCWD, name, flags, mode));
+}
 
 namespace platform {
 namespace {
@@ -54,7 +72,7 @@ struct SqliteTest : testing::Test {
         });
     }
     TemporaryDirectory directory;
-    const fs::path file = directory.Path() / "Test.mdb";
+    fs::path file = directory.Path() / "Test.mdb";
     std::unique_ptr<DatabaseEngine> engine = MakeSqliteEngine();
 };
 
@@ -185,6 +203,31 @@ TEST_F(SqliteTest, WhatIsClosedAnswersNothingAndLetsGoOfTheFile) {
     EXPECT_EQ(rows->Field(u"Version"), Value(u"3.0")) << "keeps the file that its database let go of";
     rows.reset();
     EXPECT_EQ(OpenDescriptors(), 0);
+}
+
+TEST_F(SqliteTest, WhatEverybodySharesBecomesTheUsersOwnOnceItIsWritten) {
+    const fs::path shared = std::exchange(file, directory.Path() / "own/Test.mdb"), own = file.parent_path();
+    for (const bool areNameless : {true, false}) {
+        hasNamelessFiles = areNameless;
+        fs::remove_all(own);
+        engine = MakeSqliteEngine(Layers({own, shared.parent_path()}, {}));
+        const auto rows = engine->OpenDatabase(PathText(shared))->OpenRecordset(horalink, dynaset);
+        EXPECT_FALSE(fs::exists(own));
+        EXPECT_EQ(Change(*rows, u"Version", u"new"), "0 ");
+        EXPECT_EQ(std::distance(fs::directory_iterator(own), {}), 1);
+        const Text versions = u"select group_concat(Version) from Registry";
+        EXPECT_EQ(Single(versions), "1.0,new,3.0");
+        // Whoever writes later finds the copy.
+        EXPECT_EQ(Change(*engine->OpenDatabase(PathText(shared))->OpenRecordset(horalink, dynaset),
+                         u"Version", u"newer"),
+                  "0 ");
+        EXPECT_EQ(Single(versions), "1.0,newer,3.0");
+        engine = MakeSqliteEngine();
+        file = shared;
+        EXPECT_EQ(Single(versions), "1.0,2.0,3.0");
+        file = own / "Test.mdb";
+    }
+    hasNamelessFiles = true;
 }
 
 }  // namespace
