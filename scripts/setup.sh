@@ -4,8 +4,8 @@ build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev libfon
                 libgtest-dev librapidcheck-dev python3-polib qt6-l10n-tools)
 run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-atspi-2.0 python3 python3-dbus
               python3-gi fonts-liberation fonts-noto-cjk gettext sqlite3 tzdata)
-# The far side of a real exchange, for the tests: sshd, and Debian's clock service.
-test_packages=(openssh-server openssh-client systemd)
+# For the tests: the far side of a real exchange, which has sshd and Debian's clock service; and what lets system calls fail.
+test_packages=(openssh-server openssh-client systemd strace)
 # Versions of clang-format differ in the layout of some lines; this one is in Debian 12 and in 13.
 check_packages=(clang-format-19 clang-tidy-19)
 fuzz_packages=(clang libclang-rt-dev)
