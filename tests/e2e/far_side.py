@@ -23,7 +23,8 @@ from sandbox import wait_for
 
 TIMEDATE, PROPERTIES = "org.freedesktop.timedate1", "org.freedesktop.DBus.Properties"
 ZONE, AHEAD = "America/New_York", 1000  # seconds: how far its clock is ahead of this machine's until it is set
-FAULTS = "absent", "refusing", "bridgeless", "stop-before", "stop-after"
+FAULTS = "absent", "refusing", "bridgeless", "slow", "stop-before", "stop-after"
+WAY = 500  # milliseconds that a slow connection takes in each direction
 FILES = {
     "service": """cd {folder} || exit 1
 capabilities=$(sed -n 's/^CapEff:\\t//p' /proc/self/status)
@@ -35,6 +36,7 @@ DBUS_SYSTEM_BUS_ADDRESS="$DBUS_STARTER_ADDRESS" LD_PRELOAD={clock} exec /usr/lib
 """,
     "bridge": """[ "$SSH_ORIGINAL_COMMAND" = systemd-stdio-bridge ] && [ ! -e {folder}/bridgeless ] || exit 127
 echo $$ >{folder}/connection
+[ ! -e {folder}/slow ] || PYTHONPATH={modules} exec {python} {here} slow {address}
 exec systemd-stdio-bridge --bus-path={address}
 """,
     "sshd_config": """ListenAddress 127.0.0.1:{port}
@@ -88,7 +90,8 @@ class FarSide:
         for name, text in FILES.items():
             (self.folder / name).write_text(text.format(
                 folder=self.folder, port=port, address=shlex.quote(address), user=getpass.getuser(), clock=clock,
-                python=sys.executable, here=__file__, zone=ZONE))
+                python=sys.executable, here=__file__, zone=ZONE,
+                modules=os.environ["PYTHONPATH"]))
         (self.folder / "bin/ssh").chmod(0o700)
         self.environment = {**sandbox.environment, "DBUS_SYSTEM_BUS_ADDRESS": address,
                             "PATH": f"{self.folder}/bin:{sandbox.environment['PATH']}"}
@@ -149,9 +152,27 @@ class Refusing(dbus.service.Object):
         raise dbus.DBusException("no", name="org.example.Odd" if relative or interactive else sys.argv[1])
 
 
+def carry(source, sink):
+    """Passes bytes on late."""
+    def arrived(*_):
+        if data := os.read(source, 65536):
+            GLib.timeout_add(WAY, lambda: os.write(sink, data) and False)
+        else:
+            loop.quit()
+        return bool(data)
+    GLib.io_add_watch(source, GLib.IO_IN | GLib.IO_HUP, arrived)
+
+
 if __name__ == "__main__":
-    dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
-    bus = dbus.bus.BusConnection(os.environ["DBUS_STARTER_ADDRESS"])
-    served = Refusing(bus, "/org/freedesktop/timedate1")
-    bus.request_name(TIMEDATE)
-    GLib.MainLoop().run()
+    loop = GLib.MainLoop()
+    if sys.argv[1] == "slow":
+        bridge = subprocess.Popen(["systemd-stdio-bridge", f"--bus-path={sys.argv[2]}"], stdin=subprocess.PIPE,
+                                  stdout=subprocess.PIPE)
+        carry(0, bridge.stdin.fileno())
+        carry(bridge.stdout.fileno(), 1)
+    else:
+        dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+        bus = dbus.bus.BusConnection(os.environ["DBUS_STARTER_ADDRESS"])
+        served = Refusing(bus, "/org/freedesktop/timedate1")
+        bus.request_name(TIMEDATE)
+    loop.run()

@@ -84,7 +84,7 @@ class Exchanges(testbed.EndToEndTest):
         return before
 
     def test_it_is_right_to_the_second_in_another_time_zone_and_over_a_change_of_its_clocks(self):
-        self.open("ssh:far,set")
+        self.open("ssh:far,set", "slow")
         self.assert_shown()
         self.ask(UPDATE, UPDATED, CLOCK_READ, "clock set")
         shown = datetime.fromtimestamp(time.time() + far.ahead(), NEW_YORK).replace(tzinfo=None)
