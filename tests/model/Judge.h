@@ -312,6 +312,9 @@ class Judge {
         Require(posted_.size() <= notLoggedOut_, "a login that was given up is not logged out");
     }
 
+    // At the end of the process.
+    void CheckPlaceIsStored() const { Require(!due_.contains("ComData"), "the place is not stored"); }
+
     // False while a wait and another call can be given up, which look alike.
     bool KnowsWhatIsGivenUp() const {
         const bool isBefore = std::ranges::any_of(

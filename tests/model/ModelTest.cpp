@@ -39,8 +39,8 @@ TEST(ModelTest, HoldsInOrdersOfItsOwn) {
         // A month without a day, and the date of today after it.
         {"toggle 1", "turn to month 0", "click 1", "toggle 1", "pass 1 s"},
         // The ends of the years.
-        {"toggle 1", "turn to month 2", "turn to month 5", "choose day 0", "turn to month 3",
-         "turn to month 4"},
+        {"toggle 1", "turn to month 2", "close the box", "choose day 0", "turn to month 5", "choose day 0",
+         "turn to month 3", "close the box", "choose day 0", "turn to month 4"},
     };
     for (const Steps& order : orders) {
         const Outcome outcome = Play(order);

@@ -144,6 +144,7 @@ class World {
             Settle();
         } catch (const Ended&) {
             Note("the process ends");
+            if (isLeaving_ && !IsDead(judge_.Host())) judge_.CheckPlaceIsStored();
         }
     }
 
@@ -549,11 +550,13 @@ class World {
         if (!frames_.empty() || computer_.automation.IsCallOut()) return;
         judge_.CheckRest(Controls().tmrEvent->Enabled, Shown().date[2] != 0, form.Visible());
         Require(isServed || isOver, "the dialog is not served");
-        if (form.IsLoaded()) CheckButtons();
+        if (form.IsLoaded()) CheckControls();
         Require(record_.expired(), "a record is still referred to");
     }
 
-    void CheckButtons() {
+    void CheckControls() {
+        Require((Controls().Calendar->showdateselectors() == selectors::hidden) == TracksDate(),
+                "the arrows of the calendar");
         const auto& buttons = Controls().cmdButton;
         const bool hasName = !judge_.Name().empty();
         Require(buttons[0]->Enabled && buttons[2]->Enabled == hasName, "the buttons to hide and to look up");

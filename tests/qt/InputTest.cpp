@@ -53,6 +53,10 @@ TEST_F(InputTest, IsTakenRefusedOrHeldWhicheverWayItComes) {
 TEST_F(InputTest, NothingStaysPressedOnAFormThatIsDisabled) {
     auto& shown = WidgetOf<QAbstractButton>("cmdButton");
     shown.setFocus();
+    form.Enabled = false;
+    QTest::keyPress(Handle(), Qt::Key_Space);
+    form.Enabled = true;
+    QTest::keyRelease(Handle(), Qt::Key_Space);
     QTest::keyPress(Handle(), Qt::Key_Space);
     EXPECT_TRUE(shown.isDown());
     form.Enabled = false;

@@ -148,6 +148,10 @@ TEST_F(DialogTest, TheTitleTakesOneMarkForEachName) {
         EXPECT_EQ(Window().Caption(), u"caption (" + Text(pbx) + u")");
     }
     EXPECT_EQ(desk.app.title, u"app title (Main) (MAIN) (Mai)");
+    const forms::Calendar& calendar = *Controls().Calendar;
+    EXPECT_EQ(Joined(Window().Font->Name(), calendar.dayfont->Name(), calendar.dayfont->Charset(),
+                     calendar.MarketStyle(), calendar.ShowOption()),
+              "Form Sans|Form Sans|128|1|True|");
     desk.pictures.files = {{main.Data().BackgroundDirectory + u"sand.svg", "sand"}};
     Call(layer, "SetBackGround", 2);
     EXPECT_EQ(Controls().imgBack->Picture()->Content(), "sand");
