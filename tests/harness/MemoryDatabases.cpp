@@ -78,13 +78,6 @@ void MemoryDatabases::Add(TextView fileName, const std::string& sql) {
         throw std::logic_error(sql + ": " + sqlite3_errmsg(handle));
 }
 
-Value MemoryDatabases::Ask(TextView fileName, TextView query) {
-    const Text single = u"select (" + Text(query) + u") as Result";
-    return OpenSqliteDatabase(PlaceOf(fileName), true)
-        ->OpenRecordset(single, RecordsetType::ForwardOnly)
-        ->Field(u"Result");
-}
-
 DatabaseRef MemoryDatabases::OpenDatabase(TextView path, bool readOnly) {
     opened.push_back(ToUtf8(path) + (readOnly ? " read-only" : ""));
     failures_->Call();

@@ -24,8 +24,6 @@ class MemoryDatabases : public platform::DatabaseEngine {
 
     // Runs SQL in the database of that name, which it makes first where there is none.
     void Add(platform::TextView fileName, const std::string& sql);
-    // The first column of the first row that a query in SQLite's dialect gives.
-    platform::Value Ask(platform::TextView fileName, platform::TextView query);
     // The n-th call from now of the engine, a database or a record set raises the failure, just once; none
     // with 0.
     void FailAt(int n, platform::DataError failure) { failures_->until = n, failures_->kind = failure; }

@@ -59,13 +59,6 @@ TEST_F(PathsTest, ManyWaysToOneDirectoryComeToAnEnd) {
     EXPECT_EQ(Dir(Below(way + u"FILE")), u"File");
 }
 
-TEST_F(PathsTest, DirNamesNormalFilesOnly) {
-    directory.Write("Sub/File.png");
-    const auto dir = [this](auto... paths) { return Joined(Dir(Below(paths))...); };
-    EXPECT_EQ(dir(u"SUB\\FILE.PNG", u"SUB\\MISSING", u"SUB", u"SUB\\", u"SUB\\FILE.PNG\\", u""),
-              "File.png||||||");
-}
-
 // Each looks for InstallPath in the section VELMORA32/10001.
 TEST(IniSettingsTest, FindsTheFirstEntryOfTheSection) {
     const std::pair<const char*, const char16_t*> cases[] = {

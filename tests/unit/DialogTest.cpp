@@ -171,8 +171,11 @@ TEST_F(DialogTest, TheStartReadsAllThatNeedsNoWindow) {
     EXPECT_EQ(desk.databases.opened, (Notes{root + "ADDINS\\..\\MORA32\\DATABASE\\Common.LNG read-only",
                                             root + "ADDINS\\DATABASE\\Horalink.lng",
                                             root + "ADDINS\\..\\MORA32\\DATABASE\\Register.mdb"}));
-    EXPECT_EQ(desk.databases.Ask(u"Register.mdb", u"select Version from Registry where Title = 'clock'"),
-              Value(u"13.0.1"));
+    EXPECT_EQ(
+        desk.databases.OpenDatabase(u"Register.mdb", true)
+            ->OpenRecordset(u"select Version from Registry where Title = 'clock'", RecordsetType::ForwardOnly)
+            ->Field(u"Version"),
+        Value(u"13.0.1"));
     EXPECT_EQ(Joined(desk.app.helpFile, desk.app.waits.busyTimeout, desk.app.waits.pendingTimeout),
               root + "ADDINS\\HELP\\Horalink.HLP|10000|20000|");
     desk.app.path = u"C:\\Tools";
@@ -194,17 +197,12 @@ TEST_F(DialogTest, WhateverFailsFirstEndsTheProcessWithItsOneNotice) {
     }
 }
 
-struct ServedTest : DialogTest {
-    ServedTest() {
-        main.Main();
-        main.Retire = [this] { life.Retire(); };
-        life.Serve(cOLELayer::className, [this] { return cOLELayer::Create(main); });
-    }
+TEST_F(DialogTest, OnlyAServerThatIsNotUsedEnds) {
     int ends = 0;
-    ServerLife life{desk.automation, desk.timers, [this] { ++ends; }};
-};
-
-TEST_F(ServedTest, OnlyAServerThatIsNotUsedEnds) {
+    ServerLife life(desk.automation, desk.timers, [&] { ++ends; });
+    main.Main();
+    main.Retire = [&] { life.Retire(); };
+    life.Serve(cOLELayer::className, [&] { return cOLELayer::Create(main); });
     desk.timers.Pass(59999);
     desk.databases.FailAt(1, DataError::DiskError);
     desk.boxes.whileOpen = [&] { desk.timers.Pass(600000); };
