@@ -80,7 +80,7 @@ TEST_F(WaitTest, InnerAndOuterWaitEndEachWithItsOwnAnswer) {
 TEST_F(WaitTest, ABusyCalleeIsTriedAgainUntilTheOperatorGivesUp) {
     for (const bool givesUp : {false, true}) {
         boxes.opened.clear();
-        boxes.decide = [&] { return givesUp; };
+        boxes.decide = [givesUp] { return givesUp; };
         RefuseFirst(3);
         EXPECT_EQ(ErrorOf([&] { Call(host, "Anything"); }), givesUp ? 462 : 0);
         // At 0, 200 (a box), 400 and 600.

@@ -120,7 +120,7 @@ TEST_F(InputTest, EventsMayTakeTheFormAway) {
 }
 
 TEST_F(InputTest, AnArrowStepsWhileItIsHeldUntilAHandlerOrTheReleaseEndsIt) {
-    constexpr Milliseconds longer = 120ms;  // than the pauses, which are shorter than an operator's
+    static constexpr Milliseconds longer = 120ms;  // than the pauses, shorter than an operator's
     const QPoint half(0, 6), arrow = PlaceOf("updTime") - half, beside = arrow + 2 * half;
     const auto hold = [&](const std::function<void()>& act) {
         auto& widget = WidgetOf<QAbstractButton>("updTime");
