@@ -29,6 +29,22 @@ struct WaitTest : BusTest {
     const Reference borrowed{":1.1", "/Object/1"};  // the first object that the client hands out
 };
 
+TEST_F(WaitTest, CallsFromInsideCallsAreRefusedAsBusyBeforeTheStackEnds) {
+    // Each call of the stranger's makes the server ask the stranger, who says nothing until one is refused.
+    const Reference asking =
+        CreateForStranger(Scripted([](Arguments& a) { return Call(a[0].ToObject(), "Anything"); }));
+    std::vector<const MessageRef*> replies;
+    for (int i = 0; i <= 32; ++i)
+        replies.push_back(
+            &Send(asking, objectInterface, "Invoke", "sqav", "Ask", 1, 1, "(so)", ":1.2", "/Host"));
+    const auto answering = loop.Every(Milliseconds(1), [&] {
+        if (!*replies.back() || calls.size() != 32) return;
+        for (const MessageRef& question : std::exchange(calls, {})) Answer(question, "");
+    });
+    EXPECT_TRUE(loop.ServeUntil([&] { return *replies.front() != nullptr; }));
+    EXPECT_EQ(Told(*replies.back()), "Busy i440");
+}
+
 // Both messages lie ready when the client looks: what came first has to take effect first.
 TEST_F(WaitTest, AnswerAndCallTakeEffectInTheirOrder) {
     for (const bool answerFirst : {false, true}) {

@@ -70,22 +70,6 @@ TEST_F(FormTest, ASelectionLiesInItsTextAndATickIsOneOrNone) {
     EXPECT_EQ(FaultOf([&] { tick.SetValue(2); }), "380 Invalid property value: Value");
 }
 
-TEST_F(FormTest, ArrowsStepThroughTheirRangeFromEndToEnd) {
-    auto& arrows = form.Add<UpDown>(u"arrows");
-    arrows.StepUp(), arrows.StepDown();
-    arrows.Change = [&] { log += std::to_string(arrows.Value()) + " "; };
-    arrows.UpClick = [&] { log += "up "; };
-    arrows.DownClick = [&] { log += "down "; };
-    arrows.SetMin(3), arrows.SetMax(4);
-    for (int i = 0; i < 2; ++i) arrows.StepUp();
-    for (int i = 0; i < 2; ++i) arrows.StepDown();
-    EXPECT_EQ(Log(), "3 4 up 3 up 4 down 3 down ");
-    arrows.SetMin(4), arrows.StepUp(), arrows.StepDown();
-    arrows.SetMax(5), arrows.SetValue(5), arrows.SetMin(-9), arrows.SetMax(-8);
-    EXPECT_EQ(Log(), "4 up down 5 -8 ");
-    for (const int value : {-10, -7}) EXPECT_EQ(ErrorOf([&] { arrows.SetValue(value); }), 380);
-}
-
 TEST_F(FormTest, ACalendarTakesWholeDatesAndTurnsWithoutOne) {
     auto& calendar = form.Add<Calendar>(u"calendar");
     calendar.ChooseDate({2026, 11, 17}), calendar.TurnTo(2026, 10), calendar.ChooseDate({2026, 11, 18});

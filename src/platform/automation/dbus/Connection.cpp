@@ -87,7 +87,7 @@ void Connection::SendCall(sd_bus_message* call, std::function<void(const Message
     outgoing_.push_back({this, nullptr, std::move(answered)});
     OutgoingCall& outgoing = outgoing_.back();
     sd_bus_slot* slot = nullptr;
-    const int result = sd_bus_call_async(bus_.get(), &slot, call, OnAnswer, &outgoing, UINT64_MAX);
+    const int result = sd_bus_call_async(bus_.get(), &slot, call, OnReply, &outgoing, UINT64_MAX);
     outgoing.slot.reset(slot);
     if (result < 0) outgoing_.pop_back();
     RequireSent(result);
@@ -131,7 +131,7 @@ int Connection::OnMessage(sd_bus_message* message, void* self, sd_bus_error*) no
     return 1;
 }
 
-int Connection::OnAnswer(sd_bus_message* message, void* context, sd_bus_error*) noexcept {
+int Connection::OnReply(sd_bus_message* message, void* context, sd_bus_error*) noexcept {
     auto* outgoing = static_cast<OutgoingCall*>(context);
     Connection* connection = outgoing->connection;
     // By this Lose sees that the call has its reply.

@@ -82,7 +82,7 @@ class Connection {
 
     static int OnMessage(sd_bus_message* message, void* self, sd_bus_error*) noexcept;
     static int OnNameReleased(sd_bus_message*, void* self, sd_bus_error*) noexcept;
-    static int OnAnswer(sd_bus_message* message, void* context, sd_bus_error*) noexcept;
+    static int OnReply(sd_bus_message* message, void* context, sd_bus_error*) noexcept;
 
     void Pump();
     bool Step();

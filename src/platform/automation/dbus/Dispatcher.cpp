@@ -119,7 +119,7 @@ void Dispatcher::RouteToFactory(IncomingCall& call) {
 void Dispatcher::CreateInstance(IncomingCall& call) {
     call.RequireSignature("");
     // Without a reply, nobody would hold the object.
-    if (!call.WantsAnswer()) return;
+    if (!call.WantsReply()) return;
     // Allocated first: once created, the object counts as in use.
     call.Reply();
     creations_.push_back(&call);

@@ -126,7 +126,7 @@ void IncomingCall::RetainBorrowed() {
 }
 
 void IncomingCall::SendAnswer() {
-    if (!WantsAnswer() || isRefused_) return;
+    if (!WantsReply() || isRefused_) return;
     Connection& connection = session_->Bus();
     try {
         connection.Send(reply_.get());

@@ -23,7 +23,7 @@ class IncomingCall {
     std::string_view Member() const { return member_; }
     std::string_view Destination() const;
     const std::string& Sender() const { return sender_; }
-    bool WantsAnswer() const { return sd_bus_message_get_expect_reply(message_.get()) > 0; }
+    bool WantsReply() const { return sd_bus_message_get_expect_reply(message_.get()) > 0; }
 
     // True if the call names this interface, or none.
     bool IsOf(std::string_view interface) const { return interface_.empty() || interface_ == interface; }
