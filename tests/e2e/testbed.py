@@ -49,7 +49,10 @@ def set_up():
 def chosen(sample, every):
     """The cases to go through, of which each is a row of words."""
     if ONLY:
-        return [next(case for case in every if "/".join(map(str, case)) == ONLY)]
+        names = ["/".join(map(str, case)) for case in every]
+        if ONLY not in names:
+            sys.exit(f"no case '{ONLY}'; there are: {', '.join(names)}")
+        return [every[names.index(ONLY)]]
     first, _, step = SHARE.partition("/")
     return list(every)[int(first) - 1::int(step)] if SHARE else sample
 

@@ -257,7 +257,8 @@ class Judge {
         }
         if (yearNotices_ > 0 && Same(box, yearNotice)) return void(--yearNotices_);
         if (Same(box, loginFailed) && (failures_ > 0 || (IsHostDead() && !presses_.empty()))) {
-            failures_ > 0 ? void(--failures_) : presses_.clear();
+            if (failures_ > 0) return void(--failures_);
+            std::erase_if(presses_, [](const Press& each) { return !each.waits; });
             return;
         }
         Require(notices_ > 0 && box.title == Text(horalink::noticeTitle),

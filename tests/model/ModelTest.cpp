@@ -36,6 +36,9 @@ TEST(ModelTest, HoldsInOrdersOfItsOwn) {
         {"hold LoginID", "click 1", "pass 20 s", "call back without ExtraData, nobody's login",
          "call back with ErrCode 99, current login", "answer inside ShowResults", "hang in ShowMessage",
          "call back with ErrCode Null, current login", "die while another is there"},
+        // A click that waits while another one finds its host dead.
+        {"create for another", "hang in ShowMessage", "click 1", "pass 100 ms", "click 1", "hold CMD",
+         "call back with ErrCode 7, login given up", "die alone", "click 0", "pass 1 s"},
         // A month without a day, and the date of today after it.
         {"toggle 1", "turn to month 0", "click 1", "toggle 1", "pass 1 s"},
         // The ends of the years.

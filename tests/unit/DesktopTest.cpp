@@ -85,15 +85,5 @@ TEST(IniSettingsTest, FindsTheFirstEntryOfTheSection) {
     }
 }
 
-TEST(IniSettingsTest, TheFirstFileThatHasTheValueCounts) {
-    const TemporaryDirectory directory;
-    const IniSettings settings({directory.Path() / "own", directory.Path() / "none",
-                                directory.Write("site", "[a/b]\nx=site\ny=site\nz=site\n"),
-                                directory.Write("far", "[a/b]\nx=far\nw=far\n")});
-    directory.Write("own", "[a/b]\nx=own\ny=\n");
-    const auto get = [&](auto... keys) { return Joined(settings.Get(u"a", u"b", keys, u"-")...); };
-    EXPECT_EQ(get(u"x", u"y", u"z", u"w", u"v"), "own||site|far|-|");
-}
-
 }  // namespace
 }  // namespace platform

@@ -18,17 +18,6 @@ struct FormTest : testing::Test {
     Form& form = *shared;
 };
 
-TEST_F(FormTest, AControlIsReachedByTheNamesOfItsMembers) {
-    auto& label = form.Add<Label>(u"label");
-    const ObjectRef late = label.shared_from_this();
-    Call(late, "Move", 1, 2, 3, 4), Put(late, "FontName", u"F"), Put(late, "FontSize", 2160);
-    EXPECT_EQ(Joined(label.Left(), label.Top(), label.Width(), label.Height(), label.Font->Name(),
-                     label.Font->Size()),
-              "1|2|3|4|F|2160|");
-    for (const double size : {0.0, 2161.0}) EXPECT_EQ(ErrorOf([&] { Put(late, "FontSize", size); }), 380);
-    Put(late, "FontSize", 0.5);
-}
-
 TEST_F(FormTest, LoadsOnceAndUnloadsOnceUnlessRefusedOrUnloadedWhileLoading) {
     bool refuses = true;
     form.Loading = [&] { log += "load "; };

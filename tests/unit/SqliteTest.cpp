@@ -20,9 +20,10 @@ bool hasNamelessFiles = true;
 extern "C" int open(const char* name, int flags, ...) {
     va_list rest;
     va_start(rest, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) ? va_arg(rest, mode_t) : 0;
+    const bool isNameless = (flags & O_TMPFILE) == O_TMPFILE;
+    const mode_t mode = isNameless || (flags & O_CREAT) ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    if (!hasNamelessFiles && (flags & O_TMPFILE) == O_TMPFILE) return errno = EOPNOTSUPP, -1;
+    if (!hasNamelessFiles && isNameless) return errno = EOPNOTSUPP, -1;
     return static_cast<int>(syscall(SYS_openat, AT_FDCWD, name, flags, mode));
 }
 
