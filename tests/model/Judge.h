@@ -80,7 +80,8 @@ struct Work {
     ShownClock shown;
     Text name;
     // An answer, that may be nothing at all.
-    bool isAnswer = false, isRead = false, isCutShort = false, wasWaiting = false, isAtLogin = false;
+    bool isAnswer = false, isRead = false, isCutShort = false, isLeft = false, wasWaiting = false,
+         isAtLogin = false;
     std::shared_ptr<Answer> answer;
     Text tagBefore;
     std::optional<bool> isOfGivenUp;  // its login was given up before
@@ -148,6 +149,7 @@ class Judge {
             if (!work->isAnswer || (work->IsToLogOut() && !work->isAtLogin)) continue;
             work->isCutShort = work->isCutShort || !work->isRead;
             EndReading(*work);
+            work->isOfGivenUp.reset();  // more may have been given up by its end
         }
         if (phase_ != Phase::Waiting || IsReadingForWait() || host != sentTo_) return;
         GiveUp(login_, asked_);
@@ -190,6 +192,7 @@ class Judge {
         if (std::exchange(asksToLogOut_, false) && end != End::Answered) ++notLoggedOut_;
         if (!work) return;
         work->isOut = false;
+        work->isLeft = work->isLeft || end == End::GivenUp;
         if (work->next.empty()) return;
         if (work->isAnswer && end == End::GivenUp && !work->IsToLogOut())
             AnswerGivenUp(*work);
@@ -238,6 +241,7 @@ class Judge {
         Require(work->next.empty() || IsHostDead(), "the host does not hear of " + std::string(work->next));
         // One under a login that was given up ends nothing and is not shown.
         if (work->isOfGivenUp ? *work->isOfGivenUp : givenUp_.contains(work->login)) return;
+        if (work->isLeft && IsHostDead()) givenUp_.insert(work->login);
         if (work->answer && work->answer->IsGood() && !work->isCutShort)
             toShow_ = isLoaded ? ShownFor(work->answer->taken, work->Tag()) : std::nullopt;
         if (phase_ == Phase::Waiting) return Rest();

@@ -39,6 +39,10 @@ TEST(ModelTest, HoldsInOrdersOfItsOwn) {
         // A click that waits while another one finds its host dead.
         {"create for another", "hang in ShowMessage", "click 1", "pass 100 ms", "click 1", "hold CMD",
          "call back with ErrCode 7, login given up", "die alone", "click 0", "pass 1 s"},
+        // A host that dies before it names the logins of two answers, of which the operator gives one up.
+        {"answer inside ShowMessage", "click 1", "hang in ShowResults", "hold ShowResults", "pass 100 ms",
+         "call back with a read-only Message, login given up", "call back without Count, nobody's login",
+         "hang in ShowMessage", "call back refused, nobody's login", "die while another is there"},
         // A month without a day, and the date of today after it.
         {"toggle 1", "turn to month 0", "click 1", "toggle 1", "pass 1 s"},
         // The ends of the years.
