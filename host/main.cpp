@@ -121,7 +121,7 @@ void Host::Serve() {
     });
 }
 
-// Only stand-alone runs of the add-in need the class, so the host goes on if another one serves it already.
+// Only stand-alone runs of the add-in need the class, so the host works without it if another one has it.
 void Host::ServeBesideWindow() {
     try {
         Serve();

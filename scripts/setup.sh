@@ -4,7 +4,7 @@ build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev libfon
                 libgtest-dev librapidcheck-dev python3-polib qt6-l10n-tools)
 run_packages=(dbus xvfb xauth openbox xdotool imagemagick at-spi2-core gir1.2-atspi-2.0 python3 python3-dbus
               python3-gi fonts-liberation fonts-noto-cjk gettext sqlite3 tzdata)
-# For the tests: the far side of a real exchange, which has sshd and Debian's clock service; and what lets system calls fail.
+# For the tests: sshd and Debian's clock service for the far side of a real exchange, strace to make system calls fail.
 test_packages=(openssh-server openssh-client systemd strace)
 # Versions of clang-format differ in the layout of some lines; this one is in Debian 12 and in 13.
 check_packages=(clang-format-19 clang-tidy-19)

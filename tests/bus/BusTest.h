@@ -84,7 +84,7 @@ class PollLoop : public headless::Timers<EventLoop> {
 };
 
 // A text or path as itself, anything else with the letter of its type.
-inline std::string ToldBasic(sd_bus_message* message, char type) {
+inline std::string BasicText(sd_bus_message* message, char type) {
     std::uint64_t raw = 0;
     sd_bus_message_read_basic(message, type, &raw);
     if (type == 's') return "'" + std::string(std::bit_cast<const char*>(raw)) + "'";
@@ -95,26 +95,26 @@ inline std::string ToldBasic(sd_bus_message* message, char type) {
 }
 
 // What is left of a message or container.
-inline std::string ToldContent(sd_bus_message* message) {
+inline std::string ContentText(sd_bus_message* message) {
     std::string all;
     char type = 0;
     const char* contents = nullptr;
     while (sd_bus_message_peek_type(message, &type, &contents) > 0) {
         if (!all.empty()) all += ' ';
         if (contents) sd_bus_message_enter_container(message, type, contents);
-        const std::string told = contents ? ToldContent(message) : ToldBasic(message, type);
+        const std::string text = contents ? ContentText(message) : BasicText(message, type);
         if (contents) sd_bus_message_exit_container(message);
         const char* around = type == 'v' ? "<>" : type == 'a' ? "[]" : "()";
-        all += contents ? around[0] + told + around[1] : told;
+        all += contents ? around[0] + text + around[1] : text;
     }
     return all;
 }
 
-// An answer as its content, an error as its name and number, a call with path and member.
-inline std::string Told(const MessageRef& shared) {
+// A reply as its content, an error as its name and number, a call with path and member.
+inline std::string MessageText(const MessageRef& shared) {
     sd_bus_message* message = shared.get();
     sd_bus_message_rewind(message, true);
-    const std::string content = ToldContent(message);
+    const std::string content = ContentText(message);
     if (const sd_bus_error* error = sd_bus_message_get_error(message)) {
         const std::string name = error->name;
         return name.substr(name.rfind('.') + 1) + content.substr(content.rfind(' '));
@@ -130,7 +130,7 @@ struct Reference {
 };
 inline const Reference factory{"Test.cScripted", "/Factory"};
 
-// An object with one act, whichever member is called, that tells what becomes of it.
+// An object that answers every member with the same act, and logs the end of its use.
 struct ScriptedObject : Object {
     using Act = std::function<Value(Arguments&)>;
     ScriptedObject(Act itsAct, std::string& itsLog) : act(std::move(itsAct)), log(itsLog) {}
@@ -161,11 +161,11 @@ class BusTest : public testing::Test {
         };
         host = client->CreateObject(u"Test.cStranger");
         whenCalled = nullptr;
-        EXPECT_EQ(Told(std::exchange(calls, {}).at(0)), "/Factory CreateInstance");
+        EXPECT_EQ(MessageText(std::exchange(calls, {}).at(0)), "/Factory CreateInstance");
     }
 
-    // The stranger sends a call, with `types` and what follows as for the bus library. The result is the
-    // answer, once the loop has been served for so long.
+    // The stranger sends a call, with `types` and what follows as for the bus library. The result is null
+    // until the loop has received the reply.
     template <class... Parts>
     const MessageRef& Send(const Reference& to, const char* interface, const char* member,
                            const char* types = "", Parts... parts) {
@@ -180,7 +180,7 @@ class BusTest : public testing::Test {
     template <class... Parts>
     std::string Ask(Parts... parts) {
         const MessageRef& answer = Send(parts...);
-        return loop.ServeUntil([&] { return answer != nullptr; }) ? Told(answer) : "no answer";
+        return loop.ServeUntil([&] { return answer != nullptr; }) ? MessageText(answer) : "no answer";
     }
     template <class... Parts>
     std::string Invoke(const Reference& to, int count = 0, Parts... parts) {
@@ -190,8 +190,8 @@ class BusTest : public testing::Test {
     std::string CreateInstance() { return Ask(factory, factoryInterface, "CreateInstance"); }
     Reference CreateForStranger(ObjectRef object) {
         created = std::move(object);
-        const std::string told = CreateInstance();  // such as "(':1.0' /Object/1)"
-        return {":1.0", told.substr(8, told.size() - 9)};
+        const std::string text = CreateInstance();  // such as "(':1.0' /Object/1)"
+        return {":1.0", text.substr(8, text.size() - 9)};
     }
     // Takes in all that was sent before. The daemon answers ahead of what its queues of the same round hold,
     // but the second answer follows that.
@@ -201,7 +201,7 @@ class BusTest : public testing::Test {
                                nullptr, nullptr, "");
     }
 
-    // The stranger notes a call that wants no answer and keeps the others, and answers Invoke so.
+    // The stranger logs calls that want no reply, and keeps the others. Answer replies to Invoke.
     void Answer(const MessageRef& call, const char* text) {
         sd_bus_reply_method_return(call.get(), "vav", "s", text, 0);
     }
@@ -213,7 +213,7 @@ class BusTest : public testing::Test {
             const MessageRef call = Adopted(message);
             if (!message || sd_bus_message_is_method_call(message, nullptr, nullptr) <= 0) continue;
             if (sd_bus_message_get_expect_reply(message) <= 0) {
-                events += Told(call) + " ";
+                events += MessageText(call) + " ";
                 continue;
             }
             calls.push_back(call);

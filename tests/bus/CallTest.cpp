@@ -23,10 +23,10 @@ TEST_F(CallTest, EveryKindTravelsAsPromisedAndComesBackAsItWent) {
     Value given;
     const ObjectRef object = Created(Scripted(Echo));
     const Reference giver = CreateForStranger(Scripted([&](Arguments&) { return given; }));
-    for (const auto& [value, told] : cases) {
+    for (const auto& [value, text] : cases) {
         given = value;
-        EXPECT_EQ(Invoke(giver), "<" + told + "> []");
-        EXPECT_TRUE(Call(object, "Echo", value) == value) << told;
+        EXPECT_EQ(Invoke(giver), "<" + text + "> []");
+        EXPECT_TRUE(Call(object, "Echo", value) == value) << text;
     }
     for (const Text& bad : {Text(u"a\0b", 3), Text(u"\uFFFE"), Text(u"\uFDEF"), Text(u"\U0010FFFF")})
         EXPECT_EQ(ErrorOf([&] { Call(object, "Echo", bad); }), 5);
@@ -51,7 +51,7 @@ TEST_F(CallTest, ByReferenceTakesBackWhatChanged) {
     };
     EXPECT_EQ(ErrorOf([&] { Call(host, "Anything", ByRef(text)); }), 13);
     EXPECT_EQ(text, u"new");
-    EXPECT_EQ(Told(calls.back()), "/Host Invoke 'Anything' q1 [<'new'>]");
+    EXPECT_EQ(MessageText(calls.back()), "/Host Invoke 'Anything' q1 [<'new'>]");
 }
 
 constexpr TypeLibrary library{"TestLibrary", "{library}", "1.0"};

@@ -30,7 +30,7 @@ struct WaitTest : BusTest {
 };
 
 TEST_F(WaitTest, CallsFromInsideCallsAreRefusedAsBusyBeforeTheStackEnds) {
-    // Each call of the stranger's makes the server ask the stranger, who says nothing until one is refused.
+    // Each call makes the server call the stranger, who replies to none until one is refused.
     const Reference asking =
         CreateForStranger(Scripted([](Arguments& a) { return Call(a[0].ToObject(), "Anything"); }));
     std::vector<const MessageRef*> replies;
@@ -42,7 +42,7 @@ TEST_F(WaitTest, CallsFromInsideCallsAreRefusedAsBusyBeforeTheStackEnds) {
         for (const MessageRef& question : std::exchange(calls, {})) Answer(question, "");
     });
     EXPECT_TRUE(loop.ServeUntil([&] { return *replies.front() != nullptr; }));
-    EXPECT_EQ(Told(*replies.back()), "Busy i440");
+    EXPECT_EQ(MessageText(*replies.back()), "Busy i440");
 }
 
 // Both messages lie ready when the client looks: what came first has to take effect first.

@@ -1,7 +1,7 @@
 """A machine at the far end of ssh: a real sshd on the loopback, Debian's clock service, and a bus for it.
 
 This machine's clock is safe: the service has one of its own (OwnTime.cpp), and runs without the capability to set
-another; where it would have that, it doesn't start. As a program this is a clock service that refuses.
+another; where it would have that, it doesn't start. Run as a program, this is a clock service that refuses.
 """
 import contextlib
 import getpass
@@ -104,7 +104,7 @@ class FarSide:
         self.bus = dbus.bus.BusConnection(address)
 
     def reset(self, fault):
-        """Has this fault alone; a second word says more of it."""
+        """Sets this fault alone; a second word is its detail."""
         (self.folder / "ahead").write_text(str(AHEAD * 10**9))
         self.mend()
         if fault:
@@ -136,7 +136,7 @@ class FarSide:
                  "the clock service to be stopped")
 
     def cut_connection(self):
-        """That of the last who has come by ssh."""
+        """Ends the latest ssh connection."""
         os.kill(int((self.folder / "connection").read_text()), signal.SIGKILL)
 
 
@@ -153,7 +153,7 @@ class Refusing(dbus.service.Object):
 
 
 def carry(source, sink):
-    """Passes bytes on late."""
+    """Forwards bytes with a delay."""
     def arrived(*_):
         if data := os.read(source, 65536):
             GLib.timeout_add(WAY, lambda: os.write(sink, data) and False)

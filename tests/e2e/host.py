@@ -2,7 +2,6 @@
 import contextlib
 import re
 import threading
-import time
 from collections import Counter
 from concurrent.futures import Future
 
@@ -36,7 +35,7 @@ class Host:
 
     def __init__(self, address):
         self.calls, self.kept, self.clients, self.tags = [], Counter(), {}, {}
-        self.calls_back, self.code, self.delay, self.last_call, self.halts_at = True, 0, 0, 0.0, ""
+        self.calls_back, self.code, self.delay, self.halts_at = True, 0, 0, ""
         self.halted, self.wakes = threading.Event(), threading.Event()
         self.loop = GLib.MainLoop(GLib.MainContext())
         flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
@@ -51,7 +50,7 @@ class Host:
         self.loop.run()
 
     def halt(self):
-        """Nothing is heard of it any more, until it is woken."""
+        """Blocks its thread until it is woken."""
         self.halted.set()
         self.wakes.wait()
 
@@ -72,7 +71,6 @@ class Host:
 
     def behave(self, sender, call, answer):
         self.calls.append((sender, call))
-        self.last_call = time.monotonic()
         if call.split()[0] == self.halts_at:
             self.halt()
         self.later(answer, self.delay if call == "REGComData" else 0)

@@ -1,4 +1,4 @@
-"""Hosts that leave the bus, stand still for a moment, or wake up late, in each state of a request.
+"""Hosts that leave the bus, freeze for a moment, or wake up late, in each state of a request.
 
 The operator then sees these boxes and no other, the next lookup of another host succeeds in the same process, nothing
 is left of what either side held, and the process ends well with its last client.

@@ -1,5 +1,5 @@
-"""Whole lives of the add-in: those in which a file or a system call fails it, a long one, which changes nothing in its
-process, and those of two that write one register."""
+"""Whole runs of the add-in: with damaged files and failing system calls, with thousands of exchanges in one process,
+which must not grow, and two at once that write one register."""
 import contextlib
 import os
 import re
@@ -35,13 +35,13 @@ def invert(file, page):
     file.write_bytes(content)
 
 
-# A database of texts, what becomes of it, and what the notice says.
+# A database of texts, how it is damaged, and what the notice says.
 DAMAGES = [
     ("Common.LNG", lambda file: os.truncate(file, PAGE), "Common.LNG is not a database, or it is damaged"),
     ("Horalink.lng", lambda file: invert(file, 4), "Horalink.lng is not a database, or it is damaged"),
     ("Horalink.lng", lambda file: file.unlink() or os.mkfifo(file), "Horalink.lng' was not found"),
 ]
-# With room on the disk for all but the last of what a write of the register needs.
+# Lets all but the last write to the register succeed.
 CONFINED = "env", "--ignore-signal=XFSZ", "prlimit", f"--fsize={2 * PAGE}"
 
 
@@ -65,8 +65,8 @@ class Files(OwnHostTest):
         check_register(self, OLD)
 
 
-# Which system calls fail and how; their numbers in the sample of ./check, and in the long form, which goes on past the
-# last. The first reads are the loader's.
+# Which system calls fail and how: the numbers of those in the sample of ./check, and in the long form, which goes past
+# the last call. The loader makes the first reads.
 FAILURES = {
     "pread64:error=EIO": ([20, 28], range(5, 40)),
     "pwrite64:error=EIO": ([3], range(1, 12)),
@@ -82,8 +82,8 @@ class Calls(OwnHostTest):
     """Whatever fails, the add-in neither hangs nor crashes, and the next one finds a register that it can use."""
 
     def test_what_comes_of_it(self):
-        sample, every = ([(failure, str(number)) for failure, kind in FAILURES.items() for number in kind[is_long]]
-                         for is_long in (False, True))
+        sample = [(failure, str(number)) for failure, (numbers, _) in FAILURES.items() for number in numbers]
+        every = [(failure, str(number)) for failure, (_, numbers) in FAILURES.items() for number in numbers]
         trace = testbed.sandbox.folder / "trace"
         for failure, number in chosen(sample, every):
             with self.case(f"{failure}/{number}"):
@@ -98,7 +98,7 @@ class Calls(OwnHostTest):
                 check_register(self, NEW)
 
     def live(self, *prefix):
-        """As far as it comes; whatever box appears is closed."""
+        """Goes as far as the add-in lets it, and closes every box."""
         self.add_in, self.closed, host = self.start([*prefix, testbed.sandbox.add_in, "-Embedding"]), 0, self.join()
         self.until(lambda: testbed.bus.name_has_owner(testbed.ADD_IN_CLASS), "the add-in to serve")
         # A host may try again: a creation that failed leaves nothing.
@@ -120,8 +120,8 @@ class Calls(OwnHostTest):
         return None if "Error" in str(reply) else reply
 
     def until(self, condition, what):
-        """Closes each box, by its last button, which gives up where that is offered, until the condition holds or the
-        add-in has ended."""
+        """Closes every box until the condition holds or the add-in has ended. The last button of a box gives up, if it
+        can."""
         def look():
             with contextlib.suppress(GLib.Error, IndexError):
                 for box in testbed.driver.windows(ADD_IN):

@@ -1,5 +1,4 @@
-// What becomes of a request when its host fails it, in each state: each row of the last table of
-// docs/faults.md is played.
+// Plays each row of the last table of docs/faults.md: what becomes of a request when its host fails it.
 #include <gtest/gtest.h>
 
 #include <algorithm>

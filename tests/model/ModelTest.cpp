@@ -36,10 +36,10 @@ TEST(ModelTest, HoldsInOrdersOfItsOwn) {
         {"hold LoginID", "click 1", "pass 20 s", "call back without ExtraData, nobody's login",
          "call back with ErrCode 99, current login", "answer inside ShowResults", "hang in ShowMessage",
          "call back with ErrCode Null, current login", "die while another is there"},
-        // A click that waits while another one finds its host dead.
+        // A click that waits while another one fails because the host has died.
         {"create for another", "hang in ShowMessage", "click 1", "pass 100 ms", "click 1", "hold CMD",
          "call back with ErrCode 7, login given up", "die alone", "click 0", "pass 1 s"},
-        // A host that dies before it names the logins of two answers, of which the operator gives one up.
+        // A host that dies before the logins of two answers are read, one of which the operator gives up.
         {"answer inside ShowMessage", "click 1", "hang in ShowResults", "hold ShowResults", "pass 100 ms",
          "call back with a read-only Message, login given up", "call back without Count, nobody's login",
          "hang in ShowMessage", "call back refused, nobody's login", "die while another is there"},

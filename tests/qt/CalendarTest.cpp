@@ -27,7 +27,7 @@ TEST_F(CalendarTest, KeysMoveTheDay) {
         {2003, 1, 8, Qt::Key_PageUp, {}, "2002|12|0|"},
         {2003, 10, 8, Qt::Key_PageDown, Qt::ShiftModifier, "2004|10|0|"},
         {2003, 10, 0, Qt::Key_Space, {}, "2003|10|1|"},
-        {2003, 11, 31, Qt::Key_Down, {}, "2003|11|8|"},  // a day that the month lacks is none
+        {2003, 11, 31, Qt::Key_Down, {}, "2003|11|8|"},  // a day that the month doesn't have counts as none
         {9999, 12, 31, Qt::Key_Right, {}, "9999|12|31|"}};
     Widget().setFocus();
     for (const auto& [year, month, day, key, modifiers, result] : cases) {

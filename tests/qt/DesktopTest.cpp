@@ -1,4 +1,4 @@
-// What the desktop gives beside input: the loop, the locale's texts, pictures, and what is read out.
+// The desktop apart from input: the loop, the locale's texts, pictures, and what screen readers say.
 #include "QtFixture.h"
 #include "harness/Files.h"
 #include "platform/qt/QtLocale.h"

@@ -120,7 +120,7 @@ TEST_F(InputTest, EventsMayTakeTheFormAway) {
 }
 
 TEST_F(InputTest, AnArrowStepsWhileItIsHeldUntilAHandlerOrTheReleaseEndsIt) {
-    static constexpr Milliseconds longer = 120ms;  // than the pauses, shorter than an operator's
+    static constexpr Milliseconds longer = 120ms;  // than the auto-repeat takes here
     const QPoint half(0, 6), arrow = PlaceOf("updTime") - half, beside = arrow + 2 * half;
     const auto hold = [&](const std::function<void()>& act) {
         auto& widget = WidgetOf<QAbstractButton>("updTime");

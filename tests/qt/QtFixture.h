@@ -146,7 +146,7 @@ struct FormTest : ::testing::Test {
         const QWidget& widget = WidgetOf(name);
         return widget.mapTo(Window(), widget.rect().center());
     }
-    // Input by way of the window, which may be away when a button is released.
+    // Sends input to the window, which may be closed when a button is released.
     void Press(QPoint place, Qt::MouseButton pressed = Qt::LeftButton) const {
         QTest::mousePress(Handle(), pressed, {}, place);
     }
