@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <sstream>
 #include <system_error>
 
 #include "platform/desktop/BaseDirectories.h"
@@ -18,12 +17,6 @@ namespace {
 constexpr const char* servicesFolder = "dbus-1/services";
 // How the first line begins. Its end differs between versions.
 constexpr const char* mark = "# Made by horalink-setup";
-
-std::string ContentOf(const fs::path& file) {
-    std::ostringstream content;
-    content << platform::OpenToRead(file).rdbuf();
-    return content.str();
-}
 
 void Write(const fs::path& file, const std::string& content) {
     const fs::path draft = file.native() + ".new";  // the bus ignores this name
@@ -56,13 +49,14 @@ fs::path Service::Program() const {
 }
 
 bool Service::IsMadeHere() const {
-    return ContentOf(file).starts_with(mark);
+    return platform::FileContent(file).value_or("").starts_with(mark);
 }
 
 std::optional<Service> FindService(const std::string& name, const std::vector<fs::path>& directories) {
     for (const fs::path& directory : directories) {
         const fs::path file = directory / (name + ".service");
-        if (const auto command = platform::IniValue(ContentOf(file), u"D-BUS Service", u"Exec"))
+        if (const auto command =
+                platform::IniValue(platform::FileContent(file).value_or(""), u"D-BUS Service", u"Exec"))
             return Service{file, platform::ToUtf8(*command)};
     }
     return std::nullopt;

@@ -72,9 +72,7 @@ fs::path ProgramOf(int process) {
 // Judges by the start of the file, as `horalink-lng check` does.
 bool IsPicture(const fs::path& file) {
     using namespace std::string_view_literals;
-    std::string start(1024, '\0');
-    std::ifstream stream = platform::OpenToRead(file);
-    start.resize(static_cast<std::size_t>(stream.read(start.data(), 1024).gcount()));
+    const std::string start = platform::FileContent(file).value_or("").substr(0, 1024);
     const auto begins = [&](std::string_view signature) { return start.starts_with(signature); };
     const auto signatures = {"\x89PNG"sv, "\xff\xd8\xff"sv, "GIF8"sv, "BM"sv, "\0\0\1\0"sv};
     return start.find("<svg") != std::string::npos ||

@@ -1,7 +1,7 @@
 #include "platform/desktop/BaseDirectories.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <sstream>
 
 namespace platform {
 
@@ -10,6 +10,16 @@ namespace fs = std::filesystem;
 std::string Variable(const char* name) {
     const char* value = std::getenv(name);
     return value ? value : "";
+}
+
+std::vector<std::string> Entries(std::string_view list) {
+    std::vector<std::string> entries;
+    while (!list.empty()) {
+        const std::string_view entry = list.substr(0, list.find(':'));
+        entries.emplace_back(entry);
+        list.remove_prefix(std::min(entry.size() + 1, list.size()));
+    }
+    return entries;
 }
 
 fs::path UserDirectory(const char* variable, const char* below) {
@@ -21,10 +31,9 @@ fs::path UserDirectory(const char* variable, const char* below) {
 
 std::vector<fs::path> SiteDirectories(const char* variable, const char* otherwise) {
     const std::string configured = Variable(variable);
-    std::istringstream list(configured.empty() ? otherwise : configured);
     std::vector<fs::path> directories;
-    for (std::string directory; std::getline(list, directory, ':');)
-        if (fs::path(directory).is_absolute()) directories.emplace_back(directory);
+    for (const std::string& entry : Entries(configured.empty() ? otherwise : configured))
+        if (fs::path(entry).is_absolute()) directories.emplace_back(entry);
     return directories;
 }
 

@@ -3,12 +3,16 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace platform {
 
 // An environment variable, empty if it isn't set.
 std::string Variable(const char* name);
+
+// The entries of a list that colons separate.
+std::vector<std::string> Entries(std::string_view list);
 
 // The user's directory: the one that `variable` names, or `below` in the home directory; empty without a
 // home. Ignores relative paths, which would depend on the working directory.

@@ -1,6 +1,5 @@
 #include "platform/desktop/IniSettings.h"
 
-#include <sstream>
 #include <string>
 
 #include "platform/desktop/BaseDirectories.h"
@@ -43,11 +42,9 @@ std::optional<Text> IniValue(std::string_view content, TextView section, TextVie
 
 Text IniSettings::Get(TextView application, TextView section, TextView key, TextView fallback) const {
     for (const auto& file : files_) {
-        // Copies through a stream, since a file that can't be read, such as a directory, must not raise an
-        // error.
-        std::ostringstream content;
-        content << OpenToRead(file).rdbuf();
-        if (auto value = IniValue(content.str(), Text(application).append(u"/").append(section), key))
+        const auto content = FileContent(file);
+        if (!content) continue;
+        if (auto value = IniValue(*content, Text(application).append(u"/").append(section), key))
             return *std::move(value);
     }
     return Text(fallback);

@@ -1,7 +1,6 @@
 #include "platform/desktop/Installation.h"
 
 #include <algorithm>
-#include <sstream>
 #include <system_error>
 
 #include "platform/desktop/BaseDirectories.h"
@@ -62,9 +61,8 @@ fs::path Real(const fs::path& file) {
 }  // namespace
 
 std::vector<Text> WantedLanguages(TextView setting) {
-    std::istringstream list(setting.empty() ? LanguageList() : ToUtf8(setting));
     std::vector<Text> languages;
-    for (std::string locale; std::getline(list, locale, ':');) {
+    for (const std::string& locale : Entries(setting.empty() ? LanguageList() : ToUtf8(setting))) {
         // de_AT.UTF-8@euro: the codeset and the variant don't matter.
         const Text language = FromUtf8(locale.substr(0, locale.find_first_of(".@")));
         Add(languages, language);

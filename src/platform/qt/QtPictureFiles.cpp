@@ -1,7 +1,5 @@
 #include "platform/qt/QtPictureFiles.h"
 
-#include <iterator>
-
 #include "platform/qt/Drawing.h"
 #include "platform/runtime/Paths.h"
 
@@ -14,9 +12,9 @@ Text QtPictureFiles::Dir(TextView path) const {
 forms::PictureRef QtPictureFiles::LoadPicture(TextView path) const {
     const std::filesystem::path real = layers_.Find(path);
     const std::string name = "'" + real.native() + "'";
-    std::ifstream file = OpenToRead(real);
-    if (!file.is_open()) throw RuntimeError(ErrorNumber::FileNotFound, name);
-    auto picture = std::make_shared<forms::Picture>(std::string(std::istreambuf_iterator<char>(file), {}));
+    auto content = FileContent(real);
+    if (!content) throw RuntimeError(ErrorNumber::FileNotFound, name);
+    auto picture = std::make_shared<forms::Picture>(*std::move(content));
     forms::Drawing drawing;
     drawing.Take(picture);
     if (drawing.IsEmpty()) throw RuntimeError(ErrorNumber::InvalidPicture, name);

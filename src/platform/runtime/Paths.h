@@ -3,9 +3,9 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "platform/runtime/Text.h"
 
@@ -30,7 +30,8 @@ Text PathText(const std::filesystem::path& path);
 using Find = std::function<std::filesystem::path(TextView path)>;
 Text Dir(TextView path, const Find& find = [](TextView each) { return RealPath(each); });
 
-// Opens a regular file. The stream isn't open for anything else, such as a pipe, which could block.
-std::ifstream OpenToRead(const std::filesystem::path& file);
+// The content of a regular file. Nothing if it can't be read, and for anything else, such as a pipe, which
+// could block.
+std::optional<std::string> FileContent(const std::filesystem::path& file);
 
 }  // namespace platform
