@@ -12,18 +12,23 @@ namespace platform {
 
 namespace {
 
-// Stops a timer or watch. Deletes it later, since its own call may drop the handle.
+// Stops a timer or watch. Deletes it later if its own call may have dropped the handle.
 template <class Source>
 class SourceHandle : public Handle {
   public:
     explicit SourceHandle(Source& source) : source_(&source) {}
     ~SourceHandle() override {
         if (!source_) return;
-        source_->disconnect();
-        if constexpr (std::is_same_v<Source, QTimer>)
+        if constexpr (std::is_same_v<Source, QTimer>) {
+            if (source_->isSingleShot() && source_->isActive()) {  // not in its own call: that stops it first
+                delete source_.get();
+                return;
+            }
             source_->stop();
-        else
+        } else {
             source_->setEnabled(false);
+        }
+        source_->disconnect();
         source_->deleteLater();
     }
 

@@ -195,11 +195,16 @@ void Connection::Continue() {
     });
 }
 
-// Messages that the library has already read don't make the descriptor readable.
-void Connection::ContinueIfHolding() {
+// True if there is work that doesn't make the descriptor readable, such as messages that the library has
+// read.
+bool Connection::IsHolding() const {
     std::uint64_t held = 0;
     if (!lost_) sd_bus_get_n_queued_read(bus_.get(), &held);
-    if (held > 0 || !due_.empty()) Continue();
+    return held > 0 || !due_.empty();
+}
+
+void Connection::ContinueIfHolding() {
+    if (IsHolding()) Continue();
 }
 
 void Connection::FollowWriteQueue() {
@@ -214,7 +219,7 @@ void Connection::WaitUntil(const std::function<bool()>& done) {
     Wait wait{done, innermost_, nullptr};
     innermost_ = &wait;
     const ScopeExit restore([&] { innermost_ = wait.outer; });
-    Pump();
+    if (IsHolding()) Pump();
     while (!done()) {
         loop_.ServeOnce();
         if (!done()) Pump();

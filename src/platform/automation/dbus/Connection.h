@@ -90,6 +90,7 @@ class Connection {
     bool AnswerIsIn() const;
     void AwaitHandOver();
     void Continue();
+    bool IsHolding() const;
     void ContinueIfHolding();
     void ReceiveUntil(const std::function<bool()>& done);
     bool HasUnsent() const;
