@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QPixmap>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -14,9 +13,6 @@ class QLayout;
 namespace platform {
 
 enum class BoxSign { None, Critical, Question, Exclamation, Information };
-
-// A sign in a square of `side` logical pixels, sharp on a screen of that ratio; null for no sign.
-QPixmap SignPixmap(BoxSign sign, int side, qreal devicePixelRatio);
 
 struct BoxContent {
     struct Button {
