@@ -126,6 +126,7 @@ void Host::Note(sd_bus_message* call, std::string_view member) {
     ++calls_;
     hasRequest_ = hasRequest_ || member == "SendRequest";
     if (member != "Login") return;
+    ++calls_;  // Retain
     RewindToArguments(call);
     Check(sd_bus_message_enter_container(call, 'a', "v"), "no arguments");
     Check(sd_bus_message_skip(call, "v"), "no exchange");
