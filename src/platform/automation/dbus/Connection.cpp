@@ -22,6 +22,8 @@ using std::chrono::steady_clock;
 // After this many steps in a row, timers and painting get their turn.
 constexpr int stepsPerRound = 64;
 constexpr Milliseconds flushLimit{1000};
+// How long timers, painting and input may have to wait for a call: too short to be seen.
+constexpr Milliseconds turnInterval{5};
 // How long an answered wait may hold back all other messages. A wait that hasn't continued by then can't: a
 // nested loop, such as that of an open message box, is running and needs those messages.
 constexpr Milliseconds handOverLimit{20};
@@ -221,10 +223,23 @@ void Connection::WaitUntil(const std::function<bool()>& done) {
     const ScopeExit restore([&] { innermost_ = wait.outer; });
     if (IsHolding()) Pump();
     while (!done()) {
-        loop_.ServeOnce();
+        if (!BusIsFirst()) {
+            loop_.ServeOnce();
+            turn_ = steady_clock::now();
+        }
         if (!done()) Pump();
     }
     ContinueIfHolding();
+}
+
+// Waits for the bus alone, until the loop has to get its turn; false if it has to. Most answers come sooner,
+// and a turn of the loop takes almost as long as a call.
+bool Connection::BusIsFirst() const {
+    if (lost_ || IsHolding()) return false;
+    const auto left = turn_ + turnInterval - steady_clock::now();
+    if (left <= left.zero()) return false;
+    pollfd descriptor{sd_bus_get_fd(bus_.get()), static_cast<short>(sd_bus_get_events(bus_.get())), 0};
+    return poll(&descriptor, 1, static_cast<int>(std::chrono::ceil<Milliseconds>(left).count())) > 0;
 }
 
 void Connection::Flush() {

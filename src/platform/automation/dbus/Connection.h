@@ -1,6 +1,7 @@
 // The connection to the bus, driven by the process's event loop.
 #pragma once
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <list>
@@ -91,6 +92,7 @@ class Connection {
     void AwaitHandOver();
     void Continue();
     bool IsHolding() const;
+    bool BusIsFirst() const;
     void ContinueIfHolding();
     void ReceiveUntil(const std::function<bool()>& done);
     bool HasUnsent() const;
@@ -108,6 +110,7 @@ class Connection {
     std::function<void(const MessageRef&)> called_;
     std::function<void()> whenLost_;
     std::list<OutgoingCall> outgoing_;
+    std::chrono::steady_clock::time_point turn_;  // when the loop last had its turn during a wait
     std::deque<std::function<void()>> due_;
     HandleRef readable_, writable_, continuation_;
     Wait* innermost_ = nullptr;
