@@ -10,7 +10,8 @@
 namespace bench {
 
 inline constexpr const char *addInClass = "Horalink10013.cOLELayer", *exchangeName = "Main Office",
-                            *objectInterface = "org.velmora.Automation1.Object";
+                            *objectInterface = "org.velmora.Automation1.Object",
+                            *responsePath = "/Response";  // of the host's answer
 
 using Bus = std::unique_ptr<sd_bus, decltype(&sd_bus_flush_close_unref)>;
 using Message = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;

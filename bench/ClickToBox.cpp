@@ -1,10 +1,9 @@
-// Measures from a click on the dialog to the resulting message box, with a host that answers at once. The
-// floor is as many Pings, and a click to a box in a program without calls.
+// Measures from a click on the dialog to the resulting message box, with a host that answers at once.
 //
-//   click-to-box RUNS TEXT-DIALOG
+//   click-to-box RUNS BARE-LOOKUP
 //
-// Prints for each click, in milliseconds and without timer steps: click to painted box; as many Pings, and
-// the other program's click to box; first call to end of last call; as many Pings.
+// Prints for each click, in milliseconds: click to painted box without timer steps, of the add-in and of the
+// floor; first call to end of last call, of both.
 #include "Display.h"
 #include "Host.h"
 #include "Measure.h"
@@ -35,50 +34,54 @@ xcb_window_t NextWindow(Host& host, Display& display) {
     return *next;
 }
 
-// As many Pings as the lookup made calls, one after the other.
-Milliseconds Pings(Host& host) {
-    const auto start = Clock::now();
-    for (int left = host.Calls(); left > 0; --left)
-        Ask(host.Connection(), host.AddIn(), "org.freedesktop.DBus.Peer", "Ping");
-    return Clock::now() - start;
-}
+struct Lookup {
+    Milliseconds way, exchange;
+};
 
-Milliseconds FloorsWay(Host& host, Display& display, xcb_window_t window) {
-    const auto click = display.Click(window, buttonX, buttonY);
-    const xcb_window_t box = NextWindow(host, display);
-    const Milliseconds way = display.PaintedAt(box) - click - timerSteps;
-    Await(host, display, [&] { return !display.IsShown(box); });
-    return way;
-}
-
-void MeasureLookup(Host& host, Display& display, xcb_window_t dialog, Milliseconds floorsWay) {
+Lookup MeasureLookup(Host& host, Display& display, xcb_window_t dialog,
+                     const std::function<void()>& serveCalls) {
     host.ForgetCalls();
     const auto click = display.Click(dialog, buttonX, buttonY);
     host.ServeUntil([&] { return host.Calls() > 0; });
     const auto called = Clock::now();
-    host.ServeUntil([&] { return host.OwesAnswer(); });
-    host.AnswerRequest();
+    serveCalls();
     const Milliseconds exchange = Clock::now() - called;
     const xcb_window_t box = NextWindow(host, display);
     const Milliseconds way = display.PaintedAt(box) - click - timerSteps;
     Await(host, display, [&] { return display.HasFocus(box); });
     display.PressEnter();
     Await(host, display, [&] { return !display.IsShown(box); });
-    const Milliseconds pings = Pings(host);
-    bench::PrintRun<4>({way.count(), (pings + floorsWay).count(), exchange.count(), pings.count()});
+    return {way, exchange};
 }
 
-void MeasureLookups(int runs, char** textDialog) {
+// The first lookup of each program loads what the others share; that of the add-in counts its calls.
+void MeasureLookups(int runs, char* bareLookup) {
     Display display;
     Host host;
     const xcb_window_t dialog = NextWindow(host, display);
-    const bench::Program floor(textDialog);
+    const auto answer = [&] {
+        host.ServeUntil([&] { return host.OwesAnswer(); });
+        host.AnswerRequest();
+    };
+    MeasureLookup(host, display, dialog, answer);
+    const int calls = host.Calls();
+    const auto serve = [&] { host.ServeUntil([&] { return host.Calls() == calls; }); };
+
+    std::string name = host.Name(), count = std::to_string(calls);
+    char* const command[] = {bareLookup, name.data(), count.data(), nullptr};
+    const bench::Program floor(command);
     const xcb_window_t floorsDialog = NextWindow(host, display);
-    for (; runs > 0; --runs) MeasureLookup(host, display, dialog, FloorsWay(host, display, floorsDialog));
+    MeasureLookup(host, display, floorsDialog, serve);
+    for (; runs > 0; --runs) {
+        const Lookup least = MeasureLookup(host, display, floorsDialog, serve);
+        const Lookup whole = MeasureLookup(host, display, dialog, answer);
+        bench::PrintRun<4>(
+            {whole.way.count(), least.way.count(), whole.exchange.count(), least.exchange.count()});
+    }
 }
 
 }  // namespace
 
 int main(int, char** arguments) {
-    return bench::Measure([&] { MeasureLookups(std::atoi(arguments[1]), arguments + 2); });
+    return bench::Measure([&] { MeasureLookups(std::atoi(arguments[1]), arguments[2]); });
 }

@@ -13,7 +13,7 @@ using Clock = std::chrono::steady_clock;
 constexpr auto limit = std::chrono::seconds(20);
 constexpr int turn = 100;  // milliseconds
 
-constexpr const char *hostPath = "/Host", *exchangePath = "/Exchange", *responsePath = "/Response";
+constexpr const char *hostPath = "/Host", *exchangePath = "/Exchange";
 constexpr std::int16_t items = 3;
 constexpr const char *values[items] = {"2026", "11/18 WED", "13:02:03"}, *numbers[items] = {"0", "1", "2"};
 

@@ -13,8 +13,8 @@ class Host {
     // Creates the add-in and shows its dialog.
     Host();
 
-    sd_bus* Connection() const { return bus_.get(); }
-    const Reference& AddIn() const { return addIn_; }
+    // Its name on the bus.
+    const std::string& Name() const { return name_; }
 
     // Serves until the condition holds. Checks it after each message and when the other descriptor is
     // readable. Raises std::runtime_error after 20 seconds.
