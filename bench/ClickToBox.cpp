@@ -54,7 +54,8 @@ Lookup MeasureLookup(Host& host, Display& display, xcb_window_t dialog,
     return {way, exchange};
 }
 
-// The first lookup of each program loads what the others share; that of the add-in counts its calls.
+// The first lookup of each program warms it up. The add-in's also counts the calls that the floor has to
+// make.
 void MeasureLookups(int runs, char* bareLookup) {
     Display display;
     Host host;

@@ -54,8 +54,8 @@ class Bench:
         self.sandbox.end(host)
         times, resident, shares = ({name: [each[name][column][0] for each in rounds] for name in commands}
                                   for column in range(3))
-        yield "start", "first paint after a stand-alone start", "ms", times["alone"], times["text"], 1.4
-        yield "start-created", "first paint after a host's creation", "ms", times["created"], times["text"], 1.4
+        yield "start", "time to first paint, started alone", "ms", times["alone"], times["text"], 1.4
+        yield "start-created", "time to first paint, created by a host", "ms", times["created"], times["text"], 1.4
         yield "memory", "resident memory", "KiB", resident["created"], resident["text"], 1.16
         yield "memory-proportional", "proportional memory", "KiB", shares["created"], shares["text"], 1.25
         for peer in list(commands)[3:]:
@@ -70,7 +70,7 @@ class Bench:
     def lookups(self):
         ways, bare_ways, exchanges, bare_exchanges = self.columns("click-to-box", self.runs, self.folder / "bare-lookup")
         yield "click-to-box", "click to painted box, less timer steps", "ms", ways, bare_ways, 1.4
-        yield "exchange", "a lookup's calls, against as many", "ms", exchanges, bare_exchanges, 1.7
+        yield "exchange", "a lookup's calls, against as many bare ones", "ms", exchanges, bare_exchanges, 1.7
 
     def routines(self):
         messages, sqlite, copy, reads = self.columns("routines", self.runs)

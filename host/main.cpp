@@ -121,7 +121,8 @@ void Host::Serve() {
     });
 }
 
-// Only stand-alone runs of the add-in need the class, so the host works without it if another one has it.
+// Serves the exchange object's class beside the window. Without it, because another process owns the name,
+// the host still works: only stand-alone runs of the add-in create that object.
 void Host::ServeBesideWindow() {
     try {
         Serve();

@@ -42,9 +42,8 @@ std::optional<Text> IniValue(std::string_view content, TextView section, TextVie
 
 Text IniSettings::Get(TextView application, TextView section, TextView key, TextView fallback) const {
     for (const auto& file : files_) {
-        const auto content = FileContent(file);
-        if (!content) continue;
-        if (auto value = IniValue(*content, Text(application).append(u"/").append(section), key))
+        const std::string content = FileContent(file).value_or("");
+        if (auto value = IniValue(content, Text(application).append(u"/").append(section), key))
             return *std::move(value);
     }
     return Text(fallback);

@@ -107,7 +107,7 @@ QImage DrawSign(BoxSign sign, qreal devicePixelRatio) {
     return drawing.At(QSize(signSize, signSize), devicePixelRatio).toImage();
 }
 
-// Drawn once. Kept as images, which may outlive the application.
+// Draws each sign once. Keeps images, since a static pixmap would outlive the application.
 QPixmap SignPixmap(BoxSign sign, qreal devicePixelRatio) {
     static std::map<std::pair<BoxSign, qreal>, QImage> drawn;
     QImage& image = drawn[{sign, devicePixelRatio}];

@@ -20,7 +20,7 @@ class SourceHandle : public Handle {
     ~SourceHandle() override {
         if (!source_) return;
         if constexpr (std::is_same_v<Source, QTimer>) {
-            if (source_->isSingleShot() && source_->isActive()) {  // not in its own call: that stops it first
+            if (source_->isSingleShot() && source_->isActive()) {  // hasn't fired, so this isn't its own call
                 delete source_.get();
                 return;
             }

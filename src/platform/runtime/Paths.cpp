@@ -155,7 +155,7 @@ Text Dir(TextView path, const Find& find) {
     return IsNormalFile(file) ? FromUtf8(file.filename().native()) : Text();
 }
 
-// Not by a stream of the C++ library, which would add 0.3 MiB to the process.
+// Avoids C++ streams, which would add 0.4 MiB to the process.
 std::optional<std::string> FileContent(const fs::path& file) {
     if (!IsNormalFile(file)) return std::nullopt;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(std::fopen(file.c_str(), "rbe"),

@@ -22,7 +22,7 @@ using std::chrono::steady_clock;
 // After this many steps in a row, timers and painting get their turn.
 constexpr int stepsPerRound = 64;
 constexpr Milliseconds flushLimit{1000};
-// How long timers, painting and input may have to wait for a call: too short to be seen.
+// The longest that a wait on the bus alone holds up timers, painting and input: too short to notice.
 constexpr Milliseconds turnInterval{5};
 // How long an answered wait may hold back all other messages. A wait that hasn't continued by then can't: a
 // nested loop, such as that of an open message box, is running and needs those messages.
@@ -232,14 +232,18 @@ void Connection::WaitUntil(const std::function<bool()>& done) {
     ContinueIfHolding();
 }
 
-// Waits for the bus alone, until the loop has to get its turn; false if it has to. Most answers come sooner,
+// Waits for the bus alone until the loop's next turn is due; false once it is. Most replies arrive sooner,
 // and a turn of the loop takes almost as long as a call.
 bool Connection::BusIsFirst() const {
     if (lost_ || IsHolding()) return false;
     const auto left = turn_ + turnInterval - steady_clock::now();
-    if (left <= left.zero()) return false;
+    return left > left.zero() && PollBus(left);
+}
+
+// Waits until the bus can be read, or written where that is needed; false after the limit.
+bool Connection::PollBus(steady_clock::duration limit) const {
     pollfd descriptor{sd_bus_get_fd(bus_.get()), static_cast<short>(sd_bus_get_events(bus_.get())), 0};
-    return poll(&descriptor, 1, static_cast<int>(std::chrono::ceil<Milliseconds>(left).count())) > 0;
+    return poll(&descriptor, 1, static_cast<int>(std::chrono::ceil<Milliseconds>(limit).count())) > 0;
 }
 
 void Connection::Flush() {
@@ -279,12 +283,9 @@ void Connection::Leave() {
 void Connection::ReceiveUntil(const std::function<bool()>& done) {
     const auto limit = steady_clock::now() + flushLimit;
     while (!done() && !lost_) {
-        const auto left = std::chrono::duration_cast<Milliseconds>(limit - steady_clock::now());
-        if (left.count() <= 0) break;
-        if (Receive()) continue;
-        const auto events = static_cast<short>(sd_bus_get_events(bus_.get()));
-        pollfd descriptor{sd_bus_get_fd(bus_.get()), events, 0};
-        poll(&descriptor, 1, static_cast<int>(left.count()));
+        const auto left = limit - steady_clock::now();
+        if (left <= left.zero()) break;
+        if (!Receive()) PollBus(left);
     }
 }
 

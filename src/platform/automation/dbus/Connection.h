@@ -93,6 +93,7 @@ class Connection {
     void Continue();
     bool IsHolding() const;
     bool BusIsFirst() const;
+    bool PollBus(std::chrono::steady_clock::duration limit) const;
     void ContinueIfHolding();
     void ReceiveUntil(const std::function<bool()>& done);
     bool HasUnsent() const;
