@@ -251,7 +251,7 @@ class BusTest : public testing::Test {
     std::vector<MessageRef> calls;
     std::function<void(const MessageRef&)> whenCalled;
     BusRef stranger;
-    const HandleRef taking = loop.Every(Milliseconds(1), [this] { TakeCalls(); });
+    HandleRef taking = loop.Every(Milliseconds(1), [this] { TakeCalls(); });
     ObjectRef host;  // of the stranger's, held by the client
 };
 

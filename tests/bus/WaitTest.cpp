@@ -1,4 +1,6 @@
 // What goes on while an outgoing call waits for its answer, and when the bus is lost.
+#include <thread>
+
 #include "BusTest.h"
 #include "platform/automation/Patience.h"
 
@@ -43,6 +45,23 @@ TEST_F(WaitTest, CallsFromInsideCallsAreRefusedAsBusyBeforeTheStackEnds) {
     });
     EXPECT_TRUE(loop.ServeUntil([&] { return *replies.front() != nullptr; }));
     EXPECT_EQ(MessageText(*replies.back()), "Busy i440");
+}
+
+TEST_F(WaitTest, QuickAnswersLeaveTimersTheirTurn) {
+    // From a thread of its own the stranger answers at once, so that no wait ends without an answer.
+    taking.reset();
+    whenCalled = [this](const MessageRef& call) { Answer(call, ""); };
+    const std::jthread answering([this](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            TakeCalls();
+            calls.clear();
+            sd_bus_wait(stranger.get(), 1000);
+        }
+    });
+    bool ticked = false;
+    const HandleRef tick = loop.After(Milliseconds(3), [&] { ticked = true; });
+    for (int made = 0; !ticked && made < 10000; ++made) Call(host, "Anything");
+    EXPECT_TRUE(ticked);
 }
 
 // Both messages lie ready when the client looks: what came first has to take effect first.
