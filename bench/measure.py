@@ -56,7 +56,7 @@ class Bench:
                                   for column in range(3))
         yield "start", "time to first paint, started alone", "ms", times["alone"], times["text"], 1.4
         yield "start-created", "time to first paint, created by a host", "ms", times["created"], times["text"], 1.4
-        yield "memory", "resident memory", "KiB", resident["created"], resident["text"], 1.16
+        yield "memory", "resident memory", "KiB", resident["created"], resident["text"], 1.2
         yield "memory-proportional", "proportional memory", "KiB", shares["created"], shares["text"], 1.25
         for peer in list(commands)[3:]:
             yield f"start-{peer}", f"start, against {peer}", "ms", times["alone"], times[peer], 1
@@ -69,8 +69,8 @@ class Bench:
 
     def lookups(self):
         ways, bare_ways, exchanges, bare_exchanges = self.columns("click-to-box", self.runs, self.folder / "bare-lookup")
-        yield "click-to-box", "click to painted box, less timer steps", "ms", ways, bare_ways, 1.4
-        yield "exchange", "a lookup's calls, against as many bare ones", "ms", exchanges, bare_exchanges, 1.7
+        yield "click-to-box", "click to painted box, less timer steps", "ms", ways, bare_ways, 1.5
+        yield "exchange", "a lookup's calls, against as many bare ones", "ms", exchanges, bare_exchanges, 1.8
 
     def routines(self):
         messages, sqlite, copy, reads = self.columns("routines", self.runs)
