@@ -32,6 +32,21 @@ TEST_F(CallTest, EveryKindTravelsAsPromisedAndComesBackAsItWent) {
         EXPECT_EQ(ErrorOf([&] { Call(object, "Echo", bad); }), 5);
 }
 
+TEST_F(CallTest, AReplyLargerThanTheSocketTakesIsSentOnceTheBusReadsAgain) {
+    const std::string large(20 << 20, 'x');
+    const Reference giver = CreateForStranger(Scripted([&](Arguments&) {
+        kill(bus.daemon, SIGSTOP);
+        events += "given ";
+        return Value(FromUtf8(large));
+    }));
+    const MessageRef& reply = Send(giver, objectInterface, "Invoke", "sqav", "Give", 1, 0);
+    ExpectEvents("given ");
+    EXPECT_FALSE(reply);
+    kill(bus.daemon, SIGCONT);
+    loop.ServeUntil([&] { return reply != nullptr; });
+    EXPECT_TRUE(reply && MessageText(reply) == "<'" + large + "'> []");
+}
+
 TEST_F(CallTest, ByReferenceTakesBackWhatChanged) {
     const ObjectRef object = Created(Scripted([](Arguments& a) {
         a[0] = u"new";
@@ -98,6 +113,7 @@ TEST_F(CallTest, WhatStrangersCallAndPassIsFoundAndConvertedOrRefused) {
         {ask(properties, "Set", "ssv", "", "Tag", "s", "new"), ""},
         {ask(any, "GetAll", "s", typed), "[('Tag' <'new'>)]"},
         {ask(properties, "Get", "ss", typed, "Item"), "UnknownProperty i438"},
+        {ask("org.freedesktop.DBus.Peer", "Ping"), ""},
         {ask("org.example.Other", "Nobody"), "UnknownInterface i438"},
         {Ask(Reference{":1.0", "/Nowhere"}, late, "Retain"), "UnknownObject i462"},
         {echo("y", 255), "<n255> [<n255>]"},

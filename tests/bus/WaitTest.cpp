@@ -167,6 +167,17 @@ TEST_F(WaitTest, APostedCallIsNotWaitedForAndTriedAgainUntilTheBusyLimit) {
     EXPECT_TRUE(boxes.opened.empty() && loop.Holds() == 0);
 }
 
+TEST_F(WaitTest, LeavingRefusesAsBusyWhatArrivesAndServesTheClassNoMore) {
+    const MessageRef& early = Send(factory, factoryInterface, "CreateInstance");
+    RoundTrip();
+    server->Leave();
+    // The process ends without another turn of its loop.
+    RoundTrip();
+    TakeCalls();
+    EXPECT_TRUE(early && MessageText(early).starts_with("Busy "));
+    EXPECT_EQ(ErrorOf([&] { client->CreateObject(u"Test.cScripted"); }), 429);
+}
+
 // In a call, and between two attempts.
 struct LossTest : BusTest, testing::WithParamInterface<bool> {};
 INSTANTIATE_TEST_SUITE_P(Twice, LossTest, testing::Bool());
