@@ -121,8 +121,8 @@ void Host::Serve() {
     });
 }
 
-// Serves the exchange object's class beside the window. Without it, because another process owns the name,
-// the host still works: only stand-alone runs of the add-in create that object.
+// Serves the exchange object's class beside the window. If another process owns its name, tells the operator
+// and goes on: only add-ins that were started alone create that object.
 void Host::ServeBesideWindow() {
     try {
         Serve();

@@ -48,7 +48,7 @@ TEST_F(WaitTest, CallsFromInsideCallsAreRefusedAsBusyBeforeTheStackEnds) {
 }
 
 TEST_F(WaitTest, QuickAnswersLeaveTimersTheirTurn) {
-    // From a thread of its own the stranger answers at once, so that no wait ends without an answer.
+    // The stranger answers on its own thread, so that replies arrive before the loop's turn is due.
     taking.reset();
     whenCalled = [this](const MessageRef& call) { Answer(call, ""); };
     const std::jthread answering([this](const std::stop_token& stop) {
@@ -171,7 +171,7 @@ TEST_F(WaitTest, LeavingRefusesAsBusyWhatArrivesAndServesTheClassNoMore) {
     const MessageRef& early = Send(factory, factoryInterface, "CreateInstance");
     RoundTrip();
     server->Leave();
-    // The process ends without another turn of its loop.
+    // The server's loop isn't served again, as at the end of the process.
     RoundTrip();
     TakeCalls();
     EXPECT_TRUE(early && MessageText(early).starts_with("Busy "));

@@ -11,7 +11,7 @@ namespace platform {
 // An environment variable, empty if it isn't set.
 std::string Variable(const char* name);
 
-// The entries of a list that colons separate.
+// Splits a list at its colons.
 std::vector<std::string> Entries(std::string_view list);
 
 // The user's directory: the one that `variable` names, or `below` in the home directory; empty without a

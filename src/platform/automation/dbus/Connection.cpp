@@ -223,7 +223,7 @@ void Connection::WaitUntil(const std::function<bool()>& done) {
     const ScopeExit restore([&] { innermost_ = wait.outer; });
     if (IsHolding()) Pump();
     while (!done()) {
-        if (!BusIsFirst()) {
+        if (!AwaitBus()) {
             loop_.ServeOnce();
             turn_ = steady_clock::now();
         }
@@ -232,9 +232,9 @@ void Connection::WaitUntil(const std::function<bool()>& done) {
     ContinueIfHolding();
 }
 
-// Waits for the bus alone until the loop's next turn is due; false once it is. Most replies arrive sooner,
-// and a turn of the loop takes almost as long as a call.
-bool Connection::BusIsFirst() const {
+// Waits for the bus alone. Returns false once the loop's next turn is due. Most replies arrive sooner, and a
+// turn of the loop takes almost as long as a call.
+bool Connection::AwaitBus() const {
     if (lost_ || IsHolding()) return false;
     const auto left = turn_ + turnInterval - steady_clock::now();
     return left > left.zero() && PollBus(left);

@@ -92,7 +92,7 @@ class Connection {
     void AwaitHandOver();
     void Continue();
     bool IsHolding() const;
-    bool BusIsFirst() const;
+    bool AwaitBus() const;
     bool PollBus(std::chrono::steady_clock::duration limit) const;
     void ContinueIfHolding();
     void ReceiveUntil(const std::function<bool()>& done);
